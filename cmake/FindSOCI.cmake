@@ -1,0 +1,27 @@
+# Finds SOCI, which Debian ships without a CMake package. Components are back ends: sqlite3, postgresql. Each gives a
+# target SOCI::<component>; the core is SOCI::core.
+
+find_path(SOCI_INCLUDE_DIR soci/soci.h)
+find_library(SOCI_core_LIBRARY soci_core)
+set(_soci_needed SOCI_INCLUDE_DIR SOCI_core_LIBRARY)
+foreach(_component IN LISTS SOCI_FIND_COMPONENTS)
+  find_library(SOCI_${_component}_LIBRARY soci_${_component})
+  list(APPEND _soci_needed SOCI_${_component}_LIBRARY)
+endforeach()
+
+include(FindPackageHandleStandardArgs)
+find_package_handle_standard_args(SOCI REQUIRED_VARS ${_soci_needed})
+
+if(SOCI_FOUND AND NOT TARGET SOCI::core)
+  add_library(SOCI::core UNKNOWN IMPORTED)
+  set_target_properties(SOCI::core PROPERTIES
+    IMPORTED_LOCATION ${SOCI_core_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${SOCI_INCLUDE_DIR})
+  foreach(_component IN LISTS SOCI_FIND_COMPONENTS)
+    add_library(SOCI::${_component} UNKNOWN IMPORTED)
+    set_target_properties(SOCI::${_component} PROPERTIES
+      IMPORTED_LOCATION ${SOCI_${_component}_LIBRARY}
+      INTERFACE_LINK_LIBRARIES SOCI::core)
+  endforeach()
+endif()
+mark_as_advanced(SOCI_INCLUDE_DIR SOCI_core_LIBRARY)

@@ -1,0 +1,44 @@
+# What every target of the project has in common.
+
+set(velora_sanitizers "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
+
+# velora_target(TARGET): C++20 without extensions, warnings as errors, everything hidden that is not marked.
+function(velora_target target)
+  target_compile_features(${target} PRIVATE cxx_std_20)
+  set_target_properties(${target} PROPERTIES
+    CXX_EXTENSIONS OFF
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON
+    POSITION_INDEPENDENT_CODE ON)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual -Wnon-virtual-dtor
+    -Woverloaded-virtual -Wundef
+    # A unique symbol would keep the library in memory after it was unloaded. Clang makes none.
+    $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique -Wshadow=local>
+    $<$<CXX_COMPILER_ID:Clang>:-Wshadow>)
+  if(velora_sanitizers)
+    # Without the check of dynamic types: SOCI does not export the type information that it needs.
+    target_compile_options(${target} PRIVATE
+      -fsanitize=${velora_sanitizers} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PRIVATE -fsanitize=${velora_sanitizers})
+  endif()
+endfunction()
+
+# velora_exports(TARGET LIST): exports what the linker's version script LIST names, and no instantiation of a template
+# of the standard library beside it.
+function(velora_exports target list)
+  if(NOT WIN32)
+    target_link_options(${target} PRIVATE -Wl,--version-script=${list})
+    set_target_properties(${target} PROPERTIES LINK_DEPENDS ${list})
+  endif()
+endfunction()
+
+# velora_platform_library(TARGET ROOT): a vendor's library of that name under the prefix ROOT, as the target that stands
+# for it.
+function(velora_platform_library target root)
+  find_library(${target}_LIBRARY ${target} PATHS ${root} PATH_SUFFIXES lib NO_DEFAULT_PATH REQUIRED)
+  add_library(${target} UNKNOWN IMPORTED GLOBAL)
+  set_target_properties(${target} PROPERTIES
+    IMPORTED_LOCATION ${${target}_LIBRARY}
+    INTERFACE_INCLUDE_DIRECTORIES ${root}/include)
+endfunction()

@@ -1,0 +1,8 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+/// Whether the file of frames that a section names lies on this computer: under the path as it was written at the
+/// microscope, or under its bare name in the folder of the .mdoc file.
+bool FramesOnDisk(const std::string& subFramePath, const std::filesystem::path& folder);

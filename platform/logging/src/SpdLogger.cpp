@@ -1,0 +1,74 @@
+#include "Lines.h"
+
+#include <VeloraInfraLogging/Logger.h>
+
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/sinks/stdout_sinks.h>
+#include <spdlog/spdlog.h>
+
+#include <cstdlib>
+#include <mutex>
+#include <stdexcept>
+
+namespace Quor::Velora::Infra::Logging {
+
+Logger::~Logger() = default;
+
+namespace {
+
+/// Writes to the file that VELORA_LOG_FILE names when the first line comes, else to standard error.
+class SpdLogger final : public Logger {
+ public:
+  void WriteInfo(const std::wstring& source, const std::string& message) override {
+    Write(spdlog::level::info, source, message);
+  }
+  void WriteWarning(const std::wstring& source, const std::string& message) override {
+    Write(spdlog::level::warn, source, message);
+  }
+  void WriteError(const std::wstring& source, const std::string& message) override {
+    Write(spdlog::level::err, source, message);
+  }
+
+ private:
+  void Write(spdlog::level::level_enum level, const std::wstring& source, const std::string& message) {
+    std::call_once(opened, [this] { logger = Open(); });  // tried again at the next line when it raises
+    logger->log(level, LineText(source, message));
+  }
+
+  static spdlog::sink_ptr SinkFor(const std::string& file) {
+    if (file.empty()) {
+      return std::make_shared<spdlog::sinks::stderr_sink_mt>();
+    }
+    return std::make_shared<spdlog::sinks::basic_file_sink_mt>(file);
+  }
+
+  static std::unique_ptr<spdlog::logger> Open() {
+    const char* const variable = std::getenv("VELORA_LOG_FILE");
+    const std::string file = variable == nullptr ? "" : variable;
+    const std::string target = file.empty() ? "standard error" : "the log file '" + file + "' (VELORA_LOG_FILE)";
+    std::unique_ptr<spdlog::logger> made;
+    try {
+      made = std::make_unique<spdlog::logger>("velora", SinkFor(file));
+    } catch (const spdlog::spdlog_ex& reason) {
+      throw std::runtime_error(target + " cannot be opened: " + reason.what());
+    }
+    made->set_pattern("%Y-%m-%dT%H:%M:%S.%f%z [%l] %v");
+    made->flush_on(spdlog::level::trace);
+    made->set_error_handler([target](const std::string& reason) {
+      throw std::runtime_error("log line cannot be written to " + target + ": " + reason);
+    });
+    return made;
+  }
+
+  std::once_flag opened;
+  std::unique_ptr<spdlog::logger> logger;
+};
+
+}  // namespace
+
+std::shared_ptr<Logger> Logger::GetInstance() {
+  static const std::shared_ptr<Logger> logger = std::make_shared<SpdLogger>();
+  return logger;
+}
+
+}  // namespace Quor::Velora::Infra::Logging

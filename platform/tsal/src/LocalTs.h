@@ -1,0 +1,25 @@
+#pragma once
+
+#include "Session.h"
+
+#include <TSAL/Types.h>
+
+#include <memory>
+#include <string>
+
+// The state of the local TS, which is the state of the process: the folder of the settings and the session begun last.
+// Safe to use from several threads.
+
+namespace Quor::TolvaServices::Local {
+
+void SetSettingsFolder(const std::string& folder);
+Settings CurrentSettings();
+
+/// Begins a session; the one begun before stays the current one when that raises.
+std::shared_ptr<Session> BeginSession(const std::string& text1, const std::string& text2, const std::string& text3);
+
+/// The session that a handle stands for.
+/// @throws TsError when the handle is empty and no session was begun.
+std::shared_ptr<Session> SessionOf(const Types::SessionHandle& handle);
+
+}  // namespace Quor::TolvaServices::Local

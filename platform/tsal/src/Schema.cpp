@@ -1,0 +1,145 @@
+#include "Schema.h"
+
+#include "StoredTime.h"
+
+#include <soci/soci.h>
+
+#include <string>
+
+namespace Quor::TolvaServices::Local {
+namespace {
+
+// Described in docs/local-ts.md, table by table; keep the two together.
+constexpr const char* statements[] = {
+    R"(CREATE TABLE ts_schema (
+         version    INTEGER NOT NULL,
+         created_at TEXT NOT NULL))",
+
+    R"(CREATE TABLE sessions (
+         session_id INTEGER PRIMARY KEY,
+         guid       TEXT NOT NULL UNIQUE,
+         instrument TEXT NOT NULL,
+         host       TEXT NOT NULL,
+         began_at   TEXT NOT NULL,
+         text1      TEXT NOT NULL,
+         text2      TEXT NOT NULL,
+         text3      TEXT NOT NULL))",
+
+    R"(CREATE TABLE activities (
+         activity_id INTEGER PRIMARY KEY,
+         guid        TEXT NOT NULL UNIQUE,
+         name        TEXT NOT NULL,
+         description TEXT NOT NULL,
+         UNIQUE (name, description)))",
+
+    R"(CREATE TABLE activity_versions (
+         version_id  INTEGER PRIMARY KEY,
+         guid        TEXT NOT NULL UNIQUE,
+         activity_id INTEGER NOT NULL REFERENCES activities,
+         name        TEXT NOT NULL,
+         version     TEXT NOT NULL,
+         description TEXT NOT NULL,
+         UNIQUE (activity_id, name, version, description)))",
+
+    R"(CREATE TABLE registrations (
+         session_id    INTEGER NOT NULL REFERENCES sessions,
+         version_id    INTEGER NOT NULL REFERENCES activity_versions,
+         file          TEXT NOT NULL,
+         registered_at TEXT NOT NULL))",
+    "CREATE INDEX registrations_by_session ON registrations (session_id)",
+
+    R"(CREATE TABLE configurations (
+         configuration_id   INTEGER PRIMARY KEY,
+         guid               TEXT NOT NULL UNIQUE,
+         session_id         INTEGER NOT NULL REFERENCES sessions,
+         saved_at           TEXT NOT NULL,
+         configuration_text TEXT NOT NULL,
+         text2              TEXT NOT NULL,
+         vendor_name        TEXT NOT NULL,
+         host_name          TEXT NOT NULL,
+         option_text        TEXT NOT NULL,
+         instrument_class   TEXT NOT NULL,
+         model_name         TEXT NOT NULL,
+         text8              TEXT NOT NULL,
+         text9              TEXT NOT NULL))",
+    "CREATE INDEX configurations_by_time ON configurations (saved_at)",
+
+    R"(CREATE TABLE executions (
+         execution_id INTEGER PRIMARY KEY,
+         guid         TEXT NOT NULL UNIQUE,
+         parent_id    INTEGER REFERENCES executions,
+         root_id      INTEGER NOT NULL REFERENCES executions,
+         session_id   INTEGER NOT NULL REFERENCES sessions,
+         version_id   INTEGER REFERENCES activity_versions,
+         node         TEXT NOT NULL,
+         description  TEXT NOT NULL,
+         kind         INTEGER NOT NULL,
+         started_at   TEXT NOT NULL))",
+    "CREATE INDEX executions_by_parent ON executions (parent_id)",
+    "CREATE INDEX executions_by_root ON executions (root_id)",
+    "CREATE INDEX executions_by_time ON executions (started_at)",
+
+    R"(CREATE TABLE statuses (
+         status_id    INTEGER PRIMARY KEY,
+         execution_id INTEGER NOT NULL REFERENCES executions,
+         session_id   INTEGER NOT NULL REFERENCES sessions,
+         code         INTEGER NOT NULL,
+         at           TEXT NOT NULL))",
+    "CREATE INDEX statuses_by_execution ON statuses (execution_id, status_id)",
+
+    R"(CREATE TABLE events (
+         event_id         INTEGER PRIMARY KEY,
+         session_id       INTEGER NOT NULL REFERENCES sessions,
+         execution_id     INTEGER REFERENCES executions,
+         configuration_id INTEGER REFERENCES configurations,
+         name             TEXT NOT NULL,
+         at               TEXT NOT NULL))",
+    "CREATE INDEX events_by_execution ON events (execution_id, event_id)",
+    "CREATE INDEX events_by_time ON events (at)",
+
+    R"(CREATE TABLE parameters (
+         event_id     INTEGER NOT NULL REFERENCES events,
+         position     INTEGER NOT NULL,
+         name         TEXT NOT NULL,
+         kind         TEXT NOT NULL,
+         value_text   TEXT,
+         value_number REAL,
+         PRIMARY KEY (event_id, position)) WITHOUT ROWID)",
+
+    R"(CREATE VIEW execution_states AS
+       SELECT e.execution_id, e.guid, e.parent_id, e.root_id, e.session_id, n.instrument,
+              v.name AS activity_version, e.node, e.description, e.kind, e.started_at,
+              s.code AS status, s.at AS status_at
+       FROM executions e
+       JOIN sessions n ON n.session_id = e.session_id
+       JOIN statuses s ON s.status_id = (SELECT MAX(status_id) FROM statuses WHERE execution_id = e.execution_id)
+       LEFT JOIN activity_versions v ON v.version_id = e.version_id)",
+
+    R"(CREATE VIEW unfinished AS
+       WITH RECURSIVE open(execution_id) AS (
+         SELECT execution_id FROM execution_states WHERE status = 4
+         UNION
+         SELECT e.parent_id FROM executions e JOIN open o ON o.execution_id = e.execution_id
+         WHERE e.parent_id IS NOT NULL)
+       SELECT x.* FROM execution_states x JOIN open o ON o.execution_id = x.execution_id)",
+
+    R"(CREATE VIEW readings AS
+       SELECT x.root_id, x.parent_id, x.execution_id, x.node, e.event_id, e.name AS event, e.at,
+              p.position, p.name AS parameter, p.kind, p.value_text, p.value_number
+       FROM parameters p
+       JOIN events e ON e.event_id = p.event_id
+       LEFT JOIN executions x ON x.execution_id = e.execution_id)",
+};
+
+}  // namespace
+
+void CreateSchema(soci::session& sql) {
+  for (const char* statement : statements) {
+    sql << statement;
+  }
+  const std::string now = ToStoredTime({});
+  sql << "INSERT INTO ts_schema (version, created_at) VALUES (:version, :created)", soci::use(schemaVersion),
+      soci::use(now);
+}
+
+}  // namespace Quor::TolvaServices::Local

@@ -1,0 +1,52 @@
+#include "Session.h"
+
+#include "Guid.h"
+#include "StoredText.h"
+#include "StoredTime.h"
+
+#include <utility>
+
+namespace Quor::TolvaServices::Local {
+
+Session::Session(const Settings& settings, const std::string& text1, const std::string& text2, const std::string& text3)
+    : database(settings.database), guid(NewGuid()) {
+  row = Run([&](Connection& connection) {
+    Transaction transaction(connection.Sql());
+    const std::string instrument = ToStoredText(settings.instrument);
+    const std::string host = ToStoredText(ComputerName());
+    const std::string now = ToStoredTime({});
+    const std::string stored1 = ToStoredText(text1);
+    const std::string stored2 = ToStoredText(text2);
+    const std::string stored3 = ToStoredText(text3);
+    connection.Sql() << "INSERT INTO sessions (guid, instrument, host, began_at, text1, text2, text3) "
+                        "VALUES (:guid, :instrument, :host, :began, :text1, :text2, :text3)",
+        soci::use(guid), soci::use(instrument), soci::use(host), soci::use(now), soci::use(stored1), soci::use(stored2),
+        soci::use(stored3);
+    const long long inserted = LastRow(connection.Sql());
+    transaction.Commit();
+    return inserted;
+  });
+}
+
+std::unique_ptr<Connection> Session::Take() {
+  {
+    const std::lock_guard lock(mutex);
+    if (!idle.empty()) {
+      std::unique_ptr<Connection> connection = std::move(idle.back());
+      idle.pop_back();
+      return connection;
+    }
+  }
+  return std::make_unique<Connection>(database);
+}
+
+void Session::Keep(std::unique_ptr<Connection> connection) noexcept {
+  try {
+    const std::lock_guard lock(mutex);
+    idle.push_back(std::move(connection));
+  } catch (...) {
+    // The operation has succeeded, and stays so; the next one opens a connection of its own.
+  }
+}
+
+}  // namespace Quor::TolvaServices::Local

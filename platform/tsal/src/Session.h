@@ -1,0 +1,50 @@
+#pragma once
+
+#include "Connection.h"
+#include "Settings.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace Quor::TolvaServices::Local {
+
+/// A session of the local TS: the database that it began with, and its row there.
+///
+/// Each operation works on a connection of its own, so that operations of different threads wait on one another no
+/// longer than the database makes them. Connections are kept for the next operation.
+class Session {
+ public:
+  /// Records a new session in the database that the settings name.
+  Session(const Settings& settings, const std::string& text1, const std::string& text2, const std::string& text3);
+
+  long long Row() const { return row; }
+  const std::string& Guid() const { return guid; }
+
+  /// Runs an operation on a connection and returns its result. What the database layer raises becomes a TsError that
+  /// names the database; a connection on which something was raised is closed.
+  template <typename Operation>
+  auto Run(Operation operation) {
+    std::unique_ptr<Connection> connection = Take();
+    try {
+      auto result = operation(*connection);
+      Keep(std::move(connection));
+      return result;
+    } catch (const soci::soci_error& reason) {
+      Connection::Fail(database, reason);
+    }
+  }
+
+ private:
+  std::unique_ptr<Connection> Take();
+  void Keep(std::unique_ptr<Connection> connection) noexcept;
+
+  const std::string database;
+  const std::string guid;
+  long long row = 0;
+  std::mutex mutex;
+  std::vector<std::unique_ptr<Connection>> idle;  // guarded by mutex
+};
+
+}  // namespace Quor::TolvaServices::Local

@@ -1,0 +1,41 @@
+#include "Settings.h"
+
+#include "XmlFile.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <filesystem>
+#include <iterator>
+
+namespace Quor::TolvaServices::Local {
+
+Settings ReadSettings(const std::string& folder) {
+  // Absolute, since a session keeps its database when the current directory changes.
+  const std::filesystem::path file = std::filesystem::absolute(std::filesystem::path(folder) / "TSAL.config");
+  const XmlFile xml(file.string(), "TSAL");
+  xml.ExpectAttributes(xml.Root(), {"Instrument"});
+  xml.ExpectElements(xml.Root(), "Database");
+  const auto databases = xml.Root().children("Database");
+  if (std::distance(databases.begin(), databases.end()) != 1) {
+    xml.Fail(databases.begin() == databases.end() ? xml.Root() : *std::next(databases.begin()),
+             "expected one element 'Database' in 'TSAL'");
+  }
+  const pugi::xml_node database = *databases.begin();
+  xml.ExpectAttributes(database, {"Backend", "Connection"});
+  xml.ExpectElements(database, "");
+  const std::string backend = xml.Required(database, "Backend");
+  if (backend != "sqlite3") {
+    xml.Fail(database, "unknown Backend '" + backend + "'; expected 'sqlite3'");
+  }
+  const std::string instrument = xml.Root().attribute("Instrument").value();
+  return {instrument.empty() ? ComputerName() : instrument,
+          (file.parent_path() / xml.Required(database, "Connection")).lexically_normal().string()};
+}
+
+std::string ComputerName() {
+  std::array<char, 257> buffer{};
+  return gethostname(buffer.data(), buffer.size() - 1) == 0 && buffer[0] != '\0' ? buffer.data() : "unknown";
+}
+
+}  // namespace Quor::TolvaServices::Local

@@ -1,0 +1,89 @@
+#include "XmlFile.h"
+
+#include "WholeFile.h"
+
+#include <TSAL/Error.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace Quor::TolvaServices::Local {
+namespace {
+
+constexpr std::uintmax_t largestFile = std::uintmax_t{16} * 1024 * 1024;
+
+std::string InQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+std::string ListOf(std::initializer_list<const char*> names) {
+  std::string list;
+  for (const char* name : names) {
+    list += (list.empty() ? "" : ", ") + InQuotes(name);
+  }
+  return list.empty() ? "none" : list;
+}
+
+}  // namespace
+
+XmlFile::XmlFile(const std::string& path, const char* rootName)
+    : path(path), content(ReadWholeFile(path, largestFile)) {
+  const std::string expected = "expected one element " + InQuotes(rootName);
+  // As a fragment, so that text and further elements beside the root are seen and refused.
+  const pugi::xml_parse_result parsed = document.load_buffer(
+      content.data(), content.size(), pugi::parse_default | pugi::parse_fragment, pugi::encoding_utf8);
+  if (!parsed) {
+    FailAtOffset(parsed.offset, std::string("not well-formed XML: ") + parsed.description());
+  }
+  for (const pugi::xml_node node : document.children()) {
+    if (root || std::string_view(node.name()) != rootName) {
+      Fail(node, "unexpected " + InQuotes(*node.name() != '\0' ? node.name() : node.value()) + "; " + expected);
+    }
+    root = node;
+  }
+  if (!root) {
+    FailAtOffset(0, "no element in the file; " + expected);
+  }
+}
+
+void XmlFile::ExpectAttributes(pugi::xml_node element, std::initializer_list<const char*> names) const {
+  for (const pugi::xml_attribute attribute : element.attributes()) {
+    const std::string_view name = attribute.name();
+    if (std::find(names.begin(), names.end(), name) == names.end()) {
+      Fail(element,
+           InQuotes(element.name()) + " has an unknown attribute " + InQuotes(name) + "; expected: " + ListOf(names));
+    }
+    if (element.attribute(attribute.name()) != attribute) {
+      Fail(element, InQuotes(element.name()) + " has the attribute " + InQuotes(name) + " twice; expected it once");
+    }
+  }
+}
+
+void XmlFile::ExpectElements(pugi::xml_node element, const char* name) const {
+  for (const pugi::xml_node child : element.children()) {
+    const std::string_view found = child.name();
+    const std::string expected = *name == '\0' ? "nothing" : "elements " + InQuotes(name);
+    if (child.type() != pugi::node_element) {
+      Fail(child, "unexpected text " + InQuotes(child.value()) + "; expected " + expected);
+    }
+    if (found != name) {
+      Fail(child, "unknown element " + InQuotes(found) + "; expected " + expected);
+    }
+  }
+}
+
+std::string XmlFile::Required(pugi::xml_node element, const char* name) const {
+  std::string value = element.attribute(name).value();
+  if (value.empty()) {
+    Fail(element, InQuotes(element.name()) + " has no " + InQuotes(name) + "; expected " + name + "=\"...\"");
+  }
+  return value;
+}
+
+void XmlFile::Fail(pugi::xml_node at, const std::string& text) const { FailAtOffset(at.offset_debug(), text); }
+
+void XmlFile::FailAtOffset(std::ptrdiff_t offset, const std::string& text) const {
+  const auto end = content.begin() + std::clamp<std::ptrdiff_t>(offset, 0, static_cast<std::ptrdiff_t>(content.size()));
+  const auto line = 1 + std::count(content.begin(), end, '\n');
+  throw TsError("file '" + path + "', line " + std::to_string(line) + ": " + text);
+}
+
+}  // namespace Quor::TolvaServices::Local

@@ -1,0 +1,41 @@
+#include "core/ProcessState.h"
+#include "core/SettingsSearch.h"
+#include "core/TraceScope.h"
+#include "core/TsLogging.h"
+#include "gateway/CurrentGateway.h"
+
+namespace Quor::Velora::Infra::TsLogging {
+namespace {
+
+// The search decides what TS is told and the error line; the answer is TS's alone.
+bool IsTsConnectable(const TraceScope& scope, const std::string& activitiesFile) {
+  const std::filesystem::path dataRoot = TsLogging::GetDataRootDirectory();
+  const SettingsPlace place = FindSettings(dataRoot, activitiesFile);
+  if (place == SettingsPlace::Nowhere) {
+    scope.WriteError(settingsNotFound);
+  } else {
+    const std::string tsalPath = TsalPathOf(place, dataRoot);
+    GetTolvaServicesClass()->SetTsalPath(tsalPath);
+  }
+  return GetTolvaServicesClass()->IsConnectable();
+}
+
+}  // namespace
+
+bool TsLogging::CheckTsServiceAvailability(const std::string& activitiesFile) {
+  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::CheckTsServiceAvailability");
+  bool usable = GetTolvaServicesClass()->IsTsServicePresent();
+  if (usable) {
+    try {
+      usable = IsTsConnectable(scope, activitiesFile);
+    } catch (...) {
+      usable = false;  // a host without a working TS goes on without it
+    }
+  }
+  tsSupported = usable;
+  return usable;
+}
+
+bool TsLogging::IsTsSupported() { return tsSupported; }
+
+}  // namespace Quor::Velora::Infra::TsLogging

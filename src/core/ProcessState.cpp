@@ -1,0 +1,38 @@
+#include "core/ProcessState.h"
+
+namespace Quor::Velora::Infra::TsLogging {
+
+// The order counts. Objects of one file are destroyed in reverse: what a destructor of a host's object may still use
+// when it calls back in while the library unloads stands before the slots that hold such objects.
+
+const std::wstring sourceName = L"Velora.TsLogging";
+const std::string settingsFileName = "TSAL.config";
+const std::string defaultActivitiesFile = "activities.xml";
+
+std::recursive_mutex instanceMutex;
+std::recursive_mutex gatewayMutex;
+std::atomic<bool> tsSupported = false;
+ActivityVersionMap activityVersions;
+std::map<std::string, TolvaServices::Types::InstrumentEvent> pendingInstrumentEvents;
+std::string parentActivityExecGuid;
+TolvaServices::Types::InstrumentEventConfigResult instrumentConfigResult;
+
+std::shared_ptr<ITolvaServicesClass> currentGateway;
+std::shared_ptr<ITsLogging> instanceSlot;
+std::weak_ptr<IFactory> factorySlot;
+
+namespace {
+
+// At unload the slots are emptied in this order. Emptying a slot comes before the release of what it held, so a
+// destructor that looks finds it empty rather than half gone.
+struct ReleaseAtUnload {
+  ~ReleaseAtUnload() {
+    factorySlot.reset();
+    instanceSlot.reset();
+    currentGateway.reset();
+  }
+} const releaseAtUnload;
+
+}  // namespace
+
+}  // namespace Quor::Velora::Infra::TsLogging

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <TSAL/Types.h>
+#include <VeloraTsLogging/IFactory.h>
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+// All state of the component, which is the state of the process. No other file has a mutable object of static storage.
+// Lock order: instanceMutex before gatewayMutex.
+
+namespace Quor::Velora::Infra::TsLogging {
+
+// Constants.
+extern const std::wstring sourceName;            // under which every line is written
+extern const std::string settingsFileName;       // what TSAL reads
+extern const std::string defaultActivitiesFile;  // where a caller names none
+
+// Guarded by a lock. Every read and every write of a slot happens while its mutex is held.
+extern std::recursive_mutex instanceMutex;
+extern std::shared_ptr<ITsLogging> instanceSlot;  // written by GetInstance and SetInstance; read by GetInstance
+extern std::recursive_mutex gatewayMutex;
+extern std::shared_ptr<ITolvaServicesClass> currentGateway;  // written and read by the gateway slot's two operations
+
+// Read by every operation without a lock, written by each availability check as its last step.
+extern std::atomic<bool> tsSupported;
+
+// Without a lock: callers never run two operations at once.
+extern std::weak_ptr<IFactory> factorySlot;  // written and read by GetFactory and SetFactory
+extern ActivityVersionMap activityVersions;  // written by registration and by look-ups of unknown names
+extern std::map<std::string, TolvaServices::Types::InstrumentEvent> pendingInstrumentEvents;  // the event operations
+extern std::string parentActivityExecGuid;                                        // read by the creation of executions
+extern TolvaServices::Types::InstrumentEventConfigResult instrumentConfigResult;  // written by each configuration save
+
+}  // namespace Quor::Velora::Infra::TsLogging

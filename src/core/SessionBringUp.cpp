@@ -1,0 +1,31 @@
+#include "core/ProcessState.h"
+#include "core/SessionStart.h"
+#include "core/SettingsSearch.h"
+#include "core/TraceScope.h"
+#include "core/TsLogging.h"
+#include "gateway/CurrentGateway.h"
+#include "instrument/InstrumentConfiguration.h"
+
+namespace Quor::Velora::Infra::TsLogging {
+
+void TsLogging::CreateTsLoggingSession(const std::string& instrumentConfigFile, const std::string& activitiesFile) {
+  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::CreateTsLoggingSession");
+  if (!CheckTsServiceAvailability(activitiesFile)) {
+    return;
+  }
+  const std::filesystem::path dataRoot = GetDataRootDirectory();
+  const SettingsPlace place = FindSettings(dataRoot, activitiesFile);
+  if (place == SettingsPlace::Nowhere) {
+    scope.WriteError(settingsNotFound);
+    return;
+  }
+  const std::string tsalPath = TsalPathOf(place, dataRoot);
+  GetTolvaServicesClass()->SetTsalPath(tsalPath);
+  StartTsSession();
+  RegisterActivitiesFile(FileIn(place, dataRoot, activitiesFile));
+  const std::string configurationPath = FileIn(place, dataRoot, instrumentConfigFile);
+  const std::string configurationText = GetTolvaServicesClass()->ReadAllTextFromFile(configurationPath);
+  SaveInstrumentConfiguration(configurationText);
+}
+
+}  // namespace Quor::Velora::Infra::TsLogging

@@ -1,0 +1,43 @@
+#include "core/ProcessState.h"
+#include "core/TsLogging.h"
+
+#include <VeloraTsLogging/IFactory.h>
+
+#include <utility>
+
+namespace Quor::Velora::Infra::TsLogging {
+
+// Nothing to assign.
+IFactory& IFactory::operator=(const IFactory& other) noexcept = default;
+IFactory& IFactory::operator=(IFactory&& other) noexcept = default;
+
+std::shared_ptr<ITsLogging> IFactory::CreateTsLogging(const std::string& instrumentConfigFile,
+                                                      const std::string& activitiesFile) {
+  TsLogging::CreateTsLoggingSession(instrumentConfigFile, activitiesFile);
+  return TsLogging::GetInstance();
+}
+
+std::shared_ptr<ITsLogging> IFactory::CreateTsLogging(const std::string& instrumentConfigFile) {
+  return CreateTsLogging(instrumentConfigFile, defaultActivitiesFile);
+}
+
+std::shared_ptr<IFactory> GetFactory() {
+  if (std::shared_ptr<IFactory> alive = factorySlot.lock()) {
+    return alive;
+  }
+  auto factory = std::make_shared<IFactory>();
+  factorySlot = factory;
+  return factory;
+}
+
+void SetFactory(std::shared_ptr<IFactory> factory, std::shared_ptr<ITsLogging> logging) {
+  TsLogging::SetInstance(std::move(logging));
+  factorySlot = factory;
+}
+
+void SetFactory(std::shared_ptr<IFactory> factory, std::shared_ptr<ITolvaServicesClass> gateway) {
+  TsLogging::SetTolvaServicesInstance(std::move(gateway));
+  factorySlot = factory;
+}
+
+}  // namespace Quor::Velora::Infra::TsLogging

@@ -1,0 +1,62 @@
+#include "instrument/InstrumentConfiguration.h"
+
+#include "core/ProcessState.h"
+#include "gateway/CurrentGateway.h"
+
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <sstream>
+
+namespace Quor::Velora::Infra::TsLogging {
+namespace {
+
+// Empty when the system does not tell, which is no failure. On Windows it tells only once the host has started the
+// socket layer.
+std::string HostName() {
+  std::array<char, 128> buffer{};
+  [[maybe_unused]] const int ignored = gethostname(buffer.data(), buffer.size());
+  return {buffer.begin(), std::find(buffer.begin(), buffer.end(), '\0')};
+}
+
+std::string ModelName(KivAccess::MicroscopeType type) {
+  std::ostringstream text;
+  text << type;
+  return text.str();
+}
+
+}  // namespace
+
+std::ostream& operator<<(std::ostream& stream, KivAccess::MicroscopeType type) {
+  switch (static_cast<std::int32_t>(type)) {
+    case 0:
+      return stream << "Kelmor";
+    case 1:
+      return stream << "Morda";
+    case 2:
+      return stream << "Varen";
+    default:
+      return stream << "?";
+  }
+}
+
+void SaveInstrumentConfiguration(const std::string& configurationText) {
+  const std::shared_ptr<KivAccess::IInstrumentAccess> access = KivAccess::GetFactory()->CreateInstrumentAccess();
+  std::string modelName;
+  std::string optionText;
+  const std::string hostName = HostName();
+  if (access->IsAvailable()) {
+    KivAccess::IInstrumentConfiguration* const configuration = access->GetInstrument()->GetConfiguration();
+    const KivAccess::MicroscopeType type = configuration->GetMicroscopeType();
+    optionText = configuration->GetOptionText();
+    if (optionText.empty()) {
+      optionText = "None";
+    }
+    modelName = ModelName(type);
+  }
+  instrumentConfigResult = GetTolvaServicesClass()->SaveInstrumentConfigWithResult(
+      configurationText, "", "Brantor Scientific", hostName, optionText, "TEM", modelName);
+}
+
+}  // namespace Quor::Velora::Infra::TsLogging
