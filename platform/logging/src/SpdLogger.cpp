@@ -64,11 +64,11 @@ class SpdLogger final : public Logger {
   std::unique_ptr<spdlog::logger> logger;
 };
 
+// Made when the library loads, not at the first line: so it outlives whatever writes lines when the process ends.
+const std::shared_ptr<Logger> processLogger = std::make_shared<SpdLogger>();
+
 }  // namespace
 
-std::shared_ptr<Logger> Logger::GetInstance() {
-  static const std::shared_ptr<Logger> logger = std::make_shared<SpdLogger>();
-  return logger;
-}
+std::shared_ptr<Logger> Logger::GetInstance() { return processLogger; }
 
 }  // namespace Quor::Velora::Infra::Logging

@@ -75,7 +75,7 @@ constexpr const char* statements[] = {
          description  TEXT NOT NULL,
          kind         INTEGER NOT NULL,
          started_at   TEXT NOT NULL))",
-    "CREATE INDEX executions_by_parent ON executions (parent_id)",
+    "CREATE INDEX executions_by_parent ON executions (parent_id, started_at)",
     "CREATE INDEX executions_by_root ON executions (root_id)",
     "CREATE INDEX executions_by_time ON executions (started_at)",
 

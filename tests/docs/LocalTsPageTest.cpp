@@ -1,0 +1,95 @@
+// Holds docs/local-ts.md against a database that was really recorded: its tables, and its questions.
+
+#include "support/Query.h"
+#include "support/ScratchFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <regex>
+#include <set>
+#include <vector>
+
+namespace {
+
+class LocalTsPage : public testing::Test {
+ protected:
+  LocalTsPage() {
+    const std::string good = "Voltage = 300\n[ZValue = 0]\nTiltAngle = 0.5\n[ZValue = 1]\nTiltAngle = 3.1\nDefocus = -4\n";
+    folder.Write("good.mdoc", good);
+    folder.Write("broken.mdoc", "[ZValue = 0]\nTiltAngle = 1.5\nnot understood\n");
+    const std::string command = "cd '" + folder.path.string() + "' && '" RECORD_TILT_SERIES
+                                "' good.mdoc broken.mdoc > /dev/null 2>&1";
+    EXPECT_NE(std::system(command.c_str()), 0) << "the broken file was not noticed";
+  }
+
+  std::string Ask(const std::string& statement) const { return Query(folder / "ts.db", statement); }
+
+  ScratchFolder folder;
+  const std::string page = ContentOf(LOCAL_TS_PAGE);
+};
+
+std::vector<std::smatch> Matches(const std::string& text, const std::regex& pattern) {
+  return {std::sregex_iterator(text.begin(), text.end(), pattern), std::sregex_iterator()};
+}
+
+TEST_F(LocalTsPage, NamesEveryTableAndColumnAndNoOther) {
+  std::set<std::string> described;
+  std::string table;
+  static const std::regex row(R"(\n\| (`(\w+)`)? ?\| ((`\w+`(, )?)+) \| )");
+  static const std::regex name(R"(`(\w+)`)");
+  for (const std::smatch& line : Matches(page, row)) {
+    table = line[2].matched ? line[2].str() : table;
+    const std::string columns = line[3];
+    for (const std::smatch& column : Matches(columns, name)) {
+      described.insert(table + "." + column[1].str());
+    }
+  }
+  std::istringstream stored(
+      Ask("SELECT t.name || '.' || c.name FROM sqlite_master t JOIN pragma_table_info(t.name) c WHERE t.type = 'table'"));
+  const std::set<std::string> existing{std::istream_iterator<std::string>(stored), {}};
+  EXPECT_EQ(described, existing);
+}
+
+struct Question {
+  int rows;
+  const char* firstAnswer;  // a pattern
+};
+
+// What each question answers for the two files above, in the page's order.
+const std::vector<Question> questions = {
+    {2, R"(.*\|14\|TiltSeries\|good.mdoc\|.*)"},
+    {2, R"(.*\|TiltSeries\|broken.mdoc\|4\|.*)"},
+    {3, R"(0\|TiltSeries\|good.mdoc\|14\|.*)"},
+    {2, R"(4\|20.*)"},
+    {2, R"(ZValue 0\|20.*\|0.5\|NULL)"},
+    {1, R"(20.*\|Brantor Scientific\|.*)"},
+    {3, R"(ZValue\|20.*\|1\|TiltAngle\|double\|3.1)"},
+    {3, R"(good.mdoc\|0.*)"},
+    {1, R"(ZValue 1\|20.*\|3.1)"},
+    {2, R"(Section acquisition\|Section\|1.0\|3)"},
+};
+
+TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
+  const std::string run = Ask("SELECT guid FROM executions WHERE node = 'good.mdoc'").substr(0, 36);
+  const std::map<std::string, std::string> values = {
+      {":run", "'" + run + "'"},   {":day", "'2000-01-01'"}, {":next_day", "'2100-01-01'"}, {":parameter", "'TiltAngle'"},
+      {":node", "'ZValue 1'"}, {":low", "0"},            {":high", "1"}};
+  const auto asked = Matches(page, std::regex(R"(\n### (\d+\. [^\n]*)\n+```sql\n([^`]*);\n```)"));
+  ASSERT_EQ(asked.size(), questions.size());
+  for (std::size_t n = 0; n < asked.size(); ++n) {
+    SCOPED_TRACE(asked[n][1].str());
+    std::string statement = asked[n][2];
+    for (const auto& [name, value] : values) {
+      statement = std::regex_replace(statement, std::regex(name + "\\b"), value);
+    }
+    const std::string answer = Ask(statement);
+    EXPECT_EQ(Ask("SELECT COUNT(*) FROM (" + statement + ")"), std::to_string(questions[n].rows) + "\n") << answer;
+    EXPECT_TRUE(std::regex_match(answer.substr(0, answer.find('\n')), std::regex(questions[n].firstAnswer))) << answer;
+    const std::string plan = Ask("EXPLAIN QUERY PLAN " + statement);
+    EXPECT_FALSE(std::regex_search(plan, std::regex(R"(SCAN (?!open|tree|o\b|t\b))"))) << plan;
+  }
+}
+
+}  // namespace
