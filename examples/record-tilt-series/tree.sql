@@ -4,7 +4,7 @@ WITH RECURSIVE tree(execution_id, depth, place) AS (
   UNION ALL
   SELECT e.execution_id, t.depth + 1, t.place || printf('/%012d', e.execution_id)
   FROM executions e JOIN tree t ON t.execution_id = e.parent_id)
-SELECT printf('%.*c%s', 2 * t.depth, ' ', x.node) AS execution,
+SELECT substr('                                ', 1, 2 * t.depth) || x.node AS execution,
        x.activity_version AS activity,
        x.status || CASE x.status WHEN 4 THEN ' running' WHEN 14 THEN ' done' ELSE '' END AS status,
        x.started_at AS started,

@@ -35,6 +35,7 @@ class TraceScope {
 template <typename... Pieces>
 std::string ComposeLine(const Pieces&... pieces) {
   std::ostringstream line;
+  line.exceptions(std::ios_base::badbit);  // a stream would keep a failure to itself and cut the line short
   (line << ... << pieces);
   return line.str();
 }

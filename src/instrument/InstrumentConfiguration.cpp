@@ -15,13 +15,15 @@ namespace {
 // Empty when the system does not tell, which is no failure. On Windows it tells only once the host has started the
 // socket layer.
 std::string HostName() {
-  std::array<char, 128> buffer{};
-  [[maybe_unused]] const int ignored = gethostname(buffer.data(), buffer.size());
+  constexpr int length = 128;
+  std::array<char, length> buffer{};
+  [[maybe_unused]] const int ignored = gethostname(buffer.data(), length);
   return {buffer.begin(), std::find(buffer.begin(), buffer.end(), '\0')};
 }
 
 std::string ModelName(KivAccess::MicroscopeType type) {
   std::ostringstream text;
+  text.exceptions(std::ios_base::badbit);  // a stream would keep a failure to itself
   text << type;
   return text.str();
 }

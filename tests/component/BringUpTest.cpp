@@ -1,0 +1,111 @@
+// What CreateTsLogging writes, and asks of TS and of the instrument, in which order.
+
+#include "support/ComponentTest.h"
+
+#include <regex>
+
+namespace {
+
+const std::string pathIsCurrent = "TSAL SetTsalPath('')";
+
+using BringUp = ComponentTest;
+
+TEST_F(BringUp, FirstCallDoesEverythingAndALaterOneAgainWithTheSameObjectUnchecked) {
+  PutSettings(current);
+  const auto first = library->Create("instrument.txt");
+  EXPECT_EQ(Journal(), Scope("CreateTsLoggingSession", Check(root, pathIsCurrent), DataRootLines(root),
+                             SessionLines(Registration("activities.xml"), "instrument.txt")) +
+                           Scope("GetInstance", Check(root)));
+  EXPECT_EQ(library->CreateWith("instrument.txt", "activities.xml"), first);
+  EXPECT_EQ(Journal(),
+            Scope("CreateTsLoggingSession", Check(root), DataRootLines(root), SessionLines("", "instrument.txt")) +
+                Scope("GetInstance"));
+}
+
+TEST_F(BringUp, FilesInTheDataRootAreNamedWithItsPath) {
+  // The file system takes a name up to its zero byte; TS gets the whole of it.
+  const std::string activities("activities.xml\0tail", 19);
+  PutSettings(dataRoot);
+  library->CreateWith(oddText, activities);
+  EXPECT_EQ(Journal(), Scope("CreateTsLoggingSession", Check(root, "TSAL SetTsalPath('" + root + "')"),
+                             DataRootLines(root), SessionLines(Registration(root + activities), root + oddText)) +
+                           Scope("GetInstance", Check(root)));
+}
+
+TEST_F(BringUp, FirstObjectIsCheckedForTheDefaultFileWhateverBringUpWasGiven) {
+  std::ofstream("TSAL.config");
+  std::ofstream("mine.xml");
+  const auto logging = library->CreateWith(oddText, "mine.xml");
+  EXPECT_EQ(Journal(), Scope("CreateTsLoggingSession", Check(root, pathIsCurrent), DataRootLines(root),
+                             SessionLines(Registration("mine.xml"), oddText)) +
+                           Scope("GetInstance", Check(root, notFound)));
+  logging->UpdateActivityExecution("");
+  EXPECT_EQ(Journal(), Scope("UpdateActivityExecution", "info Update activity execution. guid: "));
+}
+
+TEST_F(BringUp, StateOfTsDecidesHowFarItGoesAndTheObjectIsHandedOutAnyhow) {
+  struct Row {
+    bool present, connectable, settings;
+    std::string lines;
+  };
+  const Row rows[] = {
+      {false, true, true,
+       Scope("CreateTsLoggingSession", checkedPresence) + Scope("GetInstance", checkedPresence, notSupported)},
+      {true, false, true,
+       Scope("CreateTsLoggingSession", Check(root, pathIsCurrent)) + Scope("GetInstance", Check(root), notSupported)},
+      {true, true, false,
+       Scope("CreateTsLoggingSession", Check(root, notFound), DataRootLines(root), notFound) +
+           Scope("GetInstance", Check(root, notFound))},
+      {true, false, false,
+       Scope("CreateTsLoggingSession", Check(root, notFound)) +
+           Scope("GetInstance", Check(root, notFound), notSupported)},
+  };
+  for (const Row& row : rows) {
+    row.settings ? PutSettings(current) : void(remove(current / "TSAL.config"));
+    Fakes::TheScene().answers.servicePresent = row.present;
+    Fakes::TheScene().answers.connectable = row.connectable;
+    EmptySlots();
+    EXPECT_NE(library->Create("i"), nullptr);
+    EXPECT_EQ(Journal(), row.lines);
+  }
+}
+
+TEST_F(BringUp, HostsGatewayIsAskedEverythingAndToldThePathEachTime) {
+  PutSettings(current);
+  library->SetGateway(nullptr, std::make_shared<HostGateway>("gateway"));
+  library->Create("i");
+  const std::string bringUp = Scope("CreateTsLoggingSession", Check(root, pathIsCurrent), DataRootLines(root),
+                                    pathIsCurrent, SessionLines(Registration("activities.xml"), "i")) +
+                              Scope("GetInstance", Check(root, pathIsCurrent));
+  EXPECT_EQ(Journal(), Scope("SetTolvaServicesInstance") +
+                           std::regex_replace(bringUp, std::regex("TSAL "), "the host's gateway:\nTSAL "));
+}
+
+TEST_F(BringUp, InstrumentIsDescribedAsFarAsItCanBeAsked) {
+  struct Row {
+    bool available;
+    std::int32_t type;
+    std::string options, fileText, sentOptions, sentModel;
+  };
+  const Row rows[] = {
+      {false, 1, "options", "text", "", ""},         {true, 0, "options", "", "options", "Kelmor"},
+      {true, 1, oddText, oddText, oddText, "Morda"}, {true, 2, "", "text", "None", "Varen"},
+      {true, 3, "None", "text", "None", "?"},        {true, -1, " ", "text", " ", "?"},
+  };
+  PutSettings(current);
+  for (const Row& row : rows) {
+    Fakes::Answers& answers = Fakes::TheScene().answers;
+    answers.instrumentAvailable = row.available;
+    answers.microscopeType = row.type;
+    answers.optionText = row.options;
+    answers.fileText = row.fileText;
+    library->Create("i");
+    const std::string lines = Journal();
+    EXPECT_NE(lines.find("File('i')\n" + InstrumentLines(row.fileText, row.available, row.sentOptions, row.sentModel) +
+                         "info <<"),
+              std::string::npos)
+        << lines;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "core/ProcessState.h"
+#include "core/TsLogging.h"
+#include "support/Lines.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+/// What the calls of the system answer.
+struct SystemCalls {
+  bool moduleIsFound = true;
+  std::wstring moduleFile = L"/opt/lab/lib.so";  // empty: the call fails
+  std::string hostName = "scope";                // empty: the call fails
+};
+extern SystemCalls systemCalls;
+
+struct Failure {};
+
+/// A test of the component's own objects, which starts with the state that a freshly loaded library has.
+class InternalsTest : public testing::Test {
+ protected:
+  InternalsTest() {
+    using namespace Quor::Velora::Infra::TsLogging;
+    Fakes::TheScene() = {};
+    systemCalls = {};
+    factorySlot.reset();
+    instanceSlot.reset();
+    currentGateway.reset();
+    tsSupported = false;
+    pendingInstrumentEvents.clear();
+    activityVersions.clear();
+    parentActivityExecGuid.clear();
+    instrumentConfigResult = {};
+  }
+
+  /// Runs something with Failure raised at an entry, nowhere when it is empty; whether Failure came out of it.
+  template <typename Action>
+  static bool RaisesAt(const std::string& entry, const Action& action) {
+    At(entry.empty() ? "nowhere" : entry, [] { throw Failure(); });
+    try {
+      action();
+    } catch (const Failure&) {
+      return true;
+    }
+    return false;
+  }
+};

@@ -1,0 +1,86 @@
+// The library's file: the folder that it lies in, and what happens when it leaves memory.
+
+#include "support/ComponentTest.h"
+
+namespace {
+
+using Loading = ComponentTest;
+
+TEST_F(Loading, DataRootIsTheFolderOfTheFileWhateverItsName) {
+  const std::string half(250, 'l');
+  for (const std::string& name :
+       {std::string("two  blanks "), std::string("letters \xC3\xBC\xE6\xBC\xA2 \xFF"), std::string("line\nbreak"),
+        std::string("a\\012b"), std::string("100%s \"quoted\" '"), std::string("x (deleted)"), half + "/" + half}) {
+    const std::filesystem::path place = dataRoot / name;
+    create_directories(place);
+    copy_file(file, place / "lib.so");
+    PutSettings(place);
+    Library placed(place / "lib.so");
+    placed.Create("i");
+    const std::string lines = Check(place.string() + '/', "TSAL SetTsalPath('" + place.string() + "/')");
+    EXPECT_NE(Journal().find(lines), std::string::npos) << name;
+  }
+}
+
+TEST_F(Loading, DataRootDependsNeitherOnLinksNorOnTheDirectoryItWasLoadedFrom) {
+  create_directory_symlink(dataRoot, current / "link");
+  for (const auto& [from, path] :
+       {std::pair{current, "./link/libVeloraTsLogging.so"}, std::pair{dataRoot, "./libVeloraTsLogging.so"}}) {
+    Unload();
+    std::filesystem::current_path(from);
+    library = std::make_unique<Library>(path);
+    std::filesystem::current_path("/");
+    library->Create("i");
+    const std::string lines = DataRootLines(root) + notFound;
+    EXPECT_NE(Journal().find(lines), std::string::npos) << path;
+  }
+}
+
+TEST_F(Loading, DataRootBeyondTheLongestPathOfTheSystemIsStillWhole) {
+  const std::string step(200, 'd');
+  std::string place = root;
+  std::filesystem::current_path(dataRoot);
+  while (place.size() < 5000) {  // no one call can name this place
+    std::filesystem::create_directory(step);
+    std::filesystem::current_path(step);
+    place += step + '/';
+  }
+  std::filesystem::copy_file(VELORA_LIBRARY, "lib.so");
+  PutSettings(".");
+  Library deep("./lib.so");
+  deep.Create("i");
+  EXPECT_NE(Journal().find(DataRootLines(place) + "TSAL SetTsalPath('')"), std::string::npos);
+}
+
+TEST_F(Loading, UnloadReleasesFactoryLoggingAndGatewayInThisOrderEachTime) {
+  for (int time = 0; time < 2; ++time) {
+    // What a factory's deleter holds is released with the last weak reference, which is the library's.
+    library->SetLogging(nullptr, std::make_shared<HostLogging>("logging"));
+    library->SetGateway(
+        {new Library::IFactory, [slot = std::make_shared<Released>("factory slot")](auto* it) { delete it; }},
+        std::make_shared<HostGateway>("gateway"));
+    Journal();
+    Unload();
+    EXPECT_EQ(Journal(), Lines("factory slot released", "logging released", "gateway released"));
+    library = std::make_unique<Library>(file);
+  }
+}
+
+TEST_F(Loading, ObjectsMayCallBackWhileTheLibraryLeaves) {
+  Fakes::TheScene().answers.servicePresent = false;
+  const auto callBack = [create = library->Create, getFactory = library->GetFactory] {
+    EXPECT_NE(create("i"), nullptr);
+    EXPECT_NE(getFactory(), nullptr);
+  };
+  library->SetLogging(nullptr, std::make_shared<HostLogging>("logging", callBack));
+  library->SetGateway(nullptr, std::make_shared<HostGateway>("gateway", callBack));
+  Journal();
+  Unload();
+  // The first finds no object and the gateway; the second finds the object made then, and no gateway.
+  const std::string asked = Scope("CheckTsServiceAvailability", "the host's gateway:", "TSAL IsTsServicePresent()");
+  EXPECT_EQ(Journal(),
+            Lines("logging released", Scope("CreateTsLoggingSession", asked), Scope("GetInstance", asked, notSupported),
+                  "gateway released", Scope("CreateTsLoggingSession", checkedPresence), Scope("GetInstance")));
+}
+
+}  // namespace

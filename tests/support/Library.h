@@ -1,0 +1,58 @@
+#pragma once
+
+#include <VeloraTsLogging/IFactory.h>
+
+#include <dlfcn.h>
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+
+/// The component as it is shipped: its library, loaded from a file and used through its exports.
+class Library {
+ public:
+  using IFactory = Quor::Velora::Infra::TsLogging::IFactory;
+  using ITsLogging = Quor::Velora::Infra::TsLogging::ITsLogging;
+  using ITolvaServicesClass = Quor::Velora::Infra::TsLogging::ITolvaServicesClass;
+
+  /// @param file what the loader takes: with a slash in it.
+  explicit Library(const std::string& file) : handle(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+    Find(GetFactory, "_ZN4Quor6Velora5Infra9TsLogging10GetFactoryEv");
+    Find(SetLogging,
+         "_ZN4Quor6Velora5Infra9TsLogging10SetFactoryESt10shared_ptrINS2_8IFactoryEES3_INS2_10ITsLoggingEE");
+    Find(SetGateway,
+         "_ZN4Quor6Velora5Infra9TsLogging10SetFactoryESt10shared_ptrINS2_8IFactoryEES3_INS2_19ITolvaServicesClassEE");
+    Find(CreateWith,
+         "_ZN4Quor6Velora5Infra9TsLogging8IFactory15CreateTsLoggingERKNSt7__cxx1112basic_stringIcSt11char_traitsIcE"
+         "SaIcEEESB_");
+    Find(Create,
+         "_ZN4Quor6Velora5Infra9TsLogging8IFactory15CreateTsLoggingERKNSt7__cxx1112basic_stringIcSt11char_traitsIcE"
+         "SaIcEEE");
+  }
+  Library(const Library&) = delete;
+  Library& operator=(const Library&) = delete;
+  ~Library() { dlclose(handle); }
+
+  /// Whether a library of this file is in memory.
+  static bool IsLoaded(const std::string& file) {
+    void* const loaded = dlopen(file.c_str(), RTLD_NOW | RTLD_NOLOAD);
+    return loaded != nullptr && dlclose(loaded) == 0;
+  }
+
+  std::shared_ptr<IFactory> (*GetFactory)() = nullptr;
+  void (*SetLogging)(std::shared_ptr<IFactory>, std::shared_ptr<ITsLogging>) = nullptr;
+  void (*SetGateway)(std::shared_ptr<IFactory>, std::shared_ptr<ITolvaServicesClass>) = nullptr;
+  std::shared_ptr<ITsLogging> (*CreateWith)(const std::string&, const std::string&) = nullptr;
+  std::shared_ptr<ITsLogging> (*Create)(const std::string&) = nullptr;
+
+ private:
+  template <typename Function>
+  void Find(Function& function, const char* name) {
+    function = handle == nullptr ? nullptr : reinterpret_cast<Function>(dlsym(handle, name));
+    if (function == nullptr) {
+      throw std::runtime_error(dlerror());
+    }
+  }
+
+  void* const handle;
+};
