@@ -12,16 +12,20 @@ endforeach()
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(SOCI REQUIRED_VARS ${_soci_needed})
 
-if(SOCI_FOUND AND NOT TARGET SOCI::core)
-  add_library(SOCI::core UNKNOWN IMPORTED)
-  set_target_properties(SOCI::core PROPERTIES
-    IMPORTED_LOCATION ${SOCI_core_LIBRARY}
-    INTERFACE_INCLUDE_DIRECTORIES ${SOCI_INCLUDE_DIR})
+if(SOCI_FOUND)
+  if(NOT TARGET SOCI::core)
+    add_library(SOCI::core UNKNOWN IMPORTED)
+    set_target_properties(SOCI::core PROPERTIES
+      IMPORTED_LOCATION ${SOCI_core_LIBRARY}
+      INTERFACE_INCLUDE_DIRECTORIES ${SOCI_INCLUDE_DIR})
+  endif()
   foreach(_component IN LISTS SOCI_FIND_COMPONENTS)
-    add_library(SOCI::${_component} UNKNOWN IMPORTED)
-    set_target_properties(SOCI::${_component} PROPERTIES
-      IMPORTED_LOCATION ${SOCI_${_component}_LIBRARY}
-      INTERFACE_LINK_LIBRARIES SOCI::core)
+    if(NOT TARGET SOCI::${_component})
+      add_library(SOCI::${_component} UNKNOWN IMPORTED)
+      set_target_properties(SOCI::${_component} PROPERTIES
+        IMPORTED_LOCATION ${SOCI_${_component}_LIBRARY}
+        INTERFACE_LINK_LIBRARIES SOCI::core)
+    endif()
   endforeach()
 endif()
 mark_as_advanced(SOCI_INCLUDE_DIR SOCI_core_LIBRARY)

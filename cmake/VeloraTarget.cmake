@@ -38,7 +38,7 @@ endfunction()
 # velora_platform_library(TARGET ROOT): a vendor's library of that name under the prefix ROOT, as the target that stands
 # for it.
 function(velora_platform_library target root)
-  find_library(${target}_LIBRARY ${target} PATHS ${root} PATH_SUFFIXES lib NO_DEFAULT_PATH REQUIRED)
+  find_library(${target}_LIBRARY ${target} PATHS ${root} PATH_SUFFIXES lib NO_DEFAULT_PATH NO_CACHE REQUIRED)
   add_library(${target} UNKNOWN IMPORTED GLOBAL)
   set_target_properties(${target} PROPERTIES
     IMPORTED_LOCATION ${${target}_LIBRARY}

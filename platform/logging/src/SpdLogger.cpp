@@ -31,8 +31,15 @@ class SpdLogger final : public Logger {
 
  private:
   void Write(spdlog::level::level_enum level, const std::wstring& source, const std::string& message) {
-    std::call_once(opened, [this] { logger = Open(); });  // tried again at the next line when it raises
-    logger->log(level, LineText(source, message));
+    Opened().log(level, LineText(source, message));
+  }
+
+  spdlog::logger& Opened() {
+    const std::lock_guard lock(mutex);
+    if (!logger) {
+      logger = Open();  // tried again at the next line when it raises
+    }
+    return *logger;
   }
 
   static spdlog::sink_ptr SinkFor(const std::string& file) {
@@ -60,8 +67,8 @@ class SpdLogger final : public Logger {
     return made;
   }
 
-  std::once_flag opened;
-  std::unique_ptr<spdlog::logger> logger;
+  std::mutex mutex;
+  std::unique_ptr<spdlog::logger> logger;  // guarded by mutex until it is there
 };
 
 // Made when the library loads, not at the first line: so it outlives whatever writes lines when the process ends.

@@ -1,17 +1,43 @@
 #include "Connection.h"
 
 #include "Schema.h"
+#include "Statement.h"
 
 #include <soci/sqlite3/soci-sqlite3.h>
 #include <sqlite3.h>
 
 #include <chrono>
+#include <memory>
+#include <new>
 #include <thread>
+#include <utility>
 
 namespace Quor::TolvaServices::Local {
 namespace {
 
 constexpr std::chrono::seconds longestWait{30};
+
+// SOCI takes a path within a text of keys and values, where one with quotes and blanks ends early and names another
+// file. So the file is opened here, and put in the place of the nameless database that SOCI opened.
+void Open(soci::session& sql, const std::string& database) {
+  using sqlite_api::sqlite3;
+  sql.open(soci::sqlite3, ":memory:");
+  sqlite3* handle = nullptr;
+  const int result =
+      sqlite_api::sqlite3_open_v2(database.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+  std::unique_ptr<sqlite3, decltype(&sqlite_api::sqlite3_close)> opened(handle, &sqlite_api::sqlite3_close);
+  if (result == SQLITE_NOMEM) {
+    throw std::bad_alloc();
+  }
+  if (result != SQLITE_OK) {
+    throw NotReachable("TS database '" + database + "' cannot be opened: " + sqlite_api::sqlite3_errmsg(opened.get()));
+  }
+  if (sqlite_api::sqlite3_db_readonly(opened.get(), "main") != 0) {
+    throw TsError("TS database '" + database + "' can only be read; expected a file that may be written");
+  }
+  auto* const backend = static_cast<soci::sqlite3_session_backend*>(sql.get_backend());
+  opened.reset(std::exchange(backend->conn_, opened.release()));
+}
 
 bool IsBusy(const soci::soci_error& error) {
   const auto* const sqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
@@ -24,9 +50,9 @@ void TurnOnWriteAheadLog(soci::session& sql) {
   for (;;) {
     try {
       std::string mode;
-      sql << "PRAGMA journal_mode = WAL", soci::into(mode);
+      Execute(sql, "PRAGMA journal_mode = WAL", soci::into(mode));
       if (mode != "wal") {
-        throw TsError("the write-ahead log cannot be turned on; the journal stays '" + mode + "'");
+        throw soci::soci_error("the write-ahead log cannot be turned on; the journal stays '" + mode + "'");
       }
       return;
     } catch (const soci::soci_error& error) {
@@ -41,21 +67,29 @@ void TurnOnWriteAheadLog(soci::session& sql) {
 }  // namespace
 
 Connection::Connection(const std::string& database) : database(database) {
-  try {
-    sql.open(soci::sqlite3, "dbname=\"" + database + "\"");
-  } catch (const std::exception& reason) {
-    throw NotReachable("TS database '" + database + "' cannot be opened: " + reason.what());
-  }
+  Open(sql, database);
   try {
     Configure();
-    PrepareSchema();
-  } catch (const std::exception& reason) {
+    const bool ready = HasSchema();  // asked first: nothing is changed in a file that is none of ours
+    TurnOnWriteAheadLog(sql);
+    if (!ready) {
+      MakeSchema();
+    }
+  } catch (const soci::soci_error& reason) {
     Fail(database, reason);
   }
 }
 
-void Connection::Fail(const std::string& database, const std::exception& reason) {
-  throw TsError("TS database '" + database + "': " + reason.what());
+void Connection::Fail(const std::string& database, const soci::soci_error& reason) {
+  // Without the statement and its values, which can be as long as what was to be recorded.
+  throw TsError("TS database '" + database + "': " + reason.get_error_message());
+}
+
+bool Connection::HasMoved() {
+  int moved = 0;
+  sqlite_api::sqlite3_file_control(static_cast<soci::sqlite3_session_backend*>(sql.get_backend())->conn_, "main",
+                                   SQLITE_FCNTL_HAS_MOVED, &moved);
+  return moved != 0;
 }
 
 EventStatements& Connection::Events() {
@@ -66,62 +100,57 @@ EventStatements& Connection::Events() {
 }
 
 void Connection::Configure() {
-  sql << "PRAGMA busy_timeout = " +
-             std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(longestWait).count());
-  sql << "PRAGMA foreign_keys = ON";
-  sql << "PRAGMA synchronous = FULL";  // a commit is on the disk when it returns
-  TurnOnWriteAheadLog(sql);
+  Execute(sql, "PRAGMA busy_timeout = " +
+                   std::to_string(std::chrono::duration_cast<std::chrono::milliseconds>(longestWait).count()));
+  Execute(sql, "PRAGMA foreign_keys = ON");
+  Execute(sql, "PRAGMA synchronous = FULL");  // a commit is on the disk when it returns
 }
 
-void Connection::PrepareSchema() {
-  int version = StoredSchemaVersion();
-  if (version == 0) {
-    Transaction transaction(sql);
-    version = StoredSchemaVersion();  // another process may have been first
-    if (version == 0) {
-      CreateSchema(sql);
-      transaction.Commit();
-      return;
-    }
-  }
-  if (version != schemaVersion) {
-    throw TsError("its schema has version " + std::to_string(version) + "; expected version " +
-                  std::to_string(schemaVersion) + " at most: a newer program made it");
-  }
-}
-
-// 0 for a database without tables.
-int Connection::StoredSchemaVersion() {
+bool Connection::HasSchema() {
   int tables = 0;
-  sql << "SELECT COUNT(*) FROM sqlite_master", soci::into(tables);
-  if (tables == 0) {
-    return 0;
-  }
   int own = 0;
-  sql << "SELECT COUNT(*) FROM sqlite_master WHERE name = 'ts_schema'", soci::into(own);
+  Execute(sql, "SELECT COUNT(*), COALESCE(SUM(name = 'ts_schema'), 0) FROM sqlite_master", soci::into(tables),
+          soci::into(own));
+  if (tables == 0) {
+    return false;
+  }
   if (own == 0) {
-    throw TsError("it is no TS store: it holds tables of another program; expected an empty database or a TS store");
+    throw TsError("TS database '" + database +
+                  "' is no TS store: it holds tables of another program; expected an empty database or a TS store");
   }
   int version = 0;
-  sql << "SELECT MAX(version) FROM ts_schema", soci::into(version);
-  return version;
+  Execute(sql, "SELECT COALESCE(MAX(version), 0) FROM ts_schema", soci::into(version));
+  if (version != schemaVersion) {
+    throw TsError("TS database '" + database + "' has a schema of version " + std::to_string(version) +
+                  "; expected version " + std::to_string(schemaVersion) +
+                  (version > schemaVersion ? ": a newer program made it" : ""));
+  }
+  return true;
 }
 
-Transaction::Transaction(soci::session& sql) : sql(sql) { sql << "BEGIN IMMEDIATE"; }
+void Connection::MakeSchema() {
+  Transaction transaction(sql);
+  if (!HasSchema()) {  // another process may have been first
+    CreateSchema(sql);
+    transaction.Commit();
+  }
+}
+
+Transaction::Transaction(soci::session& sql) : sql(sql) { Execute(sql, "BEGIN IMMEDIATE"); }
 
 Transaction::~Transaction() {
   if (!open) {
     return;
   }
   try {
-    sql << "ROLLBACK";
+    Execute(sql, "ROLLBACK");
   } catch (...) {
     // What made the transaction end is being raised already.
   }
 }
 
 void Transaction::Commit() {
-  sql << "COMMIT";
+  Execute(sql, "COMMIT");
   open = false;
 }
 

@@ -31,12 +31,17 @@ class Connection {
   const std::string& Database() const { return database; }
 
   /// Raises a TsError that names the database, for what the database layer raised.
-  [[noreturn]] static void Fail(const std::string& database, const std::exception& reason);
+  [[noreturn]] static void Fail(const std::string& database, const soci::soci_error& reason);
+
+  /// Whether the file was removed or replaced since it was opened, so that nobody would find what is written now.
+  bool HasMoved();
 
  private:
   void Configure();
-  void PrepareSchema();
-  int StoredSchemaVersion();
+  /// Whether the tables are there already.
+  /// @throws TsError for a database of another program, or with a schema of another version.
+  bool HasSchema();
+  void MakeSchema();
 
   std::string database;
   soci::session sql;

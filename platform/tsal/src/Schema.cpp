@@ -1,5 +1,6 @@
 #include "Schema.h"
 
+#include "Statement.h"
 #include "StoredTime.h"
 
 #include <soci/soci.h>
@@ -135,11 +136,11 @@ constexpr const char* statements[] = {
 
 void CreateSchema(soci::session& sql) {
   for (const char* statement : statements) {
-    sql << statement;
+    Execute(sql, statement);
   }
   const std::string now = ToStoredTime({});
-  sql << "INSERT INTO ts_schema (version, created_at) VALUES (:version, :created)", soci::use(schemaVersion),
-      soci::use(now);
+  Execute(sql, "INSERT INTO ts_schema (version, created_at) VALUES (:version, :created)", soci::use(schemaVersion),
+          soci::use(now));
 }
 
 }  // namespace Quor::TolvaServices::Local

@@ -1,6 +1,7 @@
 #include "Session.h"
 
 #include "Guid.h"
+#include "Statement.h"
 #include "StoredText.h"
 #include "StoredTime.h"
 
@@ -18,10 +19,11 @@ Session::Session(const Settings& settings, const std::string& text1, const std::
     const std::string stored1 = ToStoredText(text1);
     const std::string stored2 = ToStoredText(text2);
     const std::string stored3 = ToStoredText(text3);
-    connection.Sql() << "INSERT INTO sessions (guid, instrument, host, began_at, text1, text2, text3) "
-                        "VALUES (:guid, :instrument, :host, :began, :text1, :text2, :text3)",
-        soci::use(guid), soci::use(instrument), soci::use(host), soci::use(now), soci::use(stored1), soci::use(stored2),
-        soci::use(stored3);
+    Execute(connection.Sql(),
+            "INSERT INTO sessions (guid, instrument, host, began_at, text1, text2, text3) "
+            "VALUES (:guid, :instrument, :host, :began, :text1, :text2, :text3)",
+            soci::use(guid), soci::use(instrument), soci::use(host), soci::use(now), soci::use(stored1),
+            soci::use(stored2), soci::use(stored3));
     const long long inserted = LastRow(connection.Sql());
     transaction.Commit();
     return inserted;
@@ -32,6 +34,10 @@ std::unique_ptr<Connection> Session::Take() {
   {
     const std::lock_guard lock(mutex);
     if (!idle.empty()) {
+      if (idle.back()->HasMoved()) {
+        throw TsError("TS database '" + database +
+                      "' was removed or replaced since the session began; expected it to stay until the next session");
+      }
       std::unique_ptr<Connection> connection = std::move(idle.back());
       idle.pop_back();
       return connection;

@@ -2,17 +2,24 @@
 
 #include "XmlFile.h"
 
+#include <TSAL/Error.h>
+
 #include <unistd.h>
 
 #include <array>
 #include <filesystem>
 #include <iterator>
+#include <system_error>
 
 namespace Quor::TolvaServices::Local {
 
 Settings ReadSettings(const std::string& folder) {
   // Absolute, since a session keeps its database when the current directory changes.
-  const std::filesystem::path file = std::filesystem::absolute(std::filesystem::path(folder) / "TSAL.config");
+  std::error_code error;
+  const std::filesystem::path file = std::filesystem::absolute(std::filesystem::path(folder) / "TSAL.config", error);
+  if (error) {
+    throw TsError("file 'TSAL.config' cannot be found: the current directory is unknown: " + error.message());
+  }
   const XmlFile xml(file.string(), "TSAL");
   xml.ExpectAttributes(xml.Root(), {"Instrument"});
   xml.ExpectElements(xml.Root(), "Database");
@@ -30,7 +37,7 @@ Settings ReadSettings(const std::string& folder) {
   }
   const std::string instrument = xml.Root().attribute("Instrument").value();
   return {instrument.empty() ? ComputerName() : instrument,
-          (file.parent_path() / xml.Required(database, "Connection")).lexically_normal().string()};
+          (file.parent_path() / xml.Required(database, "Connection")).string()};
 }
 
 std::string ComputerName() {

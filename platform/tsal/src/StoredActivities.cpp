@@ -2,6 +2,7 @@
 
 #include "Connection.h"
 #include "Guid.h"
+#include "Statement.h"
 #include "StoredText.h"
 #include "StoredTime.h"
 
@@ -19,14 +20,13 @@ long long FindOrAddActivity(soci::session& sql, const Types::ns1__ActivityVersio
   const std::string name = ToStoredText(wire.ActivityName);
   const std::string description = ToStoredText(wire.ActivityDescription);
   long long row = 0;
-  sql << "SELECT activity_id FROM activities WHERE name = :name AND description = :description", soci::use(name),
-      soci::use(description), soci::into(row);
-  if (sql.got_data()) {
+  if (Execute(sql, "SELECT activity_id FROM activities WHERE name = :name AND description = :description",
+              soci::use(name), soci::use(description), soci::into(row))) {
     return row;
   }
   const std::string guid = GuidToStore(wire.ActivityGuid, "activity");
-  sql << "INSERT INTO activities (guid, name, description) VALUES (:guid, :name, :description)", soci::use(guid),
-      soci::use(name), soci::use(description);
+  Execute(sql, "INSERT INTO activities (guid, name, description) VALUES (:guid, :name, :description)", soci::use(guid),
+          soci::use(name), soci::use(description));
   return LastRow(sql);
 }
 
@@ -36,16 +36,17 @@ long long FindOrAddVersion(soci::session& sql, const Types::ns1__ActivityVersion
   const std::string version = ToStoredText(wire.Version);
   const std::string description = ToStoredText(wire.Description);
   long long row = 0;
-  sql << "SELECT version_id FROM activity_versions WHERE activity_id = :activity AND name = :name "
-         "AND version = :version AND description = :description",
-      soci::use(activity), soci::use(name), soci::use(version), soci::use(description), soci::into(row);
-  if (sql.got_data()) {
+  if (Execute(sql,
+              "SELECT version_id FROM activity_versions WHERE activity_id = :activity AND name = :name "
+              "AND version = :version AND description = :description",
+              soci::use(activity), soci::use(name), soci::use(version), soci::use(description), soci::into(row))) {
     return row;
   }
   const std::string guid = GuidToStore(wire.Guid, "activity version");
-  sql << "INSERT INTO activity_versions (guid, activity_id, name, version, description) "
-         "VALUES (:guid, :activity, :name, :version, :description)",
-      soci::use(guid), soci::use(activity), soci::use(name), soci::use(version), soci::use(description);
+  Execute(sql,
+          "INSERT INTO activity_versions (guid, activity_id, name, version, description) "
+          "VALUES (:guid, :activity, :name, :version, :description)",
+          soci::use(guid), soci::use(activity), soci::use(name), soci::use(version), soci::use(description));
   return LastRow(sql);
 }
 
@@ -57,16 +58,18 @@ std::optional<long long> VersionRow(soci::session& sql, const Types::ActivityVer
   }
   const std::string guid = GuidOf(version.Id, "activity version");
   long long row = 0;
-  sql << "SELECT version_id FROM activity_versions WHERE guid = :guid", soci::use(guid), soci::into(row);
-  return sql.got_data() ? row : FindOrAddVersion(sql, version.ToGsoap());
+  return Execute(sql, "SELECT version_id FROM activity_versions WHERE guid = :guid", soci::use(guid), soci::into(row))
+             ? row
+             : FindOrAddVersion(sql, version.ToGsoap());
 }
 
 Types::ActivityVersion LoadVersion(soci::session& sql, long long row) {
   std::string guid, name, versionText, description, activityGuid, activityName, activityDescription;
-  sql << "SELECT v.guid, v.name, v.version, v.description, a.guid, a.name, a.description FROM activity_versions v "
-         "JOIN activities a ON a.activity_id = v.activity_id WHERE v.version_id = :row",
-      soci::use(row), soci::into(guid), soci::into(name), soci::into(versionText), soci::into(description),
-      soci::into(activityGuid), soci::into(activityName), soci::into(activityDescription);
+  Execute(sql,
+          "SELECT v.guid, v.name, v.version, v.description, a.guid, a.name, a.description FROM activity_versions v "
+          "JOIN activities a ON a.activity_id = v.activity_id WHERE v.version_id = :row",
+          soci::use(row), soci::into(guid), soci::into(name), soci::into(versionText), soci::into(description),
+          soci::into(activityGuid), soci::into(activityName), soci::into(activityDescription));
   Types::ActivityVersion version;
   version.Id = Types::Tsid(guid);
   version.Name = FromStoredText(name);
@@ -88,9 +91,10 @@ std::map<std::string, Types::ActivityVersion> RegisterVersions(Connection& conne
   Transaction transaction(sql);
   for (const Types::ActivityVersion& version : versions) {
     const long long row = FindOrAddVersion(sql, version.ToGsoap());
-    sql << "INSERT INTO registrations (session_id, version_id, file, registered_at) "
-           "VALUES (:session, :version, :file, :at)",
-        soci::use(session), soci::use(row), soci::use(storedFile), soci::use(now);
+    Execute(sql,
+            "INSERT INTO registrations (session_id, version_id, file, registered_at) "
+            "VALUES (:session, :version, :file, :at)",
+            soci::use(session), soci::use(row), soci::use(storedFile), soci::use(now));
     registered[version.Name] = LoadVersion(sql, row);
   }
   transaction.Commit();

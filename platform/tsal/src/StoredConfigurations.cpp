@@ -2,6 +2,7 @@
 
 #include "Connection.h"
 #include "Guid.h"
+#include "Statement.h"
 #include "StoredText.h"
 #include "StoredTime.h"
 
@@ -44,8 +45,8 @@ std::optional<long long> ConfigurationRow(soci::session& sql, const Types::Tsid&
   }
   const std::string guid = GuidOf(id, "instrument configuration");
   long long row = 0;
-  sql << "SELECT configuration_id FROM configurations WHERE guid = :guid", soci::use(guid), soci::into(row);
-  if (!sql.got_data()) {
+  if (!Execute(sql, "SELECT configuration_id FROM configurations WHERE guid = :guid", soci::use(guid),
+               soci::into(row))) {
     throw TsError("instrument configuration '" + guid + "' is not known to this TS; expected one that it has stored");
   }
   return row;

@@ -2,6 +2,7 @@
 
 #include "Connection.h"
 #include "Guid.h"
+#include "Statement.h"
 #include "StoredActivities.h"
 #include "StoredText.h"
 #include "StoredTime.h"
@@ -37,10 +38,11 @@ std::optional<ExecutionRecord> FindRecord(soci::session& sql, long long row) {
   long long version = 0;
   soci::indicator hasParent = soci::i_null;
   soci::indicator hasVersion = soci::i_null;
-  sql << "SELECT parent_id, root_id, version_id, node, description, kind FROM executions WHERE execution_id = :row",
-      soci::use(row), soci::into(parent, hasParent), soci::into(record.root), soci::into(version, hasVersion),
-      soci::into(record.node), soci::into(record.description), soci::into(record.kind);
-  if (!sql.got_data()) {
+  if (!Execute(
+          sql,
+          "SELECT parent_id, root_id, version_id, node, description, kind FROM executions WHERE execution_id = :row",
+          soci::use(row), soci::into(parent, hasParent), soci::into(record.root), soci::into(version, hasVersion),
+          soci::into(record.node), soci::into(record.description), soci::into(record.kind))) {
     return std::nullopt;
   }
   record.parent = Optional(parent, hasParent);
@@ -61,22 +63,22 @@ ExecutionRecord RecordOf(soci::session& sql, const ActivityExecution& execution)
 }
 
 void AddStatus(soci::session& sql, long long row, long long session, int code, const std::string& at) {
-  sql << "INSERT INTO statuses (execution_id, session_id, code, at) VALUES (:execution, :session, :code, :at)",
-      soci::use(row), soci::use(session), soci::use(code), soci::use(at);
+  Execute(sql, "INSERT INTO statuses (execution_id, session_id, code, at) VALUES (:execution, :session, :code, :at)",
+          soci::use(row), soci::use(session), soci::use(code), soci::use(at));
 }
 
 ActivityExecutionStatus NewestStatus(soci::session& sql, long long row) {
   int code = 0;
   std::string at;
-  sql << "SELECT code, at FROM statuses WHERE execution_id = :execution ORDER BY status_id DESC LIMIT 1",
-      soci::use(row), soci::into(code), soci::into(at);
+  Execute(sql, "SELECT code, at FROM statuses WHERE execution_id = :execution ORDER BY status_id DESC LIMIT 1",
+          soci::use(row), soci::into(code), soci::into(at));
   return {static_cast<Types::Enums::ActivityExecStatus>(code), FromStoredTime(at)};
 }
 
 void Insert(soci::session& sql, long long session, const std::string& guid, const ActivityExecution& execution) {
   ExecutionRecord record = RecordOf(sql, execution);
   long long row = 0;  // known before the insertion, since a top-level execution is its own root
-  sql << "SELECT COALESCE(MAX(execution_id), 0) + 1 FROM executions", soci::into(row);
+  Execute(sql, "SELECT COALESCE(MAX(execution_id), 0) + 1 FROM executions", soci::into(row));
   record.root = record.parent ? FindRecord(sql, *record.parent)->root : row;
   const std::string startedAt = ToStoredTime(execution.Status.Time);
   // Bound by reference: temporaries would be gone when the statement runs.
@@ -84,11 +86,12 @@ void Insert(soci::session& sql, long long session, const std::string& guid, cons
   const long long version = record.version.value_or(0);
   soci::indicator hasParent = Known(record.parent);
   soci::indicator hasVersion = Known(record.version);
-  sql << "INSERT INTO executions (execution_id, guid, parent_id, root_id, session_id, version_id, node, description, "
-         "kind, started_at) VALUES (:row, :guid, :parent, :root, :session, :version, :node, :description, :kind, :at)",
-      soci::use(row), soci::use(guid), soci::use(parent, hasParent), soci::use(record.root), soci::use(session),
-      soci::use(version, hasVersion), soci::use(record.node), soci::use(record.description), soci::use(record.kind),
-      soci::use(startedAt);
+  Execute(sql,
+          "INSERT INTO executions (execution_id, guid, parent_id, root_id, session_id, version_id, node, description, "
+          "kind, started_at) VALUES (:row, :guid, :parent, :root, :session, :version, :node, :description, :kind, :at)",
+          soci::use(row), soci::use(guid), soci::use(parent, hasParent), soci::use(record.root), soci::use(session),
+          soci::use(version, hasVersion), soci::use(record.node), soci::use(record.description), soci::use(record.kind),
+          soci::use(startedAt));
   AddStatus(sql, row, session, static_cast<int>(execution.Status.Code), startedAt);
 }
 
@@ -147,8 +150,7 @@ ActivityExecution LoadExecution(Connection& connection, const Tsid& id) {
 long long ExecutionRow(soci::session& sql, const Tsid& id) {
   const std::string guid = GuidOf(id, "execution");
   long long row = 0;
-  sql << "SELECT execution_id FROM executions WHERE guid = :guid", soci::use(guid), soci::into(row);
-  if (!sql.got_data()) {
+  if (!Execute(sql, "SELECT execution_id FROM executions WHERE guid = :guid", soci::use(guid), soci::into(row))) {
     throw TsError("execution '" + guid + "' is not known to this TS; expected one that it has stored");
   }
   return row;

@@ -18,8 +18,4 @@ std::string WrittenWhereNoColumnHolds(double value) {
   return value == 0.0 && std::signbit(value) ? "-0.0" : "";
 }
 
-double FromWritten(const std::string& written) {
-  return written == "-0.0" ? -0.0 : std::bit_cast<double>(std::uint64_t{std::stoull(written.substr(4), nullptr, 16)});
-}
-
 }  // namespace Quor::TolvaServices::Local

@@ -10,7 +10,4 @@ namespace Quor::TolvaServices::Local {
 /// The written form of such a value; empty for every other.
 std::string WrittenWhereNoColumnHolds(double value);
 
-/// The value of a written form.
-double FromWritten(const std::string& written);
-
 }  // namespace Quor::TolvaServices::Local

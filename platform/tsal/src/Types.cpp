@@ -5,7 +5,19 @@
 
 namespace Quor::TolvaServices {
 
-TsError::TsError(const std::string& what) : std::runtime_error(what) {}
+namespace {
+
+// A text that is quoted in an error may have zero bytes, and what() ends at the first.
+std::string WithVisibleZeros(std::string text) {
+  for (std::size_t at = 0; (at = text.find('\0', at)) != std::string::npos;) {
+    text.replace(at, 1, "\\x00");
+  }
+  return text;
+}
+
+}  // namespace
+
+TsError::TsError(const std::string& what) : std::runtime_error(WithVisibleZeros(what)) {}
 TsError::~TsError() = default;
 
 namespace Types {

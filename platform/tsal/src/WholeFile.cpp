@@ -2,29 +2,37 @@
 
 #include <TSAL/Error.h>
 
+#include <array>
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
+#include <system_error>
 
 namespace Quor::TolvaServices::Local {
 
 std::string ReadWholeFile(const std::string& path, std::uintmax_t limit) {
-  std::error_code error;
-  if (std::filesystem::is_directory(path, error)) {
-    throw TsError("file '" + path + "' cannot be read: it is a folder");
+  const auto fail = [&path](const std::string& reason) {
+    throw TsError("file '" + path + "' cannot be read: " + reason);
+  };
+  if (path.find('\0') != std::string::npos) {
+    fail("its name has a zero byte");  // the system would open the file that the part before it names
   }
-  const std::uintmax_t size = std::filesystem::file_size(path, error);
-  if (!error && size > limit) {
-    throw TsError("file '" + path + "' is larger than expected: " + std::to_string(size) + " bytes, at most " +
-                  std::to_string(limit));
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    fail("it is a folder");
   }
   errno = 0;
   std::ifstream file(path, std::ios::binary);
-  std::string content{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  std::string content;
+  for (std::array<char, 16384> block; file.good();) {
+    file.read(block.data(), block.size());
+    content.append(block.data(), static_cast<std::size_t>(file.gcount()));
+    if (content.size() > limit) {
+      fail("it is larger than expected: at most " + std::to_string(limit) + " bytes");
+    }
+  }
   if (!file.is_open() || file.bad()) {
-    throw TsError("file '" + path + "' cannot be read: " + std::strerror(errno));
+    fail(std::system_category().message(errno));
   }
   return content;
 }

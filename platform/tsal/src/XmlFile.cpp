@@ -5,6 +5,7 @@
 #include <TSAL/Error.h>
 
 #include <algorithm>
+#include <new>
 #include <string_view>
 
 namespace Quor::TolvaServices::Local {
@@ -27,11 +28,19 @@ std::string ListOf(std::initializer_list<const char*> names) {
 XmlFile::XmlFile(const std::string& path, const char* rootName)
     : path(path), content(ReadWholeFile(path, largestFile)) {
   const std::string expected = "expected one element " + InQuotes(rootName);
-  // As a fragment, so that text and further elements beside the root are seen and refused.
-  const pugi::xml_parse_result parsed = document.load_buffer(
-      content.data(), content.size(), pugi::parse_default | pugi::parse_fragment, pugi::encoding_utf8);
+  if (const std::size_t zero = content.find('\0'); zero != std::string::npos) {
+    FailAtOffset(static_cast<std::ptrdiff_t>(zero), "unexpected zero byte; expected text");  // the parser stops there
+  }
+  // As a fragment, so that text and further elements beside the root are seen and refused; without the blanks around a
+  // text, so that the line is that of its first letter.
+  const pugi::xml_parse_result parsed =
+      document.load_buffer(content.data(), content.size(),
+                           pugi::parse_default | pugi::parse_fragment | pugi::parse_trim_pcdata, pugi::encoding_utf8);
+  if (parsed.status == pugi::status_out_of_memory) {
+    throw std::bad_alloc();
+  }
   if (!parsed) {
-    FailAtOffset(parsed.offset, std::string("not well-formed XML: ") + parsed.description());
+    FailAtOffset(parsed.offset, std::string("not well-formed XML: ") + parsed.description() + "; " + expected);
   }
   for (const pugi::xml_node node : document.children()) {
     if (root || std::string_view(node.name()) != rootName) {

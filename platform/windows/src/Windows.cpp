@@ -39,6 +39,9 @@ BOOL PathRemoveFileSpecW(wchar_t* path) {
 errno_t wcstombs_s(std::size_t* written, char* destination, std::size_t size, const wchar_t* source,
                    std::size_t count) {
   *written = 0;
+  if (size == 0) {
+    return EINVAL;
+  }
   std::size_t length = 0;
   for (; length < count && source[length] != L'\0'; ++length) {
     if (length + 1 >= size) {
