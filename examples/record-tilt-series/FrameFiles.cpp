@@ -5,6 +5,6 @@
 bool FramesOnDisk(const std::string& subFramePath, const std::filesystem::path& folder) {
   const std::string name = subFramePath.substr(subFramePath.find_last_of("/\\") + 1);  // of either system
   std::error_code unreadable;                                                          // counts as not there
-  return !name.empty() && (std::filesystem::is_regular_file(subFramePath, unreadable) ||
+  return !name.empty() && (std::filesystem::is_regular_file(folder / subFramePath, unreadable) ||
                            std::filesystem::is_regular_file(folder / name, unreadable));
 }

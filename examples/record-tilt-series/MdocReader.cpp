@@ -9,6 +9,7 @@
 namespace {
 
 constexpr std::size_t longestLine = std::size_t{1024} * 1024;
+constexpr std::size_t longestShown = 80;
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 constexpr std::string_view blanks = " \t";
 
@@ -16,6 +17,15 @@ std::string_view Trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(blanks);
   return first == std::string_view::npos ? std::string_view()
                                          : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+// A line as a message shows it: its start, and nothing that a terminal would obey. It may come from any file, an image
+// given by mistake included.
+std::string Shown(std::string_view text) {
+  std::string shown(text.substr(0, longestShown));
+  std::replace_if(
+      shown.begin(), shown.end(), [](unsigned char c) { return c < ' ' || c == 127; }, '?');
+  return "'" + shown + (text.size() > longestShown ? "...'" : "'");
 }
 
 }  // namespace
@@ -47,11 +57,11 @@ bool MdocReader::ReadText() {
   constexpr auto end = std::filebuf::traits_type::eof();
   text.clear();
   ++lineNumber;
-  int next = file.sbumpc();
+  int next = ReadByte();
   if (next == end) {
     return false;
   }
-  for (; next != end && next != '\n'; next = file.sbumpc()) {
+  for (; next != end && next != '\n'; next = ReadByte()) {
     if (text.size() == longestLine) {
       Fail("line is longer than expected: at most " + std::to_string(longestLine) + " bytes");
     }
@@ -67,11 +77,19 @@ bool MdocReader::ReadText() {
   return true;
 }
 
+int MdocReader::ReadByte() {
+  try {
+    return file.sbumpc();
+  } catch (const std::ios_base::failure& reason) {
+    Fail(std::string("cannot be read: ") + reason.what());
+  }
+}
+
 void MdocReader::ParseBracket(MdocLine& line) const {
   static constexpr std::array<std::string_view, 3> sections = {"ZValue", "FrameSet", "MontSection"};
   const std::string_view bracket = Trimmed(text);
   if (bracket.back() != ']') {
-    Fail("'" + text + "' has no ']' at its end; expected [Key = value]");
+    Fail(Shown(text) + " has no ']' at its end; expected [Key = value]");
   }
   Split(bracket.substr(1, bracket.size() - 2), line);
   if (line.key == "T") {
@@ -79,8 +97,8 @@ void MdocReader::ParseBracket(MdocLine& line) const {
   } else if (std::find(sections.begin(), sections.end(), line.key) != sections.end()) {
     line.kind = MdocLine::Kind::Section;
   } else {
-    Fail("'" + text +
-         "' opens an unknown section; expected [ZValue = n], [FrameSet = n], [MontSection = n] or [T = ...]");
+    Fail(Shown(text) +
+         " opens an unknown section; expected [ZValue = n], [FrameSet = n], [MontSection = n] or [T = ...]");
   }
 }
 
@@ -93,7 +111,7 @@ void MdocReader::Split(std::string_view assignment, MdocLine& line) const {
   const std::size_t equals = assignment.find('=');
   const std::string_view key = Trimmed(assignment.substr(0, equals));
   if (equals == std::string_view::npos || key.empty()) {
-    Fail("'" + text + "' is not understood; expected Key = value");
+    Fail(Shown(text) + " is not understood; expected Key = value");
   }
   const std::string_view value = assignment.substr(equals + 1);
   line.key = key;

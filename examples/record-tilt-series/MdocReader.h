@@ -40,6 +40,7 @@ class MdocReader {
 
  private:
   bool ReadText();
+  int ReadByte();
   void ParseBracket(MdocLine& line) const;
   void ParseValue(MdocLine& line) const;
   void Split(std::string_view assignment, MdocLine& line) const;

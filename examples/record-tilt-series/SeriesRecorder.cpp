@@ -62,6 +62,7 @@ class Recorder {
   struct Section {
     std::string kind;
     std::string guid;
+    std::uint64_t parameters = 0;
     bool framesOnDisk = false;
   };
 
@@ -78,22 +79,23 @@ class Recorder {
 
   void AddToSection(const MdocLine& line) {
     AddParameter(section->kind, line);
+    ++section->parameters;
     if (line.key == "SubFramePath") {
       section->framesOnDisk = FramesOnDisk(line.value, file.parent_path());
     }
   }
 
   void AddToSeries(const MdocLine& line) {
-    if (!std::exchange(seriesEventPending, true)) {
+    if (seriesParameters == 0) {
       logging.CreateInstrumentEvent(seriesEvent);
     }
     AddParameter(seriesEvent, line);
+    ++seriesParameters;
   }
 
   void AddParameter(const std::string& event, const MdocLine& line) {
     std::visit([&](const auto& value) { logging.AddInstrumentEventParameter(event, line.key, value); },
                TypedValue(line.value));
-    ++counts.parameters;
   }
 
   void FinishSection() {
@@ -106,26 +108,26 @@ class Recorder {
 
   void SaveSectionEvent() {
     logging.AddInstrumentEventParameter(section->kind, "FramesOnDisk", section->framesOnDisk);
-    ++counts.parameters;
-    SaveEvent(section->kind, section->guid);
+    SaveEvent(section->kind, section->guid, section->parameters + 1);
   }
 
   void SaveSeriesEvent() {
-    if (std::exchange(seriesEventPending, false)) {
-      SaveEvent(seriesEvent, guid);
+    if (seriesParameters > 0) {
+      SaveEvent(seriesEvent, guid, std::exchange(seriesParameters, 0));
     }
   }
 
-  void SaveEvent(const std::string& event, const std::string& execution) {
+  void SaveEvent(const std::string& event, const std::string& execution, std::uint64_t parameters) {
     logging.SaveInstrumentEvent(event, execution);
     ++counts.events;
+    counts.parameters += parameters;
   }
 
   ITsLogging& logging;
   const std::filesystem::path& file;
   RecordCounts& counts;
   const std::string guid;
-  bool seriesEventPending = false;
+  std::uint64_t seriesParameters = 0;  // in its pending event
   std::optional<Section> section;
 };
 
@@ -137,7 +139,7 @@ bool ReadOn(MdocReader& reader, MdocLine& line, Recorder& recorder) {
     try {
       recorder.Abandon();
     } catch (const std::exception& second) {
-      throw std::runtime_error(std::string(reason.what()) + "; what came before it was not saved: " + second.what());
+      throw MdocError(std::string(reason.what()) + "; what came before it was not saved: " + second.what());
     }
     throw;
   }

@@ -2,6 +2,7 @@
 
 #include "DataFolder.h"
 #include "ExampleSettings.h"
+#include "MdocReader.h"
 #include "ProgressBar.h"
 #include "SeriesRecorder.h"
 
@@ -56,18 +57,26 @@ class Run {
       }
     } catch (const NothingCreated& reason) {
       tsMissing = true;
-      Complain(reason);
-    } catch (const std::exception& reason) {
-      Complain(reason);
+      Complain(reason.what());
+    } catch (const MdocError& reason) {
+      Complain(reason.what());
+    } catch (const std::exception& reason) {  // of TS, which does not know the file
+      Complain(file.string() + ": " + reason.what());
     }
     bytesBefore += SizeOf(file);
   }
 
   ExitCode Summarise() const {
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+    if (counts.series == 0 && tsMissing) {
+      std::cout
+          << "Nothing was recorded: TS is not available. Either its service is absent, or it cannot be reached as "
+          << (fs::current_path() / "TSAL.config").string() << " says." << std::endl;
+      return NothingRecorded;
+    }
     if (counts.series == 0) {
-      std::cout << "Nothing was recorded" << (tsMissing ? ": TS is not available." : ".") << std::endl;
-      return tsMissing ? NothingRecorded : SomethingFailed;
+      std::cout << "Nothing was recorded." << std::endl;
+      return SomethingFailed;
     }
     std::cout << "Recorded " << counts.series << " series, " << counts.sections << " sections, " << counts.events
               << " events, " << counts.parameters << " parameters in " << seconds.count() << " seconds\n"
@@ -79,10 +88,10 @@ class Run {
   }
 
  private:
-  void Complain(const std::exception& reason) {
+  void Complain(const std::string& what) {
     failed = true;
     bar.Clear();
-    std::cerr << reason.what() << std::endl;
+    std::cerr << what << std::endl;
   }
 
   ITsLogging& logging;

@@ -16,11 +16,12 @@ namespace {
 class LocalTsPage : public testing::Test {
  protected:
   LocalTsPage() {
-    const std::string good = "Voltage = 300\n[ZValue = 0]\nTiltAngle = 0.5\n[ZValue = 1]\nTiltAngle = 3.1\nDefocus = -4\n";
+    const std::string good =
+        "Voltage = 300\n[ZValue = 0]\nTiltAngle = 0.5\n[ZValue = 1]\nTiltAngle = 3.1\nDefocus = -4\n";
     folder.Write("good.mdoc", good);
     folder.Write("broken.mdoc", "[ZValue = 0]\nTiltAngle = 1.5\nnot understood\n");
-    const std::string command = "cd '" + folder.path.string() + "' && '" RECORD_TILT_SERIES
-                                "' good.mdoc broken.mdoc > /dev/null 2>&1";
+    const std::string command =
+        "cd '" + folder.path.string() + "' && '" RECORD_TILT_SERIES "' good.mdoc broken.mdoc > /dev/null 2>&1";
     EXPECT_NE(std::system(command.c_str()), 0) << "the broken file was not noticed";
   }
 
@@ -46,8 +47,8 @@ TEST_F(LocalTsPage, NamesEveryTableAndColumnAndNoOther) {
       described.insert(table + "." + column[1].str());
     }
   }
-  std::istringstream stored(
-      Ask("SELECT t.name || '.' || c.name FROM sqlite_master t JOIN pragma_table_info(t.name) c WHERE t.type = 'table'"));
+  std::istringstream stored(Ask(
+      "SELECT t.name || '.' || c.name FROM sqlite_master t JOIN pragma_table_info(t.name) c WHERE t.type = 'table'"));
   const std::set<std::string> existing{std::istream_iterator<std::string>(stored), {}};
   EXPECT_EQ(described, existing);
 }
@@ -73,9 +74,13 @@ const std::vector<Question> questions = {
 
 TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
   const std::string run = Ask("SELECT guid FROM executions WHERE node = 'good.mdoc'").substr(0, 36);
-  const std::map<std::string, std::string> values = {
-      {":run", "'" + run + "'"},   {":day", "'2000-01-01'"}, {":next_day", "'2100-01-01'"}, {":parameter", "'TiltAngle'"},
-      {":node", "'ZValue 1'"}, {":low", "0"},            {":high", "1"}};
+  const std::map<std::string, std::string> values = {{":run", "'" + run + "'"},
+                                                     {":day", "'2000-01-01'"},
+                                                     {":next_day", "'2100-01-01'"},
+                                                     {":parameter", "'TiltAngle'"},
+                                                     {":node", "'ZValue 1'"},
+                                                     {":low", "0"},
+                                                     {":high", "1"}};
   const auto asked = Matches(page, std::regex(R"(\n### (\d+\. [^\n]*)\n+```sql\n([^`]*);\n```)"));
   ASSERT_EQ(asked.size(), questions.size());
   for (std::size_t n = 0; n < asked.size(); ++n) {

@@ -5,8 +5,10 @@
 #include <TSAL/Error.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <new>
 #include <string_view>
+#include <system_error>
 
 namespace Quor::TolvaServices::Local {
 namespace {
@@ -23,10 +25,17 @@ std::string ListOf(std::initializer_list<const char*> names) {
   return list.empty() ? "none" : list;
 }
 
+// For the errors, which a reader may see when the current directory is another.
+std::string AbsoluteWhereKnown(const std::string& path) {
+  std::error_code unknown;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, unknown);
+  return unknown ? path : absolute.string();
+}
+
 }  // namespace
 
 XmlFile::XmlFile(const std::string& path, const char* rootName)
-    : path(path), content(ReadWholeFile(path, largestFile)) {
+    : path(AbsoluteWhereKnown(path)), content(ReadWholeFile(path, largestFile)) {
   const std::string expected = "expected one element " + InQuotes(rootName);
   if (const std::size_t zero = content.find('\0'); zero != std::string::npos) {
     FailAtOffset(static_cast<std::ptrdiff_t>(zero), "unexpected zero byte; expected text");  // the parser stops there
