@@ -1,4 +1,5 @@
 #include "activities/ActivityRegistration.h"
+#include "activities/ActivityStatus.h"
 #include "core/ProcessState.h"
 #include "core/TraceScope.h"
 #include "core/TsLogging.h"
@@ -7,17 +8,9 @@
 namespace Quor::Velora::Infra::TsLogging {
 
 using TolvaServices::Types::ActivityExecution;
-using TolvaServices::Types::ActivityExecutionStatus;
-using TolvaServices::Types::DateTimeOffset;
 using TolvaServices::Types::Tsid;
-using TolvaServices::Types::Enums::ActivityExecStatus;
 
 namespace {
-
-// TS defines what the numbers mean.
-constexpr ActivityExecStatus createdStatus{4};
-constexpr ActivityExecStatus updatedStatus{14};
-constexpr std::int32_t topLevelKind = 5;
 
 constexpr const char* createOperation = "Quor::Velora::Infra::TsLogging::TsLogging::CreateActivityExecution";
 constexpr const char* serverNotAvailable =
@@ -31,8 +24,6 @@ struct ActivityExecutionRequest {
   std::string regActivityVersionName;
   std::string newGuid;
 };
-
-ActivityExecutionStatus StatusNow(ActivityExecStatus code) { return {code, DateTimeOffset::Now()}; }
 
 ActivityExecution FetchExecution(const std::string& guid, bool flag) {
   const Tsid id(guid);

@@ -15,10 +15,17 @@ std::shared_ptr<ITsLogging> TsLogging::GetInstance() {
     instanceSlot = std::make_shared<TsLogging>();
     // Always for the default file, whichever one bring-up was given. A raise leaves the new object in its slot.
     if (!CheckTsServiceAvailability(defaultActivitiesFile)) {
-      scope.WriteWarning("Kv7 for Velora is not supported because TS Server is not installed or available");
+      scope.WriteWarning(tsNotSupported);
     }
   }
   return instanceSlot;  // read again: the check may have called a gateway that put another object there
+}
+
+void TsLogging::CreateInstanceIfNone() {
+  const std::lock_guard lock(instanceMutex);
+  if (!instanceSlot) {
+    instanceSlot = std::make_shared<TsLogging>();
+  }
 }
 
 void TsLogging::SetInstance(std::shared_ptr<ITsLogging> instance) {

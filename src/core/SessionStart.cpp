@@ -4,10 +4,20 @@
 #include "gateway/CurrentGateway.h"
 
 namespace Quor::Velora::Infra::TsLogging {
+namespace {
+
+void ClearPendingInstrumentEvents() { pendingInstrumentEvents.clear(); }
+
+}  // namespace
 
 void StartTsSession() {
   GetTolvaServicesClass()->BeginSession();
-  pendingInstrumentEvents.clear();
+  ClearPendingInstrumentEvents();
+}
+
+void StartTsSession(const std::string& sessionArg1, const std::string& sessionArg2, const std::string& sessionArg3) {
+  GetTolvaServicesClass()->BeginSession(sessionArg1, sessionArg2, sessionArg3);
+  ClearPendingInstrumentEvents();
 }
 
 }  // namespace Quor::Velora::Infra::TsLogging

@@ -26,6 +26,14 @@ class TsLogging final : public ITsLogging {
   /// The folder of the library's own file with a separator at its end; empty when it cannot be told.
   static std::filesystem::path GetDataRootDirectory();
 
+  /// Brings TS up by itself and creates the execution under which later ones without a parent hang.
+  /// @return its guid; the one of the parent set before when TS cannot be used.
+  static std::string SetParentActivityExec(const std::string& node, const std::string& sessionArg1,
+                                           const std::string& sessionArg2, const std::string& sessionArg3,
+                                           const std::string& activitiesFile);
+  static std::string SetParentActivityExec(const std::string& node, const std::string& sessionArg1,
+                                           const std::string& sessionArg2, const std::string& sessionArg3);
+
   /// Makes the versions that TS knows from this file the table of activity versions; a raise leaves the table as it
   /// was.
   static void RegisterActivitiesFile(const std::string& activitiesFilePath);
@@ -43,6 +51,14 @@ class TsLogging final : public ITsLogging {
   void AddInstrumentEventParameter(const std::string& node, const std::string& parameter, std::int32_t value) override;
   void AddInstrumentEventParameter(const std::string& node, const std::string& parameter,
                                    const std::string& value) override;
+
+ private:
+  /// Without the check that GetInstance makes.
+  static void CreateInstanceIfNone();
 };
+
+/// The line for a TS that cannot be used.
+inline constexpr const char* tsNotSupported =
+    "Kv7 for Velora is not supported because TS Server is not installed or available";
 
 }  // namespace Quor::Velora::Infra::TsLogging

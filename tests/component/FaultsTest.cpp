@@ -84,6 +84,7 @@ TEST_F(Faults, OfEveryCallPassAndEveryOpenOperationHasItsExitLine) {
       {"UpdateActivityExecution", [&] { logging->UpdateActivityExecution("g"); }},
       {"CreateInstrumentEvent", [&] { logging->CreateInstrumentEvent("A"); }},
       {"AddInstrumentEventParameter", [&] { logging->AddInstrumentEventParameter("A", "p", true); }},
+      {"SetParentActivityExec", [&] { library->NewConfigurator()->SetParentActivityExec("n", "a", "b", "c"); }},
       {"SaveInstrumentEvent", [&] { logging->SaveInstrumentEvent("A", "g"); }},
   };
   for (const auto& [name, operation] : operations) {
@@ -135,6 +136,17 @@ TEST_F(Faults, OfThePresenceQuestionPassAndLeaveTheAnswerOfTheCheckBefore) {
     EXPECT_EQ(Journal(), Scope("CreateTsLoggingSession", checkedPresence));
     logging->CreateInstrumentEvent("A");
     EXPECT_EQ(Journal(), Scope("CreateInstrumentEvent", supported ? "info Create instrument event with name: A" : ""));
+  }
+}
+
+TEST_F(Faults, OfTsalAreCaughtByAHostByTheirType) {
+  const auto logging = BroughtUp();
+  At("TSAL SaveEvent", [] { throw Quor::TolvaServices::TsError("reason"); });
+  try {
+    logging->SaveInstrumentEvent("A", "");
+    ADD_FAILURE() << "nothing was raised";
+  } catch (const Quor::TolvaServices::TsError& error) {
+    EXPECT_STREQ(error.what(), "reason");
   }
 }
 

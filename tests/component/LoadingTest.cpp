@@ -2,6 +2,10 @@
 
 #include "support/ComponentTest.h"
 
+#include <malloc.h>
+
+#include <cstdlib>
+
 namespace {
 
 using Loading = ComponentTest;
@@ -52,8 +56,11 @@ TEST_F(Loading, DataRootBeyondTheLongestPathOfTheSystemIsStillWhole) {
   EXPECT_NE(Journal().find(DataRootLines(place) + "TSAL SetTsalPath('')"), std::string::npos);
 }
 
-TEST_F(Loading, UnloadReleasesFactoryLoggingAndGatewayInThisOrderEachTime) {
-  for (int time = 0; time < 2; ++time) {
+TEST_F(Loading, UnloadReleasesFactoryLoggingAndGatewayInThisOrderAThousandTimes) {
+  PutSettings(current);
+  std::size_t inUse = 0;
+  for (int time = 0; time < 1000; ++time) {
+    library->Create("i")->SaveInstrumentEvent("A", "g");
     // What a factory's deleter holds is released with the last weak reference, which is the library's.
     library->SetLogging(nullptr, std::make_shared<HostLogging>("logging"));
     library->SetGateway(
@@ -63,7 +70,22 @@ TEST_F(Loading, UnloadReleasesFactoryLoggingAndGatewayInThisOrderEachTime) {
     Unload();
     EXPECT_EQ(Journal(), Lines("factory slot released", "logging released", "gateway released"));
     library = std::make_unique<Library>(file);
+    inUse = time == 10 ? mallinfo2().uordblks : inUse;  // the loader has made its own tables by then
   }
+  EXPECT_LE(mallinfo2().uordblks, inUse + 1024);
+}
+
+TEST_F(Loading, ObjectsThatAHostHoldsAtItsEndDoNoHarm) {
+  const auto endHolding = [this] {
+    static std::shared_ptr<Library::ITsLogging> logging;
+    static std::shared_ptr<Quor::Velora::Unmanaged::ITsLoggingConfigurator> configurator;
+    logging = library->Create("i");
+    library->GetConfigurator(configurator);
+    library->SetGateway(nullptr, std::make_shared<HostGateway>("gateway"));
+    static_cast<void>(library.release());  // stays loaded
+    std::exit(0);
+  };
+  EXPECT_EXIT(endHolding(), testing::ExitedWithCode(0), "");
 }
 
 TEST_F(Loading, ObjectsMayCallBackWhileTheLibraryLeaves) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <VeloraTsLogging/IFactory.h>
+#include <VeloraTsLogging/ITsLoggingConfigurator.h>
 
 #include <dlfcn.h>
 
@@ -13,6 +14,7 @@ class Library {
  public:
   using IFactory = Quor::Velora::Infra::TsLogging::IFactory;
   using ITsLogging = Quor::Velora::Infra::TsLogging::ITsLogging;
+  using ITsLoggingConfigurator = Quor::Velora::Unmanaged::ITsLoggingConfigurator;
   using ITolvaServicesClass = Quor::Velora::Infra::TsLogging::ITolvaServicesClass;
 
   /// @param file what the loader takes: with a slash in it.
@@ -28,6 +30,8 @@ class Library {
     Find(Create,
          "_ZN4Quor6Velora5Infra9TsLogging8IFactory15CreateTsLoggingERKNSt7__cxx1112basic_stringIcSt11char_traitsIcE"
          "SaIcEEE");
+    Find(GetConfigurator, "GetTsLogingConfigurator");
+    Find(NewConfigurator, "_ZN4Quor6Velora9Unmanaged24GetTsLoggingConfiguratorEv");
   }
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
@@ -44,6 +48,8 @@ class Library {
   void (*SetGateway)(std::shared_ptr<IFactory>, std::shared_ptr<ITolvaServicesClass>) = nullptr;
   std::shared_ptr<ITsLogging> (*CreateWith)(const std::string&, const std::string&) = nullptr;
   std::shared_ptr<ITsLogging> (*Create)(const std::string&) = nullptr;
+  void (*GetConfigurator)(std::shared_ptr<ITsLoggingConfigurator>&) = nullptr;
+  std::shared_ptr<ITsLoggingConfigurator> (*NewConfigurator)() = nullptr;
 
  private:
   template <typename Function>

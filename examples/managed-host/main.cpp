@@ -1,0 +1,58 @@
+// What a managed host does with the TS logging component: it loads the library by the name of its file, finds the one
+// function that has a bare name, and sets a parent, under which everything hangs that the native side then records.
+
+#include "HostOptions.h"
+#include "LoadedLibrary.h"
+#include "TiltSeriesRecording.h"
+
+#include <VeloraTsLogging/ITsLoggingConfigurator.h>
+
+#include <filesystem>
+#include <iostream>
+
+using Quor::Velora::Unmanaged::ITsLoggingConfigurator;
+
+namespace {
+
+std::string SetParent(const LoadedLibrary& component, const std::string& node) {
+  const auto fill = component.Find<decltype(GetTsLogingConfigurator)>("GetTsLogingConfigurator");
+  std::shared_ptr<ITsLoggingConfigurator> configurator;
+  fill(configurator);
+  return configurator->SetParentActivityExec(node, "", "", "");
+}
+
+int Main(int argc, char** argv) {
+  std::string library;
+  std::string node;
+  CLI::App app("Records tilt series from .mdoc files, all of them under one execution.");
+  app.add_option("--library", library, "The file of the TS logging library")->required();
+  app.add_option("--under", node, "The node of the execution under which everything hangs")->required();
+  HostOptions options(app);
+  if (const std::optional<int> done = options.Parse(app, argc, argv)) {
+    return *done;
+  }
+  const LoadedLibrary component(std::filesystem::absolute(library).string());
+  const LoadedLibrary recording("libtilt-series-recording.so");
+  const int entered = recording.Find<decltype(EnterRecordFolder)>("EnterRecordFolder")(options.data.c_str());
+  if (entered != Recorded) {
+    return entered;
+  }
+  const std::string parent = SetParent(component, node);
+  if (parent.empty()) {
+    std::cout << "Nothing was recorded: TS is not available." << std::endl;
+    return NothingRecorded;
+  }
+  std::cout << "Everything hangs under " << node << ", execution " << parent << std::endl;
+  return recording.Find<decltype(RecordTiltSeries)>("RecordTiltSeries")(options.Files().data(), options.files.size());
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return Main(argc, argv);
+  } catch (const std::exception& reason) {
+    std::cerr << "Nothing was recorded: " << reason.what() << std::endl;
+    return SomethingFailed;
+  }
+}

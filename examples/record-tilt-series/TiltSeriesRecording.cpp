@@ -1,0 +1,129 @@
+#include "TiltSeriesRecording.h"
+
+#include "DataFolder.h"
+#include "ExampleSettings.h"
+#include "MdocReader.h"
+#include "ProgressBar.h"
+#include "SeriesRecorder.h"
+
+#include <VeloraTsLogging/IFactory.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <numeric>
+#include <string>
+#include <vector>
+
+namespace fs = std::filesystem;
+using Quor::Velora::Infra::TsLogging::IFactory;
+using Quor::Velora::Infra::TsLogging::ITsLogging;
+
+namespace {
+
+std::uint64_t SizeOf(const fs::path& file) {
+  std::error_code unknown;
+  const std::uintmax_t size = fs::file_size(file, unknown);
+  return unknown ? 0 : size;
+}
+
+/// Records file after file; one that fails does not keep the others from being recorded.
+class Run {
+ public:
+  Run(ITsLogging& logging, const std::vector<fs::path>& files)
+      : logging(logging),
+        bar(std::accumulate(files.begin(), files.end(), std::uint64_t{0},
+                            [](std::uint64_t sum, const fs::path& f) { return sum + SizeOf(f); })) {}
+
+  void Record(const fs::path& file) {
+    const RecordCounts before = counts;
+    try {
+      RecordSeries(logging, file, counts,
+                   [&](std::uint64_t bytes) { bar.Show(bytesBefore + bytes, file.filename().string()); });
+      bar.Clear();
+      if (!bar.IsShown()) {
+        std::cout << file.string() << ": " << counts.sections - before.sections << " sections, "
+                  << counts.parameters - before.parameters << " parameters recorded" << std::endl;
+      }
+    } catch (const NothingCreated& reason) {
+      tsMissing = true;
+      Complain(reason.what());
+    } catch (const MdocError& reason) {
+      Complain(reason.what());
+    } catch (const std::exception& reason) {  // of TS, which does not know the file
+      Complain(file.string() + ": " + reason.what());
+    }
+    bytesBefore += SizeOf(file);
+  }
+
+  RecordingOutcome Summarise() const {
+    const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
+    if (counts.series == 0 && tsMissing) {
+      std::cout
+          << "Nothing was recorded: TS is not available. Either its service is absent, or it cannot be reached as "
+          << (fs::current_path() / "TSAL.config").string() << " says." << std::endl;
+      return NothingRecorded;
+    }
+    if (counts.series == 0) {
+      std::cout << "Nothing was recorded." << std::endl;
+      return SomethingFailed;
+    }
+    std::cout << "Recorded " << counts.series << " series, " << counts.sections << " sections, " << counts.events
+              << " events, " << counts.parameters << " parameters in " << seconds.count() << " seconds\n"
+              << "in the folder " << fs::current_path().string() << std::endl;
+    if (failed) {
+      std::cout << "Not everything could be recorded: see the errors above." << std::endl;
+    }
+    return failed ? SomethingFailed : Recorded;
+  }
+
+ private:
+  void Complain(const std::string& what) {
+    failed = true;
+    bar.Clear();
+    std::cerr << what << std::endl;
+  }
+
+  ITsLogging& logging;
+  ProgressBar bar;
+  RecordCounts counts;
+  std::uint64_t bytesBefore = 0;
+  bool failed = false;
+  bool tsMissing = false;
+  const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
+};
+
+template <typename Work>
+int Guarded(const Work& work) {
+  try {
+    return work();
+  } catch (const std::exception& reason) {
+    std::cerr << "Nothing was recorded: " << reason.what() << std::endl;
+    return SomethingFailed;
+  }
+}
+
+}  // namespace
+
+int EnterRecordFolder(const char* folder) {
+  return Guarded([folder] {
+    EnterDataFolder(folder);
+    // The terminal is for the progress; the component's lines stay with the record.
+    setenv("VELORA_LOG_FILE", (fs::current_path() / "velora.log").c_str(), 0);
+    return Recorded;
+  });
+}
+
+int RecordTiltSeries(const char* const* files, std::size_t count) {
+  return Guarded([files, count] {
+    const std::vector<fs::path> paths(files, files + count);
+    const std::shared_ptr<ITsLogging> logging = IFactory::CreateTsLogging(instrumentConfigFile);
+    Run run(*logging, paths);
+    for (const fs::path& path : paths) {
+      run.Record(path);
+    }
+    return run.Summarise();
+  });
+}

@@ -1,0 +1,44 @@
+#include "activities/ParentExecution.h"
+#include "core/ProcessState.h"
+#include "core/SessionStart.h"
+#include "core/SettingsSearch.h"
+#include "core/TraceScope.h"
+#include "core/TsLogging.h"
+#include "gateway/CurrentGateway.h"
+
+namespace Quor::Velora::Infra::TsLogging {
+
+std::string TsLogging::SetParentActivityExec(const std::string& node, const std::string& sessionArg1,
+                                             const std::string& sessionArg2, const std::string& sessionArg3,
+                                             const std::string& activitiesFile) {
+  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::SetParentActivityExec");
+  std::string parentBefore = parentActivityExecGuid;
+  if (!CheckTsServiceAvailability(activitiesFile)) {
+    scope.WriteError(tsNotSupported);
+    return parentBefore;
+  }
+  scope.WriteInfo("Set Parent Activity execution");
+  CreateInstanceIfNone();
+  const std::filesystem::path dataRoot = GetDataRootDirectory();
+  const SettingsPlace place = FindSettings(dataRoot, activitiesFile);
+  if (place == SettingsPlace::Nowhere) {
+    scope.WriteError(settingsNotFound);
+  } else {
+    const std::string tsalPath = TsalPathOf(place, dataRoot);
+    GetTolvaServicesClass()->SetTsalPath(tsalPath);
+    if (place == SettingsPlace::CurrentDirectory) {
+      StartTsSession();
+    } else {
+      StartTsSession(sessionArg1, sessionArg2, sessionArg3);
+    }
+    RegisterActivitiesFile(FileIn(place, dataRoot, activitiesFile));
+  }
+  return CreateParentActivityExecution(node);
+}
+
+std::string TsLogging::SetParentActivityExec(const std::string& node, const std::string& sessionArg1,
+                                             const std::string& sessionArg2, const std::string& sessionArg3) {
+  return SetParentActivityExec(node, sessionArg1, sessionArg2, sessionArg3, defaultActivitiesFile);
+}
+
+}  // namespace Quor::Velora::Infra::TsLogging

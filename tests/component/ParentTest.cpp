@@ -1,0 +1,122 @@
+// The parent execution of the process, and the configurator that sets it.
+
+#include "support/ComponentTest.h"
+
+namespace {
+
+class Parent : public ComponentTest {
+ protected:
+  std::string Set(const std::string& node) {
+    return library->NewConfigurator()->SetParentActivityExec(node, "a", "b", "c");
+  }
+};
+
+const std::string absent = "error Kv7 for Velora is not supported because TS Server is not installed or available";
+
+std::string Saved(const std::string& node) {
+  return "TSAL SaveActivityExecution('' version '' status 14 now node '" + node +
+         "' description 'Set Parent ActivityExec' kind 5 parent null, Empty)";
+}
+
+/// A set-up that finds TS present. `search` is what the check's search led to, `session` what came before the save.
+std::string SettingOf(const std::string& root, const std::string& search, const std::string& session) {
+  return Scope("SetParentActivityExec", Check(root, search), "info Set Parent Activity execution", DataRootLines(root),
+               session, Saved("n"));
+}
+
+TEST_F(Parent, IsSetUpByTheFilesWhereTheyLie) {
+  const auto sessionWith = [](const std::string& arguments, const std::string& file) {
+    return Lines("TSAL BeginSession(" + arguments + ")", "session released", Registration(file));
+  };
+  struct Place {
+    const char* name;
+    std::filesystem::path folder;
+    std::string search, session;
+  };
+  const std::string own = "own.xml";
+  const Place places[] = {
+      {"current directory", current, "TSAL SetTsalPath('')", sessionWith("", own)},
+      {"data root", dataRoot, "TSAL SetTsalPath('" + root + "')", sessionWith("'a', 'b', 'c'", root + own)},
+      {"nowhere", folder.path, notFound, notFound},
+  };
+  for (const Place& place : places) {
+    SCOPED_TRACE(place.name);
+    Unload();
+    library = std::make_unique<Library>(file);
+    PutSettings(place.folder);
+    rename(place.folder / "activities.xml", place.folder / own);
+    EXPECT_EQ(library->NewConfigurator()->SetParentActivityExec("n", "a", "b", "c", own), "new guid");
+    EXPECT_EQ(Journal(), SettingOf(root, place.search, place.session));
+    remove(place.folder / "TSAL.config");
+  }
+}
+
+TEST_F(Parent, HasTheDefaultFileWhereNoneIsNamed) {
+  PutSettings(current);
+  EXPECT_EQ(Set("n"), "new guid");
+  EXPECT_EQ(Journal(), SettingOf(root, "TSAL SetTsalPath('')",
+                                 Lines("TSAL BeginSession()", "session released", Registration("activities.xml"))));
+}
+
+TEST_F(Parent, MakesTheLoggingObjectUncheckedAndForgetsPendingEvents) {
+  PutSettings(current);
+  Set("n");
+  const auto logging = library->Create("i");
+  EXPECT_NE(Journal().find(Scope("GetInstance")), std::string::npos);
+  logging->CreateInstrumentEvent("A");
+  Set("n");
+  Journal();
+  logging->SaveInstrumentEvent("A", "");
+  EXPECT_NE(Journal().find("TSAL SaveEvent('' at no time []"), std::string::npos);
+}
+
+TEST_F(Parent, StaysUntilAnotherWasSaved) {
+  PutSettings(current);
+  Fakes::Answers& answers = Fakes::TheScene().answers;
+  const auto logging = library->Create("i");
+  const auto parentOfANewExecution = [&] {
+    Journal();
+    logging->CreateActivityExecution("v", "n", "d");
+    const std::string journal = Journal();
+    const std::size_t at = journal.find(" parent ") + 8;
+    return journal.substr(at, journal.find(',', at) - at);
+  };
+  EXPECT_EQ(parentOfANewExecution(), "null");
+  answers.newGuid = "first";
+  EXPECT_EQ(Set("n"), "first");
+  EXPECT_EQ(parentOfANewExecution(), "'first'");
+
+  answers.newGuid = "second";
+  for (const char* call : {"TSAL BeginSession", "TSAL Register", "TSAL SaveActivityExecution", "info Set Parent"}) {
+    library->SetGateway(nullptr, nullptr);  // which forgets what was registered
+    At(call, [] { throw 5; });
+    EXPECT_THROW(Set("n"), int) << call;
+    Fakes::TheScene().hook = nullptr;
+    EXPECT_EQ(parentOfANewExecution(), "'first'") << call;
+  }
+
+  answers.servicePresent = false;
+  Journal();
+  EXPECT_EQ(Set("n"), "first");
+  EXPECT_EQ(Journal(), Scope("SetParentActivityExec", checkedPresence, absent));
+
+  answers.servicePresent = true;
+  EXPECT_EQ(Set("n"), "second");
+  EXPECT_EQ(parentOfANewExecution(), "'second'");
+}
+
+TEST_F(Parent, ConfiguratorIsInItsSlotBeforeTheFormerOneIsReleased) {
+  std::shared_ptr<Library::ITsLoggingConfigurator> slot;
+  library->GetConfigurator(slot);
+  ASSERT_NE(slot, nullptr);
+  EXPECT_EQ(slot.use_count(), 1);
+  Library::ITsLoggingConfigurator* found = nullptr;
+  slot.reset(slot.get(), [former = slot, &slot, &found](auto*) { found = slot.get(); });
+  const auto* const former = slot.get();
+  library->GetConfigurator(slot);
+  EXPECT_EQ(found, slot.get());
+  EXPECT_NE(found, former);
+  EXPECT_NE(library->NewConfigurator(), library->NewConfigurator());
+}
+
+}  // namespace
