@@ -258,6 +258,22 @@ TEST_F(RecordTiltSeries, FramesAreOnDiskWhereTheFileIs) {
   EXPECT_EQ(Recorded("SELECT value_text, value_number FROM readings ORDER BY event_id, position"), expected);
 }
 
+TEST_F(RecordTiltSeries, AHostThatKnowsTheLibraryByItsFileHasAllHangUnderOneExecution) {
+  const auto manage = [this](const std::string& library, const std::string& environment = "") {
+    return Run(environment + " '" MANAGED_HOST "' --data record --under 'grid 3' --library '" + library + "'" +
+               WriteAll({"[ZValue = 0]\n", "V = 1\n"}));
+  };
+  const Outcome outcome = manage(VELORA_LIBRARY);
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
+  EXPECT_EQ(Recorded("SELECT activity_version, node, status, parent_id, root_id FROM execution_states"),
+            "AutoFunction|grid 3|14|NULL|1\nTiltSeries|0.mdoc|14|1|1\nSection|ZValue 0|14|2|1\n"
+            "TiltSeries|1.mdoc|14|1|1\n");
+  EXPECT_EQ(manage(VELORA_LIBRARY, "TSAL_SERVICE=absent").exitCode, 3);
+  const Outcome missing = manage("none.so");
+  EXPECT_EQ(missing.exitCode, 1);
+  ExpectNamed(missing.output, {"none.so' cannot be loaded"});
+}
+
 TEST_F(RecordTiltSeries, OnATerminalABarShowsBytesReadAndElsewhereALineEachFile) {
   const std::string files = WriteAll({"A = 1\nB = 2\n", "A = 1\nB = 2\n"});
   const Outcome shown = Run("script -qec \"'" RECORD_TILT_SERIES "' --data record" + files + "\" /dev/null");

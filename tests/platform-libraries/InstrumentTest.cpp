@@ -5,44 +5,32 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <optional>
-#include <string>
-#include <vector>
+#include <utility>
 
 namespace {
 
-void Set(const char* name, const char* value) {
-  if (value == nullptr) {
-    unsetenv(name);
-  } else {
-    setenv(name, value, 1);
-  }
-}
+constexpr const char* type = "VELORA_INSTRUMENT_TYPE";
+constexpr const char* options = "VELORA_INSTRUMENT_OPTIONS";
 
 TEST(Instrument, IsAvailableWhenItsTypeIsAnInteger) {
-  struct Row {
-    const char* type;
-    std::optional<std::int32_t> expected;
-    const char* options = "";
-  };
-  std::vector<Row> rows = {{"2147483647", INT32_MAX, "a;b=c\n\xff"}, {"-2147483648", INT32_MIN, nullptr}, {"007", 7}};
-  for (const char* none : {"", "TEM", "1 ", " 1", "+1", "1.0", "0x1", "2147483648"}) {
-    rows.push_back({none, std::nullopt});
-  }
-  rows.push_back({nullptr, std::nullopt});
   const auto factory = Quor::Velora::Infra::KivAccess::GetFactory();
-  for (const auto& [type, expected, options] : rows) {
-    SCOPED_TRACE(type == nullptr ? "unset" : type);
-    Set("VELORA_INSTRUMENT_TYPE", type);
-    Set("VELORA_INSTRUMENT_OPTIONS", options);
+  EXPECT_FALSE(factory->CreateInstrumentAccess()->IsAvailable());
+  for (const char* none : {"", "TEM", "1 ", " 1", "+1", "1.0", "2147483648"}) {
+    setenv(type, none, 1);
+    EXPECT_FALSE(factory->CreateInstrumentAccess()->IsAvailable()) << none;
+  }
+  for (const auto& [text, number] : {std::pair("2147483647", INT32_MAX), {"-2147483648", INT32_MIN}, {"007", 7}}) {
+    setenv(type, text, 1);
+    const auto unset = factory->CreateInstrumentAccess();
+    setenv(options, "a;b=c\n\xff", 1);
     const auto access = factory->CreateInstrumentAccess();
-    Set("VELORA_INSTRUMENT_TYPE", "99");  // too late for this access
-    ASSERT_EQ(access->IsAvailable(), expected.has_value());
-    if (expected) {
-      const auto configuration = access->GetInstrument()->GetConfiguration();
-      EXPECT_EQ(static_cast<std::int32_t>(configuration->GetMicroscopeType()), *expected);
-      EXPECT_EQ(configuration->GetOptionText(), options == nullptr ? "" : options);
-    }
+    setenv(type, "99", 1);  // too late for these
+    unsetenv(options);
+    ASSERT_TRUE(access->IsAvailable()) << text;
+    const auto configuration = access->GetInstrument()->GetConfiguration();
+    EXPECT_EQ(static_cast<std::int32_t>(configuration->GetMicroscopeType()), number);
+    EXPECT_EQ(configuration->GetOptionText(), "a;b=c\n\xff");
+    EXPECT_EQ(unset->GetInstrument()->GetConfiguration()->GetOptionText(), "");
   }
 }
 
