@@ -7,76 +7,63 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
+#include <functional>
 #include <string>
 
 // The tests of the local TS use it as the component does: the shared library, on real files.
 
 using namespace Quor::TolvaServices;
-using Methods::ActivityMethods;
-using Methods::LoggingMethods;
-using Methods::SystemMethods;
-using Types::ActivityExecution;
-using Types::DateTimeOffset;
-using Types::SessionHandle;
-using Types::Tsid;
-using Types::TSInstance;
+using namespace Types;
+using namespace Methods;
+using namespace std::string_literals;
+namespace fs = std::filesystem;
 
-/// What an action raises as a TsError; empty when it raises nothing.
-template <typename Action>
-std::string ErrorOf(Action action) {
+/// Expects an action to raise a TsError that holds the words.
+inline void ExpectError(const std::function<void()>& action, std::initializer_list<std::string> words) {
   try {
     action();
+    ADD_FAILURE() << "nothing was raised; expected: " << *words.begin();
   } catch (const TsError& error) {
-    return error.what();
-  }
-  return {};
-}
-
-inline void ExpectWords(const std::string& error, std::initializer_list<std::string> words) {
-  for (const std::string& word : words) {
-    EXPECT_NE(error.find(word), std::string::npos) << "missing: " << word << "\nin: " << error;
+    for (const std::string& word : words) {
+      EXPECT_NE(std::string(error.what()).find(word), std::string::npos) << word << "\nis not in: " << error.what();
+    }
   }
 }
 
-inline Types::ActivityExecutionStatus Status(int code, std::int64_t microseconds) {
-  return {static_cast<Types::Enums::ActivityExecStatus>(code), DateTimeOffset::FromMicroseconds(microseconds)};
-}
-
-inline ActivityExecution Execution(const std::string& node, const ActivityExecution* parent = nullptr) {
-  ActivityExecution execution;
-  execution.Node = node;
-  execution.Parent = parent;
-  execution.Status = Status(4, 1);
-  return execution;
-}
-
-template <typename... Parameters>
-Types::InstrumentEvent Event(const std::string& name, const Parameters&... parameters) {
-  Types::InstrumentEvent event;
-  event.Name = name;
-  (event.Parameters.push_back(std::make_shared<Parameters>(parameters)), ...);
-  return event;
+inline ActivityExecutionStatus Status(int code, std::int64_t microseconds) {
+  return {static_cast<Enums::ActivityExecStatus>(code), DateTimeOffset::FromMicroseconds(microseconds)};
 }
 
 inline void Save(ActivityExecution& execution) {
   ActivityMethods::SaveActivityExecution(execution, SessionHandle::Empty);
 }
+inline ActivityExecution Saved(const std::string& node, const ActivityExecution* parent = nullptr) {
+  ActivityExecution execution;
+  execution.Node = node;
+  execution.Parent = parent;
+  execution.Kind = INT32_MIN;
+  execution.Status = Status(4, 1);
+  Save(execution);
+  return execution;
+}
 inline ActivityExecution Load(const Tsid& id) { return ActivityMethods::GetActivityExecution(id, true, nullptr); }
-inline void SaveEvent(const Types::InstrumentEvent& event, const Tsid& configuration = Tsid(),
-                      const Tsid* execution = nullptr, const SessionHandle& session = SessionHandle::Empty) {
+
+template <typename... Parameters>
+InstrumentEvent Event(const std::string& name, const Parameters&... parameters) {
+  return {name, {}, {std::make_shared<Parameters>(parameters)...}, {}, {}};
+}
+inline void SaveEvent(const InstrumentEvent& event, const Tsid& configuration = Tsid(), const Tsid* execution = nullptr,
+                      const SessionHandle& session = SessionHandle::Empty) {
   LoggingMethods::SaveEvent(event, configuration, execution, false, session);
 }
 
 class LocalTsTest : public testing::Test {
  protected:
-  static std::string Config(const std::string& database) {
-    return "<TSAL Instrument='Scope 1'><Database Backend='sqlite3' Connection='" + database + "'/></TSAL>\n";
-  }
-  /// Puts settings into the scratch folder; the database's path is relative to it.
-  void Configure(const std::string& database) {
-    folder.Write("TSAL.config", Config(database));
-    TSInstance::SetTsalPath(folder.path.string());
+  /// Puts settings into a folder of the scratch folder; the database's path is relative to it.
+  void Configure(const std::string& database, const std::string& within = "") {
+    folder.Write(within.empty() ? "TSAL.config" : within + "/TSAL.config",
+                 "<TSAL Instrument='Scope'><Database Backend='sqlite3' Connection='" + database + "'/></TSAL>");
+    TSInstance::SetTsalPath((folder / within).string());
   }
   SessionHandle Begin(const std::string& database = "ts.db") {
     Configure(database);

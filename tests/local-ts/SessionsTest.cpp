@@ -1,107 +1,102 @@
-// Sessions: where they record, and for how long.
+// Sessions: where they record, for how long, and many on one store.
 
 #include "LocalTsTest.h"
 
-#include <cstdlib>
-#include <functional>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <thread>
 
 namespace {
 
 using Sessions = LocalTsTest;
-namespace fs = std::filesystem;
 
-TEST_F(Sessions, EveryOperationNeedsASession) {
-  static const std::function<void()> operations[] = {
-      [] { ActivityMethods::RegisterAndGetActivityVersions("none.xml", SessionHandle::Empty); },
-      [] { ActivityMethods::SaveActivityExecution(*std::make_unique<ActivityExecution>(), SessionHandle::Empty); },
-      [] { Load(Tsid("00000000-0000-4000-8000-000000000000")); },
-      [] { SaveEvent(Event("e")); },
-      [] { SystemMethods::SaveInstrumentConfigWithResult({}, {}, {}, {}, {}, {}, {}, {}, {}); },
-  };
-  for (const auto& operation : operations) {
-    ExpectWords(ErrorOf(operation), {"no TS session was begun", "expected a BeginSession"});
-  }
-}
-
-TEST_F(Sessions, TheOneBegunLastCountsAndAHandleNamesItsOwn) {
-  const SessionHandle first = Begin("first.db");
-  ActivityExecution execution = Execution("in first");
-  Save(execution);
+TEST_F(Sessions, TheOneBegunLastCountsAndEachKeepsItsDatabaseWhateverChanges) {
+  ExpectError([] { SaveEvent(Event("e")); }, {"no TS session was begun", "expected a BeginSession"});
+  fs::current_path(folder.path);
+  ExpectError([] { TSInstance::BeginSession(); }, {"'" + (folder / "TSAL.config").string() + "'", "No such file"});
+  folder.Write("TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='./first.db'/></TSAL>");
+  const SessionHandle first = TSInstance::BeginSession("one", "two", "three");
+  fs::current_path("/");
+  const ActivityExecution execution = Saved("in first");
   Begin("second.db");
   SaveEvent(Event("second"));
-  ExpectWords(ErrorOf([&] { Load(execution.Id); }), {execution.Id.GetGuid()});
+  ExpectError([&] { Load(execution.Id); }, {execution.Id.GetGuid()});
   Begin("first.db");
   // Each session's connection has read before the other wrote: none may hold on to what it saw then.
   Load(execution.Id);
   SaveEvent(Event("old session"), Tsid(), &execution.Id, first);
   SaveEvent(Event("new session"));
-  EXPECT_EQ(Recorded("SELECT name, session_id FROM events ORDER BY event_id", "first.db"),
-            "old session|1\nnew session|2\n");
-  EXPECT_EQ(Recorded("SELECT name, instrument FROM events JOIN sessions USING (session_id)", "second.db"),
-            "second|Scope 1\n");
-}
-
-TEST_F(Sessions, ASessionKeepsItsDatabaseWhenSettingsAndCurrentDirectoryChange) {
-  create_directory(folder / "elsewhere");
-  folder.Write("TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='./ts.db'/></TSAL>");
-  fs::current_path(folder.path);
-  TSInstance::SetTsalPath("");
-  EXPECT_TRUE(TSInstance::IsConnectable());
-  TSInstance::BeginSession("one", "two", "three");
-  fs::current_path(folder / "elsewhere");
-  fs::remove(folder / "TSAL.config");
-  SaveEvent(Event("kept"));
-  EXPECT_EQ(
-      Recorded("SELECT name, instrument = host, text1, text2, text3 FROM events JOIN sessions USING (session_id)"),
-      "kept|1|one|two|three\n");
-  ExpectWords(ErrorOf([] { TSInstance::BeginSession(); }), {(folder / "elsewhere/TSAL.config").string()});
-  fs::remove(folder / "elsewhere");
-  ExpectWords(ErrorOf([] { TSInstance::IsConnectable(); }), {"TSAL.config", "current directory"});
-  fs::current_path("/");
+  EXPECT_EQ(Recorded("SELECT name, instrument = host, text1, text2, text3 FROM events JOIN sessions USING (session_id)",
+                     "first.db"),
+            "old session|1|one|two|three\nnew session|0|||\n");
+  EXPECT_EQ(Recorded("SELECT name, instrument FROM events JOIN sessions", "second.db"), "second|Scope\n");
 }
 
 TEST_F(Sessions, NothingIsAcknowledgedIntoAFileThatIsNoLongerThere) {
-  const auto remove = [this] { fs::remove(folder / "ts.db"); };
-  const auto replace = [this] { fs::rename(folder.Write("other.db", ""), folder / "ts.db"); };
-  for (const std::function<void()>& take : {std::function<void()>(remove), std::function<void()>(replace)}) {
+  for (const bool replaced : {false, true}) {
     Begin();
     SaveEvent(Event("kept"));
-    take();
+    fs::remove(folder / "ts.db");
+    if (replaced) {
+      folder.Write("ts.db", "");
+    }
     for (int attempt = 0; attempt < 3; ++attempt) {
-      ExpectWords(ErrorOf([] { SaveEvent(Event("lost")); }), {"ts.db", "removed or replaced", "expected"});
+      ExpectError([] { SaveEvent(Event("lost")); }, {"ts.db", "removed or replaced", "expected"});
     }
     Begin();
     SaveEvent(Event("in the new one"));
     EXPECT_EQ(Recorded("SELECT name FROM events"), "in the new one\n");
-    fs::remove(folder / "ts.db");
   }
 }
 
 TEST_F(Sessions, AFolderWithAnyNameHoldsItsOwnDatabase) {
-  for (const char* name : {"it's", "two  blanks ", "\"quoted\"", "a = b", "say \"a = b\" c", "tab\tand\nbreak", "\xff",
-                           "100%41?mode=ro", ":memory:"}) {
-    SCOPED_TRACE(name);
+  for (const std::string name :
+       {"it's", "two  blanks ", "say \"a = b\" c", "tab\tand\nbreak", "\xff", "100%41?mode=ro"}) {
     create_directory(folder / name);
-    std::ofstream(folder / name / "TSAL.config") << Config("ts.db");
-    TSInstance::SetTsalPath((folder / name).string());
-    EXPECT_TRUE(TSInstance::IsConnectable());
+    Configure("ts.db", name);
     TSInstance::BeginSession();
     SaveEvent(Event(name));
-    copy_file(folder / name / "ts.db", folder / "copy.db", fs::copy_options::overwrite_existing);
-    copy_file(folder / name / "ts.db-wal", folder / "copy.db-wal", fs::copy_options::overwrite_existing);
-    EXPECT_EQ(Recorded("SELECT COUNT(*) FROM events", "copy.db"), "1\n");
+    EXPECT_NE(ContentOf(folder / name / "ts.db-wal"), "") << name;
   }
 }
 
-TEST_F(Sessions, TheServiceIsThereUnlessItIsSaidToBeAbsent) {
-  for (const char* value : {"", "absent ", "Absent", "present"}) {
-    setenv("TSAL_SERVICE", value, 1);
-    EXPECT_TRUE(TSInstance::IsTsServicePresent()) << value;
+/// Saves executions with a child and an event of two parameters each.
+void Record(const std::string& name) {
+  for (int at = 0; at < 20; ++at) {
+    const ActivityExecution parent = Saved(name), child = Saved(name, &parent);
+    SaveEvent(Event(name, InstrumentParameterInt(name, 2), InstrumentParameterInt(name, 4)), Tsid(), &child.Id);
+    EXPECT_EQ(Load(child.Id).Node, name);
   }
-  setenv("TSAL_SERVICE", "absent", 1);
-  EXPECT_FALSE(TSInstance::IsTsServicePresent());
-  unsetenv("TSAL_SERVICE");
-  EXPECT_TRUE(TSInstance::IsTsServicePresent());
+}
+
+TEST_F(Sessions, ProcessesThatMakeOneStoreAtOnceAndTheirThreadsLoseNothing) {
+  Configure("ts.db");
+  std::vector<pid_t> children;
+  for (const std::string name : {"a", "b", "c"}) {
+    children.push_back(fork());
+    if (children.back() == 0) {  // an exception ends the child with its words
+      TSInstance::BeginSession();
+      std::thread one([&] { Record(name + "1"); }), two([&] { Record(name + "2"); });
+      for (int at = 0; at < 9; ++at) {  // settings and sessions change meanwhile
+        TSInstance::SetTsalPath(folder.path.string());
+        TSInstance::BeginSession();
+      }
+      one.join(), two.join();
+      _exit(HasFailure() ? 1 : 0);
+    }
+  }
+  for (const pid_t child : children) {
+    int status = -1;
+    EXPECT_TRUE(waitpid(child, &status, 0) == child && status == 0);
+  }
+  // Every row belongs to what its own writer saved with it.
+  EXPECT_EQ(Recorded("SELECT e.name, COUNT(*), COUNT(DISTINCT e.event_id), COUNT(DISTINCT x.parent_id), SUM(position) "
+                     "FROM events e JOIN executions x USING (execution_id) JOIN executions p ON p.execution_id = "
+                     "x.parent_id JOIN parameters v USING (event_id) WHERE e.name = x.node AND e.name = p.node AND "
+                     "e.name = v.name AND x.root_id = x.parent_id AND value_number = 2 * position GROUP BY e.name"),
+            "a1|40|20|20|60\na2|40|20|20|60\nb1|40|20|20|60\nb2|40|20|20|60\nc1|40|20|20|60\nc2|40|20|20|60\n");
+  EXPECT_EQ(Recorded("SELECT COUNT(*), (SELECT COUNT(*) FROM ts_schema) FROM sessions"), "30|1\n");
 }
 
 }  // namespace

@@ -20,28 +20,30 @@ std::string Timeless(const std::string& log) {
   return std::regex_replace(log, time, "TIME");
 }
 
-TEST(LoggerOfTheHost, WritesALineForEachTextWhateverIsInIt) {
-  static const struct {
-    std::wstring source;
-    std::string message, line;
-  } rows[] = {{L"", "", "[] "},
-              {L"S\u00e4ule\n\u20ac \U0001F52C", "100% {} {0}", "[Säule\\n€ 🔬] 100% {} {0}"},
-              {L"a", "x\n\r\t\0\x01\x1b[2J\x1f\x7f"s, "[a] x\\n\\r\\t\\x00\\x01\\x1b[2J\\x1f\\x7f"},
-              {L"a", "\x80\xff \\n" + std::string(100'000, 'x'), "[a] \x80\xff \\n" + std::string(100'000, 'x')}};
+TEST(LoggerOfTheHost, WritesALineForEachTextAndThreadWhateverIsInIt) {
+  static const std::pair<std::string, std::string> rows[] = {
+      {"x\n\r\t\0\x01\x1b[2J\x1f\x7f"s, "x\\n\\r\\t\\x00\\x01\\x1b[2J\\x1f\\x7f"},
+      {"100% {} {0} \x80\xff \\n", "100% {} {0} \x80\xff \\n"}};
   const ScratchFolder folder;
-  const auto logger = Logger::GetInstance();
   setenv("VELORA_LOG_FILE", folder.Write("log", "before\n").c_str(), 1);
   std::string expected = "before\n";
-  for (const auto& [source, message, line] : rows) {
-    logger->WriteInfo(source, message);
+  for (const auto& [message, line] : rows) {
+    Logger::GetInstance()->WriteInfo(L"S\u00e4\n\u20ac\U0001F52C", message);
     setenv("VELORA_LOG_FILE", (folder / "too late").c_str(), 1);
-    logger->WriteWarning(source, message);
-    logger->WriteError(source, message);
-    for (const char* level : {"info", "warning", "error"}) {
-      expected += "TIME ["s + level + "] " + line + "\n";
-    }
+    Logger::GetInstance()->WriteWarning(L"", message);
+    Logger::GetInstance()->WriteError(L"", message);
+    expected += "TIME [info] [Sä\\n€🔬] " + line + "\nTIME [warning] [] " + line + "\nTIME [error] [] " + line + "\n";
   }
   EXPECT_EQ(Timeless(ContentOf(folder / "log")), expected);
+  const auto write = [] {
+    for (int line = 0; line < 50; ++line) {
+      Logger::GetInstance()->WriteInfo(L"a", std::string(5'000, 'x'));
+    }
+  };
+  std::thread one(write), two(write);
+  one.join(), two.join();
+  const std::regex line("TIME \\[info\\] \\[a\\] " + std::string(5'000, 'x') + "\n");
+  EXPECT_EQ(std::regex_replace(Timeless(ContentOf(folder / "log")), line, "."), expected + std::string(100, '.'));
 }
 
 TEST(LoggerOfTheHost, WritesToStandardErrorWhenNoFileIsNamed) {
@@ -52,35 +54,16 @@ TEST(LoggerOfTheHost, WritesToStandardErrorWhenNoFileIsNamed) {
 }
 
 TEST(LoggerOfTheHost, NamesAFileThatCannotBeUsedAndTriesAgainWithTheNextLine) {
-  for (const auto& [target, word] : {std::pair("/dev/null/log", "opened"), {"/", "opened"}, {"/dev/full", "written"}}) {
-    setenv("VELORA_LOG_FILE", target, 1);
+  for (const std::string target : {"/dev/null/log", "/", "/dev/full", "/dev/full"}) {
+    setenv("VELORA_LOG_FILE", target.c_str(), 1);
     try {
-      Logger::GetInstance()->WriteInfo(L"source", "text");
+      Logger::GetInstance()->WriteInfo(L"a", "text");
       ADD_FAILURE() << target;
     } catch (const std::runtime_error& error) {
-      EXPECT_TRUE(std::regex_search(error.what(), std::regex("'"s + target + "' \\(VELORA_LOG_FILE\\)")))
-          << error.what();
-      EXPECT_TRUE(std::regex_search(error.what(), std::regex("cannot be "s + word))) << error.what();
+      const std::regex words("'" + target + "' .VELORA_LOG_FILE. cannot be opened|written to .*'/dev/full'");
+      EXPECT_TRUE(std::regex_search(error.what(), words)) << error.what();
     }
   }
-}
-
-TEST(LoggerOfTheHost, KeepsTheLinesOfThreadsWhole) {
-  const ScratchFolder folder;
-  setenv("VELORA_LOG_FILE", (folder / "log").c_str(), 1);
-  const std::string text(5'000, 'x');
-  std::string expected;
-  const auto write = [&text] {
-    for (int line = 0; line < 50; ++line) {
-      Logger::GetInstance()->WriteInfo(L"a", text);
-    }
-  };
-  std::thread one(write), two(write);
-  one.join(), two.join();
-  for (int line = 0; line < 100; ++line) {
-    expected += "TIME [info] [a] " + text + "\n";
-  }
-  EXPECT_EQ(Timeless(ContentOf(folder / "log")), expected);
 }
 
 }  // namespace
