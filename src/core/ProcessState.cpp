@@ -24,12 +24,14 @@ std::weak_ptr<IFactory> factorySlot;
 namespace {
 
 // At unload the slots are emptied in this order. Emptying a slot comes before the release of what it held, so a
-// destructor that looks finds it empty rather than half gone.
+// destructor that looks finds it empty rather than half gone; what it puts in there is released the same way.
 struct ReleaseAtUnload {
   ~ReleaseAtUnload() {
-    factorySlot.reset();
-    instanceSlot.reset();
-    currentGateway.reset();
+    do {
+      factorySlot.reset();
+      instanceSlot.reset();
+      currentGateway.reset();
+    } while (instanceSlot || currentGateway);
   }
 } const releaseAtUnload;
 

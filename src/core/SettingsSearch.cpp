@@ -3,12 +3,27 @@
 #include "core/ProcessState.h"
 
 namespace Quor::Velora::Infra::TsLogging {
+namespace {
+
+// A relative name is appended to the separator that the data root ends in. The standard join would do, but GCC 12's
+// crashes when memory runs out while it appends.
+std::filesystem::path Joined(const std::filesystem::path& dataRoot, const std::filesystem::path& file) {
+  if (file.has_root_path()) {
+    return dataRoot / file;
+  }
+  std::filesystem::path joined = dataRoot;
+  joined += file.native();
+  return joined;
+}
+
+}  // namespace
 
 SettingsPlace FindSettings(const std::filesystem::path& dataRoot, const std::string& activitiesFile) {
   if (std::filesystem::exists(settingsFileName) && std::filesystem::exists(activitiesFile)) {
     return SettingsPlace::CurrentDirectory;
   }
-  if (std::filesystem::exists(dataRoot / settingsFileName) && std::filesystem::exists(dataRoot / activitiesFile)) {
+  if (std::filesystem::exists(Joined(dataRoot, settingsFileName)) &&
+      std::filesystem::exists(Joined(dataRoot, activitiesFile))) {
     return SettingsPlace::DataRoot;
   }
   return SettingsPlace::Nowhere;
@@ -19,7 +34,7 @@ std::string TsalPathOf(SettingsPlace place, const std::filesystem::path& dataRoo
 }
 
 std::string FileIn(SettingsPlace place, const std::filesystem::path& dataRoot, const std::string& file) {
-  return place == SettingsPlace::CurrentDirectory ? file : (dataRoot / file).string();
+  return place == SettingsPlace::CurrentDirectory ? file : Joined(dataRoot, file).string();
 }
 
 }  // namespace Quor::Velora::Infra::TsLogging

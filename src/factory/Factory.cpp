@@ -6,6 +6,13 @@
 #include <utility>
 
 namespace Quor::Velora::Infra::TsLogging {
+namespace {
+
+// The former reference goes once the new one is in place: what a deleter holds is destroyed with the last weak
+// reference, and may call back. An assignment would release first.
+void PutInFactorySlot(const std::shared_ptr<IFactory>& factory) { std::weak_ptr<IFactory>(factory).swap(factorySlot); }
+
+}  // namespace
 
 // Nothing to assign.
 IFactory& IFactory::operator=(const IFactory& other) noexcept = default;
@@ -26,18 +33,18 @@ std::shared_ptr<IFactory> GetFactory() {
     return alive;
   }
   auto factory = std::make_shared<IFactory>();
-  factorySlot = factory;
+  PutInFactorySlot(factory);
   return factory;
 }
 
 void SetFactory(std::shared_ptr<IFactory> factory, std::shared_ptr<ITsLogging> logging) {
   TsLogging::SetInstance(std::move(logging));
-  factorySlot = factory;
+  PutInFactorySlot(factory);
 }
 
 void SetFactory(std::shared_ptr<IFactory> factory, std::shared_ptr<ITolvaServicesClass> gateway) {
   TsLogging::SetTolvaServicesInstance(std::move(gateway));
-  factorySlot = factory;
+  PutInFactorySlot(factory);
 }
 
 }  // namespace Quor::Velora::Infra::TsLogging
