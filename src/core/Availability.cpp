@@ -10,13 +10,7 @@ namespace {
 // The search decides what TS is told and the error line; the answer is TS's alone.
 bool IsTsConnectable(const TraceScope& scope, const std::string& activitiesFile) {
   const std::filesystem::path dataRoot = TsLogging::GetDataRootDirectory();
-  const SettingsPlace place = FindSettings(dataRoot, activitiesFile);
-  if (place == SettingsPlace::Nowhere) {
-    scope.WriteError(settingsNotFound);
-  } else {
-    const std::string tsalPath = TsalPathOf(place, dataRoot);
-    GetTolvaServicesClass()->SetTsalPath(tsalPath);
-  }
+  FindSettings(scope, dataRoot, activitiesFile);
   return GetTolvaServicesClass()->IsConnectable();
 }
 

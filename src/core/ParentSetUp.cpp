@@ -4,7 +4,6 @@
 #include "core/SettingsSearch.h"
 #include "core/TraceScope.h"
 #include "core/TsLogging.h"
-#include "gateway/CurrentGateway.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 
@@ -20,17 +19,13 @@ std::string TsLogging::SetParentActivityExec(const std::string& node, const std:
   scope.WriteInfo("Set Parent Activity execution");
   CreateInstanceIfNone();
   const std::filesystem::path dataRoot = GetDataRootDirectory();
-  const SettingsPlace place = FindSettings(dataRoot, activitiesFile);
-  if (place == SettingsPlace::Nowhere) {
-    scope.WriteError(settingsNotFound);
-  } else {
-    const std::string tsalPath = TsalPathOf(place, dataRoot);
-    GetTolvaServicesClass()->SetTsalPath(tsalPath);
-    if (place == SettingsPlace::CurrentDirectory) {
-      StartTsSession();
-    } else {
-      StartTsSession(sessionArg1, sessionArg2, sessionArg3);
-    }
+  const SettingsPlace place = FindSettings(scope, dataRoot, activitiesFile);
+  if (place == SettingsPlace::CurrentDirectory) {
+    StartTsSession();
+  } else if (place == SettingsPlace::DataRoot) {
+    StartTsSession(sessionArg1, sessionArg2, sessionArg3);
+  }
+  if (place != SettingsPlace::Nowhere) {
     RegisterActivitiesFile(FileIn(place, dataRoot, activitiesFile));
   }
   return CreateParentActivityExecution(node);

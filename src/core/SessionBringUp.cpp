@@ -14,13 +14,10 @@ void TsLogging::CreateTsLoggingSession(const std::string& instrumentConfigFile, 
     return;
   }
   const std::filesystem::path dataRoot = GetDataRootDirectory();
-  const SettingsPlace place = FindSettings(dataRoot, activitiesFile);
+  const SettingsPlace place = FindSettings(scope, dataRoot, activitiesFile);
   if (place == SettingsPlace::Nowhere) {
-    scope.WriteError(settingsNotFound);
     return;
   }
-  const std::string tsalPath = TsalPathOf(place, dataRoot);
-  GetTolvaServicesClass()->SetTsalPath(tsalPath);
   StartTsSession();
   RegisterActivitiesFile(FileIn(place, dataRoot, activitiesFile));
   const std::string configurationPath = FileIn(place, dataRoot, instrumentConfigFile);

@@ -1,6 +1,8 @@
 #include "core/SettingsSearch.h"
 
 #include "core/ProcessState.h"
+#include "core/TraceScope.h"
+#include "gateway/CurrentGateway.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 namespace {
@@ -16,9 +18,7 @@ std::filesystem::path Joined(const std::filesystem::path& dataRoot, const std::f
   return joined;
 }
 
-}  // namespace
-
-SettingsPlace FindSettings(const std::filesystem::path& dataRoot, const std::string& activitiesFile) {
+SettingsPlace Search(const std::filesystem::path& dataRoot, const std::string& activitiesFile) {
   if (std::filesystem::exists(settingsFileName) && std::filesystem::exists(activitiesFile)) {
     return SettingsPlace::CurrentDirectory;
   }
@@ -29,8 +29,18 @@ SettingsPlace FindSettings(const std::filesystem::path& dataRoot, const std::str
   return SettingsPlace::Nowhere;
 }
 
-std::string TsalPathOf(SettingsPlace place, const std::filesystem::path& dataRoot) {
-  return place == SettingsPlace::CurrentDirectory ? std::string() : dataRoot.string();
+}  // namespace
+
+SettingsPlace FindSettings(const TraceScope& scope, const std::filesystem::path& dataRoot,
+                           const std::string& activitiesFile) {
+  const SettingsPlace place = Search(dataRoot, activitiesFile);
+  if (place == SettingsPlace::Nowhere) {
+    scope.WriteError("Cannot load TSAL.config file.Please ensure it exists in the correct directory");
+    return place;
+  }
+  const std::string tsalPath = place == SettingsPlace::CurrentDirectory ? std::string() : dataRoot.string();
+  GetTolvaServicesClass()->SetTsalPath(tsalPath);
+  return place;
 }
 
 std::string FileIn(SettingsPlace place, const std::filesystem::path& dataRoot, const std::string& file) {
