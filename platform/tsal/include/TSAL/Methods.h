@@ -7,7 +7,8 @@
 #include <string>
 
 // The operations of TS. All may be called from several threads at once. Every failure is a TsError, or std::bad_alloc;
-// an operation that raises has stored nothing, and one that returns has stored durably what it was told.
+// an operation that raises has stored nothing, and one that returns has stored durably what it was told. Only when the
+// disk refuses to sync a record, and goes on refusing, may one that raised be found there later, whole.
 //
 // Where an operation takes a session, SessionHandle::Empty means the session begun last; without one it raises.
 
