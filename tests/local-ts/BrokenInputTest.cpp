@@ -17,6 +17,8 @@ TEST_F(BrokenInput, XmlIsRefusedWithItsFileAndLineAndNothingIsTakenFromIt) {
       {good + "\n" + good, "line 2: unexpected 'TSAL'"},
       {good + "\n\nmore", "line 3: unexpected 'more'"},
       {good + "\n\0\n"s, "line 2: unexpected zero byte"},
+      {"\n<TSAL Instrument='a&#x0;b'/>", "line 2: a reference to no character"},
+      {"\n<TSAL Instrument='&#4294967361;'/>", "line 2: a reference to no character"},
       {"<TSAL Instrument='a' Instrument='b'/>", "line 1: 'TSAL' has the attribute 'Instrument' twice"},
       {"\n<TSAL>\n</TSAL>", "line 2: expected one element 'Database'"},
       {"<TSAL><Database/>\n<Database/></TSAL>", "line 2: expected one element 'Database'"},

@@ -5,6 +5,8 @@
 #include <TSAL/Error.h>
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
 #include <filesystem>
 #include <new>
 #include <string_view>
@@ -32,6 +34,22 @@ std::string AbsoluteWhereKnown(const std::string& path) {
   return unknown ? path : absolute.string();
 }
 
+// Where a reference such as "&#0;" names no character, npos when none does. The parser ends a value at a zero and keeps
+// the low bits of a number that is too large.
+std::size_t ReferenceToNothing(std::string_view text) {
+  for (std::size_t at = text.find("&#"); at != std::string_view::npos; at = text.find("&#", at + 2)) {
+    const std::string_view number = text.substr(at + 2);
+    const bool hex = !number.empty() && number.front() == 'x';
+    std::uint32_t code = 0;
+    const auto read =
+        std::from_chars(number.data() + (hex ? 1 : 0), number.data() + number.size(), code, hex ? 16 : 10);
+    if (read.ec == std::errc::result_out_of_range || (read.ec == std::errc() && (code == 0 || code > 0x10FFFF))) {
+      return at;
+    }
+  }
+  return std::string_view::npos;
+}
+
 }  // namespace
 
 XmlFile::XmlFile(const std::string& path, const char* rootName)
@@ -39,6 +57,9 @@ XmlFile::XmlFile(const std::string& path, const char* rootName)
   const std::string expected = "expected one element " + InQuotes(rootName);
   if (const std::size_t zero = content.find('\0'); zero != std::string::npos) {
     FailAtOffset(static_cast<std::ptrdiff_t>(zero), "unexpected zero byte; expected text");  // the parser stops there
+  }
+  if (const std::size_t reference = ReferenceToNothing(content); reference != std::string::npos) {
+    FailAtOffset(static_cast<std::ptrdiff_t>(reference), "a reference to no character; expected &#1; to &#1114111;");
   }
   // As a fragment, so that text and further elements beside the root are seen and refused; without the blanks around a
   // text, so that the line is that of its first letter.
