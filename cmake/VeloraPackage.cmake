@@ -1,0 +1,28 @@
+# What other projects find: the CMake package, the pkg-config file, and the target "uninstall".
+include(CMakePackageConfigHelpers)
+
+set(package ${CMAKE_INSTALL_LIBDIR}/cmake/VeloraTsLogging)
+configure_file(cmake/VeloraTsLoggingConfig.cmake.in VeloraTsLoggingConfig.cmake @ONLY)
+write_basic_package_version_file(VeloraTsLoggingConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(EXPORT VeloraTsLogging NAMESPACE Velora:: FILE VeloraTsLoggingTargets.cmake DESTINATION ${package})
+install(FILES
+  ${CMAKE_CURRENT_BINARY_DIR}/VeloraTsLoggingConfig.cmake
+  ${CMAKE_CURRENT_BINARY_DIR}/VeloraTsLoggingConfigVersion.cmake
+  DESTINATION ${package})
+
+# Relative to itself; a vendor's TSAL stays where it lies, unless pkg-config is told another tsal_prefix.
+file(RELATIVE_PATH pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+string(REGEX REPLACE "/$" "" pc_prefix "\${pcfiledir}/${pc_prefix}")
+set(tsal_prefix "\${prefix}")
+set(tsal_libdir ${CMAKE_INSTALL_LIBDIR})
+set(tsal_includedir ${CMAKE_INSTALL_INCLUDEDIR})
+if(VELORA_TSAL_ROOT)
+  set(tsal_prefix ${VELORA_TSAL_ROOT})
+  set(tsal_libdir lib)
+  set(tsal_includedir include)
+endif()
+configure_file(cmake/veloratslogging.pc.in veloratslogging.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/veloratslogging.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+add_custom_target(uninstall
+  ${CMAKE_COMMAND} -D manifest=${CMAKE_BINARY_DIR}/install_manifest.txt -P ${CMAKE_CURRENT_LIST_DIR}/Uninstall.cmake)
