@@ -5,6 +5,7 @@
 #include <VeloraInfraLogging/Logger.h>
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <regex>
 #include <thread>
@@ -44,6 +45,14 @@ TEST(LoggerOfTheHost, WritesALineForEachTextAndThreadWhateverIsInIt) {
   one.join(), two.join();
   const std::regex line("TIME \\[info\\] \\[a\\] " + std::string(5'000, 'x') + "\n");
   EXPECT_EQ(std::regex_replace(Timeless(ContentOf(folder / "log")), line, "."), expected + std::string(100, '.'));
+}
+
+TEST(LoggerOfTheHost, MakesAFileThatOnlyOwnerAndGroupCanRead) {
+  const ScratchFolder folder;
+  umask(0);
+  setenv("VELORA_LOG_FILE", (folder / "new/log").c_str(), 1);
+  Logger::GetInstance()->WriteInfo(L"a", "text");
+  EXPECT_EQ(status(folder / "new/log").permissions(), std::filesystem::perms{0640});
 }
 
 TEST(LoggerOfTheHost, WritesToStandardErrorWhenNoFileIsNamed) {

@@ -5,8 +5,10 @@
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <mutex>
 #include <stdexcept>
 
@@ -46,6 +48,10 @@ class SpdLogger final : public Logger {
     if (file.empty()) {
       return std::make_shared<spdlog::sinks::stderr_sink_mt>();
     }
+    // Made here where it is not there yet, since spdlog lets everybody read what it makes. What is wrong it will say.
+    std::error_code ignored;
+    std::filesystem::create_directories(std::filesystem::path(file).parent_path(), ignored);
+    mknod(file.c_str(), S_IFREG | S_IRUSR | S_IWUSR | S_IRGRP, 0);
     return std::make_shared<spdlog::sinks::basic_file_sink_mt>(file);
   }
 
