@@ -1,0 +1,119 @@
+// kill-test [--seed N] KILLS: kills hosts while they record, each at a random moment, and looks at what they leave.
+// kill-test --together SECONDS: lets two hosts record into one file for that long.
+
+#include "Host.h"
+#include "Recording.h"
+#include "support/ScratchFolder.h"
+
+#include <CLI/CLI.hpp>
+
+#include <chrono>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <random>
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr int killsOfOneStore = 25;
+constexpr milliseconds longestLife{80};
+constexpr int longEnough = 20;  // seconds
+
+/// A store, and what the hosts that recorded into it said.
+struct Store {
+  Store() { PrepareFolder(folder.path); }
+  void Add(const Told& more) {
+    told.announced.insert(more.announced.begin(), more.announced.end());
+    told.acknowledged.insert(more.acknowledged.begin(), more.acknowledged.end());
+  }
+
+  ScratchFolder folder;
+  Told told;
+};
+
+bool GoesOn(const Host& host) {
+  const std::size_t enough = host.Acknowledged() + 5;
+  for (milliseconds waited{0}; host.Acknowledged() < enough && waited < std::chrono::seconds(longEnough); ++waited) {
+    std::this_thread::sleep_for(milliseconds(1));
+  }
+  return host.Acknowledged() >= enough;
+}
+
+/// Kills one host after a time; every second one has another beside it, which must go on until it is killed as well.
+Findings Kill(Store& store, int number, milliseconds life) {
+  std::optional<Host> other;
+  if (number % 2 == 0) {
+    other.emplace(store.folder.path, "other" + std::to_string(number), 2 * longEnough);
+  }
+  Host host(store.folder.path, "host" + std::to_string(number), longEnough);
+  std::this_thread::sleep_for(life);
+  Findings findings;
+  if (!host.Kill()) {
+    findings += {0, 0, 1, "the host ended by itself\n"};
+  }
+  store.Add(host.told);
+  if (other) {
+    if (!GoesOn(*other) || !other->Kill()) {
+      findings += {0, 0, 1, "the other host does not go on\n"};
+    }
+    other->Kill();
+    store.Add(other->told);
+  }
+  return findings += Compare(store.folder.path, store.told);
+}
+
+bool KillMany(int kills, unsigned seed) {
+  std::cout << "Killing a host while it records, " << kills << " times (seed " << seed << ")" << std::endl;
+  std::mt19937 random(seed);
+  std::uniform_int_distribution<long> life(0, longestLife.count());
+  auto store = std::make_unique<Store>();
+  Findings all;
+  std::size_t records = 0;
+  std::size_t cutShort = 0;
+  for (int number = 1; number <= kills; ++number) {
+    const Findings findings = Kill(*store, number, milliseconds(life(random)));
+    all += findings;
+    if (number % killsOfOneStore == 0 || number == kills || !findings.text.empty()) {
+      records += store->told.acknowledged.size();
+      cutShort += store->told.announced.size() - store->told.acknowledged.size();
+      store = std::make_unique<Store>();
+    }
+  }
+  std::cerr << all.text;
+  std::cout << records << " records were acknowledged; " << cutShort
+            << " kills came between announcing a record and its acknowledgement\n"
+            << kills << " kills: " << all.lost << " acknowledged records lost, " << all.half << " records half there, "
+            << all.damaged << " stores damaged\n";
+  return all.text.empty();
+}
+
+bool RecordTogether(int seconds) {
+  Store store;
+  Host a(store.folder.path, "a", seconds);
+  Host b(store.folder.path, "b", seconds);
+  const bool finished = a.Finish() & b.Finish();
+  store.Add(a.told);
+  store.Add(b.told);
+  const Findings findings = Compare(store.folder.path, store.told);
+  std::cerr << findings.text;
+  std::cout << "Two hosts into one file for " << seconds << " s: " << a.Acknowledged() << " and " << b.Acknowledged()
+            << " records, " << findings.lost << " lost, " << findings.half << " half there, "
+            << (finished ? "no host failed" : "a host failed") << '\n';
+  return finished && findings.text.empty() && a.Acknowledged() > 10 && b.Acknowledged() > 10;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  CLI::App app("Kills hosts while they record, and looks at what they leave");
+  int kills = 0;
+  int seconds = 0;
+  unsigned seed = std::random_device()();
+  auto* const killing = app.add_option("KILLS", kills, "How many hosts are killed")->check(CLI::PositiveNumber);
+  app.add_option("--seed", seed, "Where the moments of the kills come from");
+  app.add_option("--together", seconds, "Let two hosts record for so many seconds instead")->excludes(killing);
+  CLI11_PARSE(app, count, arguments);
+  return (seconds > 0 ? RecordTogether(seconds) : KillMany(kills, seed)) ? EXIT_SUCCESS : EXIT_FAILURE;
+}
