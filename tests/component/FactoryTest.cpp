@@ -36,29 +36,6 @@ TEST_F(Factory, HostsLoggingIsReturnedUncheckedAfterTheWholeBringUp) {
                            Scope("GetInstance"));
 }
 
-TEST_F(Factory, ReplacedLoggingIsReleasedInsideTheCallAndFindsTheNewOne) {
-  const auto replacement = std::make_shared<HostLogging>("new");
-  std::shared_ptr<Library::ITsLogging> found;
-  Fakes::TheScene().answers.servicePresent = false;
-  library->SetLogging(nullptr, std::make_shared<HostLogging>("old", [&] { found = library->Create("i"); }));
-  Journal();
-  library->SetLogging(nullptr, replacement);
-  EXPECT_EQ(found, replacement);
-  EXPECT_EQ(Journal(), Scope("SetInstance", "old released", Scope("CreateTsLoggingSession", checkedPresence),
-                             Scope("GetInstance")));
-}
-
-TEST_F(Factory, ReplacedGatewayIsReleasedInsideTheCallAndFindsTheNewOne) {
-  const auto logging = BroughtUp();
-  library->SetGateway(nullptr, std::make_shared<HostGateway>("old", [&] { logging->SaveInstrumentEvent("A", ""); }));
-  Journal();
-  library->SetGateway(nullptr, std::make_shared<HostGateway>("new"));
-  EXPECT_EQ(Journal(), Scope("SetTolvaServicesInstance", "old released",
-                             Scope("SaveInstrumentEvent",
-                                   "info Save instrument event. node: A, activityTsidGuid: ", "the host's gateway:",
-                                   "TSAL SaveEvent('' at no time [], 'configuration', null, false, Empty)")));
-}
-
 TEST_F(Factory, GatewayReplacedInsideAnyOfItsCallsLivesToTheEndOfThatCallAlone) {
   const auto logging = BroughtUp();
   const auto replace = [&] { library->SetGateway(nullptr, std::make_shared<HostGateway>("gateway")); };
@@ -84,15 +61,6 @@ TEST_F(Factory, WhatIsInTheSlotAfterTheCheckIsHandedOut) {
     At("TSAL IsTsServicePresent", [&] { ++asked == 2 ? library->SetLogging(nullptr, installed) : void(); });
     EXPECT_EQ(library->Create("i"), installed);
   }
-}
-
-TEST_F(Factory, ObjectWhoseCheckRaisedStaysAndIsNotCheckedAgain) {
-  int asked = 0;
-  At("TSAL IsTsServicePresent", [&] { ++asked == 2 ? throw std::runtime_error("presence") : void(); });
-  EXPECT_THROW(library->Create("i"), std::runtime_error);
-  EXPECT_TRUE(Journal().ends_with(Scope("GetInstance", checkedPresence)));
-  EXPECT_NE(library->Create("i"), nullptr);
-  EXPECT_EQ(asked, 3);
 }
 
 }  // namespace

@@ -21,7 +21,9 @@ struct Failure {};
 /// A test of the component's own objects, which starts with the state that a freshly loaded library has.
 class InternalsTest : public testing::Test {
  protected:
-  InternalsTest() {
+  InternalsTest() { Reset(); }
+
+  static void Reset() {
     using namespace Quor::Velora::Infra::TsLogging;
     Fakes::TheScene() = {};
     systemCalls = {};

@@ -106,4 +106,21 @@ TEST_F(Loading, ObjectsMayCallBackWhileTheLibraryLeaves) {
                   "gateway released", Scope("CreateTsLoggingSession", checkedPresence), Scope("GetInstance")));
 }
 
+TEST_F(Loading, ObjectsPutInWhileTheLibraryLeavesAreReleasedAndMayCallBackToo) {
+  int calls = 0;
+  const std::function<void()> callBack = [&, create = library->Create, setLogging = library->SetLogging,
+                                          setGateway = library->SetGateway, configurator = library->NewConfigurator] {
+    create("i")->SaveInstrumentEvent("A", "g");
+    configurator()->SetParentActivityExec("n", "a", "b", "c");
+    if (++calls < 3) {
+      setLogging(nullptr, std::make_shared<HostLogging>("logging", callBack));
+      setGateway(nullptr, std::make_shared<HostGateway>("gateway", callBack));
+    }
+  };
+  PutSettings(current);
+  library->SetGateway(nullptr, std::make_shared<HostGateway>("gateway", callBack));
+  Unload();
+  EXPECT_EQ(calls, 5);  // from the first object and from the four put in after it
+}
+
 }  // namespace

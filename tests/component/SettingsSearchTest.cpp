@@ -54,10 +54,4 @@ TEST_F(SettingsSearch, BringUpLooksAgainAfterTheCheck) {
   EXPECT_EQ(Journal().substr(0, lines.size()), lines);
 }
 
-TEST_F(SettingsSearch, FailureOfTheFileSystemInBringUpItselfPasses) {
-  At("TSAL IsConnectable", [] { std::ofstream("TSAL.config"); });
-  EXPECT_THROW(library->CreateWith("i", unanswerable), std::filesystem::filesystem_error);
-  EXPECT_EQ(Journal(), Scope("CreateTsLoggingSession", Check(root, notFound), DataRootLines(root)));
-}
-
 }  // namespace

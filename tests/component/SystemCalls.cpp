@@ -13,6 +13,7 @@ BOOL __wrap_GetModuleHandleExW(DWORD flags, LPCWSTR /*address*/, HMODULE* /*modu
 }
 
 DWORD __wrap_GetModuleFileNameW(HMODULE /*module*/, wchar_t* buffer, DWORD size) {
+  Fakes::UnwrittenCall("GetModuleFileNameW");
   const std::wstring& path = systemCalls.moduleFile;
   const std::size_t fitting = std::min<std::size_t>(path.size(), size - 1);
   std::copy_n(path.begin(), fitting, buffer);

@@ -30,6 +30,7 @@ std::string Described(const DateTimeOffset& time) {
 }
 
 std::string Described(const InstrumentEvent& event) {
+  const Fakes::Aside aside;  // a stream would keep a failure to itself
   std::ostringstream text;
   text << Quoted(event.Name) << " at " << Described(event.TimeStamp) << " [" << std::setprecision(17);
   for (const auto& parameter : event.Parameters) {
@@ -43,6 +44,7 @@ std::string Described(const InstrumentEvent& event) {
 }
 
 std::string Described(const ActivityExecution& execution) {
+  const Fakes::Aside aside;  // a stream would keep a failure to itself
   std::ostringstream text;
   text << Quoted(execution.Id.GetGuid()) << " version " << Quoted(execution.ActivityVersion.Id.GetGuid()) << " status "
        << static_cast<std::int32_t>(execution.Status.Code) << ' ' << Described(execution.Status.Time) << " node "

@@ -1,10 +1,14 @@
 #include "fakes/Scene.h"
 
+#include <mutex>
+
 namespace Fakes {
 namespace {
 
 // Made when this library is loaded, before everything that can write into it, and so destroyed after it.
 Scene scene;
+std::mutex journalMutex;
+thread_local int openAsides = 0;
 
 }  // namespace
 
@@ -22,6 +26,14 @@ void UnwrittenCall(const std::string& entry) {
   }
 }
 
-void Note(const std::string& entry) { scene.journal += entry + '\n'; }
+void Note(std::string_view entry) {
+  const Aside aside;
+  const std::lock_guard lock(journalMutex);
+  scene.journal.append(entry) += '\n';
+}
+
+Aside::Aside() { ++openAsides; }
+Aside::~Aside() { --openAsides; }
+bool Aside::IsOpen() { return openAsides != 0; }
 
 }  // namespace Fakes

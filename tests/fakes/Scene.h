@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #define FAKES_API __attribute__((visibility("default")))
@@ -42,6 +43,16 @@ FAKES_API const Answers& Call(const std::string& entry);
 FAKES_API void UnwrittenCall(const std::string& entry);
 
 /// Something that cannot raise, a release: into the journal alone.
-FAKES_API void Note(const std::string& entry);
+FAKES_API void Note(std::string_view entry);
+
+/// While one of these lives, a test that lets memory run out spares the thread: what happens is always written down.
+class FAKES_API Aside {
+ public:
+  Aside();
+  Aside(const Aside&) = delete;
+  Aside& operator=(const Aside&) = delete;
+  ~Aside();
+  static bool IsOpen();
+};
 
 }  // namespace Fakes

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+
+/// Refuses what this thread takes with new, apart from what a Fakes::Aside spares.
+namespace Memory {
+
+/// From now on refuses the allocation of this number, counted from 0, and when `andLater` every one after it.
+void RefuseFrom(int number, bool andLater);
+
+/// Ends that. How long the journal was at the first refusal; nothing when there was none.
+std::optional<std::size_t> RefuseNoMore();
+
+}  // namespace Memory

@@ -1,0 +1,137 @@
+// What may be done at once: calls to TS through the gateway, and everything with the two slots. Says most under the
+// thread sanitizer.
+
+#include "InternalsTest.h"
+#include "gateway/CurrentGateway.h"
+#include "support/HostObjects.h"
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <latch>
+#include <thread>
+#include <vector>
+
+namespace Quor::Velora::Infra::TsLogging {
+namespace {
+
+using Threads = InternalsTest;
+using Actions = std::vector<std::function<void()>>;
+
+/// Waits until as many threads have come as the latch counts; false when some do not.
+bool Meet(std::latch& latch) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+  latch.count_down();
+  while (!latch.try_wait()) {
+    if (std::chrono::steady_clock::now() > end) {
+      return false;
+    }
+    std::this_thread::yield();
+  }
+  return true;
+}
+
+void RunAtOnce(const Actions& actions) {
+  std::vector<std::thread> threads;
+  for (const auto& action : actions) {
+    threads.emplace_back(action);
+  }
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+}
+
+TEST_F(Threads, AreInsideEveryCallToTsAtOnceAndTheGatewayIsReplacedMeanwhile) {
+  const TolvaServices::Types::InstrumentEvent event;
+  const TolvaServices::Types::Tsid id("g");
+  TolvaServices::Types::ActivityExecution execution;
+  const Actions calls = {
+      [] { GetTolvaServicesClass()->BeginSession(); },
+      [] { GetTolvaServicesClass()->BeginSession("a", "b", "c"); },
+      [] { GetTolvaServicesClass()->IsTsServicePresent(); },
+      [] { GetTolvaServicesClass()->IsConnectable(); },
+      [&] { GetTolvaServicesClass()->SaveActivityExecution(execution); },
+      [&] { GetTolvaServicesClass()->GetActivityExecution(id, true); },
+      [] { GetTolvaServicesClass()->ReadAllTextFromFile("f"); },
+      [&] { GetTolvaServicesClass()->SaveEvent(event, id, nullptr); },
+      [] { GetTolvaServicesClass()->SaveInstrumentConfigWithResult("1", "2", "3", "4", "5", "6", "7"); },
+  };
+  const auto count = static_cast<std::ptrdiff_t>(calls.size()) + 1;
+  for (const bool isHosts : {false, true}) {
+    TsLogging::SetTolvaServicesInstance(isHosts ? std::make_shared<HostGateway>("gateway") : nullptr);
+    std::latch inside(count), replaced(count);
+    At("TSAL", [&] {
+      EXPECT_TRUE(Meet(inside)) << "a call waits for another";
+      EXPECT_TRUE(Meet(replaced));
+    });
+    Actions all = calls;
+    all.push_back([&] {
+      EXPECT_TRUE(Meet(inside));
+      TsLogging::SetTolvaServicesInstance(nullptr);
+      EXPECT_EQ(Journal().find("gateway released"), std::string::npos);
+      EXPECT_TRUE(Meet(replaced));
+    });
+    RunAtOnce(all);
+    EXPECT_EQ(Journal().ends_with("gateway released\n"), isHosts);
+  }
+}
+
+TEST_F(Threads, AllGetOneObjectAndNotBeforeItsCheckIsDone) {
+  constexpr std::size_t count = 4;
+  for (int round = 0; round < 20; ++round) {
+    Reset();
+    std::latch entered(count);
+    std::atomic<bool> isChecked = false;
+    std::atomic<int> checks = 0;
+    Fakes::TheScene().hook = [&](const std::string& entry) {
+      if (entry.ends_with(">>Quor::Velora::Infra::TsLogging::TsLogging::GetInstance")) {
+        EXPECT_TRUE(Meet(entered));
+      } else if (StartsWith(entry, "TSAL IsConnectable")) {
+        ++checks;
+        EXPECT_FALSE(TsLogging::IsTsSupported());
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));  // for the others to overtake it, if they could
+        isChecked = true;
+      }
+    };
+    std::array<std::shared_ptr<ITsLogging>, count> objects;
+    Actions actions;
+    for (auto& object : objects) {
+      actions.push_back([&] {
+        object = TsLogging::GetInstance();
+        EXPECT_TRUE(isChecked && TsLogging::IsTsSupported());
+      });
+    }
+    RunAtOnce(actions);
+    for (const auto& object : objects) {
+      EXPECT_TRUE(object != nullptr && object == objects[0]);
+    }
+    EXPECT_EQ(checks, 1);
+  }
+}
+
+TEST_F(Threads, MayReadAndReplaceWhatIsInTheSlotsAtOnce) {
+  for (int round = 0; round < 50; ++round) {
+    Reset();
+    // Behind their entry lines, since the journal's lock would put one use after the other.
+    std::latch inTheMidst(7);
+    Fakes::TheScene().hook = [&](const std::string& entry) {
+      for (const char* operation : {"::GetInstance", "::SetInstance", "::SetTolvaServicesInstance"}) {
+        if (StartsWith(entry, "info >>") && entry.ends_with(operation)) {
+          EXPECT_TRUE(Meet(inTheMidst));
+        }
+      }
+    };
+    RunAtOnce({
+        [] { EXPECT_NE(TsLogging::GetInstance(), nullptr); },
+        [] { TsLogging::SetInstance(std::make_shared<TsLogging>()); },
+        [] { TsLogging::SetInstance(nullptr); },
+        [] { TsLogging::SetTolvaServicesInstance(std::make_shared<HostGateway>("gateway")); },
+        [] { TsLogging::SetTolvaServicesInstance(nullptr); },
+        [&] { EXPECT_TRUE(Meet(inTheMidst) && GetTolvaServicesClass()->IsConnectable()); },
+        [&] { EXPECT_TRUE(Meet(inTheMidst)), TsLogging::IsTsSupported(); },
+    });
+  }
+}
+
+}  // namespace
+}  // namespace Quor::Velora::Infra::TsLogging
