@@ -93,7 +93,8 @@ bool RecordTogether(int seconds) {
   Store store;
   Host a(store.folder.path, "a", seconds);
   Host b(store.folder.path, "b", seconds);
-  const bool finished = a.Finish() & b.Finish();
+  const bool aFinished = a.Finish();
+  const bool finished = b.Finish() && aFinished;
   store.Add(a.told);
   store.Add(b.told);
   const Findings findings = Compare(store.folder.path, store.told);
