@@ -1,5 +1,6 @@
 #include "activities/ActivityRegistration.h"
 #include "activities/ActivityStatus.h"
+#include "core/ComposeLine.h"
 #include "core/ProcessState.h"
 #include "core/TraceScope.h"
 #include "core/TsLogging.h"
@@ -12,7 +13,6 @@ using TolvaServices::Types::Tsid;
 
 namespace {
 
-constexpr const char* createOperation = "Quor::Velora::Infra::TsLogging::TsLogging::CreateActivityExecution";
 constexpr const char* serverNotAvailable =
     "Cannot create an activity execution because Tolva Services server is not available";
 
@@ -87,7 +87,7 @@ ActivityExecutionRequest CreateUnderGivenParent(const std::string& parentActivit
 
 std::string TsLogging::CreateActivityExecution(const std::string& regActivityVersionName, const std::string& node,
                                                const std::string& description) {
-  const TraceScope scope(sourceName, createOperation);
+  const TraceScope scope(sourceName, Operation::createActivityExecution);
   if (!IsTsSupported()) {
     scope.WriteError(serverNotAvailable);
     return {};
@@ -101,7 +101,7 @@ std::string TsLogging::CreateActivityExecution(const std::string& regActivityVer
 std::string TsLogging::CreateActivityExecution(const std::string& parentActivityGuid,
                                                const std::string& regActivityVersionName, const std::string& node,
                                                const std::string& description) {
-  const TraceScope scope(sourceName, createOperation);
+  const TraceScope scope(sourceName, Operation::createActivityExecution);
   if (!IsTsSupported()) {
     scope.WriteError(serverNotAvailable);
     return {};
@@ -116,7 +116,7 @@ std::string TsLogging::CreateActivityExecution(const std::string& parentActivity
 }
 
 void TsLogging::UpdateActivityExecution(const std::string& guid) {
-  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::UpdateActivityExecution");
+  const TraceScope scope(sourceName, Operation::updateActivityExecution);
   if (!IsTsSupported()) {
     return;
   }

@@ -17,7 +17,7 @@ bool IsTsConnectable(const TraceScope& scope, const std::string& activitiesFile)
 }  // namespace
 
 bool TsLogging::CheckTsServiceAvailability(const std::string& activitiesFile) {
-  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::CheckTsServiceAvailability");
+  const TraceScope scope(sourceName, Operation::checkTsServiceAvailability);
   bool usable = GetTolvaServicesClass()->IsTsServicePresent();
   if (usable) {
     try {

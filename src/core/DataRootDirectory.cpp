@@ -1,5 +1,6 @@
 #include "core/DataRootDirectory.h"
 
+#include "core/ComposeLine.h"
 #include "core/ProcessState.h"
 #include "core/TraceScope.h"
 #include "core/TsLogging.h"
@@ -72,7 +73,7 @@ std::string ToNarrowString(const wchar_t* text) {
 }
 
 std::filesystem::path TsLogging::GetDataRootDirectory() {
-  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::GetDataRootDirectory");
+  const TraceScope scope(sourceName, Operation::getDataRootDirectory);
   const std::string folder = ToNarrowString(GetModuleDirectory().c_str());
   scope.WriteInfo(ComposeLine("dataRootDirectory path: ", folder));
   return folder;

@@ -9,6 +9,21 @@ const std::wstring sourceName = L"Velora.TsLogging";
 const std::string settingsFileName = "TSAL.config";
 const std::string defaultActivitiesFile = "activities.xml";
 
+namespace Operation {
+const TracedName addInstrumentEventParameter("AddInstrumentEventParameter");
+const TracedName checkTsServiceAvailability("CheckTsServiceAvailability");
+const TracedName createActivityExecution("CreateActivityExecution");
+const TracedName createInstrumentEvent("CreateInstrumentEvent");
+const TracedName createTsLoggingSession("CreateTsLoggingSession");
+const TracedName getDataRootDirectory("GetDataRootDirectory");
+const TracedName getInstance("GetInstance");
+const TracedName saveInstrumentEvent("SaveInstrumentEvent");
+const TracedName setInstance("SetInstance");
+const TracedName setParentActivityExec("SetParentActivityExec");
+const TracedName setTolvaServicesInstance("SetTolvaServicesInstance");
+const TracedName updateActivityExecution("UpdateActivityExecution");
+}  // namespace Operation
+
 std::recursive_mutex instanceMutex;
 std::recursive_mutex gatewayMutex;
 std::atomic<bool> tsSupported = false;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/TracedName.h"
+
 #include <TSAL/Types.h>
 #include <VeloraTsLogging/IFactory.h>
 
@@ -18,6 +20,22 @@ namespace Quor::Velora::Infra::TsLogging {
 extern const std::wstring sourceName;            // under which every line is written
 extern const std::string settingsFileName;       // what TSAL reads
 extern const std::string defaultActivitiesFile;  // where a caller names none
+
+// The operations that write trace lines.
+namespace Operation {
+extern const TracedName addInstrumentEventParameter;
+extern const TracedName checkTsServiceAvailability;
+extern const TracedName createActivityExecution;
+extern const TracedName createInstrumentEvent;
+extern const TracedName createTsLoggingSession;
+extern const TracedName getDataRootDirectory;
+extern const TracedName getInstance;
+extern const TracedName saveInstrumentEvent;
+extern const TracedName setInstance;
+extern const TracedName setParentActivityExec;
+extern const TracedName setTolvaServicesInstance;
+extern const TracedName updateActivityExecution;
+}  // namespace Operation
 
 // Guarded by a lock. Every read and every write of a slot happens while its mutex is held.
 extern std::recursive_mutex instanceMutex;

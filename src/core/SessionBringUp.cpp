@@ -9,7 +9,7 @@
 namespace Quor::Velora::Infra::TsLogging {
 
 void TsLogging::CreateTsLoggingSession(const std::string& instrumentConfigFile, const std::string& activitiesFile) {
-  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::CreateTsLoggingSession");
+  const TraceScope scope(sourceName, Operation::createTsLoggingSession);
   if (!CheckTsServiceAvailability(activitiesFile)) {
     return;
   }

@@ -1,9 +1,10 @@
 #pragma once
 
+#include "core/TracedName.h"
+
 #include <VeloraInfraLogging/Logger.h>
 
 #include <memory>
-#include <sstream>
 #include <string>
 
 namespace Quor::Velora::Infra::TsLogging {
@@ -14,30 +15,31 @@ namespace Quor::Velora::Infra::TsLogging {
 /// When opening raises, the operation does not run and has no exit line.
 class TraceScope {
  public:
-  TraceScope(std::wstring source, std::string functionName);
+  /// @param source,functionName constants of the process; the scope keeps references.
+  TraceScope(const std::wstring& source, const TracedName& functionName)
+      : logger(Logging::Logger::GetInstance()), source(source), functionName(functionName) {
+    logger->WriteInfo(source, functionName.entryLine);
+  }
   TraceScope(const TraceScope&) = delete;
   TraceScope& operator=(const TraceScope&) = delete;
   /// Gives up the exit line when the logger raises on it: nothing may leave a closing scope.
-  ~TraceScope();
+  ~TraceScope() {
+    try {
+      logger->WriteInfo(source, functionName.exitLine);
+    } catch (...) {
+      // The operation's own outcome counts more than its exit line.
+    }
+  }
 
   void WriteInfo(const std::string& message) const { logger->WriteInfo(source, message); }
   void WriteWarning(const std::string& message) const { logger->WriteWarning(source, message); }
   void WriteError(const std::string& message) const { logger->WriteError(source, message); }
 
  private:
-  // Released last to first.
+  // The logger is released last.
   std::shared_ptr<Logging::Logger> logger;
-  std::wstring source;
-  std::string functionName;  // behind the mark of its line, so that closing needs no memory
+  const std::wstring& source;
+  const TracedName& functionName;
 };
-
-/// One line out of fixed pieces and values, as a narrow stream writes them at this moment.
-template <typename... Pieces>
-std::string ComposeLine(const Pieces&... pieces) {
-  std::ostringstream line;
-  line.exceptions(std::ios_base::badbit);  // a stream would keep a failure to itself and cut the line short
-  (line << ... << pieces);
-  return line.str();
-}
 
 }  // namespace Quor::Velora::Infra::TsLogging

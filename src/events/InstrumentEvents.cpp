@@ -1,3 +1,4 @@
+#include "core/ComposeLine.h"
 #include "core/ProcessState.h"
 #include "core/TraceScope.h"
 #include "core/TsLogging.h"
@@ -20,12 +21,12 @@ namespace {
 // The four typed operations, which differ in the kind of parameter and the opening of its value alone.
 template <typename Parameter, typename Value>
 void AddParameter(const std::string& node, const std::string& parameter, const char* valueOpening, const Value& value) {
-  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::AddInstrumentEventParameter");
+  const TraceScope scope(sourceName, Operation::addInstrumentEventParameter);
   if (!TsLogging::IsTsSupported()) {
     return;
   }
   scope.WriteInfo(ComposeLine("Add instrument event parameter. node: ", node, ", parameter: ", parameter, valueOpening,
-                              value, '"'));
+                              value, "\""));
   auto added = std::make_shared<Parameter>(parameter, value);
   pendingInstrumentEvents[node].Parameters.push_back(std::move(added));
 }
@@ -33,7 +34,7 @@ void AddParameter(const std::string& node, const std::string& parameter, const c
 }  // namespace
 
 void TsLogging::CreateInstrumentEvent(const std::string& name) {
-  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::CreateInstrumentEvent");
+  const TraceScope scope(sourceName, Operation::createInstrumentEvent);
   if (!IsTsSupported()) {
     return;
   }
@@ -45,7 +46,7 @@ void TsLogging::CreateInstrumentEvent(const std::string& name) {
 }
 
 void TsLogging::SaveInstrumentEvent(const std::string& node, const std::string& activityTsidGuid) {
-  const TraceScope scope(sourceName, "Quor::Velora::Infra::TsLogging::TsLogging::SaveInstrumentEvent");
+  const TraceScope scope(sourceName, Operation::saveInstrumentEvent);
   if (!IsTsSupported()) {
     return;
   }
