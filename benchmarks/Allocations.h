@@ -1,0 +1,6 @@
+#pragma once
+
+#include <cstddef>
+
+/// How often this thread asked for memory.
+std::size_t Allocations();
