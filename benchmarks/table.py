@@ -9,7 +9,7 @@ for path in sys.argv[1:]:
     with open(path, encoding="utf-8") as file:
         for entry in json.load(file)["benchmarks"]:
             if entry.get("aggregate_name") == "median":
-                results[entry["run_name"].removesuffix("/real_time")] = entry
+                results[entry["run_name"].replace("/real_time", "")] = entry
 
 
 def cost(name):
