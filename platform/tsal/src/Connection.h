@@ -6,6 +6,7 @@
 
 #include <soci/soci.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -44,6 +45,7 @@ class Connection {
   void MakeSchema();
 
   std::string database;
+  std::chrono::microseconds waited{};  // for other writers, since the last time that none was in the way
   soci::session sql;
   std::optional<EventStatements> events;
 };
