@@ -2,6 +2,7 @@
 
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <locale>
 #include <sstream>
 
@@ -15,11 +16,17 @@ std::to_chars_result ToChars(char* first, char* last, double value) {
   return std::to_chars(first, last, value, std::chars_format::general, streamPrecision);
 }
 
+// What a stream makes of infinities and of what is not a number is up to the system.
+template <typename Number>
+bool HasClassicForm(Number value) {
+  return std::isfinite(static_cast<double>(value)) && std::locale() == std::locale::classic();
+}
+
 }  // namespace
 
 template <LoggedNumber Number>
 void AppendPiece(std::string& line, Number value) {
-  if (std::locale() == std::locale::classic()) {
+  if (HasClassicForm(value)) {
     std::array<char, 32> digits;
     line.append(digits.data(), ToChars(digits.data(), digits.data() + digits.size(), value).ptr);
     return;
