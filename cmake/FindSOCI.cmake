@@ -1,11 +1,12 @@
-# Finds SOCI, which Debian ships without a CMake package. Components are back ends: sqlite3, postgresql. Each gives a
+# Finds SOCI, which Debian ships without a CMake package; on Windows its libraries have a version in their names.
+# Components are back ends: sqlite3, postgresql. Each gives a
 # target SOCI::<component>; the core is SOCI::core.
 
 find_path(SOCI_INCLUDE_DIR soci/soci.h)
-find_library(SOCI_core_LIBRARY soci_core)
+find_library(SOCI_core_LIBRARY NAMES soci_core soci_core_4_0)
 set(_soci_needed SOCI_INCLUDE_DIR SOCI_core_LIBRARY)
 foreach(_component IN LISTS SOCI_FIND_COMPONENTS)
-  find_library(SOCI_${_component}_LIBRARY soci_${_component})
+  find_library(SOCI_${_component}_LIBRARY NAMES soci_${_component} soci_${_component}_4_0)
   list(APPEND _soci_needed SOCI_${_component}_LIBRARY)
 endforeach()
 

@@ -37,6 +37,16 @@ function(velora_exports target list)
   endif()
 endfunction()
 
+# velora_runtime_beside(FOLDER): puts the compiler's run-time libraries where Windows finds them, which knows no run
+# paths. They are never linked in: each DLL would have a global locale and an exception count of its own.
+function(velora_runtime_beside folder)
+  foreach(file libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${file}
+      OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+    file(COPY ${path} DESTINATION ${folder})
+  endforeach()
+endfunction()
+
 # velora_platform_library(TARGET ROOT): a vendor's library of that name under the prefix ROOT, as the target that stands
 # for it.
 function(velora_platform_library target root)

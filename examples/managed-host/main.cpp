@@ -32,7 +32,7 @@ int Main(int argc, char** argv) {
     return *done;
   }
   const LoadedLibrary component(std::filesystem::absolute(library).string());
-  const LoadedLibrary recording("libtilt-series-recording.so");
+  const LoadedLibrary recording(TILT_SERIES_RECORDING);
   const int entered = recording.Find<decltype(EnterRecordFolder)>("EnterRecordFolder")(options.data.c_str());
   if (entered != Recorded) {
     return entered;

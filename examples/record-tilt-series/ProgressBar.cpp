@@ -1,6 +1,6 @@
 #include "ProgressBar.h"
 
-#include <unistd.h>
+#include "System.h"
 
 #include <algorithm>
 #include <iostream>
@@ -13,7 +13,7 @@ constexpr std::chrono::milliseconds betweenDrawings{100};
 
 }  // namespace
 
-ProgressBar::ProgressBar(std::uint64_t total) : terminal(isatty(STDERR_FILENO) != 0), total(total) {}
+ProgressBar::ProgressBar(std::uint64_t total) : terminal(IsTerminalOnStandardError()), total(total) {}
 
 void ProgressBar::Show(std::uint64_t done, const std::string& label) {
   const auto now = std::chrono::steady_clock::now();

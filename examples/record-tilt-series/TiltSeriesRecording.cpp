@@ -5,11 +5,11 @@
 #include "MdocReader.h"
 #include "ProgressBar.h"
 #include "SeriesRecorder.h"
+#include "System.h"
 
 #include <VeloraTsLogging/IFactory.h>
 
 #include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <iostream>
 #include <memory>
@@ -111,7 +111,7 @@ int EnterRecordFolder(const char* folder) {
   return Guarded([folder] {
     EnterDataFolder(folder);
     // The terminal is for the progress; the component's lines stay with the record.
-    setenv("VELORA_LOG_FILE", (fs::current_path() / "velora.log").c_str(), 0);
+    SetUnlessSet("VELORA_LOG_FILE", (fs::current_path() / "velora.log").string());
     return Recorded;
   });
 }

@@ -115,7 +115,7 @@ TEST_F(Slots, OfTheDefaultGatewayRunTheirOperations) {
 
 TEST_F(Slots, OfTheConfiguratorRunTheirOperations) {
   const ScratchFolder folder;
-  const std::string root = folder.path.string() + '/';
+  const std::string root = folder.path.string() + System::separator;
   for (const char* file : {"TSAL.config", "activities.xml", "own.xml"}) {
     folder.Write(file, "");
   }
@@ -187,8 +187,8 @@ TEST_F(Slots, OfAHostsGatewayAreThoseThatTheComponentCalls) {
   systemCalls.moduleFile = (folder / "lib.so").wstring();
   std::filesystem::current_path("/");
   EXPECT_EQ(TsLogging::SetParentActivityExec("parent node", "a", "b", "c"), "saved");
-  EXPECT_EQ(called, "4 3(" + folder.path.string() + "/) 5 3(" + folder.path.string() + "/) 1(a) 6(" +
-                        (folder / "activities.xml").string() + ") 8(parent node) ");
+  const std::string root = folder.path.string() + System::separator;
+  EXPECT_EQ(called, "4 3(" + root + ") 5 3(" + root + ") 1(a) 6(" + root + "activities.xml) 8(parent node) ");
   currentGateway.reset();
 }
 

@@ -27,9 +27,10 @@ TEST_F(BringUp, FilesInTheDataRootAreNamedWithItsPath) {
   const std::string activities("activities.xml\0tail", 19);
   PutSettings(dataRoot);
   library->CreateWith(oddText, activities);
-  EXPECT_EQ(Journal(), Scope("CreateTsLoggingSession", Check(root, "TSAL SetTsalPath('" + root + "')"),
-                             DataRootLines(root), SessionLines(Registration(root + activities), root + oddText)) +
-                           Scope("GetInstance", Check(root)));
+  EXPECT_EQ(Journal(),
+            Scope("CreateTsLoggingSession", Check(root, "TSAL SetTsalPath('" + root + "')"), DataRootLines(root),
+                  SessionLines(Registration(root + activities), root + std::filesystem::path(oddText).string())) +
+                Scope("GetInstance", Check(root)));
 }
 
 TEST_F(BringUp, FirstObjectIsCheckedForTheDefaultFileWhateverBringUpWasGiven) {

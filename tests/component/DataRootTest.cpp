@@ -10,10 +10,14 @@ namespace {
 
 using DataRoot = InternalsTest;
 
+const std::string root = System::Path("/opt/lab/").string();
+
 TEST_F(DataRoot, EndsInOneSeparatorAndIsNeverCutOff) {
-  std::map<std::wstring, std::wstring> folders = {{L"/opt/lab/lib.so", L"/opt/lab/"}, {L"/lib.so", L"/"}, {L"", L""}};
+  const std::wstring slash(1, System::separator);
+  std::map<std::wstring, std::wstring> folders = {
+      {slash + L"opt" + slash + L"lib.so", slash + L"opt" + slash}, {slash + L"lib.so", slash}, {L"", L""}};
   for (const unsigned int length : {258u, 259u, 260u, 261u, 519u, 520u, 521u, 4096u, 40000u}) {
-    const std::wstring folder = L'/' + std::wstring(length - 8, L'd') + L'/';
+    const std::wstring folder = slash + std::wstring(length - 8, L'd') + slash;
     folders[folder + L"lib.so"] = folder;
   }
   for (const auto& [file, folder] : folders) {
@@ -29,16 +33,16 @@ TEST_F(DataRoot, OfAModuleThatCannotBeFoundIsEmpty) {
 }
 
 TEST_F(DataRoot, IsTheSameEachTimeItIsAskedFor) {
-  EXPECT_EQ(TsLogging::GetDataRootDirectory(), "/opt/lab/");
-  EXPECT_EQ(TsLogging::GetDataRootDirectory(), "/opt/lab/");
-  EXPECT_EQ(Journal(), DataRootLines("/opt/lab/") + DataRootLines("/opt/lab/"));
+  EXPECT_EQ(TsLogging::GetDataRootDirectory(), root);
+  EXPECT_EQ(TsLogging::GetDataRootDirectory(), root);
+  EXPECT_EQ(Journal(), DataRootLines(root) + DataRootLines(root));
 }
 
 TEST_F(DataRoot, ThatIsNoNarrowTextRaisesBetweenItsTraceLinesAndEndsInTheCheckAlone) {
-  const auto makeWide = [] { systemCalls.moduleFile = L"/opt/\x6F22/lib.so"; };
+  const auto makeWide = [] { systemCalls.moduleFile.insert(4, 1, L'\x6F22'); };
   At("TSAL IsConnectable", makeWide);
   EXPECT_THROW(TsLogging::CreateTsLoggingSession("i", "a"), std::bad_cast);
-  EXPECT_EQ(Journal(), Scope("CreateTsLoggingSession", Check("/opt/lab/", notFound), Scope("GetDataRootDirectory")));
+  EXPECT_EQ(Journal(), Scope("CreateTsLoggingSession", Check(root, notFound), Scope("GetDataRootDirectory")));
   EXPECT_FALSE(TsLogging::CheckTsServiceAvailability("a"));
   EXPECT_EQ(Journal(), Scope("CheckTsServiceAvailability", "TSAL IsTsServicePresent()", Scope("GetDataRootDirectory")));
 }

@@ -201,17 +201,15 @@ class EveryFault : public InternalsTest {
     return outcome.faulty;
   }
 
-  void TryEveryPlaceOf(const Operation& operation) {
+  void TryEveryPlaceOf(const Operation& operation, Fault::Kind kind) {
     Arrange(operation);
     const std::string undisturbed = Disturb(operation.operate, {Fault::CallRaises, -1}).written;
     EXPECT_FALSE(Try(operation, {Fault::CallRaises, -1}, undisturbed));
-    for (const auto kind : {Fault::CallRaises, Fault::MemoryRunsOutOnce, Fault::MemoryStaysOut}) {
-      int places = 0;
-      while (Try(operation, {kind, places}, undisturbed)) {
-        ++places;
-      }
-      EXPECT_TRUE(places > 0 || (kind == Fault::CallRaises && undisturbed.empty())) << operation.name;
+    int places = 0;
+    while (Try(operation, {kind, places}, undisturbed)) {
+      ++places;
     }
+    EXPECT_TRUE(places > 0 || (kind == Fault::CallRaises && undisturbed.empty())) << operation.name;
   }
 
   /// What is raised in a check ends there, and TS is not used; otherwise the exit lines alone follow.
@@ -241,7 +239,12 @@ class EveryFault : public InternalsTest {
   std::shared_ptr<Unmanaged::ITsLoggingConfigurator> configurator, former;
 };
 
-TEST_F(EveryFault, LeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
+class EveryFaultOf : public EveryFault, public testing::WithParamInterface<Fault::Kind> {};
+
+TEST_P(EveryFaultOf, LeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
+  if (GetParam() != Fault::CallRaises && !Memory::isAllInReach) {
+    GTEST_SKIP() << "the standard library takes memory by itself here";
+  }
   const std::string &n = node, &d = description, &v = version, &p = parameter, &g = guid, own = "own.xml", none;
   const auto create = [&] { IFactory::CreateTsLogging(n); };
   const auto createOwn = [&] { IFactory::CreateTsLogging(n, own); };
@@ -303,9 +306,12 @@ TEST_F(EveryFault, LeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
       {"slot 9", [&] { logging->AddInstrumentEventParameter(n, p, d); }, added},
   };
   for (const Operation& operation : operations) {
-    TryEveryPlaceOf(operation);
+    TryEveryPlaceOf(operation, GetParam());
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Kinds, EveryFaultOf,
+                         testing::Values(Fault::CallRaises, Fault::MemoryRunsOutOnce, Fault::MemoryStaysOut));
 
 TEST_F(EveryFault, OfMemoryForWhatAnEventTakesUpLeavesTheEventsAsTheyWere) {
   Arrange({});
@@ -326,6 +332,9 @@ TEST_F(EveryFault, OfMemoryForWhatAnEventTakesUpLeavesTheEventsAsTheyWere) {
 }
 
 TEST_F(EveryFault, OfTheFileSystemPassesBehindTheCheck) {
+  if (!System::pathsAreBytes) {
+    GTEST_SKIP() << "every name has an answer here";
+  }
   const std::string unanswerable(300, 'x');  // no file system has names of this length: to ask for one raises
   const std::function<void()> operations[] = {
       [&] { IFactory::CreateTsLogging("i", unanswerable); },

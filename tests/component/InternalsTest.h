@@ -11,8 +11,8 @@
 /// What the calls of the system answer.
 struct SystemCalls {
   bool moduleIsFound = true;
-  std::wstring moduleFile = L"/opt/lab/lib.so";  // empty: the call fails
-  std::string hostName = "scope";                // empty: the call fails
+  std::wstring moduleFile = System::Path("/opt/lab/lib.so").wstring();  // empty: the call fails
+  std::string hostName = "scope";                                       // empty: the call fails
 };
 extern SystemCalls systemCalls;
 

@@ -31,6 +31,9 @@ TEST_F(SettingsSearch, EveryDistributionOfTheTwoFilesHasItsOutcome) {
 const std::string unanswerable(300, 'x');  // no file system has names of this length: to ask for one raises
 
 TEST_F(SettingsSearch, SecondFileIsAskedForOnlyWhereTheFirstIsThere) {
+  if (!System::pathsAreBytes) {
+    GTEST_SKIP() << "every name has an answer here";
+  }
   const std::string nowhere = Scope("CreateTsLoggingSession", Check(root, notFound), DataRootLines(root), notFound);
   const std::string raised = Scope(
       "CreateTsLoggingSession", Scope("CheckTsServiceAvailability", "TSAL IsTsServicePresent()", DataRootLines(root)));

@@ -6,7 +6,11 @@
 #include <string_view>
 #include <vector>
 
+#ifdef _WIN32
+#define FAKES_API  // a DLL without marks exports everything
+#else
 #define FAKES_API __attribute__((visibility("default")))
+#endif
 
 /// What the fakes of TSAL, of the logger and of the instrument access share. They write into one journal, so that it
 /// shows in which order lines were written and calls were made.

@@ -1,8 +1,7 @@
 // Bad input raises what says where and why, and costs nothing that was acknowledged before.
 
 #include "LocalTsTest.h"
-
-#include <unistd.h>
+#include "support/System.h"
 
 namespace {
 
@@ -40,7 +39,7 @@ TEST_F(BrokenInput, XmlIsRefusedWithItsFileAndLineAndNothingIsTakenFromIt) {
   for (const auto& [content, words] : rows) {
     SCOPED_TRACE(content.substr(0, 200));
     const bool activities = content.find("<Activities") == 0;
-    const std::string file = folder.Write(activities ? "activities.xml" : "TSAL.config", content);
+    const std::string file = folder.Write(activities ? "activities.xml" : "TSAL.config", content).string();
     const auto read = [&] {
       activities ? void(ActivityMethods::RegisterAndGetActivityVersions(file, session))
                  : void(TSInstance::BeginSession());
@@ -53,9 +52,7 @@ TEST_F(BrokenInput, XmlIsRefusedWithItsFileAndLineAndNothingIsTakenFromIt) {
 
 TEST_F(BrokenInput, ADatabaseThatCannotBeRecordedInIsNamedAndStaysAsItIs) {
   permissions(folder.path, fs::perms{0777});
-  if (geteuid() == 0 && seteuid(65534) != 0) {  // nothing is read-only for a superuser
-    GTEST_SKIP() << "no other user's rights can be taken on here";
-  }
+  const bool ordinary = System::GiveUpRights();  // nothing is read-only for a superuser
   folder.Write("text.db", std::string(4096, 'x'));
   soci::session(soci::sqlite3, "dbname=" + (folder / "other.db").string()) << "CREATE TABLE microscopes (name)";
   for (const char* database : {"newer.db", "reading.db", "hidden.db", "good.db"}) {
@@ -71,6 +68,9 @@ TEST_F(BrokenInput, ADatabaseThatCannotBeRecordedInIsNamedAndStaysAsItIs) {
                                         {"other.db", "tables of another program; expected"},
                                         {"newer.db", "version 2; expected version 1: a newer program"}}) {
     Configure(database);
+    if (!ordinary && (database == "hidden.db"s || database == "reading.db"s)) {
+      continue;
+    }
     const std::string before = ContentOf(folder / database);
     bool connectable = false;
     const auto ask = [&] { connectable = TSInstance::IsConnectable(); };
@@ -80,18 +80,24 @@ TEST_F(BrokenInput, ADatabaseThatCannotBeRecordedInIsNamedAndStaysAsItIs) {
     EXPECT_EQ(ContentOf(folder / database), before);
     SaveEvent(Event(database));  // into the session that began before
   }
-  EXPECT_EQ(Recorded("SELECT COUNT(*) FROM events", "good.db"), "6\n");
-  ASSERT_EQ(seteuid(getuid()), 0);
+  EXPECT_EQ(Recorded("SELECT COUNT(*) FROM events", "good.db"), ordinary ? "6\n" : "4\n");
+  System::TakeRightsBack();
+  if (!ordinary) {
+    GTEST_SKIP() << "only the files without rights: no ordinary user's can be taken on here";
+  }
 }
 
 TEST_F(BrokenInput, ReadAllTextFromFileGivesEveryByteOrSaysWhyNot) {
   const auto read = [](const std::string& file) { return Utils::TypeUtils::ReadAllTextFromFile(file); };
-  const std::string content = std::string(300'000, '\0') + "\r\n\x1a\xff", file = folder.Write("file\n'\xff", content);
+  const std::string content = std::string(300'000, '\0') + "\r\n\x1a\xff",
+                    file = folder.Write(System::pathsAreBytes ? "file\n'\xff" : "file '", content).string();
   EXPECT_TRUE(read(file) == content);
-  EXPECT_EQ(read(folder.Write("empty", "")), "");
+  EXPECT_EQ(read(folder.Write("empty", "").string()), "");
   ExpectError([&] { read(file + "\0.txt"s); }, {"'" + file, "zero byte"});
-  ExpectError([&] { read(folder.path); }, {"'" + folder.path.string() + "'", "folder"});
-  ExpectError([&] { read("/proc/self/mem"); }, {"'/proc/self/mem'", "error"});
+  ExpectError([&] { read(folder.path.string()); }, {"'" + folder.path.string() + "'", "folder"});
+  if (System::pathsAreBytes) {  // where a file is that opens and cannot be read
+    ExpectError([&] { read("/proc/self/mem"); }, {"'/proc/self/mem'", "error"});
+  }
 }
 
 }  // namespace

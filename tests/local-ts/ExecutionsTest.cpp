@@ -49,10 +49,12 @@ TEST_F(Executions, AnUpdateAddsAStatusThatDiffersAndKeepsTheParentAndAllElse) {
 }
 
 TEST_F(Executions, RegisteringAgainKeepsIdentitiesAndAnotherStoreTakesThemOver) {
-  const std::string file = folder.Write("activities.xml",
-                                        "<Activities><Activity Name='Tomography' Description='all of it'>"
-                                        "<ActivityVersion Name='TiltSeries' Version='1.0' Description='one &amp; all'/>"
-                                        "<ActivityVersion Name='Section' Version='1.0'/></Activity></Activities>");
+  const std::string file = folder
+                               .Write("activities.xml",
+                                      "<Activities><Activity Name='Tomography' Description='all of it'>"
+                                      "<ActivityVersion Name='TiltSeries' Version='1.0' Description='one &amp; all'/>"
+                                      "<ActivityVersion Name='Section' Version='1.0'/></Activity></Activities>")
+                               .string();
   const auto beginAndRegister = [&] { return ActivityMethods::RegisterAndGetActivityVersions(file, Begin()); };
   const auto first = beginAndRegister(), again = beginAndRegister();
   EXPECT_EQ(again.at("Section").Id, first.at("Section").Id);

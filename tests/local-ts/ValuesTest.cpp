@@ -27,8 +27,8 @@ TEST_F(Values, AnyTextComesBackTheSameAndOrdinaryOnesStandAsTheyAre) {
       "'host') AND c.name NOT LIKE '%at'";
   for (const auto& [text, stored] : rows) {
     SCOPED_TRACE(testing::PrintToString(text.substr(0, 60)));
-    fs::remove(folder / "ts.db");
-    Configure("ts.db");
+    const std::string database = std::to_string(&text - &rows[0].text) + ".db";
+    Configure(database);
     TSInstance::BeginSession(text, text, text);
     SystemMethods::SaveInstrumentConfigWithResult(text, text, text, text, text, text, text, text, text);
     ActivityExecution saved;
@@ -38,7 +38,8 @@ TEST_F(Values, AnyTextComesBackTheSameAndOrdinaryOnesStandAsTheyAre) {
     version.Name = version.Version = version.Description = version.Activity.Name = version.Activity.Description = text;
     Save(saved);
     SaveEvent(Event(text, InstrumentParameterString(text, text)));
-    EXPECT_TRUE(Recorded("SELECT *, COUNT(*) FROM (" + Recorded(everyColumn) + ") GROUP BY 1") == stored + "|22\n");
+    EXPECT_TRUE(Recorded("SELECT *, COUNT(*) FROM (" + Recorded(everyColumn, database) + ") GROUP BY 1", database) ==
+                stored + "|22\n");
     const ActivityExecution loaded = Load(saved.Id);
     const ns1__ActivityVersion wire = loaded.ActivityVersion.ToGsoap();
     for (const std::string& part : {loaded.Node, loaded.Description, wire.Name, wire.Version, wire.Description,

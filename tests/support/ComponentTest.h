@@ -31,7 +31,7 @@ class ComponentTest : public testing::Test {
   void Unload() {
     Fakes::TheScene().hook = nullptr;
     library.reset();
-    EXPECT_FALSE(Library::IsLoaded(file));
+    EXPECT_FALSE(System::IsLoaded(file));
   }
 
   /// Lets the next call make a logging object and a gateway that knows nothing; nothing is in the journal then.
@@ -57,7 +57,7 @@ class ComponentTest : public testing::Test {
   const ScratchFolder folder;
   const std::filesystem::path current = canonical(folder.path) / "current";
   const std::filesystem::path dataRoot = canonical(folder.path) / "data root";
-  const std::string file = dataRoot / "libVeloraTsLogging.so";
-  const std::string root = dataRoot.string() + '/';  // as TS and the log are told of it
+  const std::filesystem::path file = dataRoot / std::filesystem::path(VELORA_LIBRARY).filename();
+  const std::string root = dataRoot.string() + System::separator;  // as TS and the log are told of it
   std::unique_ptr<Library> library;
 };

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "support/System.h"
+
 #include <VeloraTsLogging/IFactory.h>
 #include <VeloraTsLogging/ITsLoggingConfigurator.h>
 
-#include <dlfcn.h>
-
 #include <memory>
-#include <stdexcept>
 #include <string>
 
 /// The component as it is shipped: its library, loaded from a file and used through its exports.
@@ -18,7 +17,7 @@ class Library {
   using ITolvaServicesClass = Quor::Velora::Infra::TsLogging::ITolvaServicesClass;
 
   /// @param file what the loader takes: with a slash in it.
-  explicit Library(const std::string& file) : handle(dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+  explicit Library(const std::filesystem::path& file) : handle(System::Load(file)) {
     Find(GetFactory, "_ZN4Quor6Velora5Infra9TsLogging10GetFactoryEv");
     Find(SetLogging,
          "_ZN4Quor6Velora5Infra9TsLogging10SetFactoryESt10shared_ptrINS2_8IFactoryEES3_INS2_10ITsLoggingEE");
@@ -35,13 +34,7 @@ class Library {
   }
   Library(const Library&) = delete;
   Library& operator=(const Library&) = delete;
-  ~Library() { dlclose(handle); }
-
-  /// Whether a library of this file is in memory.
-  static bool IsLoaded(const std::string& file) {
-    void* const loaded = dlopen(file.c_str(), RTLD_NOW | RTLD_NOLOAD);
-    return loaded != nullptr && dlclose(loaded) == 0;
-  }
+  ~Library() { System::Unload(handle); }
 
   std::shared_ptr<IFactory> (*GetFactory)() = nullptr;
   void (*SetLogging)(std::shared_ptr<IFactory>, std::shared_ptr<ITsLogging>) = nullptr;
@@ -54,10 +47,7 @@ class Library {
  private:
   template <typename Function>
   void Find(Function& function, const char* name) {
-    function = handle == nullptr ? nullptr : reinterpret_cast<Function>(dlsym(handle, name));
-    if (function == nullptr) {
-      throw std::runtime_error(dlerror());
-    }
+    function = reinterpret_cast<Function>(System::Find(handle, name));
   }
 
   void* const handle;

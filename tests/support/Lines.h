@@ -1,8 +1,7 @@
 #pragma once
 
 #include "fakes/Scene.h"
-
-#include <unistd.h>
+#include "support/System.h"
 
 #include <string>
 #include <utility>
@@ -47,15 +46,13 @@ std::string Check(const std::string& root, const Parts&... search) {
 
 inline std::string InstrumentLines(const std::string& fileText, bool available, const std::string& options,
                                    const std::string& model) {
-  char host[128] = {};
-  gethostname(host, sizeof host);
   return Lines("KivAccess GetFactory", "KivAccess CreateInstrumentAccess", "KivAccess factory released",
                "KivAccess IsAvailable",
                available ? Lines("KivAccess GetInstrument", "KivAccess GetConfiguration", "KivAccess GetMicroscopeType",
                                  "KivAccess GetOptionText")
                          : Lines(),
-               "TSAL SaveInstrumentConfigWithResult('" + fileText + "', '', 'Brantor Scientific', '" + host + "', '" +
-                   options + "', 'TEM', '" + model + "', '', '')",
+               "TSAL SaveInstrumentConfigWithResult('" + fileText + "', '', 'Brantor Scientific', '" +
+                   System::HostName() + "', '" + options + "', 'TEM', '" + model + "', '', '')",
                "KivAccess access released");
 }
 

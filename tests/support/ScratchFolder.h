@@ -1,21 +1,20 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
+#include <random>
 #include <string>
 
 /// A folder of a test's own, removed with everything in it.
 class ScratchFolder {
  public:
   ScratchFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "velora-test-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-      throw std::runtime_error("no scratch folder can be made: " + name);
-    }
-    path = name;
+    std::random_device random;
+    do {
+      path = std::filesystem::temp_directory_path() / ("velora-test-" + std::to_string(random()));
+    } while (!create_directory(path));
+    permissions(path, std::filesystem::perms::owner_all);
   }
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;

@@ -1,11 +1,11 @@
 #include "Lines.h"
 
 #include <VeloraInfraLogging/Logger.h>
+#include <VeloraSystem/System.h>
 
 #include <spdlog/sinks/basic_file_sink.h>
 #include <spdlog/sinks/stdout_sinks.h>
 #include <spdlog/spdlog.h>
-#include <sys/stat.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -51,7 +51,7 @@ class SpdLogger final : public Logger {
     // Made here where it is not there yet, since spdlog lets everybody read what it makes. What is wrong it will say.
     std::error_code ignored;
     std::filesystem::create_directories(std::filesystem::path(file).parent_path(), ignored);
-    mknod(file.c_str(), S_IFREG | S_IRUSR | S_IWUSR | S_IRGRP, 0);
+    ::Velora::System::MakeOwnFile(file);
     return std::make_shared<spdlog::sinks::basic_file_sink_mt>(file);
   }
 

@@ -2,11 +2,11 @@
 
 #include "Schema.h"
 #include "Statement.h"
-#include "Writer.h"
+
+#include <VeloraSystem/System.h>
 
 #include <soci/sqlite3/soci-sqlite3.h>
 #include <sqlite3.h>
-#include <sys/stat.h>
 
 #include <chrono>
 #include <memory>
@@ -19,14 +19,16 @@ namespace {
 
 constexpr std::chrono::seconds longestWait{30};
 
+// The byte of the file of shared memory that SQLite locks for the one writer of its write-ahead log.
+constexpr unsigned writeLock = 120;
+
 // SOCI takes a path within a text of keys and values, where one with quotes and blanks ends early and names another
 // file. So the file is opened here, and put in the place of the nameless database that SOCI opened.
 void Open(soci::session& sql, const std::string& database) {
   using sqlite_api::sqlite3;
   sql.open(soci::sqlite3, ":memory:");
-  // Made here, since SQLite lets everybody read what it makes; its other files get the mode of this one. Made without
-  // being opened, since closing a file gives up every lock that this process has on it.
-  mknod(database.c_str(), S_IFREG | S_IRUSR | S_IWUSR | S_IRGRP, 0);
+  // Made here, since SQLite lets everybody read what it makes; its other files get the mode of this one.
+  Velora::System::MakeOwnFile(database);
   sqlite3* handle = nullptr;
   const int result =
       sqlite_api::sqlite3_open_v2(database.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
@@ -104,7 +106,8 @@ Connection::Connection(const std::string& database) : database(database) {
 
 void Connection::Fail(const std::string& database, const soci::soci_error& reason) {
   if (IsBusy(reason)) {
-    throw TsError("TS database '" + database + "' was being written by " + WriterOf(database) + " for more than " +
+    throw TsError("TS database '" + database + "' was being written by " +
+                  Velora::System::LockerOf(database + "-shm", writeLock) + " for more than " +
                   std::to_string(longestWait.count()) +
                   " seconds; expected it to finish: " + reason.get_error_message());
   }

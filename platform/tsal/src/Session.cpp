@@ -5,6 +5,8 @@
 #include "StoredText.h"
 #include "StoredTime.h"
 
+#include <VeloraSystem/System.h>
+
 #include <utility>
 
 namespace Quor::TolvaServices::Local {
@@ -14,7 +16,7 @@ Session::Session(const Settings& settings, const std::string& text1, const std::
   row = Run([&](Connection& connection) {
     Transaction transaction(connection.Sql());
     const std::string instrument = ToStoredText(settings.instrument);
-    const std::string host = ToStoredText(ComputerName());
+    const std::string host = ToStoredText(Velora::System::ComputerName());
     const std::string now = ToStoredTime({});
     const std::string stored1 = ToStoredText(text1);
     const std::string stored2 = ToStoredText(text2);

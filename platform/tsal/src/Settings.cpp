@@ -3,10 +3,8 @@
 #include "XmlFile.h"
 
 #include <TSAL/Error.h>
+#include <VeloraSystem/System.h>
 
-#include <unistd.h>
-
-#include <array>
 #include <filesystem>
 #include <iterator>
 #include <system_error>
@@ -36,13 +34,8 @@ Settings ReadSettings(const std::string& folder) {
     xml.Fail(database, "unknown Backend '" + backend + "'; expected 'sqlite3'");
   }
   const std::string instrument = xml.Root().attribute("Instrument").value();
-  return {instrument.empty() ? ComputerName() : instrument,
+  return {instrument.empty() ? Velora::System::ComputerName() : instrument,
           (file.parent_path() / xml.Required(database, "Connection")).string()};
-}
-
-std::string ComputerName() {
-  std::array<char, 257> buffer{};
-  return gethostname(buffer.data(), buffer.size() - 1) == 0 && buffer[0] != '\0' ? buffer.data() : "unknown";
 }
 
 }  // namespace Quor::TolvaServices::Local

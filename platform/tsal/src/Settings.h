@@ -15,7 +15,4 @@ struct Settings {
 /// @throws TsError naming file and line when the file cannot be used.
 Settings ReadSettings(const std::string& folder);
 
-/// This computer's name, "unknown" when the system does not tell it.
-std::string ComputerName();
-
 }  // namespace Quor::TolvaServices::Local

@@ -32,7 +32,7 @@ std::string ReadWholeFile(const std::string& path, std::uintmax_t limit) {
     }
   }
   if (!file.is_open() || file.bad()) {
-    fail(std::system_category().message(errno));
+    fail(std::generic_category().message(errno));
   }
   return content;
 }

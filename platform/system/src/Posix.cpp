@@ -1,22 +1,20 @@
-#include "Writer.h"
+#include <VeloraSystem/System.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <fstream>
 #include <sstream>
 
-namespace Quor::TolvaServices::Local {
+namespace Velora::System {
 namespace {
-
-// The byte of the file of shared memory that SQLite locks for the one writer of its write-ahead log.
-constexpr const char* writeLock = "120";
 
 // From the system's table of locks. A lock must not be asked for here: closing the file afterwards would give up all
 // locks that this process has on it.
-long LockingProcess(const std::string& sharedMemory) {
+long LockingProcess(const std::string& path, unsigned byte) {
   struct stat file {};
-  if (stat(sharedMemory.c_str(), &file) != 0) {
+  if (stat(path.c_str(), &file) != 0) {
     return 0;
   }
   // "1: POSIX  ADVISORY  WRITE 4711 fe:01:131072 120 120"; blocked ones have an arrow behind the number
@@ -27,7 +25,7 @@ long LockingProcess(const std::string& sharedMemory) {
     std::string number, kind, force, access, where, first;
     long process = 0;
     if (words >> number >> kind >> force >> access >> process >> where >> first && access == "WRITE" &&
-        first == writeLock && where.ends_with(inode)) {
+        first == std::to_string(byte) && where.ends_with(inode)) {
       return process;
     }
   }
@@ -36,8 +34,15 @@ long LockingProcess(const std::string& sharedMemory) {
 
 }  // namespace
 
-std::string WriterOf(const std::string& database) {
-  const long process = LockingProcess(database + "-shm");
+void MakeOwnFile(const std::string& path) { mknod(path.c_str(), S_IFREG | S_IRUSR | S_IWUSR | S_IRGRP, 0); }
+
+std::string ComputerName() {
+  std::array<char, 257> buffer{};
+  return gethostname(buffer.data(), buffer.size() - 1) == 0 && buffer[0] != '\0' ? buffer.data() : "unknown";
+}
+
+std::string LockerOf(const std::string& path, unsigned byte) {
+  const long process = LockingProcess(path, byte);
   if (process <= 0) {
     return "another process or thread";
   }
@@ -49,4 +54,4 @@ std::string WriterOf(const std::string& database) {
   return "process " + std::to_string(process) + (name.empty() ? "" : " (" + name + ')');
 }
 
-}  // namespace Quor::TolvaServices::Local
+}  // namespace Velora::System

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+namespace Velora::System {
+
+/// Makes an empty file that owner and group can read, where there is none yet. Made without being opened, since closing
+/// a file gives up every lock that this process has on it. What is wrong shows when the file is opened. On Windows it
+/// does nothing: a file has the access list of its folder there.
+void MakeOwnFile(const std::string& path);
+
+/// This computer's name, "unknown" when the system does not tell it.
+std::string ComputerName();
+
+/// Which process, in words, has locked a byte of a file for writing: "process 4711 (recorder)", "another thread of this
+/// process", or, where the system does not tell, "another process or thread".
+std::string LockerOf(const std::string& path, unsigned byte);
+
+}  // namespace Velora::System
