@@ -26,3 +26,16 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/veloratslogging.pc DESTINATION ${CMAKE
 
 add_custom_target(uninstall
   ${CMAKE_COMMAND} -D manifest=${CMAKE_BINARY_DIR}/install_manifest.txt -P ${CMAKE_CURRENT_LIST_DIR}/Uninstall.cmake)
+
+# What a Windows computer needs beside: the compiler's run-time libraries, the licences, and settings to begin with.
+if(MINGW)
+  install(DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/ DESTINATION ${CMAKE_INSTALL_BINDIR}
+    FILES_MATCHING PATTERN "lib*-*.dll")
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/build/windows-dependencies/licences DESTINATION .)
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples/record-tilt-series/settings DESTINATION .)
+  install(FILES THIRD-PARTY.md README.md docs/windows.md DESTINATION .)
+  set(CPACK_GENERATOR ZIP)
+  set(CPACK_PACKAGE_FILE_NAME VeloraTsLogging-${PROJECT_VERSION}-windows-x86_64)
+  set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/package)
+  include(CPack)
+endif()
