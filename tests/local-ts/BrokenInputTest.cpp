@@ -58,7 +58,7 @@ TEST_F(BrokenInput, ADatabaseThatCannotBeRecordedInIsNamedAndStaysAsItIs) {
   for (const char* database : {"newer.db", "reading.db", "hidden.db", "good.db"}) {
     Begin(database);
   }
-  soci::session(soci::sqlite3, "dbname=" + (folder / "newer.db").string()) << "INSERT INTO ts_schema VALUES (2, '')";
+  soci::session(soci::sqlite3, "dbname=" + (folder / "newer.db").string()) << "INSERT INTO ts_schema VALUES (99, '')";
   permissions(folder / "reading.db", fs::perms{0444});
   permissions(folder / "hidden.db", fs::perms{0});
   for (const auto& [database, words] : {std::pair("no/such/folder.db", "cannot be opened"),
@@ -66,7 +66,7 @@ TEST_F(BrokenInput, ADatabaseThatCannotBeRecordedInIsNamedAndStaysAsItIs) {
                                         {"reading.db", "can only be read; expected"},
                                         {"text.db", "not a database"},
                                         {"other.db", "tables of another program; expected"},
-                                        {"newer.db", "version 2; expected version 1: a newer program"}}) {
+                                        {"newer.db", "version 99; expected version 2 at most: a newer program"}}) {
     Configure(database);
     if (!ordinary && (database == "hidden.db"s || database == "reading.db"s)) {
       continue;

@@ -94,10 +94,10 @@ Connection::Connection(const std::string& database) : database(database) {
   Open(sql, database);
   try {
     Configure();
-    const bool ready = HasSchema();  // asked first: nothing is changed in a file that is none of ours
+    const int version = StoredVersion();  // asked first: nothing is changed in a file that is none of ours
     TurnOnWriteAheadLog(sql);
-    if (!ready) {
-      MakeSchema();
+    if (version != schemaVersion) {
+      BringUp();
     }
   } catch (const soci::soci_error& reason) {
     Fail(database, reason);
@@ -136,13 +136,13 @@ void Connection::Configure() {
   Execute(sql, "PRAGMA synchronous = FULL");  // a commit is on the disk when it returns
 }
 
-bool Connection::HasSchema() {
+int Connection::StoredVersion() {
   int tables = 0;
   int own = 0;
   Execute(sql, "SELECT COUNT(*), COALESCE(SUM(name = 'ts_schema'), 0) FROM sqlite_master", soci::into(tables),
           soci::into(own));
   if (tables == 0) {
-    return false;
+    return 0;
   }
   if (own == 0) {
     throw TsError("TS database '" + database +
@@ -150,18 +150,18 @@ bool Connection::HasSchema() {
   }
   int version = 0;
   Execute(sql, "SELECT COALESCE(MAX(version), 0) FROM ts_schema", soci::into(version));
-  if (version != schemaVersion) {
+  if (version < 1 || version > schemaVersion) {
     throw TsError("TS database '" + database + "' has a schema of version " + std::to_string(version) +
-                  "; expected version " + std::to_string(schemaVersion) +
+                  "; expected version " + std::to_string(schemaVersion) + " at most" +
                   (version > schemaVersion ? ": a newer program made it" : ""));
   }
-  return true;
+  return version;
 }
 
-void Connection::MakeSchema() {
+void Connection::BringUp() {
   Transaction transaction(sql);
-  if (!HasSchema()) {  // another process may have been first
-    CreateSchema(sql);
+  if (const int version = StoredVersion(); version != schemaVersion) {  // another process may have been first
+    BringUpSchema(sql, version);
     transaction.Commit();
   }
 }

@@ -19,7 +19,7 @@ class NotReachable : public TsError {
 };
 
 /// One connection to a store, used by one operation at a time. Opening makes the database and its tables where they are
-/// not there yet.
+/// not there yet, and brings up a store of an earlier version.
 class Connection {
  public:
   /// @param database absolute path of the database file.
@@ -39,10 +39,10 @@ class Connection {
 
  private:
   void Configure();
-  /// Whether the tables are there already.
-  /// @throws TsError for a database of another program, or with a schema of another version.
-  bool HasSchema();
-  void MakeSchema();
+  /// The version of the store's schema; 0 where there are no tables yet.
+  /// @throws TsError for a database of another program, or with a schema of a later version.
+  int StoredVersion();
+  void BringUp();
 
   std::string database;
   std::chrono::microseconds waited{};  // for other writers, since the last time that none was in the way

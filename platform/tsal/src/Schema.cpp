@@ -11,7 +11,7 @@ namespace Quor::TolvaServices::Local {
 namespace {
 
 // Described in docs/local-ts.md, table by table; keep the two together.
-constexpr const char* statements[] = {
+constexpr const char* version1[] = {
     R"(CREATE TABLE ts_schema (
          version    INTEGER NOT NULL,
          created_at TEXT NOT NULL))",
@@ -132,12 +132,69 @@ constexpr const char* statements[] = {
        LEFT JOIN executions x ON x.execution_id = e.execution_id)",
 };
 
+constexpr const char* version2[] = {
+    R"(CREATE TABLE seals (
+         seal_id        INTEGER PRIMARY KEY,
+         run            TEXT,
+         sealed_at      TEXT NOT NULL,
+         up_to          TEXT NOT NULL,
+         counts         TEXT NOT NULL,
+         content_hash   TEXT NOT NULL,
+         previous_hash  TEXT NOT NULL,
+         schema_version INTEGER NOT NULL,
+         tool_version   TEXT NOT NULL,
+         seal_hash      TEXT NOT NULL))",
+    "CREATE INDEX seals_by_run ON seals (run, seal_id)",
+};
+
+/// A table whose rows stay as they are.
+struct Recorded {
+  const char* table;
+  const char* inTheWay;  // the rows whose place a new one would take; its key is -1 until SQLite has chosen one
+};
+
+constexpr Recorded recorded[] = {
+    {"ts_schema", "rowid = NEW.rowid AND NEW.rowid > 0"},
+    {"sessions", "(session_id = NEW.session_id AND NEW.session_id > 0) OR guid = NEW.guid"},
+    {"activities",
+     "(activity_id = NEW.activity_id AND NEW.activity_id > 0) OR guid = NEW.guid OR "
+     "(name = NEW.name AND description = NEW.description)"},
+    {"activity_versions",
+     "(version_id = NEW.version_id AND NEW.version_id > 0) OR guid = NEW.guid OR (activity_id = NEW.activity_id AND "
+     "name = NEW.name AND version = NEW.version AND description = NEW.description)"},
+    {"registrations", "rowid = NEW.rowid AND NEW.rowid > 0"},
+    {"configurations", "(configuration_id = NEW.configuration_id AND NEW.configuration_id > 0) OR guid = NEW.guid"},
+    {"executions", "(execution_id = NEW.execution_id AND NEW.execution_id > 0) OR guid = NEW.guid"},
+    {"statuses", "status_id = NEW.status_id AND NEW.status_id > 0"},
+    {"events", "event_id = NEW.event_id AND NEW.event_id > 0"},
+    {"parameters", "event_id = NEW.event_id AND position = NEW.position"},
+    {"seals", "seal_id = NEW.seal_id AND NEW.seal_id > 0"},
+};
+
+// The third is for INSERT OR REPLACE, which deletes the rows that are in its way and asks no trigger about it.
+void AddTriggers(soci::session& sql) {
+  for (const auto& [name, inTheWay] : recorded) {
+    const std::string table = name;
+    const std::string refusal = " BEGIN SELECT RAISE(ABORT, 'rows of " + table + " are only ever added'); END";
+    Execute(sql, "CREATE TRIGGER " + table + "_no_update BEFORE UPDATE ON " + table + refusal);
+    Execute(sql, "CREATE TRIGGER " + table + "_no_delete BEFORE DELETE ON " + table + refusal);
+    Execute(sql, "CREATE TRIGGER " + table + "_no_replace BEFORE INSERT ON " + table + " WHEN EXISTS (SELECT 1 FROM " +
+                     table + " WHERE " + inTheWay + ")" + refusal);
+  }
+}
+
 }  // namespace
 
-void CreateSchema(soci::session& sql) {
-  for (const char* statement : statements) {
+void BringUpSchema(soci::session& sql, int version) {
+  if (version < 1) {
+    for (const char* statement : version1) {
+      Execute(sql, statement);
+    }
+  }
+  for (const char* statement : version2) {
     Execute(sql, statement);
   }
+  AddTriggers(sql);
   const std::string now = ToStoredTime({});
   Execute(sql, "INSERT INTO ts_schema (version, created_at) VALUES (:version, :created)", soci::use(schemaVersion),
           soci::use(now));
