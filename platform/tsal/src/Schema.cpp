@@ -171,6 +171,13 @@ constexpr Recorded recorded[] = {
     {"seals", "seal_id = NEW.seal_id AND NEW.seal_id > 0"},
 };
 
+template <std::size_t count>
+void ExecuteAll(soci::session& sql, const char* const (&statements)[count]) {
+  for (const char* statement : statements) {
+    Execute(sql, statement);
+  }
+}
+
 // The third is for INSERT OR REPLACE, which deletes the rows that are in its way and asks no trigger about it.
 void AddTriggers(soci::session& sql) {
   for (const auto& [name, inTheWay] : recorded) {
@@ -185,18 +192,16 @@ void AddTriggers(soci::session& sql) {
 
 }  // namespace
 
-void BringUpSchema(soci::session& sql, int version) {
-  if (version < 1) {
-    for (const char* statement : version1) {
-      Execute(sql, statement);
-    }
+void BringUpSchema(soci::session& sql, int from, int to) {
+  if (from < 1 && to >= 1) {
+    ExecuteAll(sql, version1);
   }
-  for (const char* statement : version2) {
-    Execute(sql, statement);
+  if (from < 2 && to >= 2) {
+    ExecuteAll(sql, version2);
+    AddTriggers(sql);
   }
-  AddTriggers(sql);
   const std::string now = ToStoredTime({});
-  Execute(sql, "INSERT INTO ts_schema (version, created_at) VALUES (:version, :created)", soci::use(schemaVersion),
+  Execute(sql, "INSERT INTO ts_schema (version, created_at) VALUES (:version, :created)", soci::use(to),
           soci::use(now));
 }
 

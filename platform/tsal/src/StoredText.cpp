@@ -8,8 +8,22 @@ namespace {
 
 constexpr std::string_view escape = "\\x";
 
-// Length of the UTF-8 sequence at the start of `rest`; 0 when there is no valid one. Neither overlong forms nor
-// surrogates nor points above U+10FFFF are valid.
+bool StandsAsItIs(std::string_view text) {
+  if (text.substr(0, escape.size()) == escape || text.find('\0') != std::string_view::npos) {
+    return false;
+  }
+  for (std::size_t at = 0; at < text.size();) {
+    const std::size_t length = SequenceLength(text.substr(at));
+    if (length == 0) {
+      return false;
+    }
+    at += length;
+  }
+  return true;
+}
+
+}  // namespace
+
 std::size_t SequenceLength(std::string_view rest) {
   const auto byte = [&](std::size_t at) -> std::uint32_t {
     return at < rest.size() ? static_cast<unsigned char>(rest[at]) : 0U;
@@ -29,22 +43,6 @@ std::size_t SequenceLength(std::string_view rest) {
   const std::uint32_t point = ((first & 0x07U) << 18U) | ((byte(1) & 0x3FU) << 12U);
   return first < 0xF5 && continues(1) && continues(2) && continues(3) && point >= 0x10000 && point <= 0x10FFFF ? 4 : 0;
 }
-
-bool StandsAsItIs(std::string_view text) {
-  if (text.substr(0, escape.size()) == escape || text.find('\0') != std::string_view::npos) {
-    return false;
-  }
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t length = SequenceLength(text.substr(at));
-    if (length == 0) {
-      return false;
-    }
-    at += length;
-  }
-  return true;
-}
-
-}  // namespace
 
 std::string ToStoredText(std::string_view text) {
   if (StandsAsItIs(text)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,10 @@
 // "\x" itself, which keeps the two apart. Every other text stands as it is. Equal texts have equal forms.
 
 namespace Quor::TolvaServices::Local {
+
+/// Length of the UTF-8 sequence at the start of `rest`; 0 when there is no valid one. Neither overlong forms nor
+/// surrogates nor points above U+10FFFF are valid.
+std::size_t SequenceLength(std::string_view rest);
 
 std::string ToStoredText(std::string_view text);
 std::string FromStoredText(std::string_view stored);

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "support/Query.h"
+#include "support/ScratchFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <string>
+
+/// The tests of velora-ts run the program itself, in a folder with settings and a store as the first version left it:
+/// one finished run with two sections.
+class ToolTest : public testing::Test {
+ protected:
+  ToolTest() {
+    folder.Write("TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");
+    EXPECT_EQ(Shell("sqlite3 ts.db 'PRAGMA journal_mode=WAL' '.read " SOURCE "/tests/local-ts/version-1.sql'"), 0);
+  }
+
+  /// Runs a command in the folder; what it says, on both streams, is in `said` afterwards.
+  int Shell(const std::string& command) {
+    const std::string line = "cd '" + folder.path.string() + "' && { " + command + "\n} > said 2>&1";
+    const int status = std::system(line.c_str());
+    said = ContentOf(folder / "said");
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  int Tool(const std::string& arguments) { return Shell("'" VELORA_TS "' " + arguments); }
+  bool Says(const std::string& words) const { return said.find(words) != std::string::npos; }
+
+  const ScratchFolder folder;
+  std::string said;
+};

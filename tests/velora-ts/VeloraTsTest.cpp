@@ -1,0 +1,155 @@
+// What velora-ts answers, and that it leaves a store and its hosts alone.
+
+#include "ToolTest.h"
+
+#include <TSAL/Methods.h>
+
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+
+namespace {
+
+using VeloraTs = ToolTest;
+
+TEST_F(VeloraTs, AnswersWithACodeAndWords) {
+  folder.Write("broken/TSAL.config", "");
+  create_directory(folder / "broken");
+  folder.Write("broken/TSAL.config", "<TSAL>\n<Server/></TSAL>");
+  create_directory(folder / "empty");
+  folder.Write("empty/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='none.db'/></TSAL>");
+  create_directory(folder / "other");
+  folder.Write("other/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='other.db'/></TSAL>");
+  ASSERT_EQ(Shell("sqlite3 other/other.db 'CREATE TABLE microscopes (name)'"), 0);
+  const std::string guid = Query(folder / "ts.db", "SELECT guid FROM executions LIMIT 1").substr(0, 36);
+  ASSERT_EQ(
+      Shell("sqlite3 ts.db \"INSERT INTO executions SELECT 4, 'ffffffff-0000-4000-8000-000000000000', NULL, 4, 1, "
+            "2, 'grid.mdoc', '', 5, '2026-11-26' FROM sessions\""),
+      0);
+  static const struct {
+    std::string arguments;
+    int code;
+    std::string words;
+  } rows[] = {
+      {"check", 0, "schema: version 1; the next host"},
+      {"check", 0, "4 executions, 6 statuses, 3 events, 6 parameters"},
+      {"check --config broken", 3, "broken/TSAL.config', line 2: unknown element 'Server'"},
+      {"check --config nowhere", 3, "No such file"},
+      {"check --config empty", 3, "there is no TS store"},
+      {"check --config other", 3, "is no TS store; expected"},
+      {"check", 0, "last: run ffffffff-0000-4000-8000-000000000000 \"grid.mdoc\" of 2026-11-26"},
+      {"export last", 0, "\"number\":4,\"guid\":\"ffffffff"},
+      {"export " + guid, 0, "\"guid\":\"" + guid},
+      {"export " + guid.substr(0, 3), 0, "\"guid\":\"" + guid},
+      {"export FF", 0, "\"guid\":\"ffffffff"},
+      {"export grid.mdoc", 1, "more than one run is called 'grid.mdoc'\nrun " + guid + " \"grid.mdoc\" of 2026-11-25"},
+      {"export '%'", 1, "no run is called '%'"},
+      {"export --since 2026-11-26", 0, "\"number\":4,\"guid\":\"ffffffff"},
+      {"export --since 2026-11-26 --until 2026-11-26T00Z", 0, "{\"record\":\"rest\",\"format\":1}\n"},
+      {"export --since yesterday", 2, "expected UTC"},
+      {"export last --since 2026-11-26", 2, "excludes"},
+      {"export --until 2026-11-26 last", 2, "--since"},
+      {"export last --format csv", 2, "csv"},
+      {"export last > /dev/full", 3, "No space left"},
+      {"backup copy.db", 0, "copied to 'copy.db' and checked: 4 executions, 3 events"},
+      {"backup copy.db", 3, "File exists"},
+      {"backup no/such/copy.db", 3, "No such file"},
+      {"", 2, "subcommand"},
+      {"backup --help", 0, "velora-ts backup /backup"},
+      {"--version", 0, "velora-ts 0."},
+  };
+  for (const auto& [arguments, code, words] : rows) {
+    EXPECT_EQ(Tool(arguments), code) << arguments << ": " << said;
+    EXPECT_TRUE(Says(words)) << arguments << ": " << said;
+  }
+}
+
+TEST_F(VeloraTs, ExportsTheSameFromEverySchemaAndAsDocumented) {
+  const std::string expected = ContentOf(SOURCE "/tests/velora-ts/version-1.jsonl");
+  EXPECT_EQ(Tool("export last"), 0);
+  EXPECT_EQ(said, expected);
+  using Quor::TolvaServices::Types::TSInstance;
+  TSInstance::SetTsalPath(folder.path.string());
+  ASSERT_TRUE(TSInstance::IsConnectable());  // brings the store up
+  EXPECT_EQ(Query(folder / "ts.db", "SELECT MAX(version) FROM ts_schema"), "2\n");
+  EXPECT_EQ(Tool("export last"), 0);
+  EXPECT_EQ(said, expected);
+
+  std::map<std::string, std::string> described, written;  // fields of each record, in their order
+  const std::string page = ContentOf(SOURCE "/docs/record-format.md");
+  static const std::regex row(R"(\n\| (?:`(\w+)`)? ?\| ((?:`\w+`(?:, )?)+) \|)"), name(R"(`(\w+)`)");
+  std::string record;
+  for (std::sregex_iterator line(page.begin(), page.end(), row), end; line != end; ++line) {
+    record = (*line)[1].matched ? (*line)[1].str() : record;
+    const std::string fields = (*line)[2];
+    for (std::sregex_iterator field(fields.begin(), fields.end(), name); field != end; ++field) {
+      described[record] += (*field)[1].str() + ' ';
+    }
+  }
+  std::istringstream lines(expected);
+  static const std::regex field(R"re([{,]"(\w+)":(?=(?:"([^"\\]|\\.)*"|\d+|null|\[)))re");
+  for (std::string line; std::getline(lines, line);) {
+    const std::string own = line.substr(0, line.find("{\"position\"", 1));  // not a parameter's
+    std::string fields;
+    for (std::sregex_iterator at(own.begin(), own.end(), field), end; at != end; ++at) {
+      fields += (*at)[1] == "record" ? "" : (*at)[1].str() + ' ';
+    }
+    written[line.substr(11, line.find('"', 11) - 11)] = fields;
+  }
+  described.erase("rest"), described.erase("schema");  // no part of a run
+  EXPECT_EQ(described, written);
+}
+
+TEST_F(VeloraTs, ReadingChangesNothingAndWaitsForNobody) {
+  const auto files = [&] {
+    std::map<std::string, std::string> content;
+    for (const auto& file : std::filesystem::directory_iterator(folder.path)) {
+      content[file.path().filename()] = ContentOf(file.path());
+    }
+    content.erase("said");
+    return content;
+  };
+  const auto closed = files();
+  EXPECT_EQ(closed.count("ts.db-wal"), 0U);
+  for (const char* verb : {"check", "export last"}) {
+    EXPECT_EQ(Tool(verb), 0) << said;
+  }
+  EXPECT_EQ(files(), closed);
+  soci::session host(soci::sqlite3, "dbname=" + (folder / "ts.db").string());
+  host << "BEGIN IMMEDIATE";
+  host << "INSERT INTO events VALUES (4, 1, 1, NULL, 'not yet there', '')";
+  auto open = files();
+  for (const char* verb : {"check", "export last"}) {
+    EXPECT_EQ(Tool("--version && timeout 3 '" VELORA_TS "' " + std::string(verb)), 0) << said;
+    EXPECT_FALSE(Says("not yet there"));
+  }
+  auto after = files();
+  open.erase("ts.db-shm"), after.erase("ts.db-shm");  // where readers and writers meet
+  EXPECT_EQ(after, open);
+  host << "COMMIT";
+  EXPECT_EQ(Tool("export last"), 0);
+  EXPECT_TRUE(Says("not yet there"));
+}
+
+TEST_F(VeloraTs, ABackupMadeWhileAHostRecordsIsAWayBack) {
+  folder.Write("activities.xml",
+               "<Activities><Activity Name='Tilt'><ActivityVersion Name='Expose' Version='1'/>"
+               "<ActivityVersion Name='Focus' Version='1'/></Activity></Activities>");
+  ASSERT_EQ(Shell("'" RECORDING_HOST "' . host 100 > told & host=$!\n"
+                  "while [ $(wc -l < told) -lt 300 ] && kill -0 $host; do sleep 0.01; done\n"
+                  "'" VELORA_TS "' backup copy.db; code=$?; kill $host; exit $code"),
+            0)
+      << said;
+  const std::string recorded = "SELECT COUNT(*), MAX(event_id) FROM events";
+  const std::string kept = Query(folder / "copy.db", recorded);
+  EXPECT_NE(kept, Query(folder / "ts.db", recorded)) << "nothing was recorded meanwhile";
+  const std::string page = ContentOf(SOURCE "/docs/velora-ts.md");
+  const std::size_t begin = page.find("```sh\n") + 6;
+  const std::string way = page.substr(begin, page.find("```", begin) - begin);
+  EXPECT_EQ(Shell("PATH=$(dirname '" VELORA_TS "'):$PATH STORE=ts.db BACKUP=copy.db\n" + way), 0) << said;
+  EXPECT_EQ(Query(folder / "ts.db", recorded), kept);
+  EXPECT_EQ(Query(folder / "ts.db", "PRAGMA integrity_check"), "ok\n");
+}
+
+}  // namespace

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// The JSON of docs/record-format.md: one way to write each value, so that equal records are equal bytes, and different
+// values never look the same.
+
+/// A text. A byte that is no part of a character, which only another program can have stored, becomes "\udcXX".
+void AppendText(std::string& json, std::string_view text);
+/// The shortest number that reads back the same; whole ones below 2^53 without an exponent, infinity as 1e999.
+void AppendNumber(std::string& json, double number);
+/// What the store should not hold at all: {"blob":"..."}, in hexadecimal digits.
+void AppendBlob(std::string& json, std::string_view bytes);

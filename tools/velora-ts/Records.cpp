@@ -1,0 +1,243 @@
+#include "Records.h"
+
+#include "Json.h"
+#include "Store.h"
+
+#include <TSAL/Error.h>
+
+#include <utility>
+
+namespace {
+
+constexpr int format = 1;
+
+constexpr std::array<const char*, kindCount> names = {"schema",  "session",       "registration", "activity",
+                                                      "version", "configuration", "execution",    "status",
+                                                      "event",   "parameter"};
+
+// What a record refers to is written as its guid; as its key where another program left no such row.
+#define GUID_OF(table, key, of) "COALESCE((SELECT guid FROM " table " WHERE " key " = " of "), " of ")"
+#define SESSION GUID_OF("sessions", "session_id", "r.session_id") " AS session"
+
+constexpr const char* sessionQuestion =
+    "SELECT session_id AS number, guid, instrument, host, began_at, text1, text2, text3 FROM sessions ";
+constexpr const char* registrationQuestion =
+    "SELECT rowid AS number, " SESSION ", " GUID_OF("activity_versions", "version_id", "r.version_id") " AS version, "
+    "file, registered_at, version_id AS _version FROM registrations r ";
+constexpr const char* activityQuestion = "SELECT activity_id AS number, guid, name, description FROM activities ";
+constexpr const char* versionQuestion =
+    "SELECT version_id AS number, guid, " GUID_OF("activities", "activity_id", "r.activity_id") " AS activity, name, "
+    "version, description, activity_id AS _activity FROM activity_versions r ";
+constexpr const char* configurationQuestion =
+    "SELECT configuration_id AS number, guid, " SESSION
+    ", saved_at, configuration_text, text2, vendor_name, host_name, "
+    "option_text, instrument_class, model_name, text8, text9, session_id AS _session FROM configurations r ";
+constexpr const char* executionQuestion =
+    "SELECT execution_id AS number, guid, " GUID_OF("executions", "execution_id", "r.parent_id") " AS parent, "
+    GUID_OF("executions", "execution_id", "r.root_id") " AS root, " SESSION ", "
+    GUID_OF("activity_versions", "version_id", "r.version_id") " AS version, node, description, kind, started_at, "
+    "session_id AS _session, version_id AS _version FROM executions r ";
+constexpr const char* statusQuestion = "SELECT status_id AS number, " GUID_OF(
+    "executions", "execution_id", "r.execution_id") " AS execution, " SESSION
+                                                    ", "
+                                                    "code, at, session_id AS _session FROM statuses r ";
+constexpr const char* eventQuestion =
+    "SELECT event_id AS number, " GUID_OF("executions", "execution_id", "r.execution_id") " AS execution, " SESSION ", "
+    GUID_OF("configurations", "configuration_id", "r.configuration_id") " AS configuration, name, at, "
+    "session_id AS _session, configuration_id AS _configuration FROM events r ";
+
+#undef SESSION
+#undef GUID_OF
+
+Rows Question(const Store& store, const char* columns, const std::string& which) {
+  return {store, (columns + which).c_str()};
+}
+
+}  // namespace
+
+Numbers HighestNumbers(const Store& store) {
+  Rows rows(store,
+            "SELECT (SELECT MAX(rowid) FROM ts_schema), (SELECT MAX(session_id) FROM sessions), "
+            "(SELECT MAX(rowid) FROM registrations), (SELECT MAX(activity_id) FROM activities), "
+            "(SELECT MAX(version_id) FROM activity_versions), (SELECT MAX(configuration_id) FROM configurations), "
+            "(SELECT MAX(execution_id) FROM executions), (SELECT MAX(status_id) FROM statuses), "
+            "(SELECT MAX(event_id) FROM events)");
+  rows.Next();
+  Numbers highest{};
+  for (int kind = 0; kind < rows.Columns(); ++kind) {
+    highest[static_cast<std::size_t>(kind)] = rows.Integer(kind);
+  }
+  return highest;
+}
+
+Records::Records(const Store& store, const Numbers& upTo, Sink sink)
+    : store(store),
+      upTo(upTo),
+      sink(std::move(sink)),
+      session(Question(store, sessionQuestion, "WHERE session_id = ?1")),
+      registrations(Question(store, registrationQuestion, "WHERE session_id = ?1 AND rowid <= ?2 ORDER BY rowid")),
+      activity(Question(store, activityQuestion, "WHERE activity_id = ?1")),
+      version(Question(store, versionQuestion, "WHERE version_id = ?1")),
+      configuration(Question(store, configurationQuestion, "WHERE configuration_id = ?1")),
+      executions(Question(store, executionQuestion, "WHERE root_id = ?1 AND execution_id <= ?2 ORDER BY execution_id")),
+      statuses(Question(store, statusQuestion,
+                        "WHERE execution_id = ?1 AND status_id > ?2 AND status_id <= ?3 ORDER BY status_id")),
+      events(Question(store, eventQuestion,
+                      "WHERE execution_id = ?1 AND event_id > ?2 AND event_id <= ?3 ORDER BY event_id")),
+      parameters(store,
+                 "SELECT position, name, kind, value_text, value_number FROM parameters WHERE event_id = ?1 "
+                 "ORDER BY position") {}
+
+void Records::WriteRun(long long root, const Numbers& since) {
+  Rows guid(store, "SELECT guid FROM executions WHERE execution_id = ?1");
+  guid.Ask(root).Next();
+  std::string header = "{\"record\":\"run\",\"format\":" + std::to_string(format) + ",\"guid\":";
+  guid.AppendValue(header, 0);
+  BeginPart(header + '}', true);
+  for (executions.Ask(root, upTo[Executions]); executions.Next();) {
+    const long long execution = executions.Integer(0);
+    if (execution > since[Executions]) {
+      Mention(Sessions, executions, 10);
+      Mention(Versions, executions, 11);
+      Write(Executions, executions);
+    }
+    for (statuses.Ask(execution, since[Statuses], upTo[Statuses]); statuses.Next();) {
+      Mention(Sessions, statuses, 5);
+      Write(Statuses, statuses);
+    }
+    WriteEvents(events.Ask(execution, since[Events], upTo[Events]));
+  }
+}
+
+void Records::WriteRest(const Numbers& since) {
+  BeginPart("{\"record\":\"rest\",\"format\":" + std::to_string(format) + '}', false);
+  static const struct {
+    Kind kind;
+    const char* columns;
+    const char* which;
+  } tables[] = {
+      {Schema, "SELECT rowid AS number, version, created_at FROM ts_schema ", "rowid"},
+      {Sessions, sessionQuestion, "session_id"},
+      {Activities, activityQuestion, "activity_id"},
+      {Versions, versionQuestion, "version_id"},
+      {Registrations, registrationQuestion, "rowid"},
+      {Configurations, configurationQuestion, "configuration_id"},
+  };
+  for (const auto& [kind, columns, key] : tables) {
+    const std::string which = std::string("WHERE ") + key + " > ?1 AND " + key + " <= ?2 ORDER BY " + key;
+    Rows rows = Question(store, columns, which);
+    WriteAll(kind, rows.Ask(since[kind], upTo[kind]));
+  }
+  Rows ofNoRun = Question(store, eventQuestion,
+                          "WHERE execution_id IS NULL AND event_id > ?1 AND event_id <= ?2 ORDER BY event_id");
+  WriteEvents(ofNoRun.Ask(since[Events], upTo[Events]));
+}
+
+void Records::WriteEventsOfNoRun(const std::string& from, const std::string& before) {
+  BeginPart("{\"record\":\"rest\",\"format\":" + std::to_string(format) + '}', true);
+  Rows ofNoRun =
+      Question(store, eventQuestion, "WHERE execution_id IS NULL AND at >= ?1 AND at < ?2 ORDER BY event_id");
+  WriteEvents(ofNoRun.Ask(from, before));
+}
+
+void Records::BeginPart(const std::string& header, bool references) {
+  withReferences = references;
+  counts = {};
+  for (std::set<long long>& keys : mentioned) {
+    keys.clear();
+  }
+  sink(header + '\n');
+}
+
+void Records::Mention(Kind kind, const Rows& from, int column) {
+  const long long key = from.Integer(column);
+  if (!withReferences || from.IsNull(column) || !mentioned[kind].insert(key).second) {
+    return;
+  }
+  switch (kind) {
+    case Sessions:
+      WriteAll(Sessions, session.Ask(key));
+      for (registrations.Ask(key, upTo[Registrations]); registrations.Next();) {
+        Mention(Versions, registrations, 5);
+        Write(Registrations, registrations);
+      }
+      break;
+    case Versions:
+      if (version.Ask(key).Next()) {
+        Mention(Activities, version, 6);
+        Write(Versions, version);
+      }
+      break;
+    case Configurations:
+      if (configuration.Ask(key).Next()) {
+        Mention(Sessions, configuration, 13);
+        Write(Configurations, configuration);
+      }
+      break;
+    default:
+      WriteAll(Activities, activity.Ask(key));
+  }
+}
+
+void Records::Write(Kind kind, const Rows& rows) {
+  ++counts[kind];
+  line = "{\"record\":\"";
+  line += names[kind];
+  line += '"';
+  for (int column = 0; column < rows.Columns() && *rows.Name(column) != '_'; ++column) {
+    line += ",\"";
+    line += rows.Name(column);
+    line += "\":";
+    rows.AppendValue(line, column);
+  }
+  if (kind == Events) {
+    AppendParameters(rows.Integer(0));
+  }
+  line += "}\n";
+  sink(line);
+}
+
+void Records::WriteAll(Kind kind, Rows& rows) {
+  while (rows.Next()) {
+    Write(kind, rows);
+  }
+}
+
+void Records::WriteEvents(Rows& rows) {
+  while (rows.Next()) {
+    Mention(Sessions, rows, 6);
+    Mention(Configurations, rows, 7);
+    Write(Events, rows);
+  }
+}
+
+void Records::AppendParameters(long long event) {
+  line += ",\"parameters\":[";
+  bool first = true;
+  for (parameters.Ask(event); parameters.Next(); first = false) {
+    ++counts[Parameters];
+    line += first ? "{\"position\":" : ",{\"position\":";
+    parameters.AppendValue(line, 0);
+    line += ",\"name\":";
+    parameters.AppendValue(line, 1);
+    line += ",\"kind\":";
+    parameters.AppendValue(line, 2);
+    line += ",\"value\":";
+    const bool hasText = !parameters.IsNull(3);
+    const bool hasNumber = !parameters.IsNull(4);
+    const double number = parameters.Number(4);
+    if (hasText && hasNumber) {  // no host does that; it must not look like either
+      line += '[';
+      parameters.AppendValue(line, 3);
+      line += ',';
+      parameters.AppendValue(line, 4);
+      line += ']';
+    } else if (hasNumber && (number == 0 || number == 1) && parameters.Text(2) == "bool") {
+      line += number == 0 ? "false" : "true";
+    } else {
+      parameters.AppendValue(line, hasText ? 3 : 4);
+    }
+    line += '}';
+  }
+  line += ']';
+}

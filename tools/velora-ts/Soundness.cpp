@@ -1,0 +1,49 @@
+#include "Soundness.h"
+
+#include "ExpectedSchema.h"
+#include "Rows.h"
+#include "Store.h"
+
+#include <map>
+
+std::vector<std::string> SchemaFindings(const Store& store) {
+  std::vector<std::string> findings;
+  std::map<std::string, std::string> missing = ExpectedSchema(store.SchemaVersion());
+  for (Rows rows(store, schemaObjects); rows.Next();) {
+    const std::string name(rows.Text(0));
+    const auto expected = missing.find(name);
+    if (expected != missing.end()) {
+      if (expected->second != rows.Text(1)) {
+        findings.push_back(name + " is not what it should be");
+      }
+      missing.erase(expected);
+    } else if (name.starts_with("trigger")) {  // further indexes and views are a reader's own, and harmless
+      findings.push_back(name + " is none of TS's, and may change what is recorded");
+    }
+  }
+  for (const auto& [name, sql] : missing) {
+    findings.push_back(name + " is missing");
+  }
+  return findings;
+}
+
+std::vector<std::string> DamageFindings(const Store& store) {
+  std::vector<std::string> findings;
+  for (Rows rows(store, "PRAGMA integrity_check"); rows.Next();) {
+    if (rows.Text(0) != "ok") {
+      findings.push_back("the file is damaged: " + std::string(rows.Text(0)));
+    }
+  }
+  for (Rows rows(store, "PRAGMA foreign_key_check"); rows.Next();) {
+    findings.push_back("row " + std::string(rows.Text(1)) + " of " + std::string(rows.Text(0)) +
+                       " refers to a row of " + std::string(rows.Text(2)) + " that is not there");
+  }
+  Rows strays(store,
+              "SELECT x.execution_id FROM executions x LEFT JOIN executions r ON r.execution_id = "
+              "COALESCE(x.parent_id, x.execution_id) WHERE x.root_id IS NOT "
+              "CASE WHEN x.parent_id IS NULL THEN x.execution_id ELSE r.root_id END");
+  while (strays.Next()) {
+    findings.push_back("row " + std::string(strays.Text(0)) + " of executions has another root than its parent");
+  }
+  return findings;
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+struct Settings;
+
+/// What the program answers a script.
+enum ExitCode {
+  Done = 0,        ///< Nothing to complain of.
+  Found = 1,       ///< Something is wrong with the store, or what was asked for is not in it.
+  WrongUsage = 2,  ///< The command line is wrong.
+  Impossible = 3,  ///< The store could not be read or written.
+};
+
+/// Says whether hosts can record, and what the store holds.
+ExitCode Check(const std::string& folder);
+/// Writes a run in its canonical form to standard output.
+ExitCode ExportRun(const std::string& database, const std::string& name);
+/// The same for the runs that started, and the events of no run that happened, in a span of time; `until` may be empty.
+ExitCode ExportSpan(const std::string& database, const std::string& since, const std::string& until);
+/// Copies a store, as it is at this moment, to a file that is not there yet.
+ExitCode Backup(const std::string& database, const std::string& file);

@@ -1,0 +1,104 @@
+// velora-ts: looks after the store of a local TS.
+
+#include "Settings.h"
+#include "Verbs.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <regex>
+
+namespace {
+
+/// The beginning of a time as the store has it; how it compares with one does not depend on how much of it is given.
+std::string TimeOf(const std::string& text) {
+  static const std::regex form(R"((\d{4}-\d{2}-\d{2}(T\d{2}(:\d{2}(:\d{2}(\.\d{1,6})?)?)?)?)Z?)");
+  std::smatch parts;
+  if (!std::regex_match(text, parts, form)) {
+    throw CLI::ValidationError("time '" + text + "'", "expected UTC as 2026-11-24 or 2026-11-24T21:55:03");
+  }
+  return parts[1];
+}
+
+class CommandLine {
+ public:
+  CommandLine() : app("Looks after the store of a local TS.", "velora-ts") {
+    app.set_version_flag("--version", "velora-ts " VELORA_VERSION);
+    app.require_subcommand(1);
+    app.footer(
+        "Exit code: 0 all is well, 1 something is wrong with the store or what was asked for is not in it, 2 wrong "
+        "usage, 3 the store could not be read or written.\n\"velora-ts VERB --help\" has an example for each verb; "
+        "\"man velora-ts\" says more.");
+    AddCheck();
+    AddExport();
+    AddBackup();
+  }
+
+  ExitCode Run(int argc, char** argv) {
+    try {
+      app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+      return app.exit(error) == 0 ? Done : WrongUsage;
+    }
+    return result;
+  }
+
+ private:
+  CLI::App* Add(const std::string& verb, const std::string& does, const std::string& example) {
+    CLI::App* const added = app.add_subcommand(verb, does);
+    added->add_option("--config", folder, "Folder where TSAL.config lies. Default: the current directory");
+    added->footer("Example:\n  velora-ts " + example);
+    return added;
+  }
+  std::string Database() const { return Quor::TolvaServices::Local::ReadSettings(folder).database; }
+
+  void AddCheck() {
+    Add("check", "Says whether hosts can record, with which schema, and how much is recorded.",
+        "check --config /data/titan")
+        ->callback([this] { result = Check(folder); });
+  }
+
+  void AddExport() {
+    CLI::App* const verb = Add("export",
+                               "Writes what was recorded to standard output, one record a line. RUN is a guid, the "
+                               "first letters of one, \"last\", or a node that only one run has.",
+                               "export last > run.jsonl\n  velora-ts export --since 2026-11-24 --until 2026-12-01");
+    auto* const name = verb->add_option("RUN", run, "The run to export");
+    auto* const first =
+        verb->add_option("--since", since, "Export runs that started then or later; UTC")->excludes(name);
+    verb->add_option("--until", until, "... and before")->needs(first);
+    verb->add_option("--format", format, "jsonl, the canonical form")->check(CLI::IsMember({"jsonl"}));
+    verb->callback([this] {
+      if (run.empty() == since.empty()) {
+        throw CLI::RequiredError("RUN or --since");
+      }
+      const std::string from = since.empty() ? "" : TimeOf(since);
+      const std::string before = until.empty() ? "" : TimeOf(until);
+      result = run.empty() ? ExportSpan(Database(), from, before) : ExportRun(Database(), run);
+    });
+  }
+
+  void AddBackup() {
+    CLI::App* const verb = Add("backup", "Copies the store to FILE while hosts record, and checks the copy.",
+                               "backup /backup/titan-2026-11-24.db");
+    verb->add_option("FILE", file, "A file that is not there yet")->required();
+    verb->callback([this] { result = Backup(Database(), file); });
+  }
+
+  CLI::App app;
+  std::string folder, run, since, until, file, format = "jsonl";
+  ExitCode result = Done;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return CommandLine().Run(argc, argv);
+  } catch (const std::exception& reason) {
+    std::cerr << reason.what() << std::endl;
+    return Impossible;
+  }
+}
