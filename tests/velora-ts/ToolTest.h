@@ -3,6 +3,8 @@
 #include "support/Query.h"
 #include "support/ScratchFolder.h"
 
+#include <TSAL/Methods.h>
+
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -27,6 +29,12 @@ class ToolTest : public testing::Test {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
   int Tool(const std::string& arguments) { return Shell("'" VELORA_TS "' " + arguments); }
+  /// Opens the store as a host does, which brings it up to the schema of today.
+  void BringUp() const {
+    using Quor::TolvaServices::Types::TSInstance;
+    TSInstance::SetTsalPath(folder.path.string());
+    EXPECT_TRUE(TSInstance::IsConnectable());
+  }
   bool Says(const std::string& words) const { return said.find(words) != std::string::npos; }
 
   const ScratchFolder folder;

@@ -10,6 +10,18 @@ namespace {
 
 constexpr double exactWhole = 9007199254740992.0;
 
+// How much of the text's beginning is ASCII that stands for itself.
+std::size_t PlainLength(std::string_view text) {
+  std::size_t length = 0;
+  while (length < text.size() && text[length] >= 0x20 && text[length] < 0x7F && text[length] != '"' &&
+         text[length] != '\\') {
+    ++length;
+  }
+  return length;
+}
+
+}  // namespace
+
 void AppendHex(std::string& json, char character) {
   static constexpr std::string_view digits = "0123456789abcdef";
   const auto byte = static_cast<unsigned char>(character);
@@ -17,11 +29,15 @@ void AppendHex(std::string& json, char character) {
   json += digits[byte & 15U];
 }
 
-}  // namespace
-
 void AppendText(std::string& json, std::string_view text) {
   json += '"';
   while (!text.empty()) {
+    const std::size_t plain = PlainLength(text);
+    json += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) {
+      break;
+    }
     const char first = text.front();
     std::size_t length = 1;
     if (first == '"' || first == '\\') {

@@ -12,3 +12,5 @@ void AppendText(std::string& json, std::string_view text);
 void AppendNumber(std::string& json, double number);
 /// What the store should not hold at all: {"blob":"..."}, in hexadecimal digits.
 void AppendBlob(std::string& json, std::string_view bytes);
+/// Two hexadecimal digits, in lower case.
+void AppendHex(std::string& json, char byte);

@@ -11,10 +11,6 @@ namespace {
 
 constexpr int format = 1;
 
-constexpr std::array<const char*, kindCount> names = {"schema",  "session",       "registration", "activity",
-                                                      "version", "configuration", "execution",    "status",
-                                                      "event",   "parameter"};
-
 // What a record refers to is written as its guid; as its key where another program left no such row.
 #define GUID_OF(table, key, of) "COALESCE((SELECT guid FROM " table " WHERE " key " = " of "), " of ")"
 #define SESSION GUID_OF("sessions", "session_id", "r.session_id") " AS session"
@@ -182,7 +178,7 @@ void Records::Mention(Kind kind, const Rows& from, int column) {
 void Records::Write(Kind kind, const Rows& rows) {
   ++counts[kind];
   line = "{\"record\":\"";
-  line += names[kind];
+  line += kindNames[kind];
   line += '"';
   for (int column = 0; column < rows.Columns() && *rows.Name(column) != '_'; ++column) {
     line += ",\"";

@@ -28,6 +28,11 @@ enum Kind {
   kindCount
 };
 
+/// What they are called.
+inline constexpr std::array<const char*, kindCount> kindNames = {"schema",  "session",       "registration", "activity",
+                                                                 "version", "configuration", "execution",    "status",
+                                                                 "event",   "parameter"};
+
 /// A number for each kind: how many there are, or the highest that counts.
 using Numbers = std::array<long long, kindCount>;
 

@@ -33,6 +33,11 @@ std::vector<Run> RunsBetween(const Store& store, const std::string& from, const 
   return All(rows.Ask(from, before));
 }
 
+std::vector<Run> AllRuns(const Store& store) {
+  Rows rows(store, (columns + "true ORDER BY execution_id").c_str());
+  return All(rows);
+}
+
 std::vector<Run> RunsNamed(const Store& store, const std::string& name) {
   if (name == "last") {
     Rows rows(store, (columns + "true ORDER BY execution_id DESC LIMIT 1").c_str());

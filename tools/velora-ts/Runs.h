@@ -19,6 +19,9 @@ std::string InWords(const Run& run);
 /// The runs that started from a time on and before another, in the order of their recording.
 std::vector<Run> RunsBetween(const Store& store, const std::string& from, const std::string& before);
 
+/// All of them, in the order of their recording.
+std::vector<Run> AllRuns(const Store& store);
+
 /// The runs that a name may stand for: a guid, the first letters of one, "last", or a node.
 std::vector<Run> RunsNamed(const Store& store, const std::string& name);
 

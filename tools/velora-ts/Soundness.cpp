@@ -1,10 +1,36 @@
 #include "Soundness.h"
 
 #include "ExpectedSchema.h"
+#include "Progress.h"
 #include "Rows.h"
 #include "Store.h"
 
 #include <map>
+
+namespace {
+
+constexpr int stepsBetweenShowing = 1'000'000;
+
+/// Shows that SQLite is at work on a question that has no rows to count.
+class Working {
+ public:
+  explicit Working(const Store& store) : store(store) {
+    const auto show = [](void* shown) {
+      static_cast<Progress*>(shown)->Add(1);
+      return 0;
+    };
+    sqlite3_progress_handler(store.Handle(), stepsBetweenShowing, show, &progress);
+  }
+  Working(const Working&) = delete;
+  Working& operator=(const Working&) = delete;
+  ~Working() { sqlite3_progress_handler(store.Handle(), 0, nullptr, nullptr); }
+
+ private:
+  const Store& store;
+  Progress progress{"Checking the file, million steps", 0};
+};
+
+}  // namespace
 
 std::vector<std::string> SchemaFindings(const Store& store) {
   std::vector<std::string> findings;
@@ -28,6 +54,7 @@ std::vector<std::string> SchemaFindings(const Store& store) {
 }
 
 std::vector<std::string> DamageFindings(const Store& store) {
+  const Working working(store);
   std::vector<std::string> findings;
   for (Rows rows(store, "PRAGMA integrity_check"); rows.Next();) {
     if (rows.Text(0) != "ok") {

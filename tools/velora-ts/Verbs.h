@@ -2,14 +2,13 @@
 
 #include <string>
 
-struct Settings;
-
 /// What the program answers a script.
 enum ExitCode {
   Done = 0,        ///< Nothing to complain of.
   Found = 1,       ///< Something is wrong with the store, or what was asked for is not in it.
   WrongUsage = 2,  ///< The command line is wrong.
   Impossible = 3,  ///< The store could not be read or written.
+  Unsealed = 4,    ///< What is sealed is as it was, but not all is sealed.
 };
 
 /// Says whether hosts can record, and what the store holds.
@@ -20,3 +19,7 @@ ExitCode ExportRun(const std::string& database, const std::string& name);
 ExitCode ExportSpan(const std::string& database, const std::string& since, const std::string& until);
 /// Copies a store, as it is at this moment, to a file that is not there yet.
 ExitCode Backup(const std::string& database, const std::string& file);
+/// Seals every finished run, and what belongs to none; writes the newest hash to a file where one is named.
+ExitCode SealRuns(const std::string& database, const std::string& anchorFile);
+/// Compares everything that is sealed with its seals, and these with an anchor where one is named.
+ExitCode Verify(const std::string& database, const std::string& anchorFile);

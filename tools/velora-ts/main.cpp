@@ -29,11 +29,14 @@ class CommandLine {
     app.require_subcommand(1);
     app.footer(
         "Exit code: 0 all is well, 1 something is wrong with the store or what was asked for is not in it, 2 wrong "
-        "usage, 3 the store could not be read or written.\n\"velora-ts VERB --help\" has an example for each verb; "
+        "usage, 3 the store could not be read or written, 4 nothing that is sealed was changed, but not all is "
+        "sealed.\n\"velora-ts VERB --help\" has an example for each verb; "
         "\"man velora-ts\" says more.");
     AddCheck();
     AddExport();
     AddBackup();
+    AddSeal();
+    AddVerify();
   }
 
   ExitCode Run(int argc, char** argv) {
@@ -85,6 +88,20 @@ class CommandLine {
                                "backup /backup/titan-2026-11-24.db");
     verb->add_option("FILE", file, "A file that is not there yet")->required();
     verb->callback([this] { result = Backup(Database(), file); });
+  }
+
+  void AddSeal() {
+    CLI::App* const verb = Add("seal", "Seals every finished run, so that verify finds what is changed later.",
+                               "seal --anchor /safe/titan.anchor");
+    verb->add_option("--anchor", file, "Write the newest hash to this file, to be kept away from the store");
+    verb->callback([this] { result = SealRuns(Database(), file); });
+  }
+
+  void AddVerify() {
+    CLI::App* const verb =
+        Add("verify", "Names each run that is missing, altered or not sealed.", "verify --anchor /safe/titan.anchor");
+    verb->add_option("--anchor", file, "Compare the seals with this file, which seal --anchor wrote");
+    verb->callback([this] { result = Verify(Database(), file); });
   }
 
   CLI::App app;

@@ -178,16 +178,17 @@ void ExecuteAll(soci::session& sql, const char* const (&statements)[count]) {
   }
 }
 
+void AddTrigger(soci::session& sql, const std::string& table, const char* action, const std::string& when) {
+  Execute(sql, "CREATE TRIGGER " + table + "_no_" + action + " BEFORE " + when +
+                   " BEGIN SELECT RAISE(ABORT, 'rows of " + table + " are only ever added'); END");
+}
+
 // The third is for INSERT OR REPLACE, which deletes the rows that are in its way and asks no trigger about it.
-void AddTriggers(soci::session& sql) {
-  for (const auto& [name, inTheWay] : recorded) {
-    const std::string table = name;
-    const std::string refusal = " BEGIN SELECT RAISE(ABORT, 'rows of " + table + " are only ever added'); END";
-    Execute(sql, "CREATE TRIGGER " + table + "_no_update BEFORE UPDATE ON " + table + refusal);
-    Execute(sql, "CREATE TRIGGER " + table + "_no_delete BEFORE DELETE ON " + table + refusal);
-    Execute(sql, "CREATE TRIGGER " + table + "_no_replace BEFORE INSERT ON " + table + " WHEN EXISTS (SELECT 1 FROM " +
-                     table + " WHERE " + inTheWay + ")" + refusal);
-  }
+void AddTriggers(soci::session& sql, const std::string& table, const std::string& inTheWay) {
+  AddTrigger(sql, table, "update", "UPDATE ON " + table);
+  AddTrigger(sql, table, "delete", "DELETE ON " + table);
+  AddTrigger(sql, table, "replace",
+             "INSERT ON " + table + " WHEN EXISTS (SELECT 1 FROM " + table + " WHERE " + inTheWay + ")");
 }
 
 }  // namespace
@@ -198,7 +199,9 @@ void BringUpSchema(soci::session& sql, int from, int to) {
   }
   if (from < 2 && to >= 2) {
     ExecuteAll(sql, version2);
-    AddTriggers(sql);
+    for (const auto& [table, inTheWay] : recorded) {
+      AddTriggers(sql, table, inTheWay);
+    }
   }
   const std::string now = ToStoredTime({});
   Execute(sql, "INSERT INTO ts_schema (version, created_at) VALUES (:version, :created)", soci::use(to),

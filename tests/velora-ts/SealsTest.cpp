@@ -1,0 +1,292 @@
+// Seals, tried as one who has the database file in hand and every trigger off.
+
+#include "ToolTest.h"
+
+#include <regex>
+#include <vector>
+
+namespace {
+
+// After the run of the first version: another in a session of its own, and an event of no run.
+constexpr const char* secondRun = R"(
+INSERT INTO sessions VALUES (2, 'session-2', 'Titan', 'pc', '2026-11-26T08', 'one', 'two', 'three');
+INSERT INTO registrations VALUES (2, 2, 'a.xml', '2026-11-26T08'), (2, 3, 'b.xml', '2026-11-26T08');
+INSERT INTO configurations VALUES (2, 'config-2', 2, '2026-11-26T08', 'c', '', 'v', 'h', 'o', 'TEM', 'm', '', '');
+INSERT INTO executions VALUES (4, 'run-2', NULL, 4, 2, 2, 'second', 'd', 5, '2026-11-26T09'),
+  (5, 'step-2', 4, 4, 2, NULL, 'step', '', 0, '2026-11-26T10'), (6, 'step-3', 4, 4, 2, NULL, 'stop', '', 0, '2026-11-26T11');
+INSERT INTO statuses VALUES (7, 4, 2, 4, '2026-11-26T09'), (8, 5, 2, 4, '2026-11-26T10'), (9, 5, 2, 14, '2026-11-26T11'),
+  (10, 4, 2, 14, '2026-11-26T12'), (11, 6, 2, 15, '2026-11-26T12');
+INSERT INTO events VALUES (4, 2, 4, 2, 'e', '2026-11-26T09'), (5, 2, 5, 2, 'e', '2026-11-26T10'),
+  (6, 2, NULL, NULL, 'of no run', '2026-11-26T11');
+INSERT INTO parameters VALUES (4, 1, 'Angle', 'double', NULL, 1.5), (4, 2, 'N', 'double', 'NaN:7ff8000000000000', NULL),
+  (4, 3, 'T', 'text', 'a text', NULL), (5, 1, 'On', 'bool', NULL, 1), (5, 2, 'Off', 'bool', NULL, 0),
+  (6, 1, 'T', 'int', NULL, 77);
+)";
+
+// Arrives after the first seals: more of the first run, and a third.
+constexpr const char* thirdRun = R"(
+INSERT INTO statuses VALUES (12, 1, 2, 14, '2026-11-27T09');
+INSERT INTO events VALUES (7, 2, 1, 2, 'late', '2026-11-27T09');
+INSERT INTO parameters VALUES (7, 1, 'P', 'double', NULL, 1e400);
+INSERT INTO executions VALUES (7, 'run-3', NULL, 7, 2, 2, 'third', '', 5, '2026-11-27T10');
+INSERT INTO statuses VALUES (13, 7, 2, 14, '2026-11-27T10');
+INSERT INTO events VALUES (8, 2, 7, NULL, 'e', '2026-11-27T10'), (9, 2, NULL, 2, 'of no run', '2026-11-27T11');
+)";
+
+class Seals : public ToolTest {
+ protected:
+  Seals() {
+    BringUp();
+    EXPECT_EQ(Sql(secondRun), 0) << said;
+    EXPECT_EQ(Tool("seal --anchor early"), 0) << said;
+    EXPECT_EQ(Sql(thirdRun), 0) << said;
+    EXPECT_EQ(Tool("seal --anchor anchor"), 0) << said;
+    EXPECT_EQ(Shell("cp ts.db sealed.db"), 0);
+  }
+
+  /// Runs statements with another program while the triggers are off.
+  int Sql(const std::string& statements) {
+    const std::string drops =
+        Query(folder / "ts.db",
+              "SELECT group_concat('DROP TRIGGER ' || name, ';') FROM sqlite_master WHERE type = 'trigger'");
+    const std::string makes =
+        Query(folder / "ts.db", "SELECT group_concat(sql, ';') FROM sqlite_master WHERE type = 'trigger'");
+    folder.Write("script", "PRAGMA synchronous = OFF;" + drops + ";" + statements + ";" + makes + ";");
+    return Shell("sqlite3 -bail ts.db < script");
+  }
+  void Restore() { EXPECT_EQ(Shell("rm -f ts.db-*; cp sealed.db ts.db"), 0); }
+};
+
+struct Alteration {
+  const char* table;
+  const char* statements;
+  const char* found = "was altered";
+};
+
+// What is only added under a new number looks as if a host had recorded it, and is found as not sealed.
+constexpr const char* unsealedRest = "not sealed: what belongs to no run";
+constexpr const char* unsealedRun = "not sealed: run run-2";
+
+const std::vector<Alteration> alterations = {
+    {"ts_schema", "UPDATE ts_schema SET created_at = '2020-01-01'"},
+    {"ts_schema", "DELETE FROM ts_schema WHERE version = 1"},
+    {"ts_schema", "INSERT INTO ts_schema VALUES (2, '')", unsealedRest},
+    {"sessions", "UPDATE sessions SET instrument = 'Other' WHERE session_id = 2"},
+    {"sessions", "UPDATE sessions SET host = 'Other' WHERE session_id = 2"},
+    {"sessions", "UPDATE sessions SET began_at = '2026' WHERE session_id = 2"},
+    {"sessions", "UPDATE sessions SET text3 = '' WHERE session_id = 2"},
+    {"sessions", "UPDATE sessions SET guid = 'other' WHERE session_id = 2"},
+    {"sessions", "DELETE FROM sessions WHERE session_id = 2", "refers to a row of sessions that is not there"},
+    {"sessions",
+     "UPDATE sessions SET guid = 'x' WHERE session_id = 1; UPDATE sessions SET guid = (SELECT guid FROM sessions WHERE "
+     "session_id = 1) || 'y' WHERE session_id = 2"},
+    {"sessions",
+     "UPDATE sessions SET session_id = 9 WHERE session_id = 2; UPDATE registrations SET session_id = 9 WHERE "
+     "session_id "
+     "= 2; UPDATE configurations SET session_id = 9 WHERE session_id = 2; UPDATE executions SET session_id = 9 WHERE "
+     "session_id = 2; UPDATE statuses SET session_id = 9 WHERE session_id = 2; UPDATE events SET session_id = 9 WHERE "
+     "session_id = 2"},
+    {"sessions", "INSERT INTO sessions VALUES (NULL, 'new', '', '', '', '', '', '')", unsealedRest},
+    {"sessions", "INSERT INTO sessions VALUES (-5, 'new', '', '', '', '', '', '')"},
+    {"registrations", "UPDATE registrations SET file = 'other.xml' WHERE rowid = 4"},
+    {"registrations", "UPDATE registrations SET registered_at = '' WHERE rowid = 4"},
+    {"registrations", "UPDATE registrations SET version_id = 1 WHERE rowid = 4"},
+    {"registrations", "UPDATE registrations SET session_id = 1 WHERE rowid = 4"},
+    {"registrations", "DELETE FROM registrations WHERE rowid = 5"},
+    {"registrations", "UPDATE registrations SET rowid = 9 WHERE rowid = 1"},
+    {"registrations", "UPDATE registrations SET version_id = 5 - version_id WHERE session_id = 2"},
+    {"registrations", "INSERT INTO registrations VALUES (2, 1, '', '')", unsealedRest},
+    {"activities", "UPDATE activities SET name = 'Other' WHERE activity_id = 2"},
+    {"activities", "UPDATE activities SET description = '' WHERE activity_id = 2"},
+    {"activities", "UPDATE activities SET guid = 'other' WHERE activity_id = 2"},
+    {"activities", "DELETE FROM activities WHERE activity_id = 2"},
+    {"activities",
+     "UPDATE activities SET activity_id = 9 WHERE activity_id = 2; UPDATE activity_versions SET activity_id = 9 WHERE "
+     "activity_id = 2"},
+    {"activities", "INSERT INTO activities VALUES (NULL, 'new', '', '')", unsealedRest},
+    {"activity_versions", "UPDATE activity_versions SET name = 'Other' WHERE version_id = 2"},
+    {"activity_versions", "UPDATE activity_versions SET version = '2.0' WHERE version_id = 2"},
+    {"activity_versions", "UPDATE activity_versions SET activity_id = 1 WHERE version_id = 2"},
+    {"activity_versions", "DELETE FROM activity_versions WHERE version_id = 2"},
+    {"activity_versions", "UPDATE activity_versions SET activity_id = 5 - activity_id WHERE activity_id > 1"},
+    {"activity_versions", "INSERT INTO activity_versions VALUES (NULL, 'new', 1, '', '', '')", unsealedRest},
+    {"configurations", "UPDATE configurations SET configuration_text = 'C' WHERE configuration_id = 2"},
+    {"configurations", "UPDATE configurations SET text9 = ' ' WHERE configuration_id = 2"},
+    {"configurations", "UPDATE configurations SET session_id = 1 WHERE configuration_id = 2"},
+    {"configurations", "UPDATE configurations SET saved_at = '' WHERE configuration_id = 2"},
+    {"configurations", "DELETE FROM configurations WHERE configuration_id = 1"},
+    {"configurations",
+     "UPDATE configurations SET configuration_id = 9 WHERE configuration_id = 2; UPDATE events SET configuration_id = "
+     "9 "
+     "WHERE configuration_id = 2"},
+    {"configurations", "INSERT INTO configurations VALUES (NULL, 'new', 1, '', '', '', '', '', '', '', '', '', '')",
+     unsealedRest},
+    {"executions", "UPDATE executions SET node = 'Second' WHERE execution_id = 4"},
+    {"executions", "UPDATE executions SET node = CAST(node AS BLOB) WHERE execution_id = 4"},
+    {"executions", "UPDATE executions SET description = 'd' || char(0) WHERE execution_id = 4"},
+    {"executions", "UPDATE executions SET kind = 6 WHERE execution_id = 4"},
+    {"executions", "UPDATE executions SET started_at = '2026-11-26T08' WHERE execution_id = 4"},
+    {"executions", "UPDATE executions SET version_id = NULL WHERE execution_id = 4"},
+    {"executions", "UPDATE executions SET session_id = 1 WHERE execution_id = 4"},
+    {"executions", "UPDATE executions SET parent_id = 5 WHERE execution_id = 6"},
+    {"executions", "UPDATE executions SET guid = 'other' WHERE execution_id = 5"},
+    {"executions", "UPDATE executions SET guid = 'other' WHERE execution_id = 4", "run run-2 is missing"},
+    {"executions", "DELETE FROM executions WHERE execution_id = 6; DELETE FROM statuses WHERE execution_id = 6"},
+    {"executions",
+     "DELETE FROM parameters WHERE event_id IN (4, 5); DELETE FROM events WHERE event_id IN (4, 5); DELETE FROM "
+     "statuses "
+     "WHERE execution_id BETWEEN 4 AND 6; DELETE FROM executions WHERE root_id = 4",
+     "run run-2 is missing"},
+    {"executions", "UPDATE executions SET parent_id = 7, root_id = 7 WHERE execution_id = 6"},
+    {"executions", "UPDATE executions SET root_id = 7 WHERE execution_id = 6", "has another root than its parent"},
+    {"executions", "UPDATE executions SET parent_id = 7 WHERE execution_id = 4", "run run-2 is missing"},
+    {"executions",
+     "UPDATE executions SET node = CASE node WHEN 'step' THEN 'stop' ELSE 'step' END WHERE parent_id = 4"},
+    {"executions",
+     "UPDATE executions SET execution_id = 99 WHERE execution_id = 6; UPDATE statuses SET execution_id = 99 WHERE "
+     "execution_id = 6"},
+    {"executions",
+     "INSERT INTO executions VALUES (NULL, 'new', 4, 4, 2, NULL, '', '', 0, ''); INSERT INTO statuses VALUES (NULL, 8, "
+     "2, "
+     "14, '')",
+     unsealedRun},
+    {"executions", "INSERT INTO executions VALUES (NULL, 'new', NULL, 8, 2, NULL, '', '', 0, '')",
+     "not sealed: run new"},
+    {"statuses", "UPDATE statuses SET code = 15 WHERE status_id = 10"},
+    {"statuses", "UPDATE statuses SET code = 14.5 WHERE status_id = 10"},
+    {"statuses", "UPDATE statuses SET at = '2026-11-26T11' WHERE status_id = 10"},
+    {"statuses", "UPDATE statuses SET session_id = 1 WHERE status_id = 10"},
+    {"statuses", "UPDATE statuses SET execution_id = 5 WHERE status_id = 10"},
+    {"statuses", "DELETE FROM statuses WHERE status_id = 11"},
+    {"statuses", "DELETE FROM statuses WHERE status_id = 12"},
+    {"statuses", "UPDATE statuses SET code = 18 - code WHERE execution_id = 5"},
+    {"statuses", "UPDATE statuses SET status_id = 99 WHERE status_id = 9"},
+    {"statuses", "UPDATE statuses SET status_id = -status_id WHERE execution_id = 5"},
+    {"statuses", "INSERT INTO statuses VALUES (0, 4, 2, 4, '')"},
+    {"statuses", "INSERT INTO statuses VALUES (NULL, 4, 2, 4, '')",
+     "not sealed: run run-2 \"second\" of 2026-11-26T09, which is not finished"},
+    {"events", "UPDATE events SET name = 'E' WHERE event_id = 4"},
+    {"events", "UPDATE events SET at = '2026-11-26T08' WHERE event_id = 4"},
+    {"events", "UPDATE events SET at = '2026-11-26T08' WHERE event_id = 6", "what belongs to no run was altered"},
+    {"events", "UPDATE events SET name = 'Late' WHERE event_id = 7"},
+    {"events", "UPDATE events SET session_id = 1 WHERE event_id = 4"},
+    {"events", "UPDATE events SET execution_id = 6 WHERE event_id = 5"},
+    {"events", "UPDATE events SET execution_id = NULL WHERE event_id = 5"},
+    {"events", "UPDATE events SET execution_id = 4 WHERE event_id = 6"},
+    {"events", "UPDATE events SET configuration_id = NULL WHERE event_id = 4"},
+    {"events", "UPDATE events SET configuration_id = 1 WHERE event_id = 4"},
+    {"events", "DELETE FROM events WHERE event_id = 5"},
+    {"events", "DELETE FROM events WHERE event_id = 5; DELETE FROM parameters WHERE event_id = 5"},
+    {"events", "UPDATE events SET execution_id = 9 - execution_id WHERE event_id IN (4, 5)"},
+    {"events",
+     "UPDATE events SET event_id = -9 + event_id WHERE event_id IN (4, 5); UPDATE events SET event_id = -event_id "
+     "WHERE "
+     "event_id < 0"},
+    {"events",
+     "UPDATE events SET event_id = 99 WHERE event_id = 5; UPDATE parameters SET event_id = 99 WHERE event_id = 5"},
+    {"events", "INSERT INTO events VALUES (NULL, 2, 4, NULL, 'new', '')", unsealedRun},
+    {"events", "INSERT INTO events VALUES (NULL, 2, NULL, NULL, 'new', '')", unsealedRest},
+    {"events", "INSERT INTO events VALUES (-1, 2, 4, NULL, 'new', '')"},
+    {"parameters", "UPDATE parameters SET name = 'angle' WHERE event_id = 4 AND position = 1"},
+    {"parameters", "UPDATE parameters SET kind = 'int' WHERE event_id = 5 AND position = 1"},
+    {"parameters", "UPDATE parameters SET value_number = 1.5000000000000002 WHERE event_id = 4 AND position = 1"},
+    {"parameters", "UPDATE parameters SET value_number = 2 WHERE event_id = 5 AND position = 1"},
+    {"parameters", "UPDATE parameters SET value_number = 1e308 WHERE event_id = 7"},
+    {"parameters", "UPDATE parameters SET value_text = 'NaN:7ff8000000000001' WHERE event_id = 4 AND position = 2"},
+    {"parameters", "UPDATE parameters SET value_text = '1.5', value_number = NULL WHERE event_id = 4 AND position = 1"},
+    {"parameters", "UPDATE parameters SET value_text = '' WHERE event_id = 4 AND position = 1"},
+    {"parameters", "UPDATE parameters SET value_number = 0 WHERE event_id = 4 AND position = 3"},
+    {"parameters", "UPDATE parameters SET value_text = 'a text' || char(0) WHERE event_id = 4 AND position = 3"},
+    {"parameters", "UPDATE parameters SET value_text = CAST('a text' AS BLOB) WHERE event_id = 4 AND position = 3"},
+    {"parameters", "UPDATE parameters SET value_text = CAST(x'61ff' AS TEXT) WHERE event_id = 4 AND position = 3"},
+    {"parameters", "UPDATE parameters SET position = 9 WHERE event_id = 4 AND position = 3"},
+    {"parameters", "UPDATE parameters SET event_id = 5 WHERE event_id = 4 AND position = 3"},
+    {"parameters", "UPDATE parameters SET value_number = 1 - value_number WHERE event_id = 5"},
+    {"parameters", "DELETE FROM parameters WHERE event_id = 4 AND position = 3"},
+    {"parameters", "DELETE FROM parameters WHERE event_id = 6", "what belongs to no run was altered"},
+    {"parameters", "INSERT INTO parameters VALUES (4, 4, 'New', 'int', NULL, 1)"},
+    {"parameters", "INSERT INTO parameters VALUES (999, 1, 'New', 'int', NULL, 1)", "refers to a row of events"},
+    {"seals", "UPDATE seals SET sealed_at = '2020' WHERE seal_id = 6", "seal 6 was altered"},
+    {"seals", "UPDATE seals SET up_to = replace(up_to, '\"event\":9', '\"event\":99')", "seal 4 was altered"},
+    {"seals", "UPDATE seals SET up_to = '' WHERE seal_id = 3", "seal 3 was altered"},
+    {"seals", "UPDATE seals SET counts = replace(counts, '1', '2') WHERE seal_id = 3", "seal 3 was altered"},
+    {"seals", "UPDATE seals SET content_hash = seal_hash WHERE seal_id = 3", "seal 3 was altered"},
+    {"seals", "UPDATE seals SET previous_hash = seal_hash WHERE seal_id = 3", "seal 3 was altered"},
+    {"seals", "UPDATE seals SET run = 'run-3' WHERE seal_id = 3", "seal 3 was altered"},
+    {"seals", "UPDATE seals SET tool_version = '9' WHERE seal_id = 3", "seal 3 was altered"},
+    {"seals", "UPDATE seals SET seal_hash = content_hash WHERE seal_id = 3", "seal 3 was altered"},
+    {"seals", "DELETE FROM seals WHERE seal_id = 1", "seal 1 is missing"},
+    {"seals", "DELETE FROM seals WHERE seal_id = 4", "seal 4 is missing"},
+    {"seals", "DELETE FROM seals WHERE seal_id = 6", "not sealed: run run-3"},
+    {"seals", "UPDATE seals SET seal_id = -seal_id WHERE seal_id < 3", "seal 1 is missing"},
+    {"seals", "UPDATE seals SET seal_id = seal_id + 10", "seal 1 is missing"},
+    {"seals",
+     "INSERT INTO seals SELECT 7, run, sealed_at, up_to, counts, content_hash, seal_hash, 2, '', '' FROM seals "
+     "WHERE seal_id = 6",
+     "seal 7 was altered"},
+    {"schema", "DROP VIEW unfinished; CREATE VIEW unfinished AS SELECT * FROM execution_states WHERE false",
+     "view unfinished is not what it should be"},
+    {"schema", "DROP INDEX executions_by_root", "index executions_by_root is missing"},
+    {"schema", "ALTER TABLE events ADD COLUMN note TEXT", "table events is not what it should be"},
+    {"schema", "CREATE TRIGGER mine AFTER INSERT ON events BEGIN SELECT 1; END", "trigger mine is none of TS's"},
+};
+
+TEST_F(Seals, EveryAlterationIsFoundAndAnUntouchedStoreGivesNoFinding) {
+  EXPECT_EQ(Tool("verify --anchor anchor"), 0) << said;
+  EXPECT_EQ(said, "6 seals verified: 0 findings, 0 not sealed\n");
+  EXPECT_EQ(Shell("'" VELORA_TS "' export run-3 | sha256sum | cut -c1-64"), 0);
+  EXPECT_EQ(said, Query(folder / "sealed.db", "SELECT content_hash FROM seals WHERE run = 'run-3'"));
+  EXPECT_EQ(Shell("sqlite3 ts.db VACUUM"), 0);
+  EXPECT_EQ(Tool("verify --anchor anchor"), 0) << said;
+  for (const auto& [table, statements, found] : alterations) {
+    SCOPED_TRACE(statements);
+    Restore();
+    ASSERT_EQ(Sql(statements), 0) << said;
+    EXPECT_EQ(Tool("verify"), std::string(found).starts_with("not sealed") ? 4 : 1) << table;
+    EXPECT_TRUE(Says(found)) << said;
+  }
+  std::printf("%zu alterations found\n", alterations.size());
+}
+
+TEST_F(Seals, OnlyAnAnchorFindsAChainThatWasComputedAnewOrCutOff) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"UPDATE events SET name = 'E' WHERE event_id = 4; DELETE FROM seals WHERE seal_id > 2",
+       "the seals were computed anew"},
+      {"DELETE FROM events WHERE event_id = 9; DELETE FROM events WHERE execution_id = 7; DELETE FROM statuses WHERE "
+       "execution_id = 7; DELETE FROM executions WHERE execution_id = 7; DELETE FROM seals WHERE seal_id > 3",
+       "the end of the seals was cut off"},
+  };
+  for (const auto& [statements, found] : rows) {
+    Restore();
+    ASSERT_EQ(Sql(statements), 0) << said;
+    const bool anew = std::string(found).find("anew") != std::string::npos;
+    EXPECT_EQ(Tool(anew ? "seal" : "check"), 0) << said;
+    EXPECT_EQ(Tool("seal --anchor anchor"), 1);  // neither sealed over nor the anchor replaced
+    EXPECT_TRUE(Says(found)) << said;
+    EXPECT_EQ(Tool("verify"), anew ? 0 : 4) << said;
+    EXPECT_EQ(Tool("verify --anchor anchor"), 1);
+    EXPECT_TRUE(Says(found)) << said;
+  }
+  Restore();
+  EXPECT_EQ(Tool("verify --anchor early"), 0) << said;
+}
+
+TEST_F(Seals, WhatIsNotFinishedWaitsAndLateRowsGetASealOfTheirOwn) {
+  ASSERT_EQ(Sql("INSERT INTO executions VALUES (8, 'run-4', NULL, 8, 2, 2, 'fourth', '', 5, '2026-11-28'), "
+                "(9, 'step-4', 8, 8, 2, 2, '', '', 0, ''); "
+                "INSERT INTO statuses VALUES (14, 8, 2, 14, ''), (15, 9, 2, 4, ''); "
+                "INSERT INTO events VALUES (10, 2, 5, NULL, 'late', '')"),
+            0);
+  const std::string before = Query(folder / "ts.db", "SELECT * FROM seals");
+  EXPECT_EQ(Tool("seal"), 0);
+  EXPECT_TRUE(Says("not sealed: run run-4 \"fourth\" of 2026-11-28 is not finished")) << said;
+  EXPECT_EQ(Tool("verify --anchor anchor"), 4) << said;
+  EXPECT_TRUE(Says("not sealed: run run-4 \"fourth\" of 2026-11-28, which is not finished\n7 seals verified")) << said;
+  EXPECT_EQ(Query(folder / "ts.db", "SELECT * FROM seals WHERE seal_id < 7"), before);
+  EXPECT_EQ(Query(folder / "ts.db",
+                  "SELECT run, counts LIKE '%\"execution\":0,\"status\":0,\"event\":1,%' FROM seals "
+                  "WHERE seal_id = 7"),
+            "run-2|1\n");
+}
+
+}  // namespace
