@@ -14,8 +14,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
       [](const std::string& file) { return ReadSettings(fs::path(file).parent_path().string()); },
       [](const Settings& settings) {
         Require(!settings.instrument.empty(), "a record says which instrument");
-        Require(fs::path(settings.database).is_absolute(), "a session keeps its database: " + settings.database);
-        return "<TSAL" + Attribute("Instrument", settings.instrument) + "><Database Backend=\"sqlite3\"" +
-               Attribute("Connection", settings.database) + "/></TSAL>";
+        const bool isFile = settings.database.kind == Database::Kind::Sqlite;
+        const std::string& where = settings.database.where;
+        Require(!isFile || fs::path(where).is_absolute(), "a session keeps its database: " + where);
+        return "<TSAL" + Attribute("Instrument", settings.instrument) + "><Database" +
+               Attribute("Backend", isFile ? "sqlite3" : "postgresql") + Attribute("Connection", where) + "/></TSAL>";
       });
 }

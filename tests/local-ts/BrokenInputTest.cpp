@@ -25,6 +25,7 @@ TEST_F(BrokenInput, XmlIsRefusedWithItsFileAndLineAndNothingIsTakenFromIt) {
       {"<TSAL><Database>\n\n word</Database></TSAL>", "line 3: unexpected text 'word'; expected nothing"},
       {"<TSAL>\n<Database Backend='sqlite3' Connection=''/></TSAL>", "line 2: 'Database' has no 'Connection'"},
       {"<TSAL>\n<Database Backend='oracle' Connection='a'/></TSAL>", "line 2: unknown Backend 'oracle'"},
+      {"<TSAL>\n<Database Backend='postgresql' Connection='password=guess me'/></TSAL>", "line 2: this Connection is"},
       {std::string(16 * 1024 * 1024 + 1, ' '), "larger than expected: at most 16777216"},
       {"<Activities Name='a'/>", "line 1: 'Activities' has an unknown attribute 'Name'; expected: none"},
       {"<Activities>\n<Aktivity/></Activities>", "line 2: unknown element 'Aktivity'; expected elements 'Activity'"},

@@ -61,8 +61,10 @@ class LocalTsTest : public testing::Test {
  protected:
   /// Puts settings into a folder of the scratch folder; the database's path is relative to it.
   void Configure(const std::string& database, const std::string& within = "") {
+    const TestStore store(folder / within / database);
+    store.Make();
     folder.Write(within.empty() ? "TSAL.config" : within + "/TSAL.config",
-                 "<TSAL Instrument='Scope'><Database Backend='sqlite3' Connection='" + database + "'/></TSAL>");
+                 "<TSAL Instrument='Scope'><Database " + store.Attributes(database) + "/></TSAL>");
     TSInstance::SetTsalPath((folder / within).string());
   }
   SessionHandle Begin(const std::string& database = "ts.db") {

@@ -13,7 +13,9 @@ TEST_F(Sessions, TheOneBegunLastCountsAndEachKeepsItsDatabaseWhateverChanges) {
   ExpectError([] { SaveEvent(Event("e")); }, {"no TS session was begun", "expected a BeginSession"});
   fs::current_path(folder.path);
   ExpectError([] { TSInstance::BeginSession(); }, {"'" + (folder / "TSAL.config").string() + "'", "No such file"});
-  folder.Write("TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='./first.db'/></TSAL>");
+  const TestStore store(folder / "first.db");
+  store.Make();
+  folder.Write("TSAL.config", "<TSAL><Database " + store.Attributes("./first.db") + "/></TSAL>");
   const SessionHandle first = TSInstance::BeginSession("one", "two", "three");
   fs::current_path("/");
   const ActivityExecution execution = Saved("in first");
@@ -25,10 +27,12 @@ TEST_F(Sessions, TheOneBegunLastCountsAndEachKeepsItsDatabaseWhateverChanges) {
   Load(execution.Id);
   SaveEvent(Event("old session"), Tsid(), &execution.Id, first);
   SaveEvent(Event("new session"));
-  EXPECT_EQ(Recorded("SELECT name, instrument = host, text1, text2, text3 FROM events JOIN sessions USING (session_id)",
+  EXPECT_EQ(Recorded("SELECT name, CASE WHEN instrument = host THEN 1 END, text1, text2, text3 FROM events JOIN "
+                     "sessions USING (session_id)",
                      "first.db"),
-            "old session|1|one|two|three\nnew session|0|||\n");
-  EXPECT_EQ(Recorded("SELECT name, instrument FROM events JOIN sessions", "second.db"), "second|Scope\n");
+            "old session|1|one|two|three\nnew session|NULL|||\n");
+  EXPECT_EQ(Recorded("SELECT name, instrument FROM events JOIN sessions USING (session_id)", "second.db"),
+            "second|Scope\n");
 }
 
 TEST_F(Sessions, NothingIsAcknowledgedIntoAFileThatIsNoLongerThere) {

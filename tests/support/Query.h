@@ -1,14 +1,14 @@
 #pragma once
 
-#include <soci/soci.h>
-#include <soci/sqlite3/soci-sqlite3.h>
+#include "support/TestStore.h"
 
 #include <filesystem>
 #include <string>
 
 /// What a query of text columns answers, as a person would read it: cells joined by '|', rows ended by '\n'.
 inline std::string Query(const std::filesystem::path& database, const std::string& statement) {
-  soci::session sql(soci::sqlite3, "dbname=\"" + database.string() + "\"");
+  soci::session sql;
+  TestStore(database).Open(sql);
   std::string answer;
   const soci::rowset<soci::row> rows = (sql.prepare << statement);
   for (const soci::row& row : rows) {

@@ -55,26 +55,26 @@ void Copy(const Store& store, const std::string& file) {
 
 }  // namespace
 
-ExitCode Backup(const std::string& database, const std::string& file) {
+ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file) {
   const Store store(database);
   const Numbers highest = HighestNumbers(store);
   MakeFile(file);
   try {
     Copy(store, file);
     store.ExpectUntouched();
-    const Store copy(file);
+    const Store copy({Quor::TolvaServices::Local::Database::Kind::Sqlite, file});
     if (const auto damage = DamageFindings(copy); !damage.empty()) {
-      throw TsError("the copy of '" + database + "' is not sound: " + damage.front());
+      throw TsError("the copy of '" + store.Path() + "' is not sound: " + damage.front());
     }
     if (HighestNumbers(copy) != highest) {
-      throw TsError("the copy of '" + database + "' lacks rows");
+      throw TsError("the copy of '" + store.Path() + "' lacks rows");
     }
   } catch (...) {
     std::error_code ignored;
     std::filesystem::remove(file, ignored);
     throw;
   }
-  std::cout << "store '" << database << "' copied to '" << file << "' and checked: " << highest[Executions]
+  std::cout << "store '" << store.Path() << "' copied to '" << file << "' and checked: " << highest[Executions]
             << " executions, " << highest[Events] << " events\n";
   return Done;
 }

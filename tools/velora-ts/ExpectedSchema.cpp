@@ -1,13 +1,13 @@
 #include "ExpectedSchema.h"
 
-#include "Schema.h"
+#include "SqliteSchema.h"
 
 #include <soci/soci.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
 std::map<std::string, std::string> ExpectedSchema(int version) {
   soci::session sql(soci::sqlite3, ":memory:");
-  Quor::TolvaServices::Local::BringUpSchema(sql, 0, version);
+  Quor::TolvaServices::Local::BringUpSqliteSchema(sql, 0, version);
   std::map<std::string, std::string> expected;
   const soci::rowset<soci::row> rows = (sql.prepare << schemaObjects);
   for (const soci::row& row : rows) {

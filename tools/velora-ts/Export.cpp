@@ -50,7 +50,7 @@ class Exporter {
 
 }  // namespace
 
-ExitCode ExportRun(const std::string& database, const std::string& name) {
+ExitCode ExportRun(const Quor::TolvaServices::Local::Database& database, const std::string& name) {
   const Store store(database);
   const std::vector<Run> runs = RunsNamed(store, name);
   if (runs.size() == 1) {
@@ -65,7 +65,8 @@ ExitCode ExportRun(const std::string& database, const std::string& name) {
   return Found;
 }
 
-ExitCode ExportSpan(const std::string& database, const std::string& since, const std::string& until) {
+ExitCode ExportSpan(const Quor::TolvaServices::Local::Database& database, const std::string& since,
+                    const std::string& until) {
   const Store store(database);
   const std::string before = until.empty() ? "9999-12-31T24" : until;
   Exporter exporter(store);

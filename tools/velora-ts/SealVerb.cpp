@@ -75,11 +75,11 @@ class Sealer {
 
 /// Links the seals to those before and adds them, all or none.
 void Add(Local::Connection& connection, Anchor& end, std::vector<Seal> seals) {
-  Local::Transaction transaction(connection.Sql());
+  Local::Transaction transaction(connection);
   long long newest = 0;
   Local::Execute(connection.Sql(), "SELECT COALESCE(MAX(seal_id), 0) FROM seals", soci::into(newest));
   if (newest != end.number) {
-    throw TsError("TS database '" + connection.Database() + "' was sealed by another program meanwhile; once more");
+    throw TsError("the TS store was sealed by another program meanwhile; once more");
   }
   const std::string now = Local::ToStoredTime({});
   const int schema = Local::schemaVersion;
@@ -109,9 +109,9 @@ ExitCode Refuse(const std::string& finding) {
 
 }  // namespace
 
-ExitCode SealRuns(const std::string& database, const std::string& anchorFile) {
-  static_cast<void>(Store(database));      // which must be there: a connection would make one
-  Local::Connection connection(database);  // brings it up
+ExitCode SealRuns(const Local::Database& database, const std::string& anchorFile) {
+  static_cast<void>(Store(database));                       // which must be there: a connection would make one
+  const auto connection = Local::OpenConnection(database);  // brings it up
   const Store store(database);
   const std::vector<Seal> seals = ReadSeals(store);
   if (const auto broken = ChainFindings(seals); !broken.empty()) {
@@ -125,10 +125,10 @@ ExitCode SealRuns(const std::string& database, const std::string& anchorFile) {
   Anchor end = seals.empty() ? Anchor{0, noHash} : Anchor{seals.back().number, seals.back().hash};
   try {
     if (const std::vector<Seal> fresh = Sealer(store, seals).NewSeals(); !fresh.empty()) {
-      Add(connection, end, fresh);
+      Add(*connection, end, fresh);
     }
   } catch (const soci::soci_error& reason) {
-    Local::Connection::Fail(database, reason);
+    throw connection->ErrorOf(reason);
   }
   if (!anchorFile.empty()) {
     WriteAnchor(anchorFile, end);

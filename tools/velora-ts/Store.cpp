@@ -39,7 +39,7 @@ std::string UriOf(const std::string& path, bool closed) {
 
 }  // namespace
 
-Store::Store(const std::string& path) : path(path) {
+Store::Store(const Quor::TolvaServices::Local::Database& database) : path(database.where) {
   std::error_code unknown;
   if (!std::filesystem::exists(path, unknown)) {
     throw TsError("there is no TS store '" + path + "'; the first host that records makes it");

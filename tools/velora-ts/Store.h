@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Settings.h"
+
 #include <sqlite3.h>
 
 #include <filesystem>
@@ -11,7 +13,7 @@
 class Store {
  public:
   /// @throws TsError when the file is no store that this program can read.
-  explicit Store(const std::string& path);
+  explicit Store(const Quor::TolvaServices::Local::Database& database);
 
   const std::string& Path() const { return path; }
   int SchemaVersion() const { return schemaVersion; }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Settings.h"
+
 #include <string>
 
 /// What the program answers a script.
@@ -14,12 +16,13 @@ enum ExitCode {
 /// Says whether hosts can record, and what the store holds.
 ExitCode Check(const std::string& folder);
 /// Writes a run in its canonical form to standard output.
-ExitCode ExportRun(const std::string& database, const std::string& name);
+ExitCode ExportRun(const Quor::TolvaServices::Local::Database& database, const std::string& name);
 /// The same for the runs that started, and the events of no run that happened, in a span of time; `until` may be empty.
-ExitCode ExportSpan(const std::string& database, const std::string& since, const std::string& until);
+ExitCode ExportSpan(const Quor::TolvaServices::Local::Database& database, const std::string& since,
+                    const std::string& until);
 /// Copies a store, as it is at this moment, to a file that is not there yet.
-ExitCode Backup(const std::string& database, const std::string& file);
+ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file);
 /// Seals every finished run, and what belongs to none; writes the newest hash to a file where one is named.
-ExitCode SealRuns(const std::string& database, const std::string& anchorFile);
+ExitCode SealRuns(const Quor::TolvaServices::Local::Database& database, const std::string& anchorFile);
 /// Compares everything that is sealed with its seals, and these with an anchor where one is named.
-ExitCode Verify(const std::string& database, const std::string& anchorFile);
+ExitCode Verify(const Quor::TolvaServices::Local::Database& database, const std::string& anchorFile);

@@ -111,7 +111,7 @@ class Verifier {
 
 }  // namespace
 
-ExitCode Verify(const std::string& database, const std::string& anchorFile) {
+ExitCode Verify(const Quor::TolvaServices::Local::Database& database, const std::string& anchorFile) {
   const Store store(database);
   const std::vector<Seal> seals = ReadSeals(store);
   Verifier verifier(store, seals);

@@ -55,7 +55,9 @@ class CommandLine {
     added->footer("Example:\n  velora-ts " + example);
     return added;
   }
-  std::string Database() const { return Quor::TolvaServices::Local::ReadSettings(folder).database; }
+  Quor::TolvaServices::Local::Database Database() const {
+    return Quor::TolvaServices::Local::ReadSettings(folder).database;
+  }
 
   void AddCheck() {
     Add("check", "Says whether hosts can record, with which schema, and how much is recorded.",

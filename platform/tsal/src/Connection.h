@@ -1,12 +1,13 @@
 #pragma once
 
-#include "EventStatements.h"
+#include "Settings.h"
 
 #include <TSAL/Error.h>
+#include <TSAL/Types.h>
 
 #include <soci/soci.h>
 
-#include <chrono>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -18,43 +19,63 @@ class NotReachable : public TsError {
   using TsError::TsError;
 };
 
-/// One connection to a store, used by one operation at a time. Opening makes the database and its tables where they are
-/// not there yet, and brings up a store of an earlier version.
+/// One connection to a store, used by one operation at a time, and what the databases do each in its own way.
 class Connection {
  public:
-  /// @param database absolute path of the database file.
-  /// @throws NotReachable; TsError when the file is no store that this code can record in.
-  explicit Connection(const std::string& database);
+  Connection() = default;
+  Connection(const Connection&) = delete;
+  Connection& operator=(const Connection&) = delete;
+  virtual ~Connection() = default;
 
   soci::session& Sql() { return sql; }
-  /// The statements of the most frequent operation, prepared once.
-  EventStatements& Events();
-  const std::string& Database() const { return database; }
 
-  /// Raises a TsError that names the database, for what the database layer raised.
-  [[noreturn]] static void Fail(const std::string& database, const soci::soci_error& reason);
+  virtual void Begin() = 0;
+  virtual void Commit() = 0;
+  /// The key of the next row of a table, within the transaction that adds the row.
+  virtual long long NextKey(const std::string& table, const std::string& column) = 0;
+  /// Lets nobody else add activities or versions until the transaction ends.
+  virtual void HoldActivities() = 0;
+  /// Inserts an event and its parameters. To be called in a transaction.
+  virtual void Insert(const Types::InstrumentEvent& event, long long session, std::optional<long long> execution,
+                      std::optional<long long> configuration) = 0;
 
-  /// Whether the file was removed or replaced since it was opened, so that nobody would find what is written now.
-  bool HasMoved();
+  /// Whether the next operation can use it after some time without one; otherwise it is to be closed.
+  /// @throws TsError where another connection could not take its place unnoticed.
+  virtual bool IsUsable() = 0;
+  /// Whether the server is gone, and with it perhaps all others.
+  virtual bool IsLost() { return false; }
+  /// What the database layer raised, as an error that names the database.
+  virtual TsError ErrorOf(const soci::soci_error& reason) = 0;
 
- private:
-  void Configure();
+ protected:
+  /// Makes the tables where there are none yet, and brings up a store of an earlier version.
+  /// @param name as errors call the database.
+  void BringUp(const std::string& name);
   /// The version of the store's schema; 0 where there are no tables yet.
   /// @throws TsError for a database of another program, or with a schema of a later version.
-  int StoredVersion();
-  void BringUp();
+  int StoredVersion(const std::string& name);
 
-  std::string database;
-  std::chrono::microseconds waited{};  // for other writers, since the last time that none was in the way
+  struct Contents {
+    bool any = false;      ///< Whether there is any table.
+    bool isStore = false;  ///< Whether there are those of a store.
+  };
+
+ private:
+  virtual Contents FindTables() = 0;
+  virtual void BringUpSchema(int from) = 0;
+  virtual void HoldSchema() = 0;
+
   soci::session sql;
-  std::optional<EventStatements> events;
 };
 
-/// A write, all or nothing: rolls back unless committed. Begins as a writer, since a reader that turns into one halfway
-/// fails at once when another has written meanwhile, however long it would wait.
+/// Opens a store, which makes it or brings it up where that is needed.
+/// @throws NotReachable; TsError when it is no store that this code can record in.
+std::unique_ptr<Connection> OpenConnection(const Database& database);
+
+/// A write, all or nothing: rolls back unless committed.
 class Transaction {
  public:
-  explicit Transaction(soci::session& sql);
+  explicit Transaction(Connection& connection) : connection(connection) { connection.Begin(); }
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
   /// Gives up an error of the rollback: the connection is closed after a failure anyway.
@@ -63,11 +84,8 @@ class Transaction {
   void Commit();
 
  private:
-  soci::session& sql;
+  Connection& connection;
   bool open = true;
 };
-
-/// The number of the row that this connection inserted last.
-long long LastRow(soci::session& sql);
 
 }  // namespace Quor::TolvaServices::Local

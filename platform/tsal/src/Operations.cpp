@@ -25,7 +25,7 @@ bool TSInstance::IsTsServicePresent() {
 bool TSInstance::IsConnectable() {
   const Local::Settings settings = Local::CurrentSettings();
   try {
-    const Local::Connection answers(settings.database);
+    Local::OpenConnection(settings.database);
     return true;
   } catch (const Local::NotReachable&) {
     return false;
@@ -71,12 +71,12 @@ void LoggingMethods::SaveEvent(const Types::InstrumentEvent& event, const Tsid& 
   const auto session = Local::SessionOf(handle);
   session->Run([&](Local::Connection& connection) {
     soci::session& sql = connection.Sql();
-    Local::Transaction transaction(sql);
+    Local::Transaction transaction(connection);
     const auto configuration = Local::ConfigurationRow(sql, configurationId);
     const auto execution = activityExecutionId == nullptr
                                ? std::optional<long long>()
                                : std::optional(Local::ExecutionRow(sql, *activityExecutionId));
-    connection.Events().Insert(event, session->Row(), execution, configuration);
+    connection.Insert(event, session->Row(), execution, configuration);
     transaction.Commit();
     return true;
   });

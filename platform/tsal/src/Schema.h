@@ -9,7 +9,7 @@ namespace Quor::TolvaServices::Local {
 /// The version of the schema that this code makes and uses. What it holds is described in docs/local-ts.md.
 inline constexpr int schemaVersion = 2;
 
-/// Brings a store from one version up to another; an empty database has version 0. To be called in a transaction.
-void BringUpSchema(soci::session& sql, int from, int to = schemaVersion);
+/// Says in the store that it has a version from now on.
+void AddVersion(soci::session& sql, int version);
 
 }  // namespace Quor::TolvaServices::Local

@@ -14,7 +14,8 @@ namespace Quor::TolvaServices::Local {
 Session::Session(const Settings& settings, const std::string& text1, const std::string& text2, const std::string& text3)
     : database(settings.database), guid(NewGuid()) {
   row = Run([&](Connection& connection) {
-    Transaction transaction(connection.Sql());
+    Transaction transaction(connection);
+    const long long key = connection.NextKey("sessions", "session_id");
     const std::string instrument = ToStoredText(settings.instrument);
     const std::string host = ToStoredText(Velora::System::ComputerName());
     const std::string now = ToStoredTime({});
@@ -22,30 +23,27 @@ Session::Session(const Settings& settings, const std::string& text1, const std::
     const std::string stored2 = ToStoredText(text2);
     const std::string stored3 = ToStoredText(text3);
     Execute(connection.Sql(),
-            "INSERT INTO sessions (guid, instrument, host, began_at, text1, text2, text3) "
-            "VALUES (:guid, :instrument, :host, :began, :text1, :text2, :text3)",
-            soci::use(guid), soci::use(instrument), soci::use(host), soci::use(now), soci::use(stored1),
+            "INSERT INTO sessions (session_id, guid, instrument, host, began_at, text1, text2, text3) "
+            "VALUES (:key, :guid, :instrument, :host, :began, :text1, :text2, :text3)",
+            soci::use(key), soci::use(guid), soci::use(instrument), soci::use(host), soci::use(now), soci::use(stored1),
             soci::use(stored2), soci::use(stored3));
-    const long long inserted = LastRow(connection.Sql());
     transaction.Commit();
-    return inserted;
+    return key;
   });
 }
 
 std::unique_ptr<Connection> Session::Take() {
   {
     const std::lock_guard lock(mutex);
-    if (!idle.empty()) {
-      if (idle.back()->HasMoved()) {
-        throw TsError("TS database '" + database +
-                      "' was removed or replaced since the session began; expected it to stay until the next session");
+    for (; !idle.empty(); idle.pop_back()) {
+      if (idle.back()->IsUsable()) {
+        std::unique_ptr<Connection> connection = std::move(idle.back());
+        idle.pop_back();
+        return connection;
       }
-      std::unique_ptr<Connection> connection = std::move(idle.back());
-      idle.pop_back();
-      return connection;
     }
   }
-  return std::make_unique<Connection>(database);
+  return OpenConnection(database);
 }
 
 void Session::Keep(std::unique_ptr<Connection> connection) noexcept {
@@ -55,6 +53,12 @@ void Session::Keep(std::unique_ptr<Connection> connection) noexcept {
   } catch (...) {
     // The operation has succeeded, and stays so; the next one opens a connection of its own.
   }
+}
+
+void Session::CloseIdle() {
+  std::vector<std::unique_ptr<Connection>> closed;
+  const std::lock_guard lock(mutex);
+  closed.swap(idle);
 }
 
 }  // namespace Quor::TolvaServices::Local

@@ -32,15 +32,19 @@ class Session {
       Keep(std::move(connection));
       return result;
     } catch (const soci::soci_error& reason) {
-      Connection::Fail(database, reason);
+      if (connection->IsLost()) {
+        CloseIdle();
+      }
+      throw connection->ErrorOf(reason);
     }
   }
 
  private:
   std::unique_ptr<Connection> Take();
   void Keep(std::unique_ptr<Connection> connection) noexcept;
+  void CloseIdle();
 
-  const std::string database;
+  const Database database;
   const std::string guid;
   long long row = 0;
   std::mutex mutex;

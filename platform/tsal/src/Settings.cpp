@@ -1,5 +1,6 @@
 #include "Settings.h"
 
+#include "PostgreSqlSettings.h"
 #include "XmlFile.h"
 
 #include <TSAL/Error.h>
@@ -30,12 +31,20 @@ Settings ReadSettings(const std::string& folder) {
   xml.ExpectAttributes(database, {"Backend", "Connection"});
   xml.ExpectElements(database, "");
   const std::string backend = xml.Required(database, "Backend");
-  if (backend != "sqlite3") {
-    xml.Fail(database, "unknown Backend '" + backend + "'; expected 'sqlite3'");
+  const std::string connection = xml.Required(database, "Connection");
+  const std::string given = xml.Root().attribute("Instrument").value();
+  const std::string instrument = given.empty() ? Velora::System::ComputerName() : given;
+  if (backend == "sqlite3") {
+    return {instrument, {Database::Kind::Sqlite, (file.parent_path() / connection).string()}};
   }
-  const std::string instrument = xml.Root().attribute("Instrument").value();
-  return {instrument.empty() ? Velora::System::ComputerName() : instrument,
-          (file.parent_path() / xml.Required(database, "Connection")).string()};
+  if (backend == "postgresql") {
+    if (!IsPostgreSqlConnection(connection)) {  // what is wrong with it is not said, since a password may stand in it
+      xml.Fail(database,
+               "this Connection is none to PostgreSQL; expected 'KEYWORD=VALUE ...', 'service=NAME' or a URI");
+    }
+    return {instrument, {Database::Kind::PostgreSql, connection}};
+  }
+  xml.Fail(database, "unknown Backend '" + backend + "'; expected 'sqlite3' or 'postgresql'");
 }
 
 }  // namespace Quor::TolvaServices::Local

@@ -4,10 +4,18 @@
 
 namespace Quor::TolvaServices::Local {
 
+/// Which database holds a store.
+struct Database {
+  enum class Kind { Sqlite, PostgreSql };
+
+  Kind kind = Kind::Sqlite;
+  std::string where;  ///< Absolute path of the file, or what PostgreSQL's client library takes to connect.
+};
+
 /// What "TSAL.config" says.
 struct Settings {
   std::string instrument;  ///< Under whose name a session's records stand.
-  std::string database;    ///< Absolute path of the database file.
+  Database database;
 };
 
 /// Reads "TSAL.config" in a folder.

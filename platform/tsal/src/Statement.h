@@ -15,7 +15,7 @@ bool Execute(soci::session& sql, const std::string& text, const Elements&... ele
   soci::statement statement(sql);
   (statement.exchange(elements), ...);
   statement.alloc();
-  statement.prepare(text);
+  statement.prepare(text, soci::details::st_one_time_query);  // else a server is asked three times
   statement.define_and_bind();
   return statement.execute(true);
 }

@@ -16,7 +16,8 @@ std::string GuidToStore(const std::string& given, const char* what) {
   return given.empty() ? NewGuid() : GuidOf(Types::Tsid(given), what);
 }
 
-long long FindOrAddActivity(soci::session& sql, const Types::ns1__ActivityVersion& wire) {
+long long FindOrAddActivity(Connection& connection, const Types::ns1__ActivityVersion& wire) {
+  soci::session& sql = connection.Sql();
   const std::string name = ToStoredText(wire.ActivityName);
   const std::string description = ToStoredText(wire.ActivityDescription);
   long long row = 0;
@@ -25,13 +26,16 @@ long long FindOrAddActivity(soci::session& sql, const Types::ns1__ActivityVersio
     return row;
   }
   const std::string guid = GuidToStore(wire.ActivityGuid, "activity");
-  Execute(sql, "INSERT INTO activities (guid, name, description) VALUES (:guid, :name, :description)", soci::use(guid),
-          soci::use(name), soci::use(description));
-  return LastRow(sql);
+  row = connection.NextKey("activities", "activity_id");
+  Execute(sql,
+          "INSERT INTO activities (activity_id, guid, name, description) VALUES (:row, :guid, :name, :description)",
+          soci::use(row), soci::use(guid), soci::use(name), soci::use(description));
+  return row;
 }
 
-long long FindOrAddVersion(soci::session& sql, const Types::ns1__ActivityVersion& wire) {
-  const long long activity = FindOrAddActivity(sql, wire);
+long long FindOrAddVersion(Connection& connection, const Types::ns1__ActivityVersion& wire) {
+  soci::session& sql = connection.Sql();
+  const long long activity = FindOrAddActivity(connection, wire);
   const std::string name = ToStoredText(wire.Name);
   const std::string version = ToStoredText(wire.Version);
   const std::string description = ToStoredText(wire.Description);
@@ -43,24 +47,29 @@ long long FindOrAddVersion(soci::session& sql, const Types::ns1__ActivityVersion
     return row;
   }
   const std::string guid = GuidToStore(wire.Guid, "activity version");
+  row = connection.NextKey("activity_versions", "version_id");
   Execute(sql,
-          "INSERT INTO activity_versions (guid, activity_id, name, version, description) "
-          "VALUES (:guid, :activity, :name, :version, :description)",
-          soci::use(guid), soci::use(activity), soci::use(name), soci::use(version), soci::use(description));
-  return LastRow(sql);
+          "INSERT INTO activity_versions (version_id, guid, activity_id, name, version, description) "
+          "VALUES (:row, :guid, :activity, :name, :version, :description)",
+          soci::use(row), soci::use(guid), soci::use(activity), soci::use(name), soci::use(version),
+          soci::use(description));
+  return row;
 }
 
 }  // namespace
 
-std::optional<long long> VersionRow(soci::session& sql, const Types::ActivityVersion& version) {
+std::optional<long long> VersionRow(Connection& connection, const Types::ActivityVersion& version) {
   if (version.Id == Types::Tsid()) {
     return std::nullopt;
   }
   const std::string guid = GuidOf(version.Id, "activity version");
   long long row = 0;
-  return Execute(sql, "SELECT version_id FROM activity_versions WHERE guid = :guid", soci::use(guid), soci::into(row))
-             ? row
-             : FindOrAddVersion(sql, version.ToGsoap());
+  if (!Execute(connection.Sql(), "SELECT version_id FROM activity_versions WHERE guid = :guid", soci::use(guid),
+               soci::into(row))) {
+    connection.HoldActivities();
+    row = FindOrAddVersion(connection, version.ToGsoap());
+  }
+  return row;
 }
 
 Types::ActivityVersion LoadVersion(soci::session& sql, long long row) {
@@ -88,9 +97,10 @@ std::map<std::string, Types::ActivityVersion> RegisterVersions(Connection& conne
   const std::string storedFile = ToStoredText(file);
   const std::string now = ToStoredTime({});
   std::map<std::string, Types::ActivityVersion> registered;
-  Transaction transaction(sql);
+  Transaction transaction(connection);
+  connection.HoldActivities();
   for (const Types::ActivityVersion& version : versions) {
-    const long long row = FindOrAddVersion(sql, version.ToGsoap());
+    const long long row = FindOrAddVersion(connection, version.ToGsoap());
     Execute(sql,
             "INSERT INTO registrations (session_id, version_id, file, registered_at) "
             "VALUES (:session, :version, :file, :at)",

@@ -22,7 +22,7 @@ std::map<std::string, Types::ActivityVersion> RegisterVersions(Connection& conne
 
 /// The row of a version; none for an unset one. A version that this store does not know yet is added: it was registered
 /// with another. To be called in a transaction.
-std::optional<long long> VersionRow(soci::session& sql, const Types::ActivityVersion& version);
+std::optional<long long> VersionRow(Connection& connection, const Types::ActivityVersion& version);
 
 /// The version of a row, with its activity.
 Types::ActivityVersion LoadVersion(soci::session& sql, long long row);

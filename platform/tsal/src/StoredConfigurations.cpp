@@ -20,7 +20,7 @@ Types::InstrumentEventConfigResult StoreConfiguration(Connection& connection, lo
   result.SessionId = Types::Tsid(sessionGuid);
   result.Time = Types::DateTimeOffset::Now();
   const std::string savedAt = ToStoredTime(result.Time);
-  Transaction transaction(connection.Sql());
+  Transaction transaction(connection);
   soci::statement insert(connection.Sql());
   insert.exchange(soci::use(guid));
   insert.exchange(soci::use(session));
@@ -32,7 +32,8 @@ Types::InstrumentEventConfigResult StoreConfiguration(Connection& connection, lo
   insert.prepare(
       "INSERT INTO configurations (guid, session_id, saved_at, configuration_text, text2, vendor_name, host_name, "
       "option_text, instrument_class, model_name, text8, text9) "
-      "VALUES (:guid, :session, :at, :t1, :t2, :t3, :t4, :t5, :t6, :t7, :t8, :t9)");
+      "VALUES (:guid, :session, :at, :t1, :t2, :t3, :t4, :t5, :t6, :t7, :t8, :t9)",
+      soci::details::st_one_time_query);
   insert.define_and_bind();
   insert.execute(true);
   transaction.Commit();

@@ -50,12 +50,12 @@ std::optional<ExecutionRecord> FindRecord(soci::session& sql, long long row) {
   return record;
 }
 
-ExecutionRecord RecordOf(soci::session& sql, const ActivityExecution& execution) {
+ExecutionRecord RecordOf(Connection& connection, const ActivityExecution& execution) {
   ExecutionRecord record;
   if (execution.Parent != nullptr) {
-    record.parent = ExecutionRow(sql, execution.Parent->Id);
+    record.parent = ExecutionRow(connection.Sql(), execution.Parent->Id);
   }
-  record.version = VersionRow(sql, execution.ActivityVersion);
+  record.version = VersionRow(connection, execution.ActivityVersion);
   record.node = ToStoredText(execution.Node);
   record.description = ToStoredText(execution.Description);
   record.kind = execution.Kind;
@@ -75,10 +75,11 @@ ActivityExecutionStatus NewestStatus(soci::session& sql, long long row) {
   return {static_cast<Types::Enums::ActivityExecStatus>(code), FromStoredTime(at)};
 }
 
-void Insert(soci::session& sql, long long session, const std::string& guid, const ActivityExecution& execution) {
-  ExecutionRecord record = RecordOf(sql, execution);
-  long long row = 0;  // known before the insertion, since a top-level execution is its own root
-  Execute(sql, "SELECT COALESCE(MAX(execution_id), 0) + 1 FROM executions", soci::into(row));
+void Insert(Connection& connection, long long session, const std::string& guid, const ActivityExecution& execution) {
+  soci::session& sql = connection.Sql();
+  ExecutionRecord record = RecordOf(connection, execution);
+  // Known before the insertion, since a top-level execution is its own root.
+  const long long row = connection.NextKey("executions", "execution_id");
   record.root = record.parent ? FindRecord(sql, *record.parent)->root : row;
   const std::string startedAt = ToStoredTime(execution.Status.Time);
   // Bound by reference: temporaries would be gone when the statement runs.
@@ -101,10 +102,11 @@ void ExpectUnchanged(bool unchanged, const std::string& guid, const char* what) 
   }
 }
 
-void Update(soci::session& sql, long long session, const std::string& guid, const ActivityExecution& execution) {
+void Update(Connection& connection, long long session, const std::string& guid, const ActivityExecution& execution) {
+  soci::session& sql = connection.Sql();
   const long long row = ExecutionRow(sql, execution.Id);
   const ExecutionRecord stored = FindRecord(sql, row).value();
-  const ExecutionRecord given = RecordOf(sql, execution);
+  const ExecutionRecord given = RecordOf(connection, execution);
   ExpectUnchanged(given.version == stored.version, guid, "activity version");
   ExpectUnchanged(given.node == stored.node, guid, "node");
   ExpectUnchanged(given.description == stored.description, guid, "description");
@@ -121,11 +123,11 @@ void Update(soci::session& sql, long long session, const std::string& guid, cons
 Tsid StoreExecution(Connection& connection, long long session, const ActivityExecution& execution) {
   const bool known = execution.Id != Tsid();
   Tsid id(known ? GuidOf(execution.Id, "execution") : NewGuid());
-  Transaction transaction(connection.Sql());
+  Transaction transaction(connection);
   if (known) {
-    Update(connection.Sql(), session, id.GetGuid(), execution);
+    Update(connection, session, id.GetGuid(), execution);
   } else {
-    Insert(connection.Sql(), session, id.GetGuid(), execution);
+    Insert(connection, session, id.GetGuid(), execution);
   }
   transaction.Commit();
   return id;

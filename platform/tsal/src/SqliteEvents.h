@@ -1,5 +1,7 @@
 #pragma once
 
+#include "StoredParameter.h"
+
 #include <TSAL/Types.h>
 
 #include <soci/soci.h>
@@ -10,20 +12,18 @@
 namespace Quor::TolvaServices::Local {
 
 /// The two statements that store an event, prepared once for a connection: recording events is what a host does most.
-class EventStatements {
+class SqliteEvents {
  public:
-  explicit EventStatements(soci::session& sql);
-  EventStatements(const EventStatements&) = delete;
-  EventStatements& operator=(const EventStatements&) = delete;
+  explicit SqliteEvents(soci::session& sql);
+  SqliteEvents(const SqliteEvents&) = delete;
+  SqliteEvents& operator=(const SqliteEvents&) = delete;
 
   /// Inserts an event and its parameters. To be called in a transaction.
   void Insert(const Types::InstrumentEvent& event, long long session, std::optional<long long> execution,
               std::optional<long long> configuration);
 
  private:
-  void InsertParameter(const Types::InstrumentParameterBase& parameter);
-  void SetNumber(double number);
-  void SetText(std::string text);
+  void Insert(StoredParameter parameter);
 
   soci::session& sql;
 

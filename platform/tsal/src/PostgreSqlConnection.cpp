@@ -1,0 +1,171 @@
+#include "PostgreSqlConnection.h"
+
+#include "PostgreSqlEvent.h"
+#include "PostgreSqlSchema.h"
+#include "PostgreSqlSettings.h"
+#include "Schema.h"
+#include "Statement.h"
+
+#include <soci/postgresql/soci-postgresql.h>
+
+#include <algorithm>
+#include <thread>
+
+namespace Quor::TolvaServices::Local {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds longestDoubt{2};  // how long a commit without an answer is asked after
+
+// Keys of the locks that transactions of all hosts share; "TS" in front, since a database has one set of them.
+constexpr const char* schemaLock = "SELECT pg_advisory_xact_lock(21587, 1)";
+constexpr const char* activitiesLock = "SELECT pg_advisory_xact_lock(21587, 2)";
+
+// On one line, and without the words that the database layer puts before it.
+std::string ReasonOf(const soci::soci_error& error) {
+  std::string reason = error.get_error_message();
+  if (const std::size_t first = reason.find('\n'); reason.compare(0, 6, "Cannot") == 0 && first < reason.size() - 1) {
+    reason.erase(0, first + 1);
+  }
+  reason.erase(reason.find_last_not_of(" \n") + 1);
+  std::replace(reason.begin(), reason.end(), '\n', ';');
+  return reason;
+}
+
+std::string StateOf(const soci::soci_error& error) {
+  const auto* const postgresql = dynamic_cast<const soci::postgresql_soci_error*>(&error);
+  return postgresql == nullptr ? "" : postgresql->sqlstate();
+}
+
+}  // namespace
+
+PostgreSqlConnection::PostgreSqlConnection(const std::string& connection)
+    : connection(WithoutBlanks(connection)), name(NameOf(connection)) {
+  Open();
+  try {
+    Configure();
+    if (StoredVersion(name) != schemaVersion) {
+      BringUp(name);
+    }
+    MakePartitions();
+  } catch (const soci::soci_error& reason) {
+    throw ErrorOf(reason);
+  }
+}
+
+void PostgreSqlConnection::Open() {
+  try {
+    Sql().open(soci::postgresql, connection);
+  } catch (const soci::soci_error& reason) {
+    throw NotReachable("TS database '" + name + "' cannot be reached: " + ReasonOf(reason));
+  }
+}
+
+void PostgreSqlConnection::Configure() {
+  // A server that is set to lose what it acknowledged is told not to; one that is set to do more goes on doing so.
+  Execute(Sql(),
+          "SET statement_timeout = '4s'; SET lock_timeout = '4s'; SET default_transaction_isolation = 'read committed';"
+          "SELECT set_config('synchronous_commit', 'on', false) WHERE current_setting('synchronous_commit') = 'off'");
+  std::string encoding;
+  Execute(Sql(), "SELECT current_setting('server_encoding')", soci::into(encoding));
+  if (encoding != "UTF8") {
+    throw TsError("TS database '" + name + "' has the encoding " + encoding + "; expected UTF8, which has every text");
+  }
+}
+
+// The number of the transaction tells later whether it was committed, should the answer to that be lost.
+void PostgreSqlConnection::Begin() {
+  Execute(Sql(), "BEGIN; SELECT CAST(pg_current_xact_id() AS text)", soci::into(transaction));
+}
+
+void PostgreSqlConnection::Commit() {
+  try {
+    Execute(Sql(), "COMMIT");
+  } catch (const soci::soci_error&) {
+    if (!IsLost() || !WasCommitted()) {
+      throw;
+    }
+  }
+}
+
+// The lost connection's server process may still be at the commit, so it is asked after until there is an answer.
+bool PostgreSqlConnection::WasCommitted() {
+  for (const Clock::time_point end = Clock::now() + longestDoubt; Clock::now() < end;) {
+    try {
+      soci::session other(soci::postgresql, connection);
+      std::string status;
+      Execute(other, "SELECT COALESCE(pg_xact_status(CAST(:number AS xid8)), '')", soci::use(transaction),
+              soci::into(status));
+      if (status != "in progress") {
+        return status == "committed";
+      }
+    } catch (const soci::soci_error&) {
+      // It may be starting again.
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+  throw TsError("TS database '" + name +
+                "' was lost while it stored a record, and does not answer: the record may be there, or not");
+}
+
+// The lock before the number: who seals waits for it, and then no lower number can appear any more.
+long long PostgreSqlConnection::NextKey(const std::string& table, const std::string& column) {
+  long long key = 0;
+  Execute(Sql(),
+          "LOCK TABLE " + table + " IN ROW EXCLUSIVE MODE; SELECT nextval(pg_get_serial_sequence('" + table + "', '" +
+              column + "'))",
+          soci::into(key));
+  return key;
+}
+
+void PostgreSqlConnection::HoldActivities() { Execute(Sql(), activitiesLock); }
+
+void PostgreSqlConnection::HoldSchema() { Execute(Sql(), schemaLock); }
+
+void PostgreSqlConnection::Insert(const Types::InstrumentEvent& event, long long session,
+                                  std::optional<long long> execution, std::optional<long long> configuration) {
+  MakePartitions();
+  InsertEvent(Sql(), event, session, execution, configuration);
+}
+
+void PostgreSqlConnection::MakePartitions() {
+  const Clock::time_point now = Clock::now();
+  if (!partitionsMade || now - *partitionsMade > std::chrono::hours(24)) {
+    Execute(Sql(), "SELECT make_partitions()");
+    partitionsMade = now;
+  }
+}
+
+bool PostgreSqlConnection::IsUsable() { return PQconsumeInput(Handle()) == 1 && !IsLost(); }
+
+bool PostgreSqlConnection::IsLost() { return PQstatus(Handle()) != CONNECTION_OK; }
+
+TsError PostgreSqlConnection::ErrorOf(const soci::soci_error& reason) {
+  if (IsLost()) {
+    return TsError("TS database '" + name + "' was lost before this record was stored: " + ReasonOf(reason));
+  }
+  if (StateOf(reason) == "42501") {
+    return TsError("TS database '" + name + "' does not let this role do that: " + ReasonOf(reason) +
+                   "; expected its owner to run 'velora-ts prepare'");
+  }
+  return TsError("TS database '" + name + "': " + ReasonOf(reason));
+}
+
+Connection::Contents PostgreSqlConnection::FindTables() {
+  long long tables = 0;
+  long long own = 0;
+  Execute(Sql(),
+          "SELECT COUNT(*), COUNT(*) FILTER (WHERE relname = 'ts_schema') FROM pg_class "
+          "WHERE relkind IN ('r', 'p', 'v') AND relnamespace = to_regnamespace(quote_ident(current_schema()))",
+          soci::into(tables), soci::into(own));
+  return {tables != 0, own != 0};
+}
+
+void PostgreSqlConnection::BringUpSchema(int from) { BringUpPostgreSqlSchema(Sql(), from); }
+
+pg_conn* PostgreSqlConnection::Handle() {
+  return static_cast<soci::postgresql_session_backend*>(Sql().get_backend())->conn_;
+}
+
+}  // namespace Quor::TolvaServices::Local

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "Connection.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+struct pg_conn;
+
+namespace Quor::TolvaServices::Local {
+
+/// A store in a database of a PostgreSQL server, from version 14 on.
+class PostgreSqlConnection : public Connection {
+ public:
+  /// @param connection what PostgreSQL's client library takes.
+  explicit PostgreSqlConnection(const std::string& connection);
+
+  void Begin() override;
+  void Commit() override;
+  long long NextKey(const std::string& table, const std::string& column) override;
+  void HoldActivities() override;
+  void Insert(const Types::InstrumentEvent& event, long long session, std::optional<long long> execution,
+              std::optional<long long> configuration) override;
+  bool IsUsable() override;
+  bool IsLost() override;
+  TsError ErrorOf(const soci::soci_error& reason) override;
+
+ private:
+  Contents FindTables() override;
+  void BringUpSchema(int from) override;
+  void HoldSchema() override;
+  void Open();
+  void Configure();
+  /// Partitions for the months to come: asked for once a day, so that a host that runs for months finds its own.
+  void MakePartitions();
+  bool WasCommitted();
+  pg_conn* Handle();
+
+  std::string connection;
+  std::string name;         // of the database, in errors
+  std::string transaction;  // the server's number of the transaction that is open
+  std::optional<std::chrono::steady_clock::time_point> partitionsMade;
+};
+
+}  // namespace Quor::TolvaServices::Local

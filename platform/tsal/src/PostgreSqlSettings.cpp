@@ -1,0 +1,66 @@
+#include "PostgreSqlSettings.h"
+
+#include <libpq-fe.h>
+
+#include <array>
+#include <cstdio>
+#include <map>
+#include <memory>
+
+namespace Quor::TolvaServices::Local {
+namespace {
+
+// A server that is gone is noticed in time for an operation to fail within five seconds.
+constexpr std::pair<const char*, const char*> defaults[] = {
+    {"application_name", "Velora"}, {"client_encoding", "UTF8"}, {"connect_timeout", "3"},
+    {"keepalives_count", "2"},      {"keepalives_idle", "2"},    {"keepalives_interval", "1"},
+    {"tcp_user_timeout", "4000"},
+};
+
+std::map<std::string, std::string> Options(PQconninfoOption* parsed) {
+  const std::unique_ptr<PQconninfoOption, decltype(&PQconninfoFree)> options(parsed, &PQconninfoFree);
+  std::map<std::string, std::string> given;
+  for (const PQconninfoOption* option = options.get(); option != nullptr && option->keyword != nullptr; ++option) {
+    if (option->val != nullptr) {
+      given.emplace(option->keyword, option->val);
+    }
+  }
+  return given;
+}
+
+void AppendEscaped(std::string& uri, const std::string& value) {
+  for (const char character : value) {
+    std::array<char, 4> escaped{};
+    static_cast<void>(std::snprintf(escaped.data(), escaped.size(), "%%%02X", static_cast<unsigned char>(character)));
+    uri += escaped.data();
+  }
+}
+
+}  // namespace
+
+bool IsPostgreSqlConnection(const std::string& text) {
+  return text.find('\0') == std::string::npos && !Options(PQconninfoParse(text.c_str(), nullptr)).empty();
+}
+
+std::string WithoutBlanks(const std::string& text) {
+  std::map<std::string, std::string> options = Options(PQconninfoParse(text.c_str(), nullptr));
+  options.insert(std::begin(defaults), std::end(defaults));
+  std::string uri = "postgresql://";
+  char separator = '?';
+  for (const auto& [keyword, value] : options) {
+    uri += separator + keyword + '=';
+    AppendEscaped(uri, value);
+    separator = '&';
+  }
+  return uri;
+}
+
+std::string NameOf(const std::string& text) {
+  std::map<std::string, std::string> options = Options(PQconninfoParse(text.c_str(), nullptr));
+  options.merge(Options(PQconndefaults()));
+  const std::string& host = options["host"].empty() ? options["hostaddr"] : options["host"];
+  const std::string name = options["dbname"].empty() ? options["service"] : options["dbname"];
+  return (name.empty() ? "of " + options["user"] : name) + (host.empty() ? "" : " on " + host);
+}
+
+}  // namespace Quor::TolvaServices::Local

@@ -1,0 +1,168 @@
+#include "SqliteConnection.h"
+
+#include "SqliteSchema.h"
+#include "Statement.h"
+
+#include <VeloraSystem/System.h>
+
+#include <soci/sqlite3/soci-sqlite3.h>
+#include <sqlite3.h>
+
+#include <chrono>
+#include <memory>
+#include <new>
+#include <thread>
+#include <utility>
+
+namespace Quor::TolvaServices::Local {
+namespace {
+
+constexpr std::chrono::seconds longestWait{30};
+
+// The byte of the file of shared memory that SQLite locks for the one writer of its write-ahead log.
+constexpr unsigned writeLock = 120;
+
+sqlite_api::sqlite3* HandleOf(soci::session& sql) {
+  return static_cast<soci::sqlite3_session_backend*>(sql.get_backend())->conn_;
+}
+
+// SOCI takes a path within a text of keys and values, where one with quotes and blanks ends early and names another
+// file. So the file is opened here, and put in the place of the nameless database that SOCI opened.
+void Open(soci::session& sql, const std::string& database) {
+  using sqlite_api::sqlite3;
+  sql.open(soci::sqlite3, ":memory:");
+  // Made here, since SQLite lets everybody read what it makes; its other files get the mode of this one.
+  Velora::System::MakeOwnFile(database);
+  sqlite3* handle = nullptr;
+  const int result =
+      sqlite_api::sqlite3_open_v2(database.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+  std::unique_ptr<sqlite3, decltype(&sqlite_api::sqlite3_close)> opened(handle, &sqlite_api::sqlite3_close);
+  if (result == SQLITE_NOMEM) {
+    throw std::bad_alloc();
+  }
+  if (result != SQLITE_OK) {
+    throw NotReachable("TS database '" + database + "' cannot be opened: " + sqlite_api::sqlite3_errmsg(opened.get()));
+  }
+  if (sqlite_api::sqlite3_db_readonly(opened.get(), "main") != 0) {
+    throw TsError("TS database '" + database + "' can only be read; expected a file that may be written");
+  }
+  auto* const backend = static_cast<soci::sqlite3_session_backend*>(sql.get_backend());
+  opened.reset(std::exchange(backend->conn_, opened.release()));
+}
+
+bool IsBusy(const soci::soci_error& error) {
+  const auto* const sqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
+  return sqlite != nullptr && (sqlite->result() & 0xFF) == SQLITE_BUSY;
+}
+
+// Called while another connection is writing. In short steps: between two records of a host at full speed there are
+// some microseconds, which SQLite's own steps of up to a tenth of a second would miss for seconds on end.
+int WaitForWriter(void* waited, int tries) {
+  constexpr int briefly = 100;  // microseconds
+  constexpr int longer = 1000;
+  auto& total = *static_cast<std::chrono::microseconds*>(waited);
+  if (tries == 0) {
+    total = {};
+  }
+  if (total >= longestWait) {
+    return 0;
+  }
+  sqlite_api::sqlite3_vfs* const system = sqlite_api::sqlite3_vfs_find(nullptr);
+  total += std::chrono::microseconds(system->xSleep(system, tries < 100 ? briefly : longer));
+  return 1;
+}
+
+// Turning the write-ahead log on is the one statement that fails at once when another process is about to do the same.
+void TurnOnWriteAheadLog(soci::session& sql) {
+  const auto deadline = std::chrono::steady_clock::now() + longestWait;
+  for (;;) {
+    try {
+      std::string mode;
+      Execute(sql, "PRAGMA journal_mode = WAL", soci::into(mode));
+      if (mode != "wal") {
+        throw soci::soci_error("the write-ahead log cannot be turned on; the journal stays '" + mode + "'");
+      }
+      return;
+    } catch (const soci::soci_error& error) {
+      if (!IsBusy(error) || std::chrono::steady_clock::now() > deadline) {
+        throw;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+  }
+}
+
+}  // namespace
+
+SqliteConnection::SqliteConnection(const std::string& file) : file(file) {
+  Open(Sql(), file);
+  try {
+    Configure();
+    const int version = StoredVersion(file);  // asked first: nothing is changed in a file that is none of ours
+    TurnOnWriteAheadLog(Sql());
+    if (version != schemaVersion) {
+      BringUp(file);
+    }
+  } catch (const soci::soci_error& reason) {
+    throw ErrorOf(reason);
+  }
+}
+
+void SqliteConnection::Configure() {
+  sqlite_api::sqlite3_busy_handler(HandleOf(Sql()), &WaitForWriter, &waited);
+  Execute(Sql(), "PRAGMA foreign_keys = ON");
+  Execute(Sql(), "PRAGMA synchronous = FULL");  // a commit is on the disk when it returns
+}
+
+// As a writer, since a reader that turns into one halfway fails at once when another has written meanwhile, however
+// long it would wait.
+void SqliteConnection::Begin() { Execute(Sql(), "BEGIN IMMEDIATE"); }
+
+void SqliteConnection::Commit() { Execute(Sql(), "COMMIT"); }
+
+long long SqliteConnection::NextKey(const std::string& table, const std::string& column) {
+  long long key = 0;
+  Execute(Sql(), "SELECT COALESCE(MAX(" + column + "), 0) + 1 FROM " + table, soci::into(key));
+  return key;
+}
+
+void SqliteConnection::Insert(const Types::InstrumentEvent& event, long long session,
+                              std::optional<long long> execution, std::optional<long long> configuration) {
+  if (!events) {
+    events.emplace(Sql());
+  }
+  events->Insert(event, session, execution, configuration);
+}
+
+bool SqliteConnection::IsUsable() {
+  int moved = 0;
+  sqlite_api::sqlite3_file_control(HandleOf(Sql()), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  if (moved != 0) {  // nobody would find what is written now
+    throw TsError("TS database '" + file +
+                  "' was removed or replaced since the session began; expected it to stay until the next session");
+  }
+  return true;
+}
+
+TsError SqliteConnection::ErrorOf(const soci::soci_error& reason) {
+  if (IsBusy(reason)) {
+    return TsError("TS database '" + file + "' was being written by " +
+                   Velora::System::LockerOf(file + "-shm", writeLock) + " for more than " +
+                   std::to_string(longestWait.count()) +
+                   " seconds; expected it to finish: " + reason.get_error_message());
+  }
+  // Without the statement and its values, which can be as long as what was to be recorded.
+  return TsError("TS database '" + file + "': " + reason.get_error_message());
+}
+
+Connection::Contents SqliteConnection::FindTables() {
+  int tables = 0;
+  int own = 0;
+  Execute(Sql(), "SELECT COUNT(*), COALESCE(SUM(name = 'ts_schema'), 0) FROM sqlite_master", soci::into(tables),
+          soci::into(own));
+  return {tables != 0, own != 0};
+}
+
+void SqliteConnection::BringUpSchema(int from) { BringUpSqliteSchema(Sql(), from); }
+
+}  // namespace Quor::TolvaServices::Local

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Connection.h"
+#include "SqliteEvents.h"
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+namespace Quor::TolvaServices::Local {
+
+/// A store in a file of SQLite.
+class SqliteConnection : public Connection {
+ public:
+  /// @param file absolute path.
+  explicit SqliteConnection(const std::string& file);
+
+  void Begin() override;
+  void Commit() override;
+  long long NextKey(const std::string& table, const std::string& column) override;
+  void HoldActivities() override {}  // a transaction holds the whole file
+  void Insert(const Types::InstrumentEvent& event, long long session, std::optional<long long> execution,
+              std::optional<long long> configuration) override;
+  bool IsUsable() override;
+  TsError ErrorOf(const soci::soci_error& reason) override;
+
+ private:
+  Contents FindTables() override;
+  void BringUpSchema(int from) override;
+  void HoldSchema() override {}
+  void Configure();
+
+  std::string file;
+  std::chrono::microseconds waited{};  // for other writers, since the last time that none was in the way
+  std::optional<SqliteEvents> events;
+};
+
+}  // namespace Quor::TolvaServices::Local
