@@ -16,9 +16,9 @@ namespace {
 constexpr const char* records = R"(
   SELECT 'session ' || text1 FROM sessions
   UNION ALL
-  SELECT 'registration ' || n.text1 || ' ' || group_concat(v.name)
+  SELECT 'registration ' || n.text1 || ' ' || group_concat(v.name, ',')
   FROM registrations r LEFT JOIN sessions n USING (session_id) LEFT JOIN activity_versions v USING (version_id)
-  GROUP BY r.session_id, r.registered_at
+  GROUP BY r.session_id, r.registered_at, n.text1
   UNION ALL
   SELECT 'execution ' || x.node || ' ' || v.name || ' under ' || COALESCE(p.node, 'none') || ' ' ||
          (SELECT code FROM statuses WHERE execution_id = x.execution_id ORDER BY status_id LIMIT 1)
@@ -32,7 +32,7 @@ constexpr const char* records = R"(
          (SELECT group_concat(part, ', ') FROM
            (SELECT position || ' ' || name || ' ' || COALESCE(length(value_text) || ' ' ||
                      COALESCE(NULLIF(substr(value_text, 1, 1), ''), 'x'), printf('%g', value_number)) AS part
-            FROM parameters WHERE event_id = e.event_id ORDER BY position))
+            FROM parameters WHERE event_id = e.event_id ORDER BY position) AS parts)
   FROM events e LEFT JOIN executions x USING (execution_id)
   UNION ALL
   SELECT 'configuration ' || configuration_text FROM configurations)";
@@ -60,13 +60,19 @@ Findings& Findings::operator+=(const Findings& other) {
   return *this;
 }
 
-Records StoredRecords(const std::filesystem::path& database) {
-  std::istringstream answer(Query(database, records));
+Records StoredRecords(soci::session& sql) {
+  std::istringstream answer(Query(sql, records));
   Records lines;
   for (std::string line; std::getline(answer, line);) {
     lines.insert(line);
   }
   return lines;
+}
+
+Records StoredRecords(const std::filesystem::path& database) {
+  soci::session sql;
+  TestStore(database).Open(sql);
+  return StoredRecords(sql);
 }
 
 Findings Compare(const std::filesystem::path& folder, const Told& told) {
@@ -77,10 +83,12 @@ Findings Compare(const std::filesystem::path& folder, const Told& told) {
     if (!TSInstance::IsConnectable()) {
       return {0, 0, 1, "store cannot be opened\n"};
     }
-    if (const std::string unsound = Query(folder / "ts.db", soundness); !unsound.empty()) {
+    soci::session sql;
+    TestStore(folder / "ts.db").Open(sql);
+    if (const std::string unsound = Query(sql, soundness); !unsound.empty()) {
       findings = {0, 0, 1, "store is not sound: " + unsound};
     }
-    const Records stored = StoredRecords(folder / "ts.db");
+    const Records stored = StoredRecords(sql);
     findings.lost = Missing(findings.text, "lost", told.acknowledged, stored);
     findings.half = Missing(findings.text, "half there", stored, told.announced);
   } catch (const std::exception& error) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <soci/soci.h>
+
 #include <filesystem>
 #include <set>
 #include <string>
@@ -23,6 +25,7 @@ struct Findings {
 };
 
 /// The records in a store, one line for each, as Recording announces them. What is half there reads otherwise.
+Records StoredRecords(soci::session& sql);
 Records StoredRecords(const std::filesystem::path& database);
 
 /// Opens the store "ts.db" of a folder through TSAL and with plain SQL, and compares it with what was told.

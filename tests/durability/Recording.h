@@ -12,9 +12,10 @@
 #include <utility>
 
 /// Makes a folder in which hosts can record into "ts.db".
-inline void PrepareFolder(const std::filesystem::path& folder) {
+inline void PrepareFolder(const std::filesystem::path& folder,
+                          const std::string& database = "Backend='sqlite3' Connection='ts.db'") {
   create_directories(folder);
-  std::ofstream(folder / "TSAL.config") << "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>";
+  std::ofstream(folder / "TSAL.config") << "<TSAL><Database " << database << "/></TSAL>";
   std::ofstream(folder / "activities.xml") << "<Activities><Activity Name='Tilt'><ActivityVersion Name='Expose' "
                                               "Version='1'/><ActivityVersion Name='Focus' Version='1'/>"
                                               "</Activity></Activities>";

@@ -6,9 +6,7 @@
 #include <string>
 
 /// What a query of text columns answers, as a person would read it: cells joined by '|', rows ended by '\n'.
-inline std::string Query(const std::filesystem::path& database, const std::string& statement) {
-  soci::session sql;
-  TestStore(database).Open(sql);
+inline std::string Query(soci::session& sql, const std::string& statement) {
   std::string answer;
   const soci::rowset<soci::row> rows = (sql.prepare << statement);
   for (const soci::row& row : rows) {
@@ -31,4 +29,10 @@ inline std::string Query(const std::filesystem::path& database, const std::strin
     answer += '\n';
   }
   return answer;
+}
+
+inline std::string Query(const std::filesystem::path& database, const std::string& statement) {
+  soci::session sql;
+  TestStore(database).Open(sql);
+  return Query(sql, statement);
 }

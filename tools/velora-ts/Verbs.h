@@ -13,6 +13,8 @@ enum ExitCode {
   Unsealed = 4,    ///< What is sealed is as it was, but not all is sealed.
 };
 
+/// Makes a store or brings it up, and lets a role of the server record in it where one is named.
+ExitCode Prepare(const Quor::TolvaServices::Local::Database& database, const std::string& hosts);
 /// Says whether hosts can record, and what the store holds.
 ExitCode Check(const std::string& folder);
 /// Writes a run in its canonical form to standard output.

@@ -33,6 +33,7 @@ class CommandLine {
         "sealed.\n\"velora-ts VERB --help\" has an example for each verb; "
         "\"man velora-ts\" says more.");
     AddCheck();
+    AddPrepare();
     AddExport();
     AddBackup();
     AddSeal();
@@ -63,6 +64,14 @@ class CommandLine {
     Add("check", "Says whether hosts can record, with which schema, and how much is recorded.",
         "check --config /data/titan")
         ->callback([this] { result = Check(folder); });
+  }
+
+  void AddPrepare() {
+    CLI::App* const verb =
+        Add("prepare", "Makes the store or brings it up to this version. Run as the owner of a server's database.",
+            "prepare --hosts microscopes");
+    verb->add_option("--hosts", hosts, "Let this role of the PostgreSQL server record, and nothing else");
+    verb->callback([this] { result = Prepare(Database(), hosts); });
   }
 
   void AddExport() {
@@ -107,7 +116,7 @@ class CommandLine {
   }
 
   CLI::App app;
-  std::string folder, run, since, until, file, format = "jsonl";
+  std::string folder, hosts, run, since, until, file, format = "jsonl";
   ExitCode result = Done;
 };
 

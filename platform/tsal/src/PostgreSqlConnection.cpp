@@ -8,7 +8,7 @@
 
 #include <soci/postgresql/soci-postgresql.h>
 
-#include <algorithm>
+#include <regex>
 #include <thread>
 
 namespace Quor::TolvaServices::Local {
@@ -24,13 +24,12 @@ constexpr const char* activitiesLock = "SELECT pg_advisory_xact_lock(21587, 2)";
 
 // On one line, and without the words that the database layer puts before it.
 std::string ReasonOf(const soci::soci_error& error) {
-  std::string reason = error.get_error_message();
-  if (const std::size_t first = reason.find('\n'); reason.compare(0, 6, "Cannot") == 0 && first < reason.size() - 1) {
-    reason.erase(0, first + 1);
-  }
-  reason.erase(reason.find_last_not_of(" \n") + 1);
-  std::replace(reason.begin(), reason.end(), '\n', ';');
-  return reason;
+  static const std::regex before(R"(^(Cannot [a-z ]*\.|Fatal error\.)\s*)");
+  static const std::regex breaks(R"(\s*\n\s*)");
+  static const std::regex end(R"(\s+$)");
+  std::string reason = std::regex_replace(error.get_error_message(), before, "");
+  reason = std::regex_replace(std::regex_replace(reason, before, ""), end, "");
+  return std::regex_replace(reason, breaks, "; ");
 }
 
 std::string StateOf(const soci::soci_error& error) {
@@ -63,6 +62,8 @@ void PostgreSqlConnection::Open() {
 }
 
 void PostgreSqlConnection::Configure() {
+  PQsetNoticeProcessor(
+      Handle(), [](void*, const char*) {}, nullptr);  // which would write to the host's standard error
   // A server that is set to lose what it acknowledged is told not to; one that is set to do more goes on doing so.
   Execute(Sql(),
           "SET statement_timeout = '4s'; SET lock_timeout = '4s'; SET default_transaction_isolation = 'read committed';"
@@ -137,7 +138,10 @@ void PostgreSqlConnection::MakePartitions() {
   }
 }
 
-bool PostgreSqlConnection::IsUsable() { return PQconsumeInput(Handle()) == 1 && !IsLost(); }
+// A server that ended said so before it closed the connection: the first look finds the words, the second the end.
+bool PostgreSqlConnection::IsUsable() {
+  return PQconsumeInput(Handle()) == 1 && PQconsumeInput(Handle()) == 1 && !IsLost();
+}
 
 bool PostgreSqlConnection::IsLost() { return PQstatus(Handle()) != CONNECTION_OK; }
 
@@ -147,7 +151,7 @@ TsError PostgreSqlConnection::ErrorOf(const soci::soci_error& reason) {
   }
   if (StateOf(reason) == "42501") {
     return TsError("TS database '" + name + "' does not let this role do that: " + ReasonOf(reason) +
-                   "; expected its owner to run 'velora-ts prepare'");
+                   "; expected its owner to run 'velora-ts prepare --hosts ROLE'");
   }
   return TsError("TS database '" + name + "': " + ReasonOf(reason));
 }

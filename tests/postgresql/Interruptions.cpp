@@ -1,0 +1,64 @@
+// Stands in the place of the client library's functions, and calls them.
+
+#include "Interruptions.h"
+
+#include <dlfcn.h>
+#include <libpq-fe.h>
+#include <sys/socket.h>
+
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+
+Interruptions& TheInterruptions() {
+  static Interruptions interruptions;
+  return interruptions;
+}
+
+namespace {
+
+template <typename Function>
+Function Original(const char* name) {
+  return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
+}
+
+// Asked over a connection of its own, which nothing happens to.
+void AskAboutServerOf(PGconn* connection, const std::string& question) {
+  const auto execute = Original<decltype(&PQexec)>("PQexec");
+  const std::unique_ptr<PGconn, decltype(&PQfinish)> control(PQconnectdb("dbname=postgres"), &PQfinish);
+  const std::string pid = std::to_string(PQbackendPID(connection));
+  for (bool done = false; !done;) {
+    const std::unique_ptr<PGresult, decltype(&PQclear)> answer(execute(control.get(), (question + pid + ")").c_str()),
+                                                               &PQclear);
+    done = PQresultStatus(answer.get()) != PGRES_TUPLES_OK || std::string_view(PQgetvalue(answer.get(), 0, 0)) == "t";
+  }
+}
+
+void BeforeStatement(PGconn* connection) {
+  if (++TheInterruptions().statements == TheInterruptions().endBefore) {
+    AskAboutServerOf(connection, "SELECT pg_terminate_backend(pid, 5000) FROM pg_stat_activity WHERE pid IN (");
+  }
+}
+
+}  // namespace
+
+extern "C" [[gnu::visibility("default")]] PGresult* PQexec(PGconn* connection, const char* statement) {
+  BeforeStatement(connection);
+  if (TheInterruptions().loseCommit && std::string_view(statement) == "COMMIT") {
+    TheInterruptions().loseCommit = false;
+    PQsendQuery(connection, statement);
+    AskAboutServerOf(connection, "SELECT state = 'idle' FROM pg_stat_activity WHERE pid IN (");
+    shutdown(PQsocket(connection), SHUT_RDWR);
+    while (PQgetResult(connection) != nullptr && PQstatus(connection) == CONNECTION_OK) {
+    }
+  }
+  return Original<decltype(&PQexec)>("PQexec")(connection, statement);
+}
+
+extern "C" [[gnu::visibility("default")]] PGresult* PQexecParams(PGconn* connection, const char* statement, int count,
+                                                                 const Oid* types, const char* const* values,
+                                                                 const int* lengths, const int* formats, int format) {
+  BeforeStatement(connection);
+  return Original<decltype(&PQexecParams)>("PQexecParams")(connection, statement, count, types, values, lengths,
+                                                           formats, format);
+}
