@@ -108,7 +108,14 @@ constexpr const char* version1[] = {
          value_number REAL,
          PRIMARY KEY (event_id, position)) WITHOUT ROWID)",
 
-    Views::executionStates,
+    R"(CREATE VIEW execution_states AS
+       SELECT e.execution_id, e.guid, e.parent_id, e.root_id, e.session_id, n.instrument,
+              v.name AS activity_version, e.node, e.description, e.kind, e.started_at,
+              s.code AS status, s.at AS status_at
+       FROM executions e
+       JOIN sessions n ON n.session_id = e.session_id
+       JOIN statuses s ON s.status_id = (SELECT MAX(status_id) FROM statuses WHERE execution_id = e.execution_id)
+       LEFT JOIN activity_versions v ON v.version_id = e.version_id)",
     Views::unfinished,
     Views::readings,
 };

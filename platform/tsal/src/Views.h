@@ -4,16 +4,6 @@
 
 namespace Quor::TolvaServices::Local::Views {
 
-inline constexpr const char* executionStates =
-    R"(CREATE VIEW execution_states AS
-       SELECT e.execution_id, e.guid, e.parent_id, e.root_id, e.session_id, n.instrument,
-              v.name AS activity_version, e.node, e.description, e.kind, e.started_at,
-              s.code AS status, s.at AS status_at
-       FROM executions e
-       JOIN sessions n ON n.session_id = e.session_id
-       JOIN statuses s ON s.status_id = (SELECT MAX(status_id) FROM statuses WHERE execution_id = e.execution_id)
-       LEFT JOIN activity_versions v ON v.version_id = e.version_id)";
-
 inline constexpr const char* unfinished =
     R"(CREATE VIEW unfinished AS
        WITH RECURSIVE open(execution_id) AS (
