@@ -13,8 +13,8 @@ constexpr const char* grants[] = {
     "GRANT USAGE ON SCHEMA {schema} TO {role}",
     "GRANT USAGE ON ALL SEQUENCES IN SCHEMA {schema} TO {role}",
     "GRANT SELECT ON ALL TABLES IN SCHEMA {schema} TO {role}",
-    "GRANT INSERT ON sessions, activities, activity_versions, registrations, configurations, executions, statuses, "
-    "events, parameters TO {role}",
+    R"(GRANT INSERT ON sessions, activities, activity_versions, registrations, configurations, executions, statuses,
+       events, parameters TO {role})",
     "GRANT EXECUTE ON FUNCTION make_partitions() TO {role}",
 };
 

@@ -45,8 +45,8 @@ constexpr const char* tables[] = {
          name        TEXT NOT NULL,
          version     TEXT NOT NULL,
          description TEXT NOT NULL))",
-    "CREATE UNIQUE INDEX activity_versions_once ON activity_versions "
-    "(activity_id, md5(name), md5(version), md5(description))",
+    R"(CREATE UNIQUE INDEX activity_versions_once ON activity_versions
+         (activity_id, md5(name), md5(version), md5(description)))",
 
     R"(CREATE TABLE registrations (
          rowid         KEY,
@@ -219,11 +219,10 @@ std::string NoChange(const std::string& table) {
 
 // A function with its owner's rights takes no table but those of its own schema.
 std::string TieTo(const std::string& schema) {
-  std::string statements = "REVOKE EXECUTE ON FUNCTION make_partition(bigint), make_partitions() FROM PUBLIC;";
-  for (const std::string function : {"next_event_id()", "make_partition(bigint)", "make_partitions()"}) {
-    statements += "ALTER FUNCTION " + function + " SET search_path = " + schema + ", pg_temp;";
-  }
-  return statements;
+  const std::string tie = " SET search_path = " + schema + ", pg_temp;";
+  return "REVOKE EXECUTE ON FUNCTION make_partition(bigint), make_partitions() FROM PUBLIC;"
+         "ALTER FUNCTION next_event_id()" +
+         tie + "ALTER FUNCTION make_partition(bigint)" + tie + "ALTER FUNCTION make_partitions()" + tie;
 }
 
 }  // namespace
@@ -233,7 +232,8 @@ void BringUpPostgreSqlSchema(soci::session& sql, int /*from*/) {
   Execute(sql, "SELECT quote_ident(current_schema())", soci::into(schema));
   std::string statements;
   for (const char* statement : tables) {
-    statements += InItsDialect(statement) + ';';
+    statements += InItsDialect(statement);
+    statements += ';';
   }
   statements += refuseChange;
   for (const char* table : recorded) {
