@@ -49,7 +49,8 @@ extern "C" [[gnu::visibility("default")]] PGresult* PQexec(PGconn* connection, c
     PQsendQuery(connection, statement);
     AskAboutServerOf(connection, "SELECT state = 'idle' FROM pg_stat_activity WHERE pid IN (");
     shutdown(PQsocket(connection), SHUT_RDWR);
-    while (PQgetResult(connection) != nullptr && PQstatus(connection) == CONNECTION_OK) {
+    while (PGresult* const result = PQgetResult(connection)) {
+      PQclear(result);
     }
   }
   return Original<decltype(&PQexec)>("PQexec")(connection, statement);
