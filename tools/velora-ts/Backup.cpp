@@ -1,6 +1,7 @@
 #include "Progress.h"
 #include "Records.h"
 #include "Soundness.h"
+#include "SqliteSource.h"
 #include "Store.h"
 #include "Verbs.h"
 
@@ -29,6 +30,8 @@ void MakeFile(const std::string& file) {
   close(made);
 }
 
+sqlite3* HandleOf(const Store& store) { return static_cast<const SqliteSource&>(store.Reading()).Handle(); }
+
 void Copy(const Store& store, const std::string& file) {
   sqlite3* opened = nullptr;
   const int result = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
@@ -38,7 +41,7 @@ void Copy(const Store& store, const std::string& file) {
     fail();
   }
   const std::unique_ptr<sqlite3_backup, decltype(&sqlite3_backup_finish)> copy(
-      sqlite3_backup_init(target.get(), "main", store.Handle(), "main"), &sqlite3_backup_finish);
+      sqlite3_backup_init(target.get(), "main", HandleOf(store), "main"), &sqlite3_backup_finish);
   if (!copy) {
     fail();
   }
@@ -57,6 +60,12 @@ void Copy(const Store& store, const std::string& file) {
 
 ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file) {
   const Store store(database);
+  if (store.Kind() == Store::Database::Kind::PostgreSql) {
+    std::cerr << "a server's own tools copy what is on it: pg_dump --format=custom --file='" << file
+              << "' for this database (docs/postgresql.md), pg_basebackup for the whole server; velora-ts copy makes a "
+                 "file of SQLite\n";
+    return WrongUsage;
+  }
   const Numbers highest = HighestNumbers(store);
   MakeFile(file);
   try {
@@ -64,17 +73,17 @@ ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std:
     store.ExpectUntouched();
     const Store copy({Quor::TolvaServices::Local::Database::Kind::Sqlite, file});
     if (const auto damage = DamageFindings(copy); !damage.empty()) {
-      throw TsError("the copy of '" + store.Path() + "' is not sound: " + damage.front());
+      throw TsError("the copy of '" + store.Name() + "' is not sound: " + damage.front());
     }
     if (HighestNumbers(copy) != highest) {
-      throw TsError("the copy of '" + store.Path() + "' lacks rows");
+      throw TsError("the copy of '" + store.Name() + "' lacks rows");
     }
   } catch (...) {
     std::error_code ignored;
     std::filesystem::remove(file, ignored);
     throw;
   }
-  std::cout << "store '" << store.Path() << "' copied to '" << file << "' and checked: " << highest[Executions]
+  std::cout << "store '" << store.Name() << "' copied to '" << file << "' and checked: " << highest[Executions]
             << " executions, " << highest[Events] << " events\n";
   return Done;
 }

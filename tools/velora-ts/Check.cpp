@@ -16,7 +16,7 @@ void SayHowMuch(const Store& store) {
   const char* separator = "records: ";
   for (const char* table : {"sessions", "registrations", "activities", "activity_versions", "configurations",
                             "executions", "statuses", "events", "parameters"}) {
-    Rows rows(store, ("SELECT COUNT(*) FROM " + std::string(table)).c_str());
+    Rows rows(store, "SELECT COUNT(*) FROM " + std::string(table));
     rows.Next();
     std::cout << separator << rows.Text(0) << ' ' << table;
     separator = ", ";
@@ -44,7 +44,7 @@ ExitCode Check(const std::string& folder) {
     result = Found;
   }
   const Store store(settings.database);
-  std::cout << "store: " << store.Path() << '\n';
+  std::cout << "store: " << store.Name() << '\n';
   const bool older = store.SchemaVersion() < Local::schemaVersion;
   std::cout << "schema: version " << store.SchemaVersion() << (older ? "; the next host that records brings it up" : "")
             << '\n';

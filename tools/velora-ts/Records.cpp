@@ -12,7 +12,7 @@ namespace {
 constexpr int format = 1;
 
 // What a record refers to is written as its guid; as its key where another program left no such row.
-#define GUID_OF(table, key, of) "COALESCE((SELECT guid FROM " table " WHERE " key " = " of "), " of ")"
+#define GUID_OF(table, key, of) "COALESCE((SELECT guid FROM " table " WHERE " key " = " of "), CAST(" of " AS TEXT))"
 #define SESSION GUID_OF("sessions", "session_id", "r.session_id") " AS session"
 
 constexpr const char* sessionQuestion =
@@ -45,9 +45,7 @@ constexpr const char* eventQuestion =
 #undef SESSION
 #undef GUID_OF
 
-Rows Question(const Store& store, const char* columns, const std::string& which) {
-  return {store, (columns + which).c_str()};
-}
+Rows Question(const Store& store, const char* columns, const std::string& which) { return {store, columns + which}; }
 
 }  // namespace
 
@@ -78,11 +76,16 @@ Records::Records(const Store& store, const Numbers& upTo, Sink sink)
       executions(Question(store, executionQuestion, "WHERE root_id = ?1 AND execution_id <= ?2 ORDER BY execution_id")),
       statuses(Question(store, statusQuestion,
                         "WHERE execution_id = ?1 AND status_id > ?2 AND status_id <= ?3 ORDER BY status_id")),
-      events(Question(store, eventQuestion,
-                      "WHERE execution_id = ?1 AND event_id > ?2 AND event_id <= ?3 ORDER BY event_id")),
-      parameters(store,
-                 "SELECT position, name, kind, value_text, value_number FROM parameters WHERE event_id = ?1 "
-                 "ORDER BY position") {}
+      events(EventsWhere(store, "r.execution_id = ?1 AND r.event_id > ?2 AND r.event_id <= ?3")) {}
+
+// Two questions for all events, since one for the parameters of each would take a server too long.
+Records::EventRows Records::EventsWhere(const Store& store, const std::string& condition) {
+  return {{store, eventQuestion + ("WHERE " + condition) + " ORDER BY r.event_id"},
+          {store,
+           "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM events r "
+           "JOIN parameters p ON p.event_id = r.event_id WHERE " +
+               condition + " ORDER BY r.event_id, p.position"}};
+}
 
 void Records::WriteRun(long long root, const Numbers& since) {
   Rows guid(store, "SELECT guid FROM executions WHERE execution_id = ?1");
@@ -101,7 +104,7 @@ void Records::WriteRun(long long root, const Numbers& since) {
       Mention(Sessions, statuses, 5);
       Write(Statuses, statuses);
     }
-    WriteEvents(events.Ask(execution, since[Events], upTo[Events]));
+    WriteEvents(events, execution, since[Events], upTo[Events]);
   }
 }
 
@@ -124,16 +127,14 @@ void Records::WriteRest(const Numbers& since) {
     Rows rows = Question(store, columns, which);
     WriteAll(kind, rows.Ask(since[kind], upTo[kind]));
   }
-  Rows ofNoRun = Question(store, eventQuestion,
-                          "WHERE execution_id IS NULL AND event_id > ?1 AND event_id <= ?2 ORDER BY event_id");
-  WriteEvents(ofNoRun.Ask(since[Events], upTo[Events]));
+  EventRows ofNoRun = EventsWhere(store, "r.execution_id IS NULL AND r.event_id > ?1 AND r.event_id <= ?2");
+  WriteEvents(ofNoRun, since[Events], upTo[Events]);
 }
 
 void Records::WriteEventsOfNoRun(const std::string& from, const std::string& before) {
   BeginPart("{\"record\":\"rest\",\"format\":" + std::to_string(format) + '}', true);
-  Rows ofNoRun =
-      Question(store, eventQuestion, "WHERE execution_id IS NULL AND at >= ?1 AND at < ?2 ORDER BY event_id");
-  WriteEvents(ofNoRun.Ask(from, before));
+  EventRows ofNoRun = EventsWhere(store, "r.execution_id IS NULL AND r.at >= ?1 AND r.at < ?2");
+  WriteEvents(ofNoRun, from, before);
 }
 
 void Records::BeginPart(const std::string& header, bool references) {
@@ -176,6 +177,36 @@ void Records::Mention(Kind kind, const Rows& from, int column) {
 }
 
 void Records::Write(Kind kind, const Rows& rows) {
+  BeginLine(kind, rows);
+  EndLine();
+}
+
+void Records::WriteAll(Kind kind, Rows& rows) {
+  while (rows.Next()) {
+    Write(kind, rows);
+  }
+}
+
+template <typename... Values>
+void Records::WriteEvents(EventRows& rows, const Values&... values) {
+  rows.parameters.Ask(values...);
+  bool more = rows.parameters.Next();
+  for (rows.events.Ask(values...); rows.events.Next();) {
+    Mention(Sessions, rows.events, 6);
+    Mention(Configurations, rows.events, 7);
+    BeginLine(Events, rows.events);
+    line += ",\"parameters\":[";
+    for (bool first = true; more && rows.parameters.Integer(5) == rows.events.Integer(0); first = false) {
+      line += first ? "" : ",";
+      AppendParameter(rows.parameters);
+      more = rows.parameters.Next();
+    }
+    line += ']';
+    EndLine();
+  }
+}
+
+void Records::BeginLine(Kind kind, const Rows& rows) {
   ++counts[kind];
   line = "{\"record\":\"";
   line += kindNames[kind];
@@ -186,54 +217,35 @@ void Records::Write(Kind kind, const Rows& rows) {
     line += "\":";
     rows.AppendValue(line, column);
   }
-  if (kind == Events) {
-    AppendParameters(rows.Integer(0));
-  }
+}
+
+void Records::EndLine() {
   line += "}\n";
   sink(line);
 }
 
-void Records::WriteAll(Kind kind, Rows& rows) {
-  while (rows.Next()) {
-    Write(kind, rows);
+void Records::AppendParameter(const Rows& parameters) {
+  ++counts[Parameters];
+  line += "{\"position\":";
+  parameters.AppendValue(line, 0);
+  line += ",\"name\":";
+  parameters.AppendValue(line, 1);
+  line += ",\"kind\":";
+  parameters.AppendValue(line, 2);
+  line += ",\"value\":";
+  const bool hasText = !parameters.IsNull(3);
+  const bool hasNumber = !parameters.IsNull(4);
+  const double number = parameters.Number(4);
+  if (hasText && hasNumber) {  // no host does that; it must not look like either
+    line += '[';
+    parameters.AppendValue(line, 3);
+    line += ',';
+    parameters.AppendValue(line, 4);
+    line += ']';
+  } else if (hasNumber && (number == 0 || number == 1) && parameters.Text(2) == "bool") {
+    line += number == 0 ? "false" : "true";
+  } else {
+    parameters.AppendValue(line, hasText ? 3 : 4);
   }
-}
-
-void Records::WriteEvents(Rows& rows) {
-  while (rows.Next()) {
-    Mention(Sessions, rows, 6);
-    Mention(Configurations, rows, 7);
-    Write(Events, rows);
-  }
-}
-
-void Records::AppendParameters(long long event) {
-  line += ",\"parameters\":[";
-  bool first = true;
-  for (parameters.Ask(event); parameters.Next(); first = false) {
-    ++counts[Parameters];
-    line += first ? "{\"position\":" : ",{\"position\":";
-    parameters.AppendValue(line, 0);
-    line += ",\"name\":";
-    parameters.AppendValue(line, 1);
-    line += ",\"kind\":";
-    parameters.AppendValue(line, 2);
-    line += ",\"value\":";
-    const bool hasText = !parameters.IsNull(3);
-    const bool hasNumber = !parameters.IsNull(4);
-    const double number = parameters.Number(4);
-    if (hasText && hasNumber) {  // no host does that; it must not look like either
-      line += '[';
-      parameters.AppendValue(line, 3);
-      line += ',';
-      parameters.AppendValue(line, 4);
-      line += ']';
-    } else if (hasNumber && (number == 0 || number == 1) && parameters.Text(2) == "bool") {
-      line += number == 0 ? "false" : "true";
-    } else {
-      parameters.AppendValue(line, hasText ? 3 : 4);
-    }
-    line += '}';
-  }
-  line += ']';
+  line += '}';
 }

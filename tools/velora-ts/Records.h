@@ -66,13 +66,23 @@ class Records {
   const Numbers& Counts() const { return counts; }
 
  private:
+  /// Events, and their parameters in the same order.
+  struct EventRows {
+    Rows events;
+    Rows parameters;
+  };
+  static EventRows EventsWhere(const Store& store, const std::string& condition);
+
   void BeginPart(const std::string& header, bool withReferences);
   void Mention(Kind kind, const Rows& from, int column);
   /// Writes the row where `rows` stands; columns whose names begin with '_' are for this class.
   void Write(Kind kind, const Rows& rows);
   void WriteAll(Kind kind, Rows& rows);
-  void WriteEvents(Rows& rows);
-  void AppendParameters(long long event);
+  template <typename... Values>
+  void WriteEvents(EventRows& rows, const Values&... values);
+  void BeginLine(Kind kind, const Rows& rows);
+  void EndLine();
+  void AppendParameter(const Rows& parameters);
 
   const Store& store;
   const Numbers upTo;
@@ -83,5 +93,6 @@ class Records {
   std::array<std::set<long long>, kindCount> mentioned;
 
   Rows session, registrations, activity, version, configuration;
-  Rows executions, statuses, events, parameters;
+  Rows executions, statuses;
+  EventRows events;
 };

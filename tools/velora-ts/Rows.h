@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sqlite3.h>
+#include "Source.h"
 
 #include <memory>
 #include <string>
@@ -8,35 +8,31 @@
 
 class Store;
 
-/// A question to a store and its rows. The one place, with Store, that knows which database it is.
+/// A question to a store and its rows, in SQL that every database of a store takes.
 class Rows {
  public:
-  Rows(const Store& store, const char* question);
+  Rows(const Store& store, const std::string& question);
 
   /// Asks from the beginning, with these values for ?1, ?2...
   template <typename... Values>
   Rows& Ask(const Values&... values) {
-    sqlite3_reset(statement.get());
+    cursor->Restart();
     int place = 0;
-    (Bind(++place, values), ...);
+    (cursor->Bind(++place, values), ...);
     return *this;
   }
   /// Goes to the next row. @return whether there is one.
-  bool Next();
+  bool Next() { return cursor->Next(); }
 
-  bool IsNull(int column) const;
-  long long Integer(int column) const;
-  double Number(int column) const;
-  std::string_view Text(int column) const;
-  int Columns() const;
-  const char* Name(int column) const;
+  bool IsNull(int column) const { return cursor->TypeOf(column) == Cursor::Type::Null; }
+  long long Integer(int column) const { return cursor->Integer(column); }
+  double Number(int column) const { return cursor->Number(column); }
+  std::string_view Text(int column) const { return cursor->Text(column); }
+  int Columns() const { return cursor->Columns(); }
+  const char* Name(int column) const { return cursor->Name(column); }
   /// Appends a value as JSON, by the type that it is really stored with.
   void AppendValue(std::string& json, int column) const;
 
  private:
-  void Bind(int place, long long value);
-  void Bind(int place, const std::string& value);
-
-  const Store& store;
-  std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement;
+  std::unique_ptr<Cursor> cursor;
 };

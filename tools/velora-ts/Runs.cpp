@@ -29,24 +29,24 @@ std::string InWords(const Run& run) {
 }
 
 std::vector<Run> RunsBetween(const Store& store, const std::string& from, const std::string& before) {
-  Rows rows(store, (columns + "started_at >= ?1 AND started_at < ?2 ORDER BY execution_id").c_str());
+  Rows rows(store, columns + "started_at >= ?1 AND started_at < ?2 ORDER BY execution_id");
   return All(rows.Ask(from, before));
 }
 
 std::vector<Run> AllRuns(const Store& store) {
-  Rows rows(store, (columns + "true ORDER BY execution_id").c_str());
+  Rows rows(store, columns + "true ORDER BY execution_id");
   return All(rows);
 }
 
 std::vector<Run> RunsNamed(const Store& store, const std::string& name) {
   if (name == "last") {
-    Rows rows(store, (columns + "true ORDER BY execution_id DESC LIMIT 1").c_str());
+    Rows rows(store, columns + "true ORDER BY execution_id DESC LIMIT 1");
     return All(rows);
   }
   std::string guid = name;
   std::transform(guid.begin(), guid.end(), guid.begin(),
                  [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
-  Rows rows(store, (columns + "((guid >= ?1 AND guid < ?1 || 'g') OR node = ?2) ORDER BY execution_id").c_str());
+  Rows rows(store, columns + "((guid >= ?1 AND guid < ?1 || 'g') OR node = ?2) ORDER BY execution_id");
   return All(rows.Ask(guid, Quor::TolvaServices::Local::ToStoredText(name)));
 }
 

@@ -74,8 +74,11 @@ class Sealer {
 };
 
 /// Links the seals to those before and adds them, all or none.
-void Add(Local::Connection& connection, Anchor& end, std::vector<Seal> seals) {
+void Add(Local::Connection& connection, bool onServer, Anchor& end, std::vector<Seal> seals) {
   Local::Transaction transaction(connection);
+  if (onServer) {
+    Local::Execute(connection.Sql(), "LOCK TABLE seals IN EXCLUSIVE MODE");
+  }
   long long newest = 0;
   Local::Execute(connection.Sql(), "SELECT COALESCE(MAX(seal_id), 0) FROM seals", soci::into(newest));
   if (newest != end.number) {
@@ -102,17 +105,28 @@ void Add(Local::Connection& connection, Anchor& end, std::vector<Seal> seals) {
   transaction.Commit();
 }
 
+// On a server a number is taken before its row can be seen, and a seal says that all up to a number is covered. So what
+// is under way is let finish first, and more is held up until the state to read is fixed, which takes milliseconds. The
+// tables stand in the order in which hosts write them.
+Store WithoutGaps(const Local::Database& database, Local::Connection& connection) {
+  if (database.kind == Local::Database::Kind::Sqlite) {
+    return Store(database);
+  }
+  const Local::Transaction held(connection);
+  std::string snapshot;
+  Local::Execute(connection.Sql(),
+                 "LOCK TABLE sessions, activities, activity_versions, registrations, configurations, executions, "
+                 "statuses, events, parameters IN SHARE MODE; SELECT pg_export_snapshot()",
+                 soci::into(snapshot));
+  return Store(database, snapshot);
+}
+
 ExitCode Refuse(const std::string& finding) {
   std::cout << "finding: " << finding << "\nnothing was sealed on top of that; see velora-ts verify\n";
   return Found;
 }
 
-}  // namespace
-
-ExitCode SealRuns(const Local::Database& database, const std::string& anchorFile) {
-  static_cast<void>(Store(database));                       // which must be there: a connection would make one
-  const auto connection = Local::OpenConnection(database);  // brings it up
-  const Store store(database);
+ExitCode SealWith(Local::Connection& connection, const Store& store, const std::string& anchorFile) {
   const std::vector<Seal> seals = ReadSeals(store);
   if (const auto broken = ChainFindings(seals); !broken.empty()) {
     return Refuse(broken.front());
@@ -123,16 +137,24 @@ ExitCode SealRuns(const Local::Database& database, const std::string& anchorFile
     }
   }
   Anchor end = seals.empty() ? Anchor{0, noHash} : Anchor{seals.back().number, seals.back().hash};
-  try {
-    if (const std::vector<Seal> fresh = Sealer(store, seals).NewSeals(); !fresh.empty()) {
-      Add(*connection, end, fresh);
-    }
-  } catch (const soci::soci_error& reason) {
-    throw connection->ErrorOf(reason);
+  if (const std::vector<Seal> fresh = Sealer(store, seals).NewSeals(); !fresh.empty()) {
+    Add(connection, store.Kind() == Local::Database::Kind::PostgreSql, end, fresh);
   }
   if (!anchorFile.empty()) {
     WriteAnchor(anchorFile, end);
   }
   std::cout << "newest seal: " << end.number << ' ' << end.hash << '\n';
   return Done;
+}
+
+}  // namespace
+
+ExitCode SealRuns(const Local::Database& database, const std::string& anchorFile) {
+  static_cast<void>(Store(database));                       // which must be there: a connection would make one
+  const auto connection = Local::OpenConnection(database);  // brings it up
+  try {
+    return SealWith(*connection, WithoutGaps(database, *connection), anchorFile);
+  } catch (const soci::soci_error& reason) {
+    throw connection->ErrorOf(reason);
+  }
 }

@@ -1,73 +1,25 @@
 #include "Soundness.h"
 
-#include "ExpectedSchema.h"
-#include "Progress.h"
+#include "PostgreSqlSoundness.h"
 #include "Rows.h"
+#include "SqliteSoundness.h"
 #include "Store.h"
-
-#include <map>
 
 namespace {
 
-constexpr int stepsBetweenShowing = 1'000'000;
-
-/// Shows that SQLite is at work on a question that has no rows to count.
-class Working {
- public:
-  explicit Working(const Store& store) : store(store) {
-    const auto show = [](void* shown) {
-      static_cast<Progress*>(shown)->Add(1);
-      return 0;
-    };
-    sqlite3_progress_handler(store.Handle(), stepsBetweenShowing, show, &progress);
-  }
-  Working(const Working&) = delete;
-  Working& operator=(const Working&) = delete;
-  ~Working() { sqlite3_progress_handler(store.Handle(), 0, nullptr, nullptr); }
-
- private:
-  const Store& store;
-  Progress progress{"Checking the file, million steps", 0};
-};
+bool IsOnServer(const Store& store) { return store.Kind() == Store::Database::Kind::PostgreSql; }
 
 }  // namespace
 
 std::vector<std::string> SchemaFindings(const Store& store) {
-  std::vector<std::string> findings;
-  std::map<std::string, std::string> missing = ExpectedSchema(store.SchemaVersion());
-  for (Rows rows(store, schemaObjects); rows.Next();) {
-    const std::string name(rows.Text(0));
-    const auto expected = missing.find(name);
-    if (expected != missing.end()) {
-      if (expected->second != rows.Text(1)) {
-        findings.push_back(name + " is not what it should be");
-      }
-      missing.erase(expected);
-    } else if (name.starts_with("trigger")) {  // further indexes and views are a reader's own, and harmless
-      findings.push_back(name + " is none of TS's, and may change what is recorded");
-    }
-  }
-  for (const auto& [name, sql] : missing) {
-    findings.push_back(name + " is missing");
-  }
-  return findings;
+  return IsOnServer(store) ? PostgreSqlSchemaFindings(store) : SqliteSchemaFindings(store);
 }
 
 std::vector<std::string> DamageFindings(const Store& store) {
-  const Working working(store);
-  std::vector<std::string> findings;
-  for (Rows rows(store, "PRAGMA integrity_check"); rows.Next();) {
-    if (rows.Text(0) != "ok") {
-      findings.push_back("the file is damaged: " + std::string(rows.Text(0)));
-    }
-  }
-  for (Rows rows(store, "PRAGMA foreign_key_check"); rows.Next();) {
-    findings.push_back("row " + std::string(rows.Text(1)) + " of " + std::string(rows.Text(0)) +
-                       " refers to a row of " + std::string(rows.Text(2)) + " that is not there");
-  }
+  std::vector<std::string> findings = IsOnServer(store) ? PostgreSqlDamageFindings(store) : SqliteDamageFindings(store);
   Rows strays(store,
               "SELECT x.execution_id FROM executions x LEFT JOIN executions r ON r.execution_id = "
-              "COALESCE(x.parent_id, x.execution_id) WHERE x.root_id IS NOT "
+              "COALESCE(x.parent_id, x.execution_id) WHERE x.root_id IS DISTINCT FROM "
               "CASE WHEN x.parent_id IS NULL THEN x.execution_id ELSE r.root_id END");
   while (strays.Next()) {
     findings.push_back("row " + std::string(strays.Text(0)) + " of executions has another root than its parent");

@@ -1,33 +1,31 @@
 #pragma once
 
 #include "Settings.h"
+#include "Source.h"
 
-#include <sqlite3.h>
-
-#include <filesystem>
 #include <memory>
 #include <string>
 
-/// A store opened for reading: one state of it, as it was at the opening, whatever hosts record meanwhile. Neither
-/// changes the file, nor waits for those who write it, nor makes them wait.
+/// A store opened for reading: one state of it, as it was at the opening.
 class Store {
  public:
-  /// @throws TsError when the file is no store that this program can read.
-  explicit Store(const Quor::TolvaServices::Local::Database& database);
+  using Database = Quor::TolvaServices::Local::Database;
 
-  const std::string& Path() const { return path; }
+  /// @param snapshot of a connection to the same server, whose state is to be read; empty for that of this moment.
+  /// @throws TsError when it is no store that this program can read.
+  explicit Store(const Database& database, const std::string& snapshot = "");
+
+  Database::Kind Kind() const { return database.kind; }
+  /// As messages call it.
+  const std::string& Name() const { return name; }
   int SchemaVersion() const { return schemaVersion; }
-  sqlite3* Handle() const { return handle.get(); }
-
+  Source& Reading() const { return *source; }
   /// @throws TsError when what was read may be a mixture, since hosts began to write while it was read.
-  void ExpectUntouched() const;
+  void ExpectUntouched() const { source->ExpectUntouched(); }
 
  private:
-  void Open();
-
-  std::string path;
-  bool closed = false;  // nobody had it open: read without the files that its users share
-  std::filesystem::file_time_type written;
-  std::unique_ptr<sqlite3, decltype(&sqlite3_close)> handle{nullptr, &sqlite3_close};
+  const Database database;
+  const std::string name;
+  const std::unique_ptr<Source> source;
   int schemaVersion = 0;
 };

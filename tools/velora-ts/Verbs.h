@@ -24,6 +24,9 @@ ExitCode ExportSpan(const Quor::TolvaServices::Local::Database& database, const 
                     const std::string& until);
 /// Copies a store, as it is at this moment, to a file that is not there yet.
 ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file);
+/// Copies a store into another database, or goes on with a copy, and compares the two.
+ExitCode CopyStore(const Quor::TolvaServices::Local::Database& source,
+                   const Quor::TolvaServices::Local::Database& target);
 /// Seals every finished run, and what belongs to none; writes the newest hash to a file where one is named.
 ExitCode SealRuns(const Quor::TolvaServices::Local::Database& database, const std::string& anchorFile);
 /// Compares everything that is sealed with its seals, and these with an anchor where one is named.

@@ -36,6 +36,7 @@ class CommandLine {
     AddPrepare();
     AddExport();
     AddBackup();
+    AddCopy();
     AddSeal();
     AddVerify();
   }
@@ -101,6 +102,16 @@ class CommandLine {
     verb->callback([this] { result = Backup(Database(), file); });
   }
 
+  void AddCopy() {
+    CLI::App* const verb = app.add_subcommand(
+        "copy", "Copies a store into another database, file or server, or goes on with a copy that was interrupted.");
+    verb->add_option("FROM", folder, "Folder with the TSAL.config of the store to copy")->required();
+    verb->add_option("TO", target, "Folder with that of an empty store, or of an earlier copy")->required();
+    verb->footer("Example:\n  velora-ts copy /data/titan /data/facility");
+    verb->callback(
+        [this] { result = CopyStore(Database(), Quor::TolvaServices::Local::ReadSettings(target).database); });
+  }
+
   void AddSeal() {
     CLI::App* const verb = Add("seal", "Seals every finished run, so that verify finds what is changed later.",
                                "seal --anchor /safe/titan.anchor");
@@ -116,7 +127,7 @@ class CommandLine {
   }
 
   CLI::App app;
-  std::string folder, hosts, run, since, until, file, format = "jsonl";
+  std::string folder, target, hosts, run, since, until, file, format = "jsonl";
   ExitCode result = Done;
 };
 

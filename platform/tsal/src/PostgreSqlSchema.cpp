@@ -153,14 +153,6 @@ constexpr const char* tables[] = {
     Views::readings,
 };
 
-constexpr const char* recorded[] = {"ts_schema",     "sessions",       "activities", "activity_versions",
-                                    "registrations", "configurations", "executions", "statuses",
-                                    "events",        "parameters",     "seals"};
-
-constexpr const char* refuseChange =
-    "CREATE FUNCTION refuse_change() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN "
-    "RAISE EXCEPTION 'rows of % are only ever added', TG_ARGV[0]; END $$;";
-
 // With its owner's rights, so that a host that may only add rows has its partitions made too. A partition is made on
 // its own and then attached: made in place, it would wait for every reader, and every host for it.
 constexpr const char* partitions[] = {
@@ -235,8 +227,8 @@ void BringUpPostgreSqlSchema(soci::session& sql, int /*from*/) {
     statements += InItsDialect(statement);
     statements += ';';
   }
-  statements += refuseChange;
-  for (const char* table : recorded) {
+  statements += std::string("CREATE FUNCTION refuse_change() RETURNS trigger LANGUAGE plpgsql AS $$") + refusal + "$$;";
+  for (const char* table : recordedTables) {
     statements += NoChange(table);
   }
   for (const char* statement : partitions) {
