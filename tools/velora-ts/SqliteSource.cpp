@@ -118,7 +118,9 @@ void SqliteSource::Open() {
     throw TsError("TS store '" + path + "' cannot be opened: " + sqlite3_errmsg(opened));
   }
   sqlite3_busy_timeout(opened, longestWaitMilliseconds);
-  Prepare("BEGIN")->Next();
+  if (sqlite3_exec(opened, "BEGIN", nullptr, nullptr, nullptr) != SQLITE_OK) {  // one state for all questions
+    throw TsError("TS store '" + path + "' cannot be read: " + sqlite3_errmsg(opened));
+  }
 }
 
 bool SqliteSource::IsStore() {
