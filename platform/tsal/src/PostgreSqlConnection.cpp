@@ -122,7 +122,10 @@ long long PostgreSqlConnection::NextKey(const std::string& table, const std::str
 
 void PostgreSqlConnection::HoldActivities() { Execute(Sql(), activitiesLock); }
 
-void PostgreSqlConnection::HoldSchema() { Execute(Sql(), schemaLock); }
+// Whoever makes or brings up the store may take longer than an operation; the hosts that begin meanwhile wait for it.
+void PostgreSqlConnection::HoldSchema() {
+  Execute(Sql(), std::string("SET LOCAL statement_timeout = '30s'; SET LOCAL lock_timeout = '30s'; ") + schemaLock);
+}
 
 void PostgreSqlConnection::Insert(const Types::InstrumentEvent& event, long long session,
                                   std::optional<long long> execution, std::optional<long long> configuration) {

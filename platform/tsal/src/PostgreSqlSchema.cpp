@@ -235,6 +235,8 @@ void BringUpPostgreSqlSchema(soci::session& sql, int /*from*/) {
     statements += statement;
   }
   statements += TieTo(schema) + NoTruncate("events_copied", "events") + NoTruncate("parameters_copied", "parameters");
+  // Here, so that of many hosts that begin at once none has to wait for another that makes them.
+  statements += "SELECT make_partitions();";
   Execute(sql, statements);  // at once: the server may be far away
   AddVersion(sql, schemaVersion);
 }
