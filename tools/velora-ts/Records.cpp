@@ -2,6 +2,7 @@
 
 #include "Json.h"
 #include "Store.h"
+#include "Values.h"
 
 #include <TSAL/Error.h>
 
@@ -233,19 +234,6 @@ void Records::AppendParameter(const Rows& parameters) {
   line += ",\"kind\":";
   parameters.AppendValue(line, 2);
   line += ",\"value\":";
-  const bool hasText = !parameters.IsNull(3);
-  const bool hasNumber = !parameters.IsNull(4);
-  const double number = parameters.Number(4);
-  if (hasText && hasNumber) {  // no host does that; it must not look like either
-    line += '[';
-    parameters.AppendValue(line, 3);
-    line += ',';
-    parameters.AppendValue(line, 4);
-    line += ']';
-  } else if (hasNumber && (number == 0 || number == 1) && parameters.Text(2) == "bool") {
-    line += number == 0 ? "false" : "true";
-  } else {
-    parameters.AppendValue(line, hasText ? 3 : 4);
-  }
+  AppendParameterValue(line, parameters);
   line += '}';
 }

@@ -4,11 +4,16 @@
 #include "Rows.h"
 #include "Store.h"
 #include "StoredText.h"
+#include "Terminal.h"
 
 #include <algorithm>
 #include <cctype>
+#include <iostream>
+#include <utility>
 
 namespace {
+
+constexpr std::size_t shortGuid = 8;
 
 const std::string columns = "SELECT execution_id, guid, node, started_at FROM executions WHERE parent_id IS NULL AND ";
 
@@ -20,12 +25,20 @@ std::vector<Run> All(Rows& rows) {
   return runs;
 }
 
+// By the index of guids, not by that of parents.
+std::vector<Run> RunsWithGuid(const Store& store, const std::string& beginning) {
+  Rows rows(store,
+            "SELECT execution_id, guid, node, started_at FROM executions WHERE +parent_id IS NULL AND guid >= ?1 "
+            "AND guid < ?2 ORDER BY execution_id");
+  return All(rows.Ask(beginning, beginning + 'g'));
+}
+
 }  // namespace
 
 std::string InWords(const Run& run) {
   std::string words = "run " + run.guid + ' ';
   AppendText(words, run.node);  // on one line, whatever is in it
-  return words + " of " + run.startedAt;
+  return Printable(words + " of " + run.startedAt);
 }
 
 std::vector<Run> RunsBetween(const Store& store, const std::string& from, const std::string& before) {
@@ -40,19 +53,45 @@ std::vector<Run> AllRuns(const Store& store) {
 
 std::vector<Run> RunsNamed(const Store& store, const std::string& name) {
   if (name == "last") {
-    Rows rows(store, columns + "true ORDER BY execution_id DESC LIMIT 1");
+    Rows rows(store, columns + "true ORDER BY parent_id DESC, started_at DESC, execution_id DESC LIMIT 1");
     return All(rows);
   }
   std::string guid = name;
   std::transform(guid.begin(), guid.end(), guid.begin(),
                  [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
-  Rows rows(store, columns + "((guid >= ?1 AND guid < ?1 || 'g') OR node = ?2) ORDER BY execution_id");
-  return All(rows.Ask(guid, Quor::TolvaServices::Local::ToStoredText(name)));
+  std::vector<Run> runs = RunsWithGuid(store, guid);
+  if (runs.empty() || guid.size() < shortGuid) {  // where a guid is not meant for sure, nodes have to be gone through
+    Rows rows(store, columns + "node = ?1 ORDER BY execution_id");
+    for (Run& run : All(rows.Ask(Quor::TolvaServices::Local::ToStoredText(name)))) {
+      if (std::none_of(runs.begin(), runs.end(), [&](const Run& found) { return found.root == run.root; })) {
+        runs.push_back(std::move(run));
+      }
+    }
+  }
+  return runs;
+}
+
+std::optional<Run> TheRunNamed(const Store& store, const std::string& name) {
+  const std::vector<Run> runs = RunsNamed(store, name);
+  if (runs.size() == 1) {
+    return runs.front();
+  }
+  std::cerr << (runs.empty() ? "no run is called '" : "more than one run is called '") << Printable(name) << "'\n";
+  for (const Run& run : runs) {
+    std::cerr << InWords(run) << '\n';
+  }
+  return std::nullopt;
+}
+
+std::string ShortGuid(const Store& store, const std::string& guid) {
+  std::size_t length = shortGuid;
+  while (length < guid.size() && RunsWithGuid(store, guid.substr(0, length)).size() > 1) {
+    ++length;
+  }
+  return guid.substr(0, length);
 }
 
 bool IsUnfinished(const Store& store, const Run& run) {
-  Rows rows(store,
-            "SELECT EXISTS (SELECT 1 FROM executions x WHERE root_id = ?1 AND 4 = (SELECT code FROM statuses "
-            "WHERE execution_id = x.execution_id ORDER BY status_id DESC LIMIT 1))");
-  return rows.Ask(run.root).Next() && rows.Integer(0) != 0;
+  Rows rows(store, (std::string(runningOfRun) + "?1 LIMIT 1").c_str());
+  return rows.Ask(run.root).Next();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,5 +26,16 @@ std::vector<Run> AllRuns(const Store& store);
 /// The runs that a name may stand for: a guid, the first letters of one, "last", or a node.
 std::vector<Run> RunsNamed(const Store& store, const std::string& name);
 
-/// Whether any execution of a run has 4, running, for its newest status.
+/// The only one of them. Where there is not exactly one, standard error has said so.
+std::optional<Run> TheRunNamed(const Store& store, const std::string& name);
+
+/// The first letters of a run's guid, as many as name it alone.
+std::string ShortGuid(const Store& store, const std::string& guid);
+
+/// A question for the executions of a run whose newest status is 4, running; goes on with the root's key.
+inline constexpr const char* runningOfRun =
+    "SELECT 1 FROM executions x WHERE 4 = (SELECT code FROM statuses WHERE execution_id = x.execution_id "
+    "ORDER BY status_id DESC LIMIT 1) AND x.root_id = ";
+
+/// Whether there is any such.
 bool IsUnfinished(const Store& store, const Run& run);

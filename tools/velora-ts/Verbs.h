@@ -3,6 +3,7 @@
 #include "Settings.h"
 
 #include <string>
+#include <vector>
 
 /// What the program answers a script.
 enum ExitCode {
@@ -31,3 +32,24 @@ ExitCode CopyStore(const Quor::TolvaServices::Local::Database& source,
 ExitCode SealRuns(const Quor::TolvaServices::Local::Database& database, const std::string& anchorFile);
 /// Compares everything that is sealed with its seals, and these with an anchor where one is named.
 ExitCode Verify(const Quor::TolvaServices::Local::Database& database, const std::string& anchorFile);
+
+/// Which runs to list; an empty text leaves it open.
+struct RunFilter {
+  std::string since, instrument, activity;
+  bool unfinished = false;  ///< Only those that did not finish.
+  bool json = false;
+  long long limit = 50;
+};
+/// Lists runs, the newest first.
+ExitCode ListRuns(const Quor::TolvaServices::Local::Database& database, const RunFilter& filter);
+
+struct ShowOptions {
+  bool tree = false;                 ///< Everything below the run in place of its children.
+  bool events = false;               ///< Its events as well.
+  std::vector<std::string> columns;  ///< Parameters to show of each execution.
+  bool json = false;
+};
+ExitCode ShowRun(const Quor::TolvaServices::Local::Database& database, const std::string& name,
+                 const ShowOptions& options);
+/// Writes the events of a run, the newest without a name, until it is finished.
+ExitCode Tail(const Quor::TolvaServices::Local::Database& database, const std::string& name);

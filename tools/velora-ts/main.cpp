@@ -1,5 +1,6 @@
 // velora-ts: looks after the store of a local TS.
 
+#include "LookCommands.h"
 #include "Settings.h"
 #include "Verbs.h"
 
@@ -8,19 +9,9 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
-#include <regex>
+#include <optional>
 
 namespace {
-
-/// The beginning of a time as the store has it; how it compares with one does not depend on how much of it is given.
-std::string TimeOf(const std::string& text) {
-  static const std::regex form(R"((\d{4}-\d{2}-\d{2}(T\d{2}(:\d{2}(:\d{2}(\.\d{1,6})?)?)?)?)Z?)");
-  std::smatch parts;
-  if (!std::regex_match(text, parts, form)) {
-    throw CLI::ValidationError("time '" + text + "'", "expected UTC as 2026-11-24 or 2026-11-24T21:55:03");
-  }
-  return parts[1];
-}
 
 class CommandLine {
  public:
@@ -34,6 +25,7 @@ class CommandLine {
         "\"man velora-ts\" says more.");
     AddCheck();
     AddPrepare();
+    look.emplace([this](auto&... words) { return Add(words...); }, [this] { return Database(); }, result);
     AddExport();
     AddBackup();
     AddCopy();
@@ -127,6 +119,7 @@ class CommandLine {
   }
 
   CLI::App app;
+  std::optional<LookCommands> look;
   std::string folder, target, hosts, run, since, until, file, format = "jsonl";
   ExitCode result = Done;
 };
