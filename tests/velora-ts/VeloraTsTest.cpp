@@ -48,7 +48,7 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
       {"export --since yesterday", 2, "expected UTC"},
       {"export last --since 2026-11-26", 2, "excludes"},
       {"export --until 2026-11-26 last", 2, "--since"},
-      {"export last --format csv", 2, "csv"},
+      {"export last --format xml", 2, "xml"},
       {"export last > /dev/full", 3, "No space left"},
       {"backup copy.db", 0, "copied to 'copy.db' and checked: 4 executions, 3 events"},
       {"backup copy.db", 3, "File exists"},

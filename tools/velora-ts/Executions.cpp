@@ -38,9 +38,9 @@ std::optional<double> SecondsOf(const Execution& execution) {
   return IsRunning(execution) ? std::nullopt : SecondsBetween(execution.startedAt, execution.statusAt);
 }
 
-std::string DurationInWords(const Execution& execution) {
+std::string DurationInWords(const Execution& execution, bool fractions) {
   const std::optional<double> seconds = SecondsOf(execution);
-  return seconds ? Duration(*seconds) : "";
+  return seconds ? Duration(*seconds, fractions) : "";
 }
 
 std::string JsonMembers(const Execution& execution) {

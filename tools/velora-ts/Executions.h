@@ -35,6 +35,6 @@ std::string ActivityInWords(const Execution& execution);
 /// How long a finished one took.
 std::optional<double> SecondsOf(const Execution& execution);
 /// The same for a table; empty for one that did not finish.
-std::string DurationInWords(const Execution& execution);
+std::string DurationInWords(const Execution& execution, bool fractions);
 /// Members of a JSON object, without its braces.
 std::string JsonMembers(const Execution& execution);

@@ -134,7 +134,7 @@ void Records::WriteRest(const Numbers& since) {
 
 void Records::WriteEventsOfNoRun(const std::string& from, const std::string& before) {
   BeginPart("{\"record\":\"rest\",\"format\":" + std::to_string(format) + '}', true);
-  EventRows ofNoRun = EventsWhere(store, "r.execution_id IS NULL AND r.at >= ?1 AND r.at < ?2");
+  EventRows ofNoRun = EventsWhere(store, "+r.execution_id IS NULL AND r.at >= ?1 AND r.at < ?2");
   WriteEvents(ofNoRun, from, before);
 }
 

@@ -95,3 +95,15 @@ bool IsUnfinished(const Store& store, const Run& run) {
   Rows rows(store, (std::string(runningOfRun) + "?1 LIMIT 1").c_str());
   return rows.Ask(run.root).Next();
 }
+
+std::string LastRecorded(const Store& store, const Run& run) {
+  Rows rows(store,
+            "SELECT MAX(s.at) FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
+            "WHERE x.root_id = ?1 UNION ALL SELECT MAX(v.at) FROM executions x JOIN events v "
+            "ON v.execution_id = x.execution_id WHERE x.root_id = ?1");
+  std::string last;
+  for (rows.Ask(run.root); rows.Next();) {
+    last = std::max(last, std::string(rows.Text(0)));
+  }
+  return last;
+}

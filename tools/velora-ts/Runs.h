@@ -39,3 +39,6 @@ inline constexpr const char* runningOfRun =
 
 /// Whether there is any such.
 bool IsUnfinished(const Store& store, const Run& run);
+
+/// The time of the last status or event of a run.
+std::string LastRecorded(const Store& store, const Run& run);

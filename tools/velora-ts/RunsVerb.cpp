@@ -39,7 +39,7 @@ void WriteTable(const Store& store, Rows& rows) {
     const bool unfinished = IsUnfinished(store, RunOf(root));
     table.Add({{Printable(ShortGuid(store, root.guid))},
                {LocalTime(root.startedAt, false)},
-               {unfinished ? "" : DurationInWords(root)},
+               {unfinished ? "" : DurationInWords(root, false)},
                {unfinished ? unfinishedInWords : StateInWords(root), unfinished},
                {Printable(root.instrument)},
                {ActivityInWords(root)},
@@ -52,11 +52,11 @@ void WriteJson(const Store& store, Rows& rows) {
   const char* separator = "[\n";
   while (rows.Next()) {
     const Execution root = ExecutionAt(rows);
-    WriteOut(separator + ('{' + JsonMembers(root)) +
-             (IsUnfinished(store, RunOf(root)) ? ",\"unfinished\":true}" : ",\"unfinished\":false}"));
+    WriteData(separator + ('{' + JsonMembers(root)) +
+              (IsUnfinished(store, RunOf(root)) ? ",\"unfinished\":true}" : ",\"unfinished\":false}"));
     separator = ",\n";
   }
-  WriteOut(*separator == '[' ? "[]\n" : "\n]\n");
+  WriteData(*separator == '[' ? "[]\n" : "\n]\n");
 }
 
 }  // namespace

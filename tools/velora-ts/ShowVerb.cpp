@@ -12,24 +12,11 @@
 #include "Values.h"
 #include "Verbs.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace {
 
 constexpr int firstFew = 3;  // parameters of an execution, where no columns are picked
-
-std::string LastSign(const Store& store, const Run& run) {
-  Rows rows(store,
-            "SELECT MAX(s.at) FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
-            "WHERE x.root_id = ?1 UNION ALL SELECT MAX(v.at) FROM executions x JOIN events v "
-            "ON v.execution_id = x.execution_id WHERE x.root_id = ?1");
-  std::string last;
-  for (rows.Ask(run.root); rows.Next();) {
-    last = std::max(last, std::string(rows.Text(0)));
-  }
-  return last;
-}
 
 class Show {
  public:
@@ -127,7 +114,7 @@ class Show {
     const bool unfinished = IsUnfinished(store, run);
     if (unfinished) {
       const std::string words =
-          std::string(unfinishedInWords) + "; last recorded " + LocalTime(LastSign(store, run), true);
+          std::string(unfinishedInWords) + "; last recorded " + LocalTime(LastRecorded(store, run), true);
       WriteOut(terminal.colours ? "\x1b[1;31m" + words + "\x1b[0m\n" : words + '\n');
     }
     line("run", Printable(root.guid));
@@ -138,7 +125,7 @@ class Show {
     line("started", LocalTime(root.startedAt, true));
     line("state",
          unfinished && !IsRunning(root) ? StateInWords(root) + ", but not everything below it" : StateInWords(root));
-    line("duration", DurationInWords(root));
+    line("duration", DurationInWords(root, true));
   }
 
   void WriteTable() {
@@ -157,7 +144,7 @@ class Show {
                                    {ActivityInWords(one)},
                                    {StateInWords(one), IsRunning(one)},
                                    {LocalTime(one.startedAt, false)},
-                                   {DurationInWords(one)}};
+                                   {DurationInWords(one, true)}};
       for (const std::string& name : options.columns) {
         row.push_back({Pick(one, name) ? Printable(ValueInWords(picked)) : ""});
       }

@@ -77,8 +77,9 @@ std::optional<double> SecondsBetween(std::string_view from, std::string_view to)
   return begin && end ? std::optional(static_cast<double>(*end - *begin) / second) : std::nullopt;
 }
 
-std::string Duration(double seconds) {
+std::string Duration(double seconds, bool fractions) {
   const long long all = std::llround(std::abs(seconds) * 1000);
-  return Formatted("%s%lld:%02lld:%02lld.%03lld", seconds < 0 ? "-" : "", all / 3'600'000, all / 60'000 % 60,
-                   all / 1000 % 60, all % 1000);
+  return Formatted("%s%lld:%02lld:%02lld", seconds < 0 ? "-" : "", all / 3'600'000, all / 60'000 % 60,
+                   all / 1000 % 60) +
+         (fractions ? Formatted(".%03lld", all % 1000) : "");
 }

@@ -13,5 +13,5 @@ std::string LocalTime(std::string_view stored, bool fractions);
 
 /// From one stored time to another; nothing when either is none.
 std::optional<double> SecondsBetween(std::string_view from, std::string_view to);
-/// Hours, minutes, seconds and milliseconds.
-std::string Duration(double seconds);
+/// Hours, minutes and seconds. @param fractions whether to show milliseconds.
+std::string Duration(double seconds, bool fractions);

@@ -45,3 +45,13 @@ std::string ValueInWords(const Rows& parameters) {
 std::string ParameterInWords(const Rows& parameters) {
   return Printable(parameters.Text(Name)) + '=' + Printable(ValueInWords(parameters));
 }
+
+std::string UniqueName(std::set<std::string>& taken, const std::string& name, int occurrence) {
+  const auto numbered = [&] { return name + " (" + std::to_string(occurrence) + ')'; };
+  std::string unique = occurrence == 1 ? name : numbered();
+  while (!taken.insert(unique).second) {
+    ++occurrence;
+    unique = numbered();
+  }
+  return unique;
+}

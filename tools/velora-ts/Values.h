@@ -2,6 +2,7 @@
 
 #include "Rows.h"
 
+#include <set>
 #include <string>
 
 // The parameters of events, and how their values are shown.
@@ -18,3 +19,7 @@ std::string ValueInWords(const Rows& parameters);
 bool IsText(const Rows& parameters);
 /// Name and value, printable.
 std::string ParameterInWords(const Rows& parameters);
+
+/// A name as it was given for the first time, and with a number behind it for another one.
+/// @param occurrence the number to begin with.
+std::string UniqueName(std::set<std::string>& taken, const std::string& name, int occurrence = 1);

@@ -18,11 +18,12 @@ enum ExitCode {
 ExitCode Prepare(const Quor::TolvaServices::Local::Database& database, const std::string& hosts);
 /// Says whether hosts can record, and what the store holds.
 ExitCode Check(const std::string& folder);
-/// Writes a run in its canonical form to standard output.
-ExitCode ExportRun(const Quor::TolvaServices::Local::Database& database, const std::string& name);
+/// Writes a run to standard output: "jsonl", its canonical form, "csv" or "trace".
+ExitCode ExportRun(const Quor::TolvaServices::Local::Database& database, const std::string& name,
+                   const std::string& format);
 /// The same for the runs that started, and the events of no run that happened, in a span of time; `until` may be empty.
 ExitCode ExportSpan(const Quor::TolvaServices::Local::Database& database, const std::string& since,
-                    const std::string& until);
+                    const std::string& until, const std::string& format);
 /// Copies a store, as it is at this moment, to a file that is not there yet.
 ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file);
 /// Copies a store into another database, or goes on with a copy, and compares the two.

@@ -69,21 +69,24 @@ class CommandLine {
 
   void AddExport() {
     CLI::App* const verb = Add("export",
-                               "Writes what was recorded to standard output, one record a line. RUN is a guid, the "
-                               "first letters of one, \"last\", or a node that only one run has.",
-                               "export last > run.jsonl\n  velora-ts export --since 2026-11-24 --until 2026-12-01");
+                               "Writes what was recorded to standard output. RUN is a guid, the first letters of one, "
+                               "\"last\", or a node that only one run has.",
+                               "export last > run.jsonl\n  velora-ts export --since 2026-11-24 --until 2026-12-01 "
+                               "--format csv > november.csv");
     auto* const name = verb->add_option("RUN", run, "The run to export");
     auto* const first =
         verb->add_option("--since", since, "Export runs that started then or later; UTC")->excludes(name);
     verb->add_option("--until", until, "... and before")->needs(first);
-    verb->add_option("--format", format, "jsonl, the canonical form")->check(CLI::IsMember({"jsonl"}));
+    verb->add_option("--format", format,
+                     "jsonl, the canonical form; csv, a row for each event; or trace, for timeline viewers")
+        ->check(CLI::IsMember({"jsonl", "csv", "trace"}));
     verb->callback([this] {
       if (run.empty() == since.empty()) {
         throw CLI::RequiredError("RUN or --since");
       }
       const std::string from = since.empty() ? "" : TimeOf(since);
       const std::string before = until.empty() ? "" : TimeOf(until);
-      result = run.empty() ? ExportSpan(Database(), from, before) : ExportRun(Database(), run);
+      result = run.empty() ? ExportSpan(Database(), from, before, format) : ExportRun(Database(), run, format);
     });
   }
 
