@@ -1,9 +1,14 @@
 #include "Rows.h"
 
 #include "Json.h"
+#include "Listener.h"
 #include "Store.h"
 
-Rows::Rows(const Store& store, const std::string& question) : cursor(store.Reading().Prepare(question)) {}
+Rows::Rows(const Store& store, const std::string& question) : cursor(store.Reading().Prepare(question)) {
+  if (questionListener) {
+    questionListener(question);
+  }
+}
 
 void Rows::AppendValue(std::string& json, int column) const {
   switch (cursor->TypeOf(column)) {

@@ -51,25 +51,25 @@ class Show {
 
   void AsJson() {
     const Execution root = Find(run.root);
-    WriteOut('{' + JsonMembers(root) + ",\"unfinished\":" + (IsUnfinished(store, run) ? "true" : "false") +
-             ",\"executions\":[");
+    WriteData('{' + JsonMembers(root) + ",\"unfinished\":" + (IsUnfinished(store, run) ? "true" : "false") +
+              ",\"executions\":[");
     const char* separator = "\n";
     ForEachExecution([&](const Execution& one, int depth) {
-      WriteOut(separator + ('{' + JsonMembers(one)) + ",\"depth\":" + std::to_string(depth) +
-               ",\"parameters\":" + JsonParameters(one) + '}');
+      WriteData(separator + ('{' + JsonMembers(one)) + ",\"depth\":" + std::to_string(depth) +
+                ",\"parameters\":" + JsonParameters(one) + '}');
       separator = ",\n";
     });
-    WriteOut("]");
+    WriteData("]");
     if (options.events) {
-      WriteOut(",\"events\":[");
+      WriteData(",\"events\":[");
       separator = "\n";
       Rows events(store, eventsOfRun);
       for (events.Ask(run.root); events.Next(); separator = ",\n") {
-        WriteOut(separator + EventAsJson(store, events));
+        WriteData(separator + EventAsJson(store, events));
       }
-      WriteOut("]");
+      WriteData("]");
     }
-    WriteOut("}\n");
+    WriteData("}\n");
   }
 
  private:
@@ -114,7 +114,8 @@ class Show {
     const bool unfinished = IsUnfinished(store, run);
     if (unfinished) {
       const std::string words =
-          std::string(unfinishedInWords) + "; last recorded " + LocalTime(LastRecorded(store, run), true);
+          Cut(std::string(unfinishedInWords) + "; last recorded " + LocalTime(LastRecorded(store, run), true),
+              terminal.width);
       WriteOut(terminal.colours ? "\x1b[1;31m" + words + "\x1b[0m\n" : words + '\n');
     }
     line("run", Printable(root.guid));

@@ -1,0 +1,153 @@
+// What runs, show, tail and the exports for other programs make of a store.
+
+#include "ToolTest.h"
+
+#include <algorithm>
+#include <functional>
+#include <regex>
+#include <sstream>
+
+namespace {
+
+// A run that did not finish below its end, with texts that a terminal, a spreadsheet or a parser might take for more.
+constexpr const char* hostileRun = R"(
+INSERT INTO executions VALUES (4, 'ffffffff-0000-4000-8000-000000000000', NULL, 4, 1, 2, char(27) || '[2J<b>' || char(155), '', 5,
+    '2026-11-26T10:00:00.000000Z'), (5, 'ffffffff-1', 4, 4, 1, NULL, 'step', '', 0, '2026-11-26T10:00:01.000000Z'),
+  (6, 'ffffffff-2', 4, 4, 1, NULL, 'a long name of a step', '', 0, '2026-11-26T10:00:01.500000Z');
+INSERT INTO statuses VALUES (7, 4, 1, 4, '2026-11-26T10:00:00.000000Z'), (8, 5, 1, 4, '2026-11-26T10:00:01.000000Z'),
+  (9, 4, 1, 14, '2026-11-26T11:01:02.345678Z'), (10, 6, 1, 14, '2026-11-26T10:00:02.000000Z');
+INSERT INTO events VALUES (4, 1, 5, NULL, '=cmd()', '2026-11-26T10:00:01.250000Z'), (5, 1, 6, NULL, 'e', '2026-11-26T10:00:03.000000Z'),
+  (6, 1, NULL, NULL, 'of no run', '2026-11-26T10:00:04.000000Z');
+INSERT INTO parameters VALUES (4, 1, 'T', 'text', '+3.10', NULL), (4, 2, 'T', 'text', '-1+1', NULL), (4, 3, 'at', 'text', 'a "q",' ||
+    char(10) || 'b', NULL), (4, 4, '@N', 'double', 'NaN:7ff8000000000000', NULL), (4, 5, 'B', 'bool', NULL, 1),
+  (4, 6, 'Empty', 'text', '', NULL), (4, 7, 'Quote', 'text', '''x', NULL), (4, 8, 'Tab', 'text', char(9) || 'x', NULL),
+  (5, 1, 'B', 'bool', NULL, 0), (5, 2, 'Inf', 'double', NULL, -9e999), (5, 3, 'Bad', 'text', CAST(x'c3ff' AS TEXT), NULL),
+  (5, 4, '@N', 'double', '-0.0', NULL), (5, 5, 'T', 'double', '=1', NULL), (5, 6, 'I', 'int', NULL, 9007199254740993);
+)";
+
+class Look : public ToolTest {
+ protected:
+  Look() {
+    BringUp();
+    folder.Write("hostile.sql", hostileRun);
+    EXPECT_EQ(Shell("sqlite3 -bail ts.db < hostile.sql"), 0) << said;
+  }
+  /// The same on a terminal of so many columns.
+  int OnTerminal(const std::string& arguments, int columns) {
+    return Shell("TERM=xterm script -qec \"stty cols " + std::to_string(columns) + "; '" VELORA_TS "' " + arguments +
+                 "\" /dev/null");
+  }
+};
+
+TEST_F(Look, ShowsWhatThereIs) {
+  static const struct {
+    std::string arguments;
+    int code;
+    std::string shown;  // a pattern
+  } rows[] = {
+      {"runs", 0,
+       "run +started +duration +state[^\n]*\nffffffff  2026-11-26 15:30:00\\+05:30 +UNFINISHED  titan-pc +"
+       "TiltSeries 1.0  ␛\\[2J<b>\uFFFD\n0ecba827  2026-11-25 09:00:11\\+05:30 +0:00:00  done  [^\n]*\n"},
+      {"runs --unfinished --limit 5", 0, "[^\n]*\nffffffff[^\n]*\n"},
+      {"runs --since 2026-11-25T03:30:12 --instrument titan-pc --activity TiltSeries", 0, "[^\n]*\nffffffff[^\n]*\n"},
+      {"runs --activity 'Tilt series acquisition' --limit 1", 0, "[^\n]*\nffffffff[^\n]*\n"},
+      {"runs --instrument other", 0, "run [^\n]*\n"},
+      {"runs --since yesterday", 2, "[^]*expected UTC[^]*"},
+      {"runs --limit 0", 2, "[^]*"},
+      {"runs --json --limit 1", 0,
+       "\\[\n\\{\"guid\":\"ffffffff-0000[^\n]*\"node\":\"\\\\u001b[^\n]*"
+       "\"started_at\":\"2026-11-26T10:00:00.000000Z\"[^\n]*\"unfinished\":true\\}\n\\]\n"},
+      {"show 0ecba827 --columns TiltAngle,Note", 0,
+       "run +0ecba827-[^]*state +done\nduration +0:00:00.031\n\nexecution +activity +state[^\n]*TiltAngle +Note\n"
+       "ZValue 0[^\n]* 0:00:00.008 +0.5\nZValue 1[^\n]* 0:00:00.008 +3.1  \\\\x6974277320ff\n"},
+      {"show 0ecba827 --tree", 0, "[^]*\ngrid.mdoc [^\n]* Voltage=300\n  ZValue 0 [^\n]* TiltAngle=0.5[^]*"},
+      {"show ffffffff", 0,
+       "UNFINISHED; last recorded 2026-11-26 16:31:02.345\\+05:30\n[^]*state +done, but not [^]*"
+       "\nstep [^\n]*UNFINISHED[^\n]*T=\\+3.10  T=-1\\+1  at=a \"q\",␊b  …\n[^]*"},
+      {"show ffffffff --events", 0,
+       "[^]*\n2026-11-26 15:30:01.250\\+05:30  step  =cmd\\(\\)  T=[^\n]*@N=NaN[^\n]*\n"
+       "2026[^\n]*B=false  Inf=-inf  Bad=\uFFFD\uFFFD  @N=-0.0  T==1[^\n]*\n"},
+      {"show grid.mdoc", 0, "run +0ecba827[^]*"},
+      {"show nothing", 1, "no run is called 'nothing'\n"},
+      {"show ''", 1, "more than one run is called ''\nrun 0ecba827[^\n]*\nrun ffffffff[^\n]*\n"},
+      {"tail 0ecba827", 0, "following run [^\n]*\n([^\n]*\n){3}"},
+      {"tail nothing", 1, "no run is called 'nothing'\n"},
+  };
+  for (const auto& [arguments, code, shown] : rows) {
+    EXPECT_EQ(Shell("TZ=IST-5:30 '" VELORA_TS "' " + arguments), code) << arguments << ": " << said;
+    EXPECT_TRUE(std::regex_match(said, std::regex(shown))) << arguments << ":\n" << said;
+  }
+}
+
+TEST_F(Look, FitsTheTerminalAndNeverSteersIt) {
+  for (const char* arguments :
+       {"runs", "show ffffffff --tree --events", "runs --json", "export ffffffff --format csv"}) {
+    const bool table = std::string(arguments).find("--json") == std::string::npos && arguments[0] != 'e';
+    for (const int columns : {200, 60, 7}) {
+      SCOPED_TRACE(arguments + (" on " + std::to_string(columns)));
+      EXPECT_EQ(OnTerminal(arguments, columns), 0) << said;
+      EXPECT_TRUE(columns == 7 || Says("\x1b[1;31mUNFINISHED") == table) << said;
+      const std::string plain = std::regex_replace(said, std::regex("\x1b\\[(1;31|0)m"), "");
+      EXPECT_EQ(plain.find('\x1b'), std::string::npos) << plain;
+      EXPECT_EQ(plain.find("\xC2\x9B"), std::string::npos) << plain;
+      std::istringstream lines(table ? plain : "");
+      for (std::string line; std::getline(lines, line);) {
+        const auto continues = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; };
+        EXPECT_LE(std::count_if(line.begin(), line.end(), std::not_fn(continues)), columns + 1)
+            << line;  // and its '\r'
+      }
+    }
+  }
+  EXPECT_EQ(Shell("NO_COLOR=1 script -qec \"'" VELORA_TS "' runs\" /dev/null"), 0);
+  EXPECT_TRUE(Says("UNFINISHED") && !Says("\x1b")) << said;
+}
+
+TEST_F(Look, ExportsATableThatIsReadAsItWasMeant) {
+  ASSERT_EQ(Tool("export --since 2026-11-26 --format csv > t.csv"), 0) << said;
+  EXPECT_EQ(ContentOf(folder / "t.csv"),
+            "\uFEFFnumber,at,run,execution,node,activity,event,T,T (2),at (2),'@N,B,Empty,Quote,Tab,Inf,Bad,I\r\n"
+            "4,2026-11-26T10:00:01.250000Z,ffffffff-0000-4000-8000-000000000000,ffffffff-1,step,,'=cmd(),+3.10,'-1+1,"
+            "\"a \"\"q\"\",\nb\",NaN,true,\"\",''x,'\tx,,,\r\n"
+            "5,2026-11-26T10:00:03.000000Z,ffffffff-0000-4000-8000-000000000000,ffffffff-2,a long name of a step,,e,"
+            "'=1,,,-0.0,false,,,,-inf,\uFFFD\uFFFD,9007199254740992\r\n"
+            "6,2026-11-26T10:00:04.000000Z,,,,,of no run,,,,,,,,,,,\r\n");
+}
+
+TEST_F(Look, ExportsATimelineThatAgreesWithTheStore) {
+  ASSERT_EQ(
+      Tool("export ffffffff --format trace > t.json && '" VELORA_TS "' show ffffffff --json --tree --events > s.json"),
+      0)
+      << said;
+  folder.Write("ask.sql", R"(
+    SELECT json_array_length(readfile('s.json'), '$.executions'), json_array_length(readfile('s.json'), '$.events');
+    CREATE TEMP TABLE t AS SELECT value AS v FROM json_each(readfile('t.json'), '$.traceEvents');
+    SELECT b.v->>'id', b.v->>'name' LIKE '%(UNFINISHED)', b.v->>'ts', e.v->>'ts' FROM t b JOIN t e ON e.v->>'id' = b.v->>'id'
+    WHERE b.v->>'ph' = 'b' AND e.v->>'ph' = 'e' AND e.v->>'cat' = b.v->>'cat' AND e.v->>'name' = b.v->>'name' ORDER BY 1;
+    SELECT v->>'name', v->>'ts', v->'args'->>'T (2)', v->'args'->>'B' FROM t WHERE v->>'ph' = 'i' ORDER BY 2;
+  )");
+  EXPECT_EQ(Shell("sqlite3 :memory: < ask.sql"), 0) << said;
+  EXPECT_EQ(
+      said,
+      "3|2\n4|0|0|3662345678\n5|1|1000000|3662345678\n6|0|1500000|2000000\n=cmd()|1250000|-1+1|1\ne|3000000||0\n");
+}
+
+TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
+  create_directory(folder / "new");
+  folder.Write("new/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");
+  EXPECT_EQ(Shell("timeout 20 '" VELORA_TS "' tail --config new > told 2>&1 & tail=$!\n"
+                  "until grep -q waiting told; do sleep 0.05; done\n"
+                  "sqlite3 new/ts.db '.read " SOURCE "/tests/local-ts/version-1.sql' "
+                  "'INSERT INTO statuses VALUES (7, 1, 1, 4, \"\")'\n"
+                  "until grep -q TiltAngle=3.1 told; do sleep 0.05; done\n"
+                  "sqlite3 new/ts.db \"INSERT INTO events VALUES (4, 1, 3, 1, 'late', '2026-11-25T03:31')\"\n"
+                  "until grep -q late told; do sleep 0.05; done\n"
+                  "sqlite3 new/ts.db 'INSERT INTO statuses VALUES (8, 1, 1, 14, \"\")'\n"
+                  "wait $tail && cat told"),
+            0)
+      << said;
+  EXPECT_TRUE(std::regex_match(said, std::regex("waiting for a run\nfollowing run [^\n]*\n[^\n]*Series[^\n]*\n"
+                                                "([^\n]*TiltAngle[^\n]*\n){2}[^\n]* late\n")))
+      << said;
+}
+
+}  // namespace

@@ -1,0 +1,97 @@
+// Every question that a verb asks is answered by an index, as the database itself plans it.
+
+#include "EventLines.h"
+#include "Listener.h"
+#include "ToolTest.h"
+#include "Verbs.h"
+
+#include <functional>
+#include <map>
+#include <regex>
+#include <set>
+
+namespace {
+
+using Quor::TolvaServices::Local::Database;
+using Call = std::function<ExitCode(const Database&)>;
+
+struct Verb {
+  const char* readsAllBecause = nullptr;
+  std::vector<Call> calls{};
+};
+
+std::vector<Call> Exports() {
+  std::vector<Call> calls;
+  for (const char* format : {"jsonl", "csv", "trace"}) {
+    calls.emplace_back([=](const Database& database) { return ExportRun(database, "last", format); });
+    calls.emplace_back([=](const Database& database) { return ExportSpan(database, "2026", "", format); });
+  }
+  return calls;
+}
+
+const std::map<std::string, Verb> verbs = {
+    {"backup", {"it copies every page"}},
+    {"check", {"it counts every table"}},
+    {"prepare", {"it reads no records"}},
+    {"seal", {"it seals every run that is finished"}},
+    {"verify", {"it compares every record with its seal"}},
+    {"export", {nullptr, Exports()}},
+    {"runs",
+     {nullptr,
+      {[](const Database& database) { return ListRuns(database, {}); },
+       [](const Database& database) {
+         return ListRuns(database, {"2026", "titan-pc", "TiltSeries", true, true, 1});
+       }}}},
+    {"show",
+     {nullptr,
+      {[](const Database& database) {
+         return ShowRun(database, "last", {true, true, {}, false});
+       },
+       [](const Database& database) {
+         return ShowRun(database, "0ecba827", {false, true, {"TiltAngle"}, true});
+       },
+       [](const Database& database) { return ShowRun(database, "grid.mdoc", {}); }}}},
+    {"tail", {nullptr, {[](const Database& database) { return Tail(database, ""); }}}},
+};
+
+class Questions : public ToolTest {
+ protected:
+  std::string Plan(const std::string& question) const {
+    return Query(folder / "ts.db", "EXPLAIN QUERY PLAN " + question);
+  }
+};
+
+TEST_F(Questions, AreAnsweredByIndexes) {
+  BringUp();
+  Tool("--help");
+  static const std::regex line(R"(\n  (\w+)  +[A-Z])");
+  for (std::sregex_iterator at(said.begin(), said.end(), line), end; at != end; ++at) {
+    EXPECT_EQ(verbs.count((*at)[1]), 1U) << "what does " << (*at)[1] << " ask?";
+  }
+  std::set<std::string> questions{newEventsOfRun};  // what tail asks from its second look on
+  for (const auto& [name, verb] : verbs) {
+    const std::size_t before = questions.size();
+    questionListener = [&](const std::string& question) { questions.insert(question); };
+    for (const Call& call : verb.calls) {
+      testing::internal::CaptureStdout();
+      EXPECT_EQ(call({Database::Kind::Sqlite, folder / "ts.db"}), Done) << name;
+      testing::internal::GetCapturedStdout();
+    }
+    questionListener = nullptr;
+    EXPECT_TRUE(verb.readsAllBecause != nullptr || name == "tail" || questions.size() > before) << name;
+  }
+  for (const std::string& question : questions) {
+    if (question == "BEGIN") {
+      continue;
+    }
+    const std::string plan = Plan(question);
+    EXPECT_FALSE(std::regex_search(plan, std::regex("SCAN (?!CONSTANT|ts_schema|sqlite_)"))) << question << '\n'
+                                                                                             << plan;
+    if (question.find("LIMIT ?4") != std::string::npos) {  // runs, which stops when it has enough
+      EXPECT_NE(plan.find("executions_by_parent (parent_id=? AND started_at>?)"), std::string::npos) << plan;
+      EXPECT_EQ(plan.find("TEMP B-TREE"), std::string::npos) << question << '\n' << plan;
+    }
+  }
+}
+
+}  // namespace
