@@ -17,16 +17,16 @@ class FileWriter : public RowWriter {
  public:
   FileWriter(soci::session& sql, const Table& table) : columns(table.columns), insert(sql) {
     std::string places;
-    for (const Column& column : columns) {
+    for (const TableColumn& column : columns) {
       Value& value = values.emplace_back();
       switch (column.type) {
-        case Column::Type::Integer:
+        case TableColumn::Type::Integer:
           insert.exchange(soci::use(value.integer, value.known));
           break;
-        case Column::Type::Number:
+        case TableColumn::Type::Number:
           insert.exchange(soci::use(value.number, value.known));
           break;
-        case Column::Type::Text:
+        case TableColumn::Type::Text:
           insert.exchange(soci::use(value.text, value.known));
       }
       places += (places.empty() ? ":" : ", :") + column.name;
@@ -41,13 +41,13 @@ class FileWriter : public RowWriter {
       const int column = static_cast<int>(at);
       values[at].known = rows.IsNull(column) ? soci::i_null : soci::i_ok;
       switch (columns[at].type) {
-        case Column::Type::Integer:
+        case TableColumn::Type::Integer:
           values[at].integer = rows.Integer(column);
           break;
-        case Column::Type::Number:
+        case TableColumn::Type::Number:
           values[at].number = rows.IsNull(column) ? 0 : rows.Number(column);
           break;
-        case Column::Type::Text:
+        case TableColumn::Type::Text:
           values[at].text = rows.Text(column);
       }
     }
@@ -63,7 +63,7 @@ class FileWriter : public RowWriter {
     soci::indicator known = soci::i_ok;
   };
 
-  const std::vector<Column> columns;
+  const std::vector<TableColumn> columns;
   std::deque<Value> values;  // which stay where they are
   soci::statement insert;
 };
@@ -74,7 +74,7 @@ class ServerWriter : public RowWriter {
   ServerWriter(soci::session& sql, const Table& table) : sql(sql), columns(table.columns) {
     static const std::string types[] = {" bigint", " text", " double precision"};
     std::string typed;
-    for (const Column& column : columns) {
+    for (const TableColumn& column : columns) {
       typed += (typed.empty() ? "" : ", ") + column.name + types[static_cast<int>(column.type)];
     }
     statement = "INSERT INTO " + table.name + " (" + table.ColumnList() + ") SELECT " + table.ColumnList() +
@@ -86,7 +86,7 @@ class ServerWriter : public RowWriter {
     for (std::size_t at = 0; at < columns.size(); ++at) {
       const int column = static_cast<int>(at);
       json += (at == 0 ? "\"" : ",\"") + columns[at].name + "\":";
-      if (columns[at].type == Column::Type::Number && !rows.IsNull(column) && std::isinf(rows.Number(column))) {
+      if (columns[at].type == TableColumn::Type::Number && !rows.IsNull(column) && std::isinf(rows.Number(column))) {
         json += rows.Number(column) < 0 ? R"("-infinity")" : R"("infinity")";
       } else {
         rows.AppendValue(json, column);
@@ -110,7 +110,7 @@ class ServerWriter : public RowWriter {
   static constexpr int rowsAtOnce = 1000;
 
   soci::session& sql;
-  const std::vector<Column> columns;
+  const std::vector<TableColumn> columns;
   std::string statement;
   std::string json;
   int count = 0;

@@ -8,10 +8,10 @@ Table Make(const std::string& name, std::initializer_list<const char*> integers,
            std::initializer_list<const char*> texts) {
   Table table{name, {}};
   for (const char* column : integers) {
-    table.columns.push_back({column, Column::Type::Integer});
+    table.columns.push_back({column, TableColumn::Type::Integer});
   }
   for (const char* column : texts) {
-    table.columns.push_back({column, Column::Type::Text});
+    table.columns.push_back({column, TableColumn::Type::Text});
   }
   return table;
 }
@@ -20,7 +20,7 @@ Table Make(const std::string& name, std::initializer_list<const char*> integers,
 
 std::string Table::ColumnList() const {
   std::string list;
-  for (const Column& column : columns) {
+  for (const TableColumn& column : columns) {
     list += (list.empty() ? "" : ", ") + column.name;
   }
   return list;
@@ -54,7 +54,7 @@ const Table& EventTable() {
 const Table& ParameterTable() {
   static const Table table = [] {
     Table made = Make("parameters", {"event_id", "position"}, {"name", "kind", "value_text"});
-    made.columns.push_back({"value_number", Column::Type::Number});
+    made.columns.push_back({"value_number", TableColumn::Type::Number});
     return made;
   }();
   return table;

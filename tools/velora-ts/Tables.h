@@ -5,7 +5,7 @@
 #include <vector>
 
 /// A column of a store, by what its values are bound as.
-struct Column {
+struct TableColumn {
   enum class Type { Integer, Text, Number };
 
   std::string name;
@@ -15,7 +15,7 @@ struct Column {
 /// A table of a store.
 struct Table {
   std::string name;
-  std::vector<Column> columns;  ///< The first one numbers the rows.
+  std::vector<TableColumn> columns;  ///< The first one numbers the rows.
 
   const std::string& Key() const { return columns.front().name; }
   /// The names of all columns, as a statement lists them.

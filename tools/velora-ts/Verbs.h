@@ -24,6 +24,8 @@ ExitCode ExportRun(const Quor::TolvaServices::Local::Database& database, const s
 /// The same for the runs that started, and the events of no run that happened, in a span of time; `until` may be empty.
 ExitCode ExportSpan(const Quor::TolvaServices::Local::Database& database, const std::string& since,
                     const std::string& until, const std::string& format);
+/// Writes a page that shows a run to a file; to one named for the run where none is named.
+ExitCode Report(const Quor::TolvaServices::Local::Database& database, const std::string& name, const std::string& file);
 /// Copies a store, as it is at this moment, to a file that is not there yet.
 ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file);
 /// Copies a store into another database, or goes on with a copy, and compares the two.

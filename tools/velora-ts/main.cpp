@@ -27,6 +27,7 @@ class CommandLine {
     AddPrepare();
     look.emplace([this](auto&... words) { return Add(words...); }, [this] { return Database(); }, result);
     AddExport();
+    AddReport();
     AddBackup();
     AddCopy();
     AddSeal();
@@ -88,6 +89,16 @@ class CommandLine {
       const std::string before = until.empty() ? "" : TimeOf(until);
       result = run.empty() ? ExportSpan(Database(), from, before, format) : ExportRun(Database(), run, format);
     });
+  }
+
+  void AddReport() {
+    CLI::App* const verb = Add("report",
+                               "Writes a page that shows a run, with all it needs in one file, for any browser. RUN is "
+                               "named as for export.",
+                               "report last -o run.html");
+    verb->add_option("RUN", run, "The run to show")->required();
+    verb->add_option("-o,--output", file, "Where to write. Default: run-GUID.html, with the first letters of the guid");
+    verb->callback([this] { result = Report(Database(), run, file); });
   }
 
   void AddBackup() {

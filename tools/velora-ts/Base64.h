@@ -1,0 +1,7 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// Bytes as text, four characters for three of them.
+std::string Base64(std::string_view bytes);

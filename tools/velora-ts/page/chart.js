@@ -1,0 +1,173 @@
+// What timeline and plot have in common: ECharts, the colours of the page, and one way to move through time.
+
+const left = 150; // of both charts, so that equal times stand above each other
+const right = 40;
+
+const tooltipLine = 22; // pixels
+
+const colour = (name) => getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
+
+function statusColour(code) {
+  return colour(code === 14 ? 'done' : code === 4 ? 'running' : `other-${Math.abs(Number(code)) % 3}`);
+}
+
+const isPrinting = () => document.documentElement.classList.contains('printing');
+
+/** A text for a tooltip, in which ECharts would take {name|text} for a style. */
+const plain = (stored) => readable(stored).replaceAll('{', '{\u2060');
+
+const shortened = (text, length) => (text.length > length ? `${text.slice(0, length - 1)}…` : text);
+
+/** An axis of time; the labels of its ticks are given by a function of time and distance. */
+function timeAxis(time, wanted, label, origin) {
+  const { ticks, step } = ticksOf(time.from, time.to, wanted, origin);
+  return {
+    type: 'value',
+    min: time.from,
+    max: time.to,
+    axisLabel: { customValues: ticks, hideOverlap: true, color: colour('muted'), formatter: (at) => label(at, step) },
+    axisTick: { show: true, customValues: ticks },
+    axisLine: { show: true, onZero: false, lineStyle: { color: colour('line') } },
+    splitLine: { show: true, lineStyle: { color: colour('line') } },
+    axisPointer: { show: false },
+  };
+}
+
+class Chart {
+  constructor(element, time, movesInTime) {
+    this.element = element;
+    this.time = time;
+    this.movesInTime = movesInTime;
+    this.drawings = 0;
+    this.canvas = element.appendChild(make('div', 'canvas'));
+    this.canvas.setAttribute('role', 'img');
+    this.echarts = echarts.init(this.canvas, null, { devicePixelRatio: Math.max(2, window.devicePixelRatio) });
+    this.echarts.on('finished', () => {
+      element.dataset.drawn = ++this.drawings;
+    });
+    this.listen();
+  }
+
+  get width() {
+    return this.echarts.getWidth() - left - right;
+  }
+
+  /** Takes the width that there is. Comes before what depends on it is computed. */
+  fit(height) {
+    const width = this.element.clientWidth;
+    if (width !== this.echarts.getWidth() || height !== this.echarts.getHeight()) {
+      this.canvas.style.height = `${height}px`;
+      this.echarts.resize({ width, height });
+    }
+  }
+
+  draw(option) {
+    this.echarts.clear();
+    this.echarts.setOption({
+      animation: false,
+      progressive: 0,
+      backgroundColor: 'transparent',
+      textStyle: { fontFamily: 'system-ui, sans-serif', color: colour('text') },
+      tooltip: {
+        renderMode: 'richText',
+        trigger: 'item',
+        confine: true,
+        transitionDuration: 0,
+        backgroundColor: colour('panel'),
+        borderColor: colour('line'),
+        padding: 8,
+        textStyle: { color: colour('text'), fontSize: 12, fontFamily: 'system-ui, sans-serif' },
+      },
+      ...option,
+    });
+    this.still?.remove();
+    if (isPrinting()) {
+      this.standStill();
+    }
+  }
+
+  /** Puts a finished picture in the place of the drawing: paper does not wait for the next frame. */
+  standStill() {
+    const picture = this.echarts.renderToCanvas({ pixelRatio: 3 });
+    this.still = this.element.appendChild(make('canvas', 'still'));
+    Object.assign(this.still, { width: picture.width, height: picture.height });
+    this.still.style.height = `${this.echarts.getHeight()}px`;
+    this.still.getContext('2d').drawImage(picture, 0, 0);
+  }
+
+  describe(text) {
+    this.canvas.setAttribute('aria-label', text);
+  }
+
+  timeAt(pointer) {
+    const x = pointer.clientX - this.canvas.getBoundingClientRect().left - left;
+    return this.time.from + (this.time.to - this.time.from) * Math.min(Math.max(x / this.width, 0), 1);
+  }
+
+  listen() {
+    const keys = {
+      ArrowLeft: () => this.time.pan(-0.2),
+      ArrowRight: () => this.time.pan(0.2),
+      '+': () => this.time.zoom(0.5),
+      '=': () => this.time.zoom(0.5),
+      '-': () => this.time.zoom(2),
+      0: () => this.time.showAll(),
+      Home: () => this.time.showAll(),
+    };
+    this.element.addEventListener('keydown', (event) => {
+      if (event.target === this.element && keys[event.key] && !event.ctrlKey && !event.metaKey && !event.altKey) {
+        event.preventDefault();
+        keys[event.key]();
+      }
+    });
+    this.element.addEventListener(
+      'wheel',
+      (event) => {
+        if (event.ctrlKey && this.movesInTime()) {
+          event.preventDefault();
+          this.time.zoom(event.deltaY > 0 ? 1.25 : 0.8, this.timeAt(event));
+        }
+      },
+      { passive: false },
+    );
+    this.canvas.addEventListener('dblclick', (event) => {
+      if (this.movesInTime()) {
+        this.time.zoom(0.4, this.timeAt(event));
+      }
+    });
+    this.canvas.addEventListener('pointerdown', (event) => this.drag(event));
+  }
+
+  drag(down) {
+    if (down.button !== 0 || !this.movesInTime()) {
+      return;
+    }
+    const perPixel = (this.time.to - this.time.from) / this.width;
+    let last = down.clientX;
+    const move = (event) => {
+      if (Math.abs(event.clientX - last) >= 2) {
+        this.time.show(
+          this.time.from - (event.clientX - last) * perPixel,
+          this.time.to - (event.clientX - last) * perPixel,
+        );
+        last = event.clientX;
+      }
+    };
+    window.addEventListener('pointermove', move);
+    window.addEventListener('pointerup', () => window.removeEventListener('pointermove', move), { once: true });
+  }
+}
+
+/** Calls something once before the next picture, however often it is asked to. */
+function oncePerFrame(work) {
+  let asked = false;
+  return () => {
+    if (!asked) {
+      asked = true;
+      requestAnimationFrame(() => {
+        asked = false;
+        work();
+      });
+    }
+  };
+}

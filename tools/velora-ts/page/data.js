@@ -1,0 +1,188 @@
+// What was recorded, as ReportData.cpp writes it: columns in batches.
+
+/** A column of whole numbers, as differences from the one before or [difference, times]; NaN for none. */
+function wholes(column) {
+  let last = 0;
+  return column.flatMap((entry) => {
+    const [difference, times] = Array.isArray(entry) ? entry : [entry, 1];
+    return difference === null ? [NaN] : Array.from({ length: times }, () => (last += difference));
+  });
+}
+
+/** A column of texts, 0 for the one before. */
+function texts(column) {
+  let last = null;
+  return column.map((value) => (value === 0 ? last : value === null ? null : (last = value)));
+}
+
+/** A column of values; nothing but numbers may come as the Base64 of little-endian doubles. */
+function values(column, kind) {
+  if (typeof column !== 'string') {
+    return kind === 'text' ? texts(column) : column;
+  }
+  const bytes = Uint8Array.from(atob(column), (character) => character.charCodeAt(0));
+  const view = new DataView(bytes.buffer);
+  return Float64Array.from({ length: bytes.length / 8 }, (unused, at) => view.getFloat64(8 * at, true));
+}
+
+/** All batches of a column. */
+const whole = (batches, name, read) => batches.flatMap((batch) => read(batch[name]));
+
+/** A parameter of a kind of event: the occurrence-th of its name there. */
+class Quantity {
+  constructor(event, name, occurrence) {
+    Object.assign(this, { event, name, occurrence, places: new Map(), kinds: new Set() });
+    this.numeric = false;
+    this.boolean = true;
+    this.read = null;
+  }
+
+  get label() {
+    return readable(this.name) + (this.occurrence > 1 ? ` (${this.occurrence})` : '');
+  }
+}
+
+class Recorded {
+  constructor(raw) {
+    this.raw = raw;
+    this.clock = new Clock(raw.start);
+    this.readExecutions();
+    this.readStatuses();
+    this.readEvents();
+    this.readQuantities();
+    this.measure();
+  }
+
+  readExecutions() {
+    const batches = this.raw.executions;
+    const named = (list) => new Map(list.map((item) => [item.number, item]));
+    this.sessions = named(this.raw.sessions);
+    this.versions = named(this.raw.versions);
+    this.number = whole(batches, 'number', wholes);
+    this.count = this.number.length;
+    this.indexOf = new Map(this.number.map((number, index) => [number, index]));
+    this.parent = whole(batches, 'parent', wholes).map((number) => this.indexOf.get(number) ?? -1);
+    this.session = whole(batches, 'session', wholes);
+    this.version = whole(batches, 'version', wholes);
+    this.started = whole(batches, 'started', wholes);
+    this.node = whole(batches, 'node', texts);
+    this.description = whole(batches, 'description', texts);
+    this.depth = new Array(this.count).fill(0);
+    this.children = Array.from({ length: this.count }, () => []);
+    for (let at = 0; at < this.count; ++at) {
+      // a parent is recorded before what belongs to it
+      if (this.parent[at] >= 0) {
+        this.children[this.parent[at]].push(at);
+        this.depth[at] = this.depth[this.parent[at]] + 1;
+      }
+    }
+    this.root = this.parent.indexOf(-1);
+  }
+
+  readStatuses() {
+    this.history = this.raw.executions.flatMap((batch) => {
+      const times = batch.status_at.values();
+      return texts(batch.statuses).map((codes) =>
+        (codes === '' ? [] : codes.split(',')).map((code) => {
+          const after = times.next().value;
+          return { code: Number(code), at: after === null ? NaN : after };
+        }),
+      );
+    });
+    this.history.forEach((history, at) => history.forEach((status) => (status.at += this.started[at])));
+    this.status = this.history.map((history) => history.at(-1)?.code ?? null);
+    this.ended = this.history.map((history) => (history.at(-1)?.code === 4 ? Infinity : (history.at(-1)?.at ?? NaN)));
+    this.unfinished = this.status.flatMap((code, at) => (code === 4 ? [at] : []));
+  }
+
+  readEvents() {
+    this.shapes = this.raw.shapes.map(([name, ...fields]) => ({
+      name,
+      parameters: Array.from({ length: fields.length / 2 }, (unused, at) => [fields[2 * at], fields[2 * at + 1]]),
+    }));
+    this.batches = this.raw.events.map((batch) => ({
+      shape: this.shapes[batch.shape],
+      number: wholes(batch.number),
+      execution: wholes(batch.execution).map((number) => this.indexOf.get(number)),
+      at: wholes(batch.at),
+      values: batch.values.map((column, at) => values(column, this.shapes[batch.shape].parameters[at][1])),
+    }));
+    const events = this.batches.flatMap((batch) =>
+      batch.number.map((number, row) => ({ number, batch, row, execution: batch.execution[row], at: batch.at[row] })),
+    );
+    this.events = events.sort((a, b) => a.number - b.number);
+    this.eventsOf = Array.from({ length: this.count }, () => []);
+    const kinds = new Map();
+    for (const event of this.events) {
+      this.eventsOf[event.execution].push(event);
+      const { name } = event.batch.shape;
+      if (!kinds.has(name)) {
+        kinds.set(name, []);
+      }
+      kinds.get(name).push(event);
+    }
+    const slices = new Map((this.raw.slices?.kinds ?? []).map((kind) => [kind.name, kind]));
+    this.kinds = [...kinds].map(([name, list]) => ({
+      name,
+      slices: slices.get(name) ?? null,
+      recorded: slices.get(name)?.recorded ?? list.length,
+      events: list.filter((event) => !Number.isNaN(event.at)).sort((a, b) => a.at - b.at || a.number - b.number),
+    }));
+  }
+
+  /** Parameters of one name in one event are told apart by which one of that name it is. */
+  readQuantities() {
+    const found = new Map();
+    for (const shape of this.shapes) {
+      const seen = new Map();
+      shape.parameters.forEach(([name, kind], place) => {
+        const occurrence = (seen.get(name) ?? 0) + 1;
+        seen.set(name, occurrence);
+        const key = JSON.stringify([shape.name, name, occurrence]);
+        if (!found.has(key)) {
+          found.set(key, new Quantity(shape.name, name, occurrence));
+        }
+        const quantity = found.get(key);
+        quantity.places.set(shape, place);
+        quantity.kinds.add(kind);
+      });
+    }
+    this.quantities = [...found.values()];
+    for (const quantity of this.quantities) {
+      quantity.boolean = [...quantity.kinds].every((kind) => kind === 'bool');
+      quantity.numeric = this.batches.some(
+        (batch) =>
+          quantity.places.has(batch.shape) &&
+          batch.values[quantity.places.get(batch.shape)].some((value) => !Number.isNaN(numberOf(value))),
+      );
+    }
+  }
+
+  /** The value that an event has of a quantity; undefined where it has none. */
+  valueOf(event, quantity) {
+    const place = quantity.places.get(event.batch.shape);
+    return place === undefined ? undefined : event.batch.values[place][event.row];
+  }
+
+  kindOf(event, quantity) {
+    return event.batch.shape.parameters[quantity.places.get(event.batch.shape)][1];
+  }
+
+  measure() {
+    let [first, last] = [0, 0];
+    for (const time of [
+      ...this.started,
+      ...this.history.flat().map((status) => status.at),
+      ...this.events.map((event) => event.at),
+    ]) {
+      if (time < first) {
+        first = time;
+      }
+      if (time > last) {
+        last = time;
+      }
+    }
+    this.first = first;
+    this.last = Math.max(last, this.raw.slices?.to ?? last);
+  }
+}

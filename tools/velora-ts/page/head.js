@@ -1,0 +1,156 @@
+// What was run, when, on what, and how it ended; what did not finish before everything else.
+
+const mostNamed = 5;
+
+function showHead(recorded) {
+  const { raw, clock, root } = recorded;
+  const version = recorded.versions.get(recorded.version[root]);
+  const session = recorded.sessions.get(recorded.session[root]);
+  document.title = `${readable(recorded.node[root])} · ${clock.date(0)}`;
+  show(document.getElementById('title'), recorded.node[root]);
+  show(document.getElementById('subtitle'), recorded.description[root]);
+  const facts = document.getElementById('facts');
+  const fact = (name, ...children) => facts.append(make('div', '', make('dt', '', name), make('dd', '', ...children)));
+  const stored = (text) => show(make('span'), text);
+  fact(
+    'Activity',
+    version ? stored(version.name) : 'none',
+    ...(version ? [' version ', stored(version.version), ' of ', stored(version.activity)] : []),
+  );
+  fact('Instrument', ...(session ? [stored(session.instrument), ', recorded by ', stored(session.host)] : ['unknown']));
+  fact('Started', clock.local(0));
+  const open = recorded.ended[root] === Infinity;
+  const end = open ? recorded.last : recorded.ended[root];
+  fact(open ? 'Last sign of life' : 'Ended', clock.local(end));
+  fact(open ? 'Duration so far' : 'Duration', lengthOf(end));
+  fact('State', stateOf(recorded));
+  fact('Sealed', ...sealOf(recorded));
+  fact('Shown', shownOf(recorded));
+  fact('Run', make('code', '', raw.run));
+  showConfigurations(recorded);
+  showAlarm(recorded);
+  document.getElementById('made').textContent =
+    `Made by velora-ts ${raw.tool} at ${clock.local(raw.made)} from the store as it was then. ` +
+    "Times are those of this computer's time zone.";
+}
+
+function shownOf(recorded) {
+  const { raw, events, count: executions } = recorded;
+  const which = raw.slices
+    ? `binned: ${events.length.toLocaleString('en')} of ${count(raw.recorded, 'event')}`
+    : `all ${count(raw.recorded, 'event')}`;
+  return `${which}, ${count(executions, 'execution')}`;
+}
+
+function stateOf(recorded) {
+  const { unfinished, status, root } = recorded;
+  return unfinished.length === 0
+    ? statusName(status[root])
+    : `${statusName(status[root])}; ${count(unfinished.length, 'execution')} did not finish`;
+}
+
+function sealOf({ raw, clock }) {
+  if (!raw.seal) {
+    return ['not sealed'];
+  }
+  const { number, sealed_at: at, hash, complete } = raw.seal;
+  return [
+    `seal ${number} of ${clock.local(clock.read(at))}`,
+    complete ? ', covers all: ' : '; more was recorded since: ',
+    make('code', '', hash.slice(0, 16)),
+    '…',
+  ];
+}
+
+/** Names what did not finish, the deepest first: there it stopped. */
+function showAlarm(recorded) {
+  const { unfinished, clock } = recorded;
+  const alarm = document.getElementById('alarm');
+  alarm.hidden = unfinished.length === 0;
+  alarm.replaceChildren();
+  if (alarm.hidden) {
+    return;
+  }
+  const deepest = [...unfinished].sort((a, b) => recorded.depth[b] - recorded.depth[a] || b - a);
+  const list = make(
+    'ul',
+    '',
+    ...deepest.slice(0, mostNamed).map((at) => {
+      const last = recorded.eventsOf[at].at(-1);
+      const words = last
+        ? [', last event ', show(make('span'), last.batch.shape.name), ` at ${clock.day(last.at)}`]
+        : [', no event'];
+      return make(
+        'li',
+        '',
+        show(make('strong'), recorded.node[at]),
+        ` running since ${clock.day(recorded.started[at])}`,
+        ...words,
+      );
+    }),
+  );
+  if (unfinished.length > mostNamed) {
+    list.append(make('li', '', `and ${(unfinished.length - mostNamed).toLocaleString('en')} more`));
+  }
+  alarm.append(
+    make('strong', '', `Did not finish: ${count(unfinished.length, 'execution')}`),
+    ` of ${recorded.count.toLocaleString('en')} had not ended when this page was made.`,
+    list,
+  );
+}
+
+function showConfigurations(recorded) {
+  const { configurations } = recorded.raw;
+  const names = [
+    ['Vendor', 'vendor_name'],
+    ['Model', 'model_name'],
+    ['Class', 'instrument_class'],
+    ['Host', 'host_name'],
+    ['Options', 'option_text'],
+  ];
+  document.getElementById('configurations').replaceChildren(
+    ...configurations.map((configuration) => {
+      const saved = ` saved ${recorded.clock.local(recorded.clock.read(configuration.saved_at))}`;
+      const list = make(
+        'dl',
+        'parameters',
+        ...names
+          .filter(([, field]) => configuration[field])
+          .map(([name, field]) => make('div', '', make('dt', '', name), show(make('dd'), configuration[field]))),
+      );
+      const text = make('pre');
+      text.textContent = readableLines(configuration.configuration_text);
+      return make(
+        'details',
+        '',
+        make('summary', '', 'Instrument configuration ', show(make('span'), configuration.model_name), saved),
+        list,
+        text,
+      );
+    }),
+  );
+}
+
+/** A text of several lines; its line ends and tabs stay. */
+const readableLines = (stored) =>
+  noText.test(stored)
+    ? readable(stored)
+    : stored
+        .split(/(\r?\n|\t)/)
+        .map((piece, at) => (at % 2 === 1 ? piece : readable(piece)))
+        .join('');
+
+function showLegend(recorded) {
+  const codes = [...new Set(recorded.status)].sort((a, b) => b - a);
+  const entry = (name, background) => {
+    const item = make('li', '', make('span', 'swatch'), name);
+    item.firstChild.style.background = background;
+    return item;
+  };
+  document
+    .getElementById('legend')
+    .replaceChildren(
+      ...codes.map((code) => entry(code === 4 ? 'did not finish' : statusName(code), statusColour(code))),
+      entry('event', colour('event')),
+    );
+}

@@ -1,0 +1,70 @@
+// The lanes of the timeline: one for each level of the tree, in which what overlaps lies in sub-lanes, then one for
+// each kind of event.
+
+const mostSubLanes = 16;
+
+/** Distributes executions, sorted by their start, over as few sub-lanes as keep them apart. */
+function packed(recorded, executions) {
+  const lanes = [];
+  for (const at of executions) {
+    let lane = lanes.findIndex((candidate) => candidate.end <= recorded.started[at]);
+    if (lane < 0) {
+      lane = lanes.length < mostSubLanes ? lanes.push({ executions: [] }) - 1 : mostSubLanes - 1;
+    }
+    lanes[lane].executions.push(at);
+    lanes[lane].end = Math.max(lanes[lane].end ?? -Infinity, recorded.ended[at]);
+  }
+  return lanes.map((lane) => lane.executions);
+}
+
+/** What most of a level are. */
+function levelName(recorded, executions, depth) {
+  const counts = new Map();
+  for (const at of executions) {
+    const name = recorded.versions.get(recorded.version[at])?.name ?? `level ${depth}`;
+    counts.set(name, (counts.get(name) ?? 0) + 1);
+  }
+  return [...counts].sort((a, b) => b[1] - a[1])[0][0];
+}
+
+function lanesOf(recorded, mostKinds) {
+  const levels = [];
+  for (let at = 0; at < recorded.count; ++at) {
+    (levels[recorded.depth[at]] ??= []).push(at);
+  }
+  const lanes = levels.map((executions, depth) => {
+    executions.sort((a, b) => recorded.started[a] - recorded.started[b] || a - b);
+    const subLanes = packed(recorded, executions);
+    const height = subLanes.length > 4 ? 12 : 20;
+    return {
+      label: levelName(recorded, executions, depth),
+      total: executions.length,
+      subLanes,
+      subHeight: height,
+      height: height * subLanes.length,
+    };
+  });
+  const kinds = recorded.kinds.slice(0, mostKinds);
+  const others = recorded.kinds.slice(mostKinds);
+  if (others.length > 0) {
+    const events = others.flatMap((kind) => kind.events).sort((a, b) => a.at - b.at);
+    kinds.push({ name: `${others.length} further kinds`, slices: null, events, recorded: events.length });
+  }
+  lanes.push(...kinds.map((kind) => ({ label: kind.name, total: kind.recorded, kind, height: 18 })));
+  let top = 0;
+  for (const lane of lanes) {
+    lane.top = top;
+    top += lane.height + 7;
+  }
+  return lanes;
+}
+
+/** First place in a sorted list where a number is not below another. */
+function lowerBound(list, wanted, numberOfItem) {
+  let [low, high] = [0, list.length];
+  while (low < high) {
+    const middle = (low + high) >> 1;
+    [low, high] = numberOfItem(list[middle]) < wanted ? [middle + 1, high] : [low, middle];
+  }
+  return low;
+}

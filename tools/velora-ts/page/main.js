@@ -1,0 +1,59 @@
+// Puts the parts of the page together.
+
+const byId = (id) => document.getElementById(id);
+const recorded = new Recorded(JSON.parse(byId('recorded').textContent));
+byId('recorded').remove();
+byId('licences').textContent = byId('licence-texts').textContent;
+
+showHead(recorded);
+const time = new TimeWindow(recorded.first, recorded.last);
+const table = new Table(byId('table'), recorded);
+const reveal = (at) => (at === recorded.root ? showOwnHistory(true) : table.reveal(at));
+const timeline = new Timeline(byId('timeline'), recorded, time, reveal);
+const plot = recorded.quantities.some((quantity) => quantity.numeric)
+  ? new Plot(byId('plot'), recorded, time, reveal)
+  : null;
+byId('plot').closest('section').hidden = plot === null;
+
+function showOwnHistory(shown) {
+  byId('own-history').setAttribute('aria-expanded', shown);
+  byId('own').replaceChildren(...(shown ? [historyOf(recorded, recorded.root)] : []));
+  if (shown) {
+    byId('own').scrollIntoView({ block: 'nearest' });
+  }
+}
+
+function showWindow() {
+  const { clock } = recorded;
+  const digits = time.to - time.from < 1e7 ? 3 : 0;
+  byId('window').textContent = time.isWhole
+    ? 'whole run'
+    : `${clock.day(time.from, digits)} – ${clock.day(time.to, digits)}`;
+}
+
+function redraw() {
+  showLegend(recorded);
+  showWindow();
+  timeline.draw();
+  plot?.draw();
+  table.draw();
+}
+
+time.onChange(
+  oncePerFrame(() => {
+    showWindow();
+    timeline.draw();
+    plot?.drawWindow();
+  }),
+);
+byId('zoom-in').addEventListener('click', () => time.zoom(0.5));
+byId('zoom-out').addEventListener('click', () => time.zoom(2));
+byId('zoom-all').addEventListener('click', () => time.showAll());
+byId('own-history').addEventListener('click', () => showOwnHistory(byId('own').children.length === 0));
+const fileName = (what) => `${recorded.raw.run.slice(0, 8)}-${what}.csv`;
+byId('download').addEventListener('click', () => download(fileName('executions'), csvOfTable(table)));
+byId('download-events').addEventListener('click', () => download(fileName('events'), csvOfEvents(recorded)));
+window.addEventListener('resize', oncePerFrame(redraw));
+window.matchMedia('(prefers-color-scheme: dark)').addEventListener('change', redraw);
+preparePrinting(table, redraw);
+redraw();

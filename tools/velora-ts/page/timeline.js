@@ -1,0 +1,271 @@
+// The timeline: executions and events in their lanes. What is closer than two pixels becomes bars, the higher the more
+// there is.
+
+const closest = 2;
+const mostKinds = { onScreen: 40, onPaper: 8 };
+
+class Timeline {
+  constructor(element, recorded, time, open) {
+    Object.assign(this, { recorded, time, element });
+    this.chart = new Chart(element, time, () => true);
+    this.chart.echarts.on('click', ({ dataIndex }) => {
+      const item = this.items[dataIndex];
+      if (item && item.execution !== undefined) {
+        open(item.execution);
+      }
+    });
+  }
+
+  draw() {
+    this.lanes = this.lanesFor(isPrinting() ? mostKinds.onPaper : mostKinds.onScreen);
+    this.height = this.lanes.at(-1).top + this.lanes.at(-1).height;
+    this.chart.fit(this.height + 38);
+    const items = this.lanes.flatMap((lane) => (lane.kind ? this.eventItems(lane) : this.executionItems(lane)));
+    this.items = items;
+    const drawn = (type) => items.filter((item) => item.type === type).length;
+    Object.assign(this.element.dataset, {
+      executions: drawn('execution'),
+      events: drawn('event'),
+      bars: drawn('bar'),
+      from: this.time.from,
+      to: this.time.to,
+    });
+    const { recorded } = this;
+    this.chart.describe(
+      `Timeline of ${count(recorded.count, 'execution')} and ${count(recorded.raw.recorded, 'event')}, ` +
+        `${recorded.unfinished.length} unfinished; the table below has the same by rows.`,
+    );
+    const day = (at, step) => recorded.clock.day(at, digitsFor(step));
+    this.chart.draw({
+      grid: { left, right, top: 30, height: this.height, outerBoundsMode: 'none' },
+      xAxis: { ...timeAxis(this.time, this.chart.width / 110, day, recorded.clock.midnight), position: 'top' },
+      yAxis: { type: 'value', min: 0, max: this.height, inverse: true, show: false },
+      graphic: this.lanes.map((lane) => this.labelOf(lane)),
+      series: [
+        {
+          type: 'custom',
+          clip: true,
+          progressive: 0,
+          data: items.map((item) => [item.from, item.top]),
+          renderItem: (params) => this.shapeOf(items[params.dataIndex], params.coordSys),
+          tooltip: { formatter: ({ dataIndex }) => this.wordsFor(items[dataIndex]) },
+        },
+      ],
+    });
+  }
+
+  lanesFor(most) {
+    this.known ??= new Map();
+    if (!this.known.has(most)) {
+      this.known.set(most, lanesOf(this.recorded, most));
+    }
+    return this.known.get(most);
+  }
+
+  pixel(at) {
+    return ((at - this.time.from) / (this.time.to - this.time.from)) * this.chart.width;
+  }
+
+  labelOf(lane) {
+    return {
+      type: 'text',
+      left: 0,
+      top: 30 + lane.top + lane.height / 2 - 7,
+      silent: true,
+      style: {
+        text: `${readable(lane.label)}  ${lane.total.toLocaleString('en')}`,
+        width: left - 12,
+        overflow: 'truncate',
+        fill: colour(lane.kind ? 'muted' : 'text'),
+        font: '12px system-ui, sans-serif',
+      },
+    };
+  }
+
+  executionItems(lane) {
+    const { recorded, time } = this;
+    return lane.subLanes.flatMap((executions, index) => {
+      const place = { top: lane.top + index * lane.subHeight, height: lane.subHeight - 2 };
+      const items = [];
+      const narrow = [];
+      for (const at of executions) {
+        const end = Math.min(recorded.ended[at], Infinity);
+        const [from, to] = [recorded.started[at], Number.isNaN(end) ? recorded.started[at] : end];
+        if (to < time.from || from > time.to) {
+          continue;
+        }
+        if (this.pixel(to) - this.pixel(from) < closest) {
+          narrow.push({ ...place, type: 'execution', execution: at, from, to, at: from });
+        } else {
+          items.push({ ...place, type: 'execution', execution: at, from, to });
+        }
+      }
+      return items.concat(this.barsWhereClose(narrow, place));
+    });
+  }
+
+  eventItems(lane) {
+    const { from, to } = this.time;
+    const place = { top: lane.top, height: lane.height };
+    if (lane.kind.slices) {
+      return this.sliceItems(lane.kind, place);
+    }
+    const { events } = lane.kind;
+    const visible = events.slice(
+      lowerBound(events, from, (event) => event.at),
+      lowerBound(events, to, (event) => event.at),
+    );
+    return this.barsWhereClose(
+      visible.map((event) => ({
+        ...place,
+        type: 'event',
+        event,
+        execution: event.execution,
+        at: event.at,
+        from: event.at,
+        to: event.at,
+      })),
+      place,
+    );
+  }
+
+  /** Items for places in time; those closer than two pixels to another become bars. */
+  barsWhereClose(items, place) {
+    const pixels = items.map((item) => this.pixel(item.at));
+    const alone = [];
+    const bins = new Map();
+    items.forEach((item, at) => {
+      if (pixels[at] - pixels[at - 1] < closest || pixels[at + 1] - pixels[at] < closest) {
+        const bin = Math.floor(pixels[at] / closest);
+        bins.set(bin, (bins.get(bin) ?? 0) + 1);
+      } else {
+        alone.push(item);
+      }
+    });
+    const perPixel = (this.time.to - this.time.from) / this.chart.width;
+    const start = (bin) => this.time.from + bin * closest * perPixel;
+    return alone.concat(
+      this.bars(
+        [...bins].map(([bin, total]) => [start(bin), start(bin + 1), total]),
+        place,
+      ),
+    );
+  }
+
+  bars(list, place) {
+    const highest = list.reduce((high, [, , total]) => Math.max(high, total), 1);
+    return list.map(([from, to, total]) => {
+      const height = place.height * (0.25 + 0.75 * Math.sqrt(total / highest));
+      return { type: 'bar', top: place.top + place.height - height, height, from, to, total };
+    });
+  }
+
+  sliceItems(kind, place) {
+    const { from, to } = this.recorded.raw.slices;
+    const { counts } = kind.slices;
+    const bins = new Map();
+    counts.forEach((total, at) => {
+      const edges = [at, at + 1].map((edge) => from + ((to - from) * edge) / counts.length);
+      if (total > 0 && edges[1] >= this.time.from && edges[0] <= this.time.to) {
+        const wide = this.pixel(edges[1]) - this.pixel(edges[0]) >= closest;
+        const bin = wide ? `${at}` : Math.floor(this.pixel(edges[0]) / closest);
+        const [start, end, sum] = bins.get(bin) ?? [...edges, 0];
+        bins.set(bin, [start, Math.max(end, edges[1]), sum + total]);
+      }
+    });
+    return this.bars([...bins.values()], place);
+  }
+
+  shapeOf(item, area) {
+    const x = Math.max(area.x + this.pixel(item.from), area.x - 5);
+    const end =
+      item.to === Infinity ? area.x + area.width : Math.min(area.x + this.pixel(item.to), area.x + area.width + 5);
+    const shape = {
+      x,
+      y: area.y + item.top,
+      width: Math.max(end - x, item.type === 'bar' ? closest - 0.5 : 1.5),
+      height: item.height,
+    };
+    if (item.type !== 'execution') {
+      return { type: 'rect', shape, style: { fill: colour('event') } };
+    }
+    const code = this.recorded.status[item.execution];
+    const fill = code === 4 ? this.hatched() : statusColour(code);
+    const rect = { type: 'rect', shape: { ...shape, r: shape.width > 5 ? 2 : 0 }, style: { fill } };
+    if (code === 4) {
+      Object.assign(rect.style, { stroke: statusColour(4), lineWidth: 1 });
+    }
+    if (shape.width > 36 && item.height > 14) {
+      rect.textConfig = { position: 'insideLeft', distance: 6 };
+      rect.textContent = {
+        type: 'text',
+        silent: true,
+        style: {
+          text: readable(this.recorded.node[item.execution]),
+          width: shape.width - 12,
+          overflow: 'truncate',
+          ellipsis: '…',
+          fill: colour(code === 4 ? 'text' : 'on-bar'),
+          font: '11px system-ui, sans-serif',
+        },
+      };
+    }
+    return rect;
+  }
+
+  /** Stripes for what did not finish. */
+  hatched() {
+    const ink = statusColour(4);
+    if (this.hatch?.ink !== ink) {
+      const image = document.createElement('canvas');
+      image.width = image.height = 16;
+      const pen = image.getContext('2d');
+      pen.globalAlpha = 0.28;
+      pen.fillStyle = ink;
+      pen.fillRect(0, 0, 16, 16);
+      pen.globalAlpha = 1;
+      pen.strokeStyle = ink;
+      pen.lineWidth = 3;
+      for (const shift of [-16, 0, 16]) {
+        pen.beginPath();
+        pen.moveTo(shift - 2, 18);
+        pen.lineTo(shift + 18, -2);
+        pen.stroke();
+      }
+      this.hatch = { ink, pattern: { image, repeat: 'repeat', scaleX: 0.5, scaleY: 0.5 } };
+    }
+    return this.hatch.pattern;
+  }
+
+  wordsFor(item) {
+    if (item.type === 'bar') {
+      const within = `${item.total.toLocaleString('en')} within ${lengthOf(item.to - item.from)}`;
+      return `${within}\nfrom ${this.recorded.clock.day(item.from, 6)}`;
+    }
+    return item.type === 'event' ? this.wordsForEvent(item.event) : this.wordsForExecution(item);
+  }
+
+  wordsForEvent({ batch, row, at, execution }) {
+    const { name, parameters } = batch.shape;
+    const most = Math.max(1, Math.floor(this.height / tooltipLine) - 2); // it cannot leave the drawing
+    const lines = parameters.slice(0, most).map(([parameter, kind], place) => {
+      const value = valueText(batch.values[place][row], kind);
+      return `${shortened(plain(parameter), 30)}  ${shortened(plain(value), 40)}`;
+    });
+    const title = `${shortened(plain(name), 40)} of ${shortened(plain(this.recorded.node[execution]), 60)}`;
+    const rest = parameters.length > most ? [`and ${parameters.length - most} more`] : [];
+    return [title, this.recorded.clock.day(at, 6), ...lines, ...rest].join('\n');
+  }
+
+  wordsForExecution({ execution, from, to }) {
+    const { recorded } = this;
+    const code = recorded.status[execution];
+    return [
+      shortened(plain(recorded.node[execution]), 60),
+      plain(recorded.versions.get(recorded.version[execution])?.name ?? ''),
+      `started ${recorded.clock.day(from, 6)}`,
+      code === 4 ? 'did not finish' : `${statusName(code)} after ${lengthOf(to - from)}`,
+      count(recorded.eventsOf[execution].length, 'event') + (recorded.raw.slices ? ' kept' : ''),
+    ].join('\n');
+  }
+}
