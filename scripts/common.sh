@@ -20,3 +20,16 @@ build() {
   quietly "Configuring $preset" "build/$preset-configure.log" cmake --preset "$preset"
   quietly "Building $preset" "build/$preset-build.log" cmake --build --preset "$preset" ${1:+--target "$@"}
 }
+
+# prepare_page: builds release with what opens pages of runs in Chromium.
+prepare_page() {
+  scripts/install-prerequisites page
+  quietly "Turning the tests of the page on" build/release-page.log cmake --preset release -D VELORA_PAGE_TESTS=ON
+  build release
+}
+
+# in_browser SCRIPT ARGUMENT...: runs a script of tests/page.
+in_browser() {
+  NODE_MODULES=$PWD/build/release/tests/page/node_modules VELORA_BIN=$PWD/build/release/bin SOURCE=$PWD \
+    node "tests/page/$1" "${@:2}"
+}

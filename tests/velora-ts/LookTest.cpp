@@ -134,7 +134,7 @@ TEST_F(Look, ExportsATimelineThatAgreesWithTheStore) {
 TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
   create_directory(folder / "new");
   folder.Write("new/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");
-  EXPECT_EQ(Shell("timeout 20 '" VELORA_TS "' tail --config new > told 2>&1 & tail=$!\n"
+  EXPECT_EQ(Shell(": > told; timeout 60 '" VELORA_TS "' tail --config new > told 2>&1 & tail=$!\n"
                   "until grep -q waiting told; do sleep 0.05; done\n"
                   "sqlite3 new/ts.db '.read " SOURCE "/tests/local-ts/version-1.sql' "
                   "'INSERT INTO statuses VALUES (7, 1, 1, 4, \"\")'\n"

@@ -1,0 +1,104 @@
+// The runs whose pages are tested, each recorded or written into a store of its own. VELORA_BIN has the programs.
+import { execFileSync } from 'node:child_process';
+import { mkdirSync, mkdtempSync, statSync, writeFileSync } from 'node:fs';
+import { tmpdir } from 'node:os';
+import { join } from 'node:path';
+
+const bin = process.env.VELORA_BIN;
+export const scratch = mkdtempSync(join(tmpdir(), 'velora-page-'));
+
+/** Asks a store; a list of rows. */
+export function ask(folder, question) {
+  const answer = execFileSync('sqlite3', ['-readonly', '-json', join(folder, 'ts.db'), question], { maxBuffer: 1e9 });
+  return answer.length === 0 ? [] : JSON.parse(answer);
+}
+
+/** The page of the newest run of a store. */
+export function report(folder) {
+  const file = join(folder, 'run.html');
+  execFileSync(`${bin}/velora-ts`, ['report', 'last', '-o', file], { cwd: folder });
+  return { folder, file, bytes: statSync(file).size };
+}
+
+function record(name, file, content) {
+  const folder = join(scratch, name);
+  mkdirSync(folder);
+  writeFileSync(join(folder, file), content);
+  try {
+    execFileSync(`${bin}/record-tilt-series`, ['--data', folder, file], { cwd: folder, stdio: 'ignore' });
+  } catch {
+    // what is wrong in the file ends the recording
+  }
+  write(folder, asOnAnInstrument);
+  return folder;
+}
+
+const write = (folder, statements) => execFileSync('sqlite3', [join(folder, 'ts.db')], { input: statements });
+
+const at = (seconds) => `strftime('%Y-%m-%dT%H:%M:%S', '2026-11-25', (${seconds}) || ' seconds')`;
+
+// The example records a series within milliseconds; here each section takes half a minute.
+const asOnAnInstrument = `
+  DROP TRIGGER executions_no_update; DROP TRIGGER statuses_no_update; DROP TRIGGER events_no_update;
+  DROP TRIGGER configurations_no_update; UPDATE configurations SET saved_at = ${at('-31')} || '.000000Z';
+  UPDATE executions SET started_at = ${at('30 * execution_id - 60')} || '.000000Z';
+  UPDATE events SET at = ${at('30 * execution_id - 40')} || '.000000Z';
+  UPDATE statuses SET at = CASE WHEN code = 4 THEN (SELECT started_at FROM executions x
+      WHERE x.execution_id = statuses.execution_id)
+    WHEN execution_id = 1 THEN (SELECT ${at('30 * MAX(execution_id) - 30')} || '.000000Z' FROM executions)
+    ELSE ${at('30 * execution_id - 32')} || '.000000Z' END;`;
+
+const sample = () => execFileSync(join(process.env.SOURCE, 'examples/record-tilt-series/make-sample-series'));
+
+export const tiltSeries = () => report(record('tilt', 'sample.mdoc', sample()));
+
+export const unfinished = () =>
+  report(record('unfinished', 'stopped.mdoc', `${sample().subarray(0, 4000)}\nno value\n`));
+
+export const hostileTexts = {
+  node: 'ZValue <script>window.bad = 1</script>', event: `<i>'it'</i>"`,
+  value: `<b>"a" &amp; 'b'</b>`,
+  name: '</script><!--', braces: '{a|b}{c}', formula: '=HYPERLINK("x")',
+  below: '</textarea><svg onload=window.bad=1>{a|b}',
+};
+
+export function hostile() {
+  const { name, braces, value, formula, event, below } = hostileTexts;
+  const lines = [`[ZValue = <script>window.bad = 1</script>]`, `${name} = ${value}`, `${braces} = ${braces}`,
+    `Formula = ${formula}`, 'Escaped = \\x41', 'Twice = 1', 'Twice = 2', 'Bytes = a'];
+  const content = Buffer.concat([Buffer.from(lines.join('\n')), Buffer.from([0xff, 0xc3, 0x28]), Buffer.from('<u>\n')]);
+  const folder = record('hostile', '<img src=x onerror="window.bad = 1">.mdoc', content);
+  const quoted = (text) => `'${text.replaceAll("'", "''")}'`;
+  write(folder, `
+    INSERT INTO executions SELECT 900, 'ffffffff-0000-4000-8000-000000000000', 1, 1, session_id, version_id,
+      ${quoted(below)}, '', 0, started_at FROM executions WHERE execution_id = 1;
+    INSERT INTO statuses SELECT 900, 900, 1, 14, started_at FROM executions WHERE execution_id = 1;
+    INSERT INTO events SELECT 900, 1, 900, NULL, ${quoted(event)}, started_at FROM executions WHERE execution_id = 1;
+    INSERT INTO parameters VALUES (900, 1, '\\x00ff', 'double', NULL, 1.5),
+      (900, 2, 'none', 'double', 'NaN:7ff8000000000000', NULL), (900, 3, 'much', 'double', NULL, 9e999);`);
+  return report(folder);
+}
+
+/** A run of ten hours with many events of four parameters, in a hundred executions of which one did not finish. */
+export function long(events) {
+  const folder = record(`long-${events}`, 'sample.mdoc', sample());
+  write(folder, `
+    INSERT INTO executions SELECT 1000, 'ffffffff-0000-4000-8000-000000000000', NULL, 1000, 1, 1, 'ten hours', '', 5,
+      '2026-11-25T00:00:00.000000Z';
+    INSERT INTO statuses VALUES (1000, 1000, 1, 14, '2026-11-25T10:00:00.000000Z');
+    WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 100)
+      INSERT INTO executions SELECT 1000 + i, printf('ffffffff-0000-4000-8000-%012d', i), 1000, 1000, 1, 2,
+        'step ' || i, '', 0, ${at('i * 360 - 360')} || '.000000Z' FROM n;
+    INSERT INTO statuses SELECT execution_id, execution_id, 1, CASE execution_id WHEN 1050 THEN 4 ELSE 14 END,
+      ${at('(execution_id - 1000) * 360 - 10')} || '.000000Z' FROM executions WHERE parent_id = 1000;
+    WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ${events - 1})
+      INSERT INTO events SELECT 10000 + i, 1, 1001 + i * 100 / ${events}, NULL, 'Sample',
+        ${at(`i * 36000 / ${events}`)} || printf('.%06dZ', i * 36000000000 / ${events} % 1000000) FROM n;
+    INSERT INTO parameters SELECT event_id, column1, column2, column3, NULL, CASE column1
+        WHEN 1 THEN sin(event_id / 3000.0) + event_id % 17 / 50.0 WHEN 2 THEN event_id / 7.0
+        WHEN 3 THEN round(20 + cos(event_id / 900.0), 2) ELSE event_id % 3 = 0 END
+      FROM events, (VALUES (1, 'Drift', 'double'), (2, 'Dose', 'double'), (3, 'Temperature', 'double'),
+        (4, 'Beam', 'bool'))
+      WHERE event_id >= 10000;`);
+  return report(folder);
+}
