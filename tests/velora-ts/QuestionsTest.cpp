@@ -32,6 +32,7 @@ std::vector<Call> Exports() {
 const std::map<std::string, Verb> verbs = {
     {"backup", {"it copies every page"}},
     {"check", {"it counts every table"}},
+    {"copy", {"it copies every row"}},
     {"prepare", {"it reads no records"}},
     {"seal", {"it seals every run that is finished"}},
     {"verify", {"it compares every record with its seal"}},
@@ -51,6 +52,7 @@ const std::map<std::string, Verb> verbs = {
          return ShowRun(database, "0ecba827", {false, true, {"TiltAngle"}, true});
        },
        [](const Database& database) { return ShowRun(database, "grid.mdoc", {}); }}}},
+    {"report", {nullptr, {[](const Database& database) { return Report(database, "last", "/dev/null"); }}}},
     {"tail", {nullptr, {[](const Database& database) { return Tail(database, ""); }}}},
 };
 
