@@ -11,15 +11,17 @@ namespace {
 
 // A run that did not finish below its end, with texts that a terminal, a spreadsheet or a parser might take for more.
 constexpr const char* hostileRun = R"(
-INSERT INTO executions VALUES (4, 'ffffffff-0000-4000-8000-000000000000', NULL, 4, 1, 2, char(27) || '[2J<b>' || char(155), '', 5,
-    '2026-11-26T10:00:00.000000Z'), (5, 'ffffffff-1', 4, 4, 1, NULL, 'step', '', 0, '2026-11-26T10:00:01.000000Z'),
+INSERT INTO executions VALUES (4, 'ffffffff-0000-4000-8000-000000000000', NULL, 4, 1, 2,
+    char(27) || '[2J<b>' || char(155), '', 5, '2026-11-26T10:00:00.000000Z'),
+  (5, 'ffffffff-1', 4, 4, 1, NULL, 'step', '', 0, '2026-11-26T10:00:01.000000Z'),
   (6, 'ffffffff-2', 4, 4, 1, NULL, 'a long name of a step', '', 0, '2026-11-26T10:00:01.500000Z');
 INSERT INTO statuses VALUES (7, 4, 1, 4, '2026-11-26T10:00:00.000000Z'), (8, 5, 1, 4, '2026-11-26T10:00:01.000000Z'),
   (9, 4, 1, 14, '2026-11-26T11:01:02.345678Z'), (10, 6, 1, 14, '2026-11-26T10:00:02.000000Z');
-INSERT INTO events VALUES (4, 1, 5, NULL, '=cmd()', '2026-11-26T10:00:01.250000Z'), (5, 1, 6, NULL, 'e', '2026-11-26T10:00:03.000000Z'),
+INSERT INTO events VALUES (4, 1, 5, NULL, '=cmd()', '2026-11-26T10:00:01.250000Z'),
+  (5, 1, 6, NULL, 'e', '2026-11-26T10:00:03.000000Z'),
   (6, 1, NULL, NULL, 'of no run', '2026-11-26T10:00:04.000000Z');
-INSERT INTO parameters VALUES (4, 1, 'T', 'text', '+3.10', NULL), (4, 2, 'T', 'text', '-1+1', NULL), (4, 3, 'at', 'text', 'a "q",' ||
-    char(10) || 'b', NULL), (4, 4, '@N', 'double', 'NaN:7ff8000000000000', NULL), (4, 5, 'B', 'bool', NULL, 1),
+INSERT INTO parameters VALUES (4, 1, 'T', 'text', '+3.10', NULL), (4, 2, 'T', 'text', '-1+1', NULL),
+  (4, 3, 'at', 'text', 'a "q",' || char(10) || 'b', NULL), (4, 4, '@N', 'double', 'NaN:7ff8000000000000', NULL), (4, 5, 'B', 'bool', NULL, 1),
   (4, 6, 'Empty', 'text', '', NULL), (4, 7, 'Quote', 'text', '''x', NULL), (4, 8, 'Tab', 'text', char(9) || 'x', NULL),
   (5, 1, 'B', 'bool', NULL, 0), (5, 2, 'Inf', 'double', NULL, -9e999), (5, 3, 'Bad', 'text', CAST(x'c3ff' AS TEXT), NULL),
   (5, 4, '@N', 'double', '-0.0', NULL), (5, 5, 'T', 'double', '=1', NULL), (5, 6, 'I', 'int', NULL, 9007199254740993);
@@ -121,8 +123,10 @@ TEST_F(Look, ExportsATimelineThatAgreesWithTheStore) {
   folder.Write("ask.sql", R"(
     SELECT json_array_length(readfile('s.json'), '$.executions'), json_array_length(readfile('s.json'), '$.events');
     CREATE TEMP TABLE t AS SELECT value AS v FROM json_each(readfile('t.json'), '$.traceEvents');
-    SELECT b.v->>'id', b.v->>'name' LIKE '%(UNFINISHED)', b.v->>'ts', e.v->>'ts' FROM t b JOIN t e ON e.v->>'id' = b.v->>'id'
-    WHERE b.v->>'ph' = 'b' AND e.v->>'ph' = 'e' AND e.v->>'cat' = b.v->>'cat' AND e.v->>'name' = b.v->>'name' ORDER BY 1;
+    SELECT b.v->>'id', b.v->>'name' LIKE '%(UNFINISHED)', b.v->>'ts', e.v->>'ts'
+    FROM t b JOIN t e ON e.v->>'id' = b.v->>'id'
+    WHERE b.v->>'ph' = 'b' AND e.v->>'ph' = 'e'
+      AND e.v->>'cat' = b.v->>'cat' AND e.v->>'name' = b.v->>'name' ORDER BY 1;
     SELECT v->>'name', v->>'ts', v->'args'->>'T (2)', v->'args'->>'B' FROM t WHERE v->>'ph' = 'i' ORDER BY 2;
   )");
   EXPECT_EQ(Shell("sqlite3 :memory: < ask.sql"), 0) << said;
