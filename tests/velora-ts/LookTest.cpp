@@ -21,9 +21,11 @@ INSERT INTO events VALUES (4, 1, 5, NULL, '=cmd()', '2026-11-26T10:00:01.250000Z
   (5, 1, 6, NULL, 'e', '2026-11-26T10:00:03.000000Z'),
   (6, 1, NULL, NULL, 'of no run', '2026-11-26T10:00:04.000000Z');
 INSERT INTO parameters VALUES (4, 1, 'T', 'text', '+3.10', NULL), (4, 2, 'T', 'text', '-1+1', NULL),
-  (4, 3, 'at', 'text', 'a "q",' || char(10) || 'b', NULL), (4, 4, '@N', 'double', 'NaN:7ff8000000000000', NULL), (4, 5, 'B', 'bool', NULL, 1),
-  (4, 6, 'Empty', 'text', '', NULL), (4, 7, 'Quote', 'text', '''x', NULL), (4, 8, 'Tab', 'text', char(9) || 'x', NULL),
-  (5, 1, 'B', 'bool', NULL, 0), (5, 2, 'Inf', 'double', NULL, -9e999), (5, 3, 'Bad', 'text', CAST(x'c3ff' AS TEXT), NULL),
+  (4, 3, 'at', 'text', 'a "q",' || char(10) || 'b', NULL), (4, 4, '@N', 'double', 'NaN:7ff8000000000000', NULL),
+  (4, 5, 'B', 'bool', NULL, 1), (4, 6, 'Empty', 'text', '', NULL), (4, 7, 'Quote', 'text', '''x', NULL),
+  (4, 8, 'Tab', 'text', char(9) || 'x', NULL),
+  (5, 1, 'B', 'bool', NULL, 0), (5, 2, 'Inf', 'double', NULL, -9e999),
+  (5, 3, 'Bad', 'text', CAST(x'c3ff' AS TEXT), NULL),
   (5, 4, '@N', 'double', '-0.0', NULL), (5, 5, 'T', 'double', '=1', NULL), (5, 6, 'I', 'int', NULL, 9007199254740993);
 )";
 
