@@ -79,6 +79,16 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
     EXPECT_EQ(Tool("verify --anchor anchor --config " + name), 4) << said;
     EXPECT_EQ(Tool("check --config " + name), 0) << said;
   }
+  for (const std::string words : {"runs", "runs --unfinished --json", "show last --tree --events", "tail last",
+                                  "export last --format csv", "export --since 2000-01-01 --format trace"}) {
+    EXPECT_EQ(Tool(words + " --config file"), 0) << said;
+    const std::string ofFile = said;
+    EXPECT_EQ(Tool(words + " --config server"), 0) << said;
+    EXPECT_TRUE(said == ofFile) << words << said << ofFile;
+  }
+  EXPECT_EQ(Tool("report last --config file -o file.html"), 0) << said;
+  EXPECT_EQ(Tool("report last --config server -o server.html"), 0) << said;
+  EXPECT_TRUE(ContentOf(folder / "file.html") == ContentOf(folder / "server.html"));
   Begin("server");
   Record("third");
   EXPECT_EQ(Tool("seal --config server"), 0) << said;

@@ -7,6 +7,7 @@
 #include <charconv>
 #include <map>
 #include <regex>
+#include <utility>
 
 using Quor::TolvaServices::TsError;
 namespace Local = Quor::TolvaServices::Local;
@@ -29,6 +30,8 @@ class PostgreSqlCursor : public Cursor {
  public:
   PostgreSqlCursor(PostgreSqlSource& source, std::string name, std::string question)
       : source(source), name(std::move(name)), question(std::move(question)) {}
+
+  ~PostgreSqlCursor() override { Forget(); }
 
   void Restart() override { asked = false; }
   void Bind(int place, long long value) override { Bind(place, std::to_string(value)); }
@@ -90,11 +93,16 @@ class PostgreSqlCursor : public Cursor {
       from = static_cast<std::size_t>(at->position() + at->length());
     }
     filled.append(question, from);
-    const std::string close = declared ? "CLOSE " + name + "; " : "";
-    declared = false;
-    Fetch(close + "DECLARE " + name + " NO SCROLL CURSOR FOR " + filled + "; ");
+    Forget();
+    Fetch("DECLARE " + name + " NO SCROLL CURSOR FOR " + filled + "; ");
     declared = true;
     asked = true;
+  }
+  void Forget() noexcept {
+    if (declared) {
+      source.Close(name);
+    }
+    declared = false;
   }
   void Fetch(const std::string& before) {
     rows = source.Run(before + "FETCH " + std::to_string(rowsAtOnce) + " FROM " + name);
@@ -133,8 +141,16 @@ std::unique_ptr<Cursor> PostgreSqlSource::Prepare(const std::string& question) {
   return std::make_unique<PostgreSqlCursor>(*this, "c" + std::to_string(++cursors), question);
 }
 
+void PostgreSqlSource::Close(const std::string& cursor) noexcept {
+  try {
+    closing += "CLOSE " + cursor + "; ";
+  } catch (...) {
+    // Then it stays open until the end.
+  }
+}
+
 PostgreSqlSource::Result PostgreSqlSource::Run(const std::string& statements) {
-  Result result(PQexec(connection.get(), statements.c_str()), &PQclear);
+  Result result(PQexec(connection.get(), (std::exchange(closing, "") + statements).c_str()), &PQclear);
   const ExecStatusType status = PQresultStatus(result.get());
   if (status != PGRES_TUPLES_OK && status != PGRES_COMMAND_OK) {
     throw TsError("TS store '" + name + "': " + OnOneLine(PQerrorMessage(connection.get())));

@@ -22,9 +22,12 @@ class PostgreSqlSource : public Source {
   /// Runs statements and returns the result of the last one.
   Result Run(const std::string& statements);
   std::string Quoted(const std::string& value) const;
+  /// Has a cursor closed on the server, together with what is asked next.
+  void Close(const std::string& cursor) noexcept;
 
  private:
   const std::string name;
   std::unique_ptr<PGconn, decltype(&PQfinish)> connection;
+  std::string closing;
   int cursors = 0;
 };
