@@ -1,6 +1,6 @@
 # Finds SOCI, which Debian ships without a CMake package; on Windows its libraries have a version in their names.
-# Components are back ends: sqlite3, postgresql. Each gives a
-# target SOCI::<component>; the core is SOCI::core.
+# Components are back ends: sqlite3, postgresql. Each gives a target SOCI::<component>, which stands on its database's own
+# library (SQLite3, PostgreSQL: to be found beside); the core is SOCI::core.
 
 find_path(SOCI_INCLUDE_DIR soci/soci.h)
 find_library(SOCI_core_LIBRARY NAMES soci_core soci_core_4_0)
@@ -12,6 +12,9 @@ endforeach()
 
 include(FindPackageHandleStandardArgs)
 find_package_handle_standard_args(SOCI REQUIRED_VARS ${_soci_needed})
+
+set(_soci_sqlite3_client SQLite::SQLite3)
+set(_soci_postgresql_client PostgreSQL::PostgreSQL)
 
 if(SOCI_FOUND)
   if(NOT TARGET SOCI::core)
@@ -25,7 +28,7 @@ if(SOCI_FOUND)
       add_library(SOCI::${_component} UNKNOWN IMPORTED)
       set_target_properties(SOCI::${_component} PROPERTIES
         IMPORTED_LOCATION ${SOCI_${_component}_LIBRARY}
-        INTERFACE_LINK_LIBRARIES SOCI::core)
+        INTERFACE_LINK_LIBRARIES "SOCI::core;${_soci_${_component}_client}")
     endif()
   endforeach()
 endif()
