@@ -142,8 +142,9 @@ TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
   folder.Write("new/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");
   EXPECT_EQ(Shell(": > told; timeout 60 '" VELORA_TS "' tail --config new > told 2>&1 & tail=$!\n"
                   "until grep -q waiting told; do sleep 0.05; done\n"
-                  "sqlite3 new/ts.db '.read " SOURCE "/tests/local-ts/version-1.sql' "
-                  "'INSERT INTO statuses VALUES (7, 1, 1, 4, \"\")'\n"
+                  "sqlite3 new/made.db '.read " SOURCE "/tests/local-ts/version-1.sql' "
+                  "'INSERT INTO statuses VALUES (7, 1, 1, 4, \"\")' &&\n"
+                  "mv new/made.db new/ts.db\n"
                   "until grep -q TiltAngle=3.1 told; do sleep 0.05; done\n"
                   "sqlite3 new/ts.db \"INSERT INTO events VALUES (4, 1, 3, 1, 'late', '2026-11-25T03:31')\"\n"
                   "until grep -q late told; do sleep 0.05; done\n"

@@ -31,7 +31,11 @@ long long NewestEvent(const Store& store) {
 // What is below a run is only asked for when its topmost execution has ended.
 bool IsFinished(const Store& store, const Run& run) {
   Rows rows(store, (executionQuestion + std::string("WHERE e.execution_id = ?1")).c_str());
-  return rows.Ask(run.root).Next() && !IsRunning(ExecutionAt(rows)) && !IsUnfinished(store, run);
+  if (!rows.Ask(run.root).Next()) {
+    return true;
+  }
+  const Execution root = ExecutionAt(rows);
+  return root.status && !IsRunning(root) && !IsUnfinished(store, run);
 }
 
 // A host may be about to make the store.
