@@ -86,9 +86,15 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
     EXPECT_EQ(Tool(words + " --config server"), 0) << said;
     EXPECT_TRUE(said == ofFile) << words << said << ofFile;
   }
-  EXPECT_EQ(Tool("report last --config file -o file.html"), 0) << said;
-  EXPECT_EQ(Tool("report last --config server -o server.html"), 0) << said;
-  EXPECT_TRUE(ContentOf(folder / "file.html") == ContentOf(folder / "server.html"));
+  std::string page;
+  for (const std::string name : {"file", "server"}) {
+    EXPECT_EQ(
+        Shell("'" VELORA_TS "' report last -o page.html --config " + name + " && sed 's/\"made\":[0-9]*//' page.html"),
+        0);
+    said.erase(0, said.find('\n'));  // which says how many bytes it has
+    EXPECT_TRUE(page.empty() || said == page);
+    page = said;
+  }
   Begin("server");
   Record("third");
   EXPECT_EQ(Tool("seal --config server"), 0) << said;
