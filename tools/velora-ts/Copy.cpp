@@ -190,6 +190,8 @@ class Copier {
     Local::Execute(to.Sql(), "SELECT setval('event_numbers', COALESCE(MAX(event_id % " + std::to_string(keysInAMonth) +
                                  "), 0) + 1, false) FROM events");
     transaction.Commit();
+    Local::Execute(to.Sql(), "SET statement_timeout = 0");
+    Local::Execute(to.Sql(), "ANALYZE");  // or the first questions are planned as if the tables were empty
   }
 
   const Store& from;

@@ -127,6 +127,7 @@ PostgreSqlSource::PostgreSqlSource(const std::string& where, const std::string& 
     throw TsError("TS store '" + name + "' cannot be reached: " + OnOneLine(PQerrorMessage(connection.get())));
   }
   Run("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
+  Run("SET LOCAL cursor_tuple_fraction = 1; SET LOCAL jit = off");  // every answer is read to its end
   if (!snapshot.empty()) {
     Run("SET TRANSACTION SNAPSHOT " + Quoted(snapshot));
   }
