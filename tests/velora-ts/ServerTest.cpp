@@ -23,12 +23,7 @@ class OnServer : public PostgreSql {
     }
   }
 
-  int Shell(const std::string& command) {
-    const std::string line = "cd '" + folder.path.string() + "' && { " + command + "\n} > said 2>&1";
-    const int status = std::system(line.c_str());
-    said = ContentOf(folder / "said");
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
+  int Shell(const std::string& command) { return RunIn(folder, command, said); }
   int Tool(const std::string& arguments) { return Shell("'" VELORA_TS "' " + arguments); }
   void Begin(const std::string& name) const {
     Types::TSInstance::SetTsalPath((folder / name).string());

@@ -12,6 +12,14 @@
 #include <cstdlib>
 #include <string>
 
+/// Runs a command in a folder. @param said what it says, on both streams.
+inline int RunIn(const ScratchFolder& folder, const std::string& command, std::string& said) {
+  const std::string line = "cd '" + folder.path.string() + "' && { " + command + "\n} > said 2>&1";
+  const int status = std::system(line.c_str());
+  said = ContentOf(folder / "said");
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 /// The tests of velora-ts run the program itself, in a folder with settings and a store as the first version left it:
 /// one finished run with two sections.
 class ToolTest : public testing::Test {
@@ -22,12 +30,7 @@ class ToolTest : public testing::Test {
   }
 
   /// Runs a command in the folder; what it says, on both streams, is in `said` afterwards.
-  int Shell(const std::string& command) {
-    const std::string line = "cd '" + folder.path.string() + "' && { " + command + "\n} > said 2>&1";
-    const int status = std::system(line.c_str());
-    said = ContentOf(folder / "said");
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  }
+  int Shell(const std::string& command) { return RunIn(folder, command, said); }
   int Tool(const std::string& arguments) { return Shell("'" VELORA_TS "' " + arguments); }
   /// Opens the store as a host does, which brings it up to the schema of today.
   void BringUp() const {

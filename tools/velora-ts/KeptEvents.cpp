@@ -2,6 +2,7 @@
 
 #include "Json.h"
 #include "Store.h"
+#include "Times.h"
 
 #include <algorithm>
 #include <limits>
@@ -63,8 +64,8 @@ void KeptEvents::Count(const Store& store, long long root) {
       latest = at;
     }
   }
-  first = MicrosecondsOf(earliest).value_or(0);
-  last = std::max(first, MicrosecondsOf(latest).value_or(0));
+  first = Microseconds(earliest).value_or(0);
+  last = std::max(first, Microseconds(latest).value_or(0));
   for (const auto& [name, count] : counts) {
     if (count > mostPoints) {
       binned[name].recorded = count;

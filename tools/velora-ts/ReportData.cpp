@@ -8,12 +8,11 @@
 #include "Runs.h"
 #include "Seals.h"
 #include "Store.h"
+#include "Times.h"
 
 #include <TSAL/Types.h>
 
 namespace {
-
-constexpr int versionWithSeals = 2;
 
 using Sink = std::function<void(std::string_view)>;
 
@@ -23,7 +22,7 @@ using NextItem = std::function<bool(std::string& json)>;
 class Writer {
  public:
   Writer(const Store& store, const Run& run, const KeptEvents& kept, const Sink& sink)
-      : store(store), run(run), kept(kept), sink(sink), start(MicrosecondsOf(run.startedAt).value_or(0)) {}
+      : store(store), run(run), kept(kept), sink(sink), start(Microseconds(run.startedAt).value_or(0)) {}
 
   void Write() {
     using Quor::TolvaServices::Types::DateTimeOffset;

@@ -1,7 +1,7 @@
 #include "ReportExecutions.h"
 
 #include "Json.h"
-#include "RunEvents.h"
+#include "Times.h"
 
 namespace {
 
@@ -11,6 +11,12 @@ enum ColumnOf { Number, Parent, Session, Version, Started, Node, Description, Co
 
 std::optional<long long> KeyIn(const Rows& rows, int column) {
   return rows.IsNull(column) ? std::nullopt : std::optional(rows.Integer(column));
+}
+
+// Microseconds from the start of the run.
+std::optional<long long> Since(long long start, std::string_view stored) {
+  const std::optional<long long> at = Microseconds(stored);
+  return at ? std::optional(*at - start) : std::nullopt;
 }
 
 std::string TextIn(const Rows& rows, int column) {

@@ -1,9 +1,7 @@
 #include "RunEvents.h"
 
 #include "Json.h"
-#include "StoredTime.h"
-
-#include <TSAL/Error.h>
+#include "Times.h"
 
 #include <charconv>
 #include <cmath>
@@ -21,19 +19,6 @@ std::optional<double> NumberIn(std::string_view text) {
 
 }  // namespace
 
-std::optional<long long> MicrosecondsOf(std::string_view stored) {
-  try {
-    return Quor::TolvaServices::Local::FromStoredTime(std::string(stored)).Microseconds();
-  } catch (const Quor::TolvaServices::TsError&) {
-    return std::nullopt;
-  }
-}
-
-std::optional<long long> Since(long long start, std::string_view stored) {
-  const std::optional<long long> at = MicrosecondsOf(stored);
-  return at ? std::optional(*at - start) : std::nullopt;
-}
-
 RunEvents::RunEvents(const Store& store, long long root)
     : rows(store,
            "SELECT e.event_id, e.execution_id, e.name, e.at, e.configuration_id, p.name, p.kind, p.value_text, "
@@ -49,7 +34,7 @@ bool RunEvents::Next() {
   event.number = rows.Integer(Number);
   event.execution = rows.Integer(Execution);
   event.name = rows.Text(Name);
-  event.at = MicrosecondsOf(rows.Text(At));
+  event.at = Microseconds(rows.Text(At));
   if (!rows.IsNull(Configuration)) {
     configurations.insert(rows.Integer(Configuration));
   }

@@ -7,12 +7,6 @@
 #include <string>
 #include <vector>
 
-/// Microseconds since 1970 of a time as the store has it; nothing for one that no host wrote.
-std::optional<long long> MicrosecondsOf(std::string_view stored);
-
-/// The same from another time on.
-std::optional<long long> Since(long long start, std::string_view stored);
-
 /// A parameter of an event.
 struct Reading {
   std::string name;

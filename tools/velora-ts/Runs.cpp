@@ -92,7 +92,7 @@ std::string ShortGuid(const Store& store, const std::string& guid) {
 }
 
 bool IsUnfinished(const Store& store, const Run& run) {
-  Rows rows(store, (std::string(runningOfRun) + "?1 LIMIT 1").c_str());
+  Rows rows(store, std::string(runningOfRun) + "?1 LIMIT 1");
   return rows.Ask(run.root).Next();
 }
 

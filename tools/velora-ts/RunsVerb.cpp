@@ -63,7 +63,7 @@ void WriteJson(const Store& store, Rows& rows) {
 
 ExitCode ListRuns(const Quor::TolvaServices::Local::Database& database, const RunFilter& filter) {
   const Store store(database);
-  Rows rows(store, QuestionOf(filter).c_str());
+  Rows rows(store, QuestionOf(filter));
   using Quor::TolvaServices::Local::ToStoredText;
   rows.Ask(filter.since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit);
   filter.json ? WriteJson(store, rows) : WriteTable(store, rows);

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr int versionWithSeals = 2;
-
 constexpr const char* question =
     "SELECT seal_id AS number, run, sealed_at, up_to, counts, content_hash, previous_hash, schema_version, "
     "tool_version, "

@@ -24,6 +24,9 @@ struct Seal {
   std::string ownHash;  ///< What `hash` should be.
 };
 
+/// The first version of the schema that has any.
+inline constexpr int versionWithSeals = 2;
+
 /// The hash before that of the first seal.
 inline const std::string noHash(64, '0');
 
