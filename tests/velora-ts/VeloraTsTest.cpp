@@ -136,8 +136,9 @@ TEST_F(VeloraTs, ABackupMadeWhileAHostRecordsIsAWayBack) {
                "<Activities><Activity Name='Tilt'><ActivityVersion Name='Expose' Version='1'/>"
                "<ActivityVersion Name='Focus' Version='1'/></Activity></Activities>");
   ASSERT_EQ(Shell(": > told; '" RECORDING_HOST "' . host 100 > told & host=$!\n"
-                  "while [ $(wc -l < told) -lt 300 ] && kill -0 $host; do sleep 0.01; done\n"
-                  "'" VELORA_TS "' backup copy.db; code=$?; kill $host; exit $code"),
+                  "tells() { until [ $(wc -l < told) -ge $1 ]; do kill -0 $host || exit; sleep 0.01; done; }\n"
+                  "tells 300; '" VELORA_TS "' backup copy.db; code=$?\n"
+                  "tells $(($(wc -l < told) + 300)); kill $host; wait $host; exit $code"),
             0)
       << said;
   const std::string recorded = "SELECT COUNT(*), MAX(event_id) FROM events";
