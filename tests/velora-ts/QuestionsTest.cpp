@@ -1,7 +1,9 @@
 // Every question that a verb asks is answered by an index, as the database itself plans it.
 
 #include "EventLines.h"
+#include "EventRows.h"
 #include "Listener.h"
+#include "Store.h"
 #include "ToolTest.h"
 #include "Verbs.h"
 
@@ -53,7 +55,13 @@ const std::map<std::string, Verb> verbs = {
        },
        [](const Database& database) { return ShowRun(database, "grid.mdoc", {}); }}}},
     {"report", {nullptr, {[](const Database& database) { return Report(database, "last", "/dev/null"); }}}},
-    {"tail", {nullptr, {[](const Database& database) { return Tail(database, ""); }}}},
+    {"tail",
+     {nullptr,
+      {[](const Database& database) { return Tail(database, ""); },
+       [](const Database& database) {  // what it asks from its second look on
+         EventsOfRunSince(Store(database), 0, 0);
+         return Done;
+       }}}},
 };
 
 class Questions : public ToolTest {
@@ -91,7 +99,7 @@ TEST_F(Questions, AreAnsweredByIndexes) {
     EXPECT_EQ(verbs.count((*at)[1]), 1U) << "what does " << (*at)[1] << " ask?";
   }
   const Database asked = Asked();
-  std::set<std::string> questions{newEventsOfRun};  // what tail asks from its second look on
+  std::set<std::string> questions;
   for (const auto& [name, verb] : verbs) {
     const std::size_t before = questions.size();
     questionListener = [&](const std::string& question) { questions.insert(question); };
@@ -101,7 +109,7 @@ TEST_F(Questions, AreAnsweredByIndexes) {
       testing::internal::GetCapturedStdout();
     }
     questionListener = nullptr;
-    EXPECT_TRUE(verb.readsAllBecause != nullptr || name == "tail" || questions.size() > before) << name;
+    EXPECT_TRUE(verb.readsAllBecause != nullptr || questions.size() > before) << name;
   }
   for (const std::string& question : questions) {
     if (question == "BEGIN") {

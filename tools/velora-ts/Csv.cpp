@@ -1,5 +1,5 @@
+#include "EventRows.h"
 #include "Output.h"
-#include "Rows.h"
 #include "Selection.h"
 #include "StoredText.h"
 #include "Values.h"
@@ -15,14 +15,6 @@ namespace {
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view lineEnd = "\r\n";
 constexpr std::array fixedColumns = {"number", "at", "run", "execution", "node", "activity", "event"};
-
-constexpr const char* ofRun =
-    "SELECT v.event_id, v.at, r.guid, x.guid, x.node, a.name, v.name FROM executions x "
-    "JOIN events v ON v.execution_id = x.execution_id JOIN executions r ON r.execution_id = x.root_id "
-    "LEFT JOIN activity_versions a ON a.version_id = x.version_id WHERE x.root_id = ?1 ORDER BY v.event_id";
-constexpr const char* ofNoRun =
-    "SELECT event_id, at, NULL, NULL, NULL, NULL, name FROM events "
-    "WHERE +execution_id IS NULL AND at >= ?1 AND at < ?2 ORDER BY event_id";
 
 bool IsNumber(std::string_view text) {
   if (text.starts_with('+') && !text.substr(1).starts_with('-')) {
@@ -57,7 +49,14 @@ std::string TextCell(std::string_view text) {
 class Csv {
  public:
   Csv(const Store& store, const Selection& selection)
-      : selection(selection), runs(store, ofRun), rest(store, ofNoRun), parameters(store, parametersOfEvent) {}
+      : selection(selection),
+        ofRun(store, "v.event_id, v.at, r.guid, x.guid, x.node, a.name, v.name",
+              "executions x JOIN events v ON v.execution_id = x.execution_id "
+              "JOIN executions r ON r.execution_id = x.root_id "
+              "LEFT JOIN activity_versions a ON a.version_id = x.version_id",
+              "x.root_id = ?1"),
+        ofNoRun(store, "v.event_id, v.at, NULL, NULL, NULL, NULL, v.name", "events v",
+                "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2") {}
 
   void FindColumns() {
     for (const char* name : fixedColumns) {
@@ -65,8 +64,8 @@ class Csv {
       header += name;
       taken.insert(name);
     }
-    ForEachEvent([&](const Rows& event) {
-      ForEachParameter(event, [&](const std::pair<std::string, int>& place) {
+    ForEachEvent([&](EventRows& events) {
+      ForEachParameter(events, [&](const std::pair<std::string, int>& place) {
         if (places.emplace(place, places.size()).second) {
           header += ',' + TextCell(UniqueName(taken, place.first, place.second));
         }
@@ -77,15 +76,16 @@ class Csv {
   void Write(const Step& step) {
     WriteData(header);
     WriteData(lineEnd);
-    ForEachEvent([&](const Rows& event) {
+    ForEachEvent([&](EventRows& events) {
+      const Rows& event = events.Event();
       std::string line = std::to_string(event.Integer(0));
       for (int column = 1; column < event.Columns(); ++column) {
         line += ',' + (event.IsNull(column) ? "" : TextCell(event.Text(column)));
       }
       std::vector<std::string> cells(places.size());
-      ForEachParameter(event, [&](const std::pair<std::string, int>& place) {
-        const std::string value = ValueInWords(parameters);
-        cells[places.at(place)] = IsText(parameters) ? TextCell(value) : value;
+      ForEachParameter(events, [&](const std::pair<std::string, int>& place) {
+        const std::string value = ValueInWords(events.Parameter());
+        cells[places.at(place)] = IsText(events.Parameter()) ? TextCell(value) : value;
       });
       for (const std::string& cell : cells) {
         line += ',' + cell;
@@ -100,29 +100,29 @@ class Csv {
   template <typename Visitor>
   void ForEachEvent(const Visitor& visit) {
     for (const Run& run : selection.runs) {
-      for (runs.Ask(run.root); runs.Next();) {
-        visit(runs);
+      for (ofRun.Ask(run.root); ofRun.Next();) {
+        visit(ofRun);
       }
     }
     if (selection.ofNoRun) {
-      for (rest.Ask(selection.ofNoRun->first, selection.ofNoRun->second); rest.Next();) {
-        visit(rest);
+      for (ofNoRun.Ask(selection.ofNoRun->first, selection.ofNoRun->second); ofNoRun.Next();) {
+        visit(ofNoRun);
       }
     }
   }
 
   /// With its name, and whether it is the first, the second... of that name.
   template <typename Visitor>
-  void ForEachParameter(const Rows& event, const Visitor& visit) {
+  static void ForEachParameter(EventRows& events, const Visitor& visit) {
     std::map<std::string, int> seen;
-    for (parameters.Ask(event.Integer(0)); parameters.Next();) {
-      const std::string name(parameters.Text(1));
+    while (events.NextParameter()) {
+      const std::string name(events.Parameter().Text(1));
       visit({name, ++seen[name]});
     }
   }
 
   const Selection& selection;
-  Rows runs, rest, parameters;
+  EventRows ofRun, ofNoRun;
   std::string header;
   std::set<std::string> taken;
   std::map<std::pair<std::string, int>, std::size_t> places;

@@ -1,9 +1,8 @@
 #include "EventLines.h"
 
+#include "EventRows.h"
 #include "Json.h"
 #include "Output.h"
-#include "Rows.h"
-#include "Store.h"
 #include "Times.h"
 #include "Values.h"
 
@@ -13,6 +12,7 @@ namespace {
 
 enum Column { Number, At, Name, Guid, Node };
 
+constexpr const char* columns = "v.event_id, v.at, v.name, x.guid, x.node";
 constexpr std::size_t widestAligned = 24;
 
 // As wide as the widest so far, so that most lines stand below each other although none is known before.
@@ -24,37 +24,48 @@ std::string Aligned(const std::string& text, std::size_t& width) {
 
 }  // namespace
 
-void EventLines::Write(const Store& store, const Rows& events) {
-  std::string line = LocalTime(events.Text(At), true) + "  ";
-  line += Aligned(Printable(events.Text(Node)), nodeWidth);
-  line += Aligned(Printable(events.Text(Name)), nameWidth);
-  Rows parameters(store, parametersOfEvent);
-  for (parameters.Ask(events.Integer(Number)); parameters.Next();) {
-    line += ParameterInWords(parameters) + "  ";
+EventRows EventsOfRun(const Store& store, long long root) {
+  EventRows events(store, columns, "executions x JOIN events v ON v.execution_id = x.execution_id", "x.root_id = ?1");
+  events.Ask(root);
+  return events;
+}
+
+EventRows EventsOfRunSince(const Store& store, long long root, long long number) {
+  EventRows events(store, columns, "events v JOIN executions x ON x.execution_id = v.execution_id",
+                   "v.event_id > ?2 AND x.root_id + 0 = ?1");
+  events.Ask(root, number);
+  return events;
+}
+
+void EventLines::Write(EventRows& events) {
+  const Rows& event = events.Event();
+  std::string line = LocalTime(event.Text(At), true) + "  ";
+  line += Aligned(Printable(event.Text(Node)), nodeWidth);
+  line += Aligned(Printable(event.Text(Name)), nameWidth);
+  while (events.NextParameter()) {
+    line += ParameterInWords(events.Parameter()) + "  ";
   }
   WriteOut(Cut(line.erase(line.find_last_not_of(' ') + 1), terminal.width) + '\n');
 }
 
-std::string EventAsJson(const Store& store, const Rows& events) {
-  std::string json = "{\"number\":" + std::to_string(events.Integer(Number));
+std::string EventAsJson(EventRows& events) {
+  std::string json = "{\"number\":" + std::to_string(events.Event().Integer(Number));
   const auto add = [&](const char* name, int column) {
     json += std::string(",\"") + name + "\":";
-    events.AppendValue(json, column);
+    events.Event().AppendValue(json, column);
   };
   add("at", At);
   add("name", Name);
   add("execution", Guid);
   add("node", Node);
   json += ",\"parameters\":[";
-  Rows parameters(store, parametersOfEvent);
-  const char* separator = "{\"name\":";
-  for (parameters.Ask(events.Integer(Number)); parameters.Next(); separator = ",{\"name\":") {
+  for (const char* separator = "{\"name\":"; events.NextParameter(); separator = ",{\"name\":") {
     json += separator;
-    parameters.AppendValue(json, 1);
+    events.Parameter().AppendValue(json, 1);
     json += ",\"kind\":";
-    parameters.AppendValue(json, 2);
+    events.Parameter().AppendValue(json, 2);
     json += ",\"value\":";
-    AppendParameterValue(json, parameters);
+    AppendParameterValue(json, events.Parameter());
     json += '}';
   }
   return json + "]}";

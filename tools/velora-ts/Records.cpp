@@ -38,15 +38,20 @@ constexpr const char* statusQuestion = "SELECT status_id AS number, " GUID_OF(
     "executions", "execution_id", "r.execution_id") " AS execution, " SESSION
                                                     ", "
                                                     "code, at, session_id AS _session FROM statuses r ";
-constexpr const char* eventQuestion =
-    "SELECT event_id AS number, " GUID_OF("executions", "execution_id", "r.execution_id") " AS execution, " SESSION ", "
-    GUID_OF("configurations", "configuration_id", "r.configuration_id") " AS configuration, name, at, "
-    "session_id AS _session, configuration_id AS _configuration FROM events r ";
+constexpr const char* eventColumns =
+    "v.event_id AS number, " GUID_OF("executions", "execution_id", "v.execution_id") " AS execution, "
+    GUID_OF("sessions", "session_id", "v.session_id") " AS session, "
+    GUID_OF("configurations", "configuration_id", "v.configuration_id") " AS configuration, v.name, v.at, "
+    "v.session_id AS _session, v.configuration_id AS _configuration";
 
 #undef SESSION
 #undef GUID_OF
 
 Rows Question(const Store& store, const char* columns, const std::string& which) { return {store, columns + which}; }
+
+EventRows EventsWhere(const Store& store, const std::string& condition) {
+  return {store, eventColumns, "events v", condition};
+}
 
 }  // namespace
 
@@ -77,16 +82,7 @@ Records::Records(const Store& store, const Numbers& upTo, Sink sink)
       executions(Question(store, executionQuestion, "WHERE root_id = ?1 AND execution_id <= ?2 ORDER BY execution_id")),
       statuses(Question(store, statusQuestion,
                         "WHERE execution_id = ?1 AND status_id > ?2 AND status_id <= ?3 ORDER BY status_id")),
-      events(EventsWhere(store, "r.execution_id = ?1 AND r.event_id > ?2 AND r.event_id <= ?3")) {}
-
-// Two questions for all events, since one for the parameters of each would take a server too long.
-Records::EventRows Records::EventsWhere(const Store& store, const std::string& condition) {
-  return {{store, eventQuestion + ("WHERE " + condition) + " ORDER BY r.event_id"},
-          {store,
-           "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM events r "
-           "JOIN parameters p ON p.event_id = r.event_id WHERE " +
-               condition + " ORDER BY r.event_id, p.position"}};
-}
+      events(EventsWhere(store, "v.execution_id = ?1 AND v.event_id > ?2 AND v.event_id <= ?3")) {}
 
 void Records::WriteRun(long long root, const Numbers& since) {
   Rows guid(store, "SELECT guid FROM executions WHERE execution_id = ?1");
@@ -105,7 +101,7 @@ void Records::WriteRun(long long root, const Numbers& since) {
       Mention(Sessions, statuses, 5);
       Write(Statuses, statuses);
     }
-    WriteEvents(events, execution, since[Events], upTo[Events]);
+    WriteEvents(events.Ask(execution, since[Events], upTo[Events]));
   }
 }
 
@@ -128,14 +124,14 @@ void Records::WriteRest(const Numbers& since) {
     Rows rows = Question(store, columns, which);
     WriteAll(kind, rows.Ask(since[kind], upTo[kind]));
   }
-  EventRows ofNoRun = EventsWhere(store, "r.execution_id IS NULL AND r.event_id > ?1 AND r.event_id <= ?2");
-  WriteEvents(ofNoRun, since[Events], upTo[Events]);
+  EventRows ofNoRun = EventsWhere(store, "v.execution_id IS NULL AND v.event_id > ?1 AND v.event_id <= ?2");
+  WriteEvents(ofNoRun.Ask(since[Events], upTo[Events]));
 }
 
 void Records::WriteEventsOfNoRun(const std::string& from, const std::string& before) {
   BeginPart("{\"record\":\"rest\",\"format\":" + std::to_string(format) + '}', true);
-  EventRows ofNoRun = EventsWhere(store, "+r.execution_id IS NULL AND r.at >= ?1 AND r.at < ?2");
-  WriteEvents(ofNoRun, from, before);
+  EventRows ofNoRun = EventsWhere(store, "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2");
+  WriteEvents(ofNoRun.Ask(from, before));
 }
 
 void Records::BeginPart(const std::string& header, bool references) {
@@ -188,19 +184,15 @@ void Records::WriteAll(Kind kind, Rows& rows) {
   }
 }
 
-template <typename... Values>
-void Records::WriteEvents(EventRows& rows, const Values&... values) {
-  rows.parameters.Ask(values...);
-  bool more = rows.parameters.Next();
-  for (rows.events.Ask(values...); rows.events.Next();) {
-    Mention(Sessions, rows.events, 6);
-    Mention(Configurations, rows.events, 7);
-    BeginLine(Events, rows.events);
+void Records::WriteEvents(EventRows& rows) {
+  while (rows.Next()) {
+    Mention(Sessions, rows.Event(), 6);
+    Mention(Configurations, rows.Event(), 7);
+    BeginLine(Events, rows.Event());
     line += ",\"parameters\":[";
-    for (bool first = true; more && rows.parameters.Integer(5) == rows.events.Integer(0); first = false) {
-      line += first ? "" : ",";
-      AppendParameter(rows.parameters);
-      more = rows.parameters.Next();
+    for (const char* separator = ""; rows.NextParameter(); separator = ",") {
+      line += separator;
+      AppendParameter(rows.Parameter());
     }
     line += ']';
     EndLine();

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Rows.h"
+#include "EventRows.h"
 
 #include <array>
 #include <functional>
@@ -66,20 +66,12 @@ class Records {
   const Numbers& Counts() const { return counts; }
 
  private:
-  /// Events, and their parameters in the same order.
-  struct EventRows {
-    Rows events;
-    Rows parameters;
-  };
-  static EventRows EventsWhere(const Store& store, const std::string& condition);
-
   void BeginPart(const std::string& header, bool withReferences);
   void Mention(Kind kind, const Rows& from, int column);
   /// Writes the row where `rows` stands; columns whose names begin with '_' are for this class.
   void Write(Kind kind, const Rows& rows);
   void WriteAll(Kind kind, Rows& rows);
-  template <typename... Values>
-  void WriteEvents(EventRows& rows, const Values&... values);
+  void WriteEvents(EventRows& rows);
   void BeginLine(Kind kind, const Rows& rows);
   void EndLine();
   void AppendParameter(const Rows& parameters);

@@ -8,7 +8,8 @@
 
 namespace {
 
-enum ColumnOf { Number, Execution, Name, At, Configuration, ParameterName, Kind, ValueText, ValueNumber };
+enum EventColumn { Number, Execution, EventName, At, Configuration };
+enum ParameterColumn { Position, Name, Kind, ValueText, ValueNumber };
 
 std::optional<double> NumberIn(std::string_view text) {
   double number = 0;
@@ -20,44 +21,41 @@ std::optional<double> NumberIn(std::string_view text) {
 }  // namespace
 
 RunEvents::RunEvents(const Store& store, long long root)
-    : rows(store,
-           "SELECT e.event_id, e.execution_id, e.name, e.at, e.configuration_id, p.name, p.kind, p.value_text, "
-           "p.value_number FROM executions x JOIN events e ON e.execution_id = x.execution_id "
-           "LEFT JOIN parameters p ON p.event_id = e.event_id "
-           "WHERE x.root_id = ?1 ORDER BY x.execution_id, e.event_id, p.position"),
-      more(rows.Ask(root).Next()) {}
+    : rows(store, "v.event_id, v.execution_id, v.name, v.at, v.configuration_id",
+           "executions x JOIN events v ON v.execution_id = x.execution_id", "x.root_id = ?1",
+           "x.execution_id, v.event_id") {
+  rows.Ask(root);
+}
 
 bool RunEvents::Next() {
-  if (!more) {
+  if (!rows.Next()) {
     return false;
   }
-  event.number = rows.Integer(Number);
-  event.execution = rows.Integer(Execution);
-  event.name = rows.Text(Name);
-  event.at = Microseconds(rows.Text(At));
-  if (!rows.IsNull(Configuration)) {
-    configurations.insert(rows.Integer(Configuration));
+  const Rows& row = rows.Event();
+  event.number = row.Integer(Number);
+  event.execution = row.Integer(Execution);
+  event.name = row.Text(EventName);
+  event.at = Microseconds(row.Text(At));
+  if (!row.IsNull(Configuration)) {
+    configurations.insert(row.Integer(Configuration));
   }
   event.readings.clear();
-  do {
-    if (!rows.IsNull(ParameterName)) {
-      AddReading();
-    }
-    more = rows.Next();
-  } while (more && rows.Integer(Number) == event.number);
+  while (rows.NextParameter()) {
+    AddReading(rows.Parameter());
+  }
   return true;
 }
 
-void RunEvents::AddReading() {
+void RunEvents::AddReading(const Rows& parameter) {
   Reading& reading = event.readings.emplace_back();
-  reading.name = rows.Text(ParameterName);
-  reading.kind = rows.Text(Kind);
-  if (!rows.IsNull(ValueText)) {
-    rows.AppendValue(reading.json, ValueText);
-    reading.number = NumberIn(rows.Text(ValueText));
-  } else if (!rows.IsNull(ValueNumber)) {
+  reading.name = parameter.Text(Name);
+  reading.kind = parameter.Text(Kind);
+  if (!parameter.IsNull(ValueText)) {
+    parameter.AppendValue(reading.json, ValueText);
+    reading.number = NumberIn(parameter.Text(ValueText));
+  } else if (!parameter.IsNull(ValueNumber)) {
     reading.isNumber = true;
-    reading.number = rows.Number(ValueNumber);
+    reading.number = parameter.Number(ValueNumber);
     AppendNumber(reading.json, *reading.number);
   } else {
     reading.json = "null";

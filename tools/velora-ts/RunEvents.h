@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Rows.h"
+#include "EventRows.h"
 
 #include <optional>
 #include <set>
@@ -37,10 +37,9 @@ class RunEvents {
   const std::set<long long>& Configurations() const { return configurations; }
 
  private:
-  void AddReading();
+  void AddReading(const Rows& parameter);
 
-  Rows rows;  // one for each parameter, or one for an event without any
-  bool more;
+  EventRows rows;
   Event event;
   std::set<long long> configurations;
 };

@@ -1,4 +1,5 @@
 #include "EventLines.h"
+#include "EventRows.h"
 #include "Executions.h"
 #include "Json.h"
 #include "Output.h"
@@ -42,9 +43,8 @@ class Show {
     if (options.events) {
       WriteOut("\n");
       EventLines lines;
-      Rows events(store, eventsOfRun);
-      for (events.Ask(run.root); events.Next();) {
-        lines.Write(store, events);
+      for (EventRows events = EventsOfRun(store, run.root); events.Next();) {
+        lines.Write(events);
       }
     }
   }
@@ -63,9 +63,8 @@ class Show {
     if (options.events) {
       WriteData(",\"events\":[");
       separator = "\n";
-      Rows events(store, eventsOfRun);
-      for (events.Ask(run.root); events.Next(); separator = ",\n") {
-        WriteData(separator + EventAsJson(store, events));
+      for (EventRows events = EventsOfRun(store, run.root); events.Next(); separator = ",\n") {
+        WriteData(separator + EventAsJson(events));
       }
       WriteData("]");
     }

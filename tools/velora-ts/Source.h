@@ -18,7 +18,7 @@ class Cursor {
   virtual void Restart() = 0;
   virtual void Bind(int place, long long value) = 0;
   virtual void Bind(int place, const std::string& value) = 0;
-  /// Goes to the next row. @return whether there is one.
+  /// Goes to the next row. @return whether there is one; after the last one no more.
   virtual bool Next() = 0;
 
   virtual int Columns() const = 0;

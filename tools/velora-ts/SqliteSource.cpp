@@ -45,17 +45,24 @@ class SqliteCursor : public Cursor {
     statement.reset(prepared);
   }
 
-  void Restart() override { sqlite3_reset(statement.get()); }
+  void Restart() override {
+    sqlite3_reset(statement.get());
+    over = false;
+  }
   void Bind(int place, long long value) override { sqlite3_bind_int64(statement.get(), place, value); }
   void Bind(int place, const std::string& value) override {
     sqlite3_bind_text(statement.get(), place, value.data(), static_cast<int>(value.size()), SQLITE_TRANSIENT);
   }
   bool Next() override {
+    if (over) {
+      return false;  // SQLite would begin again
+    }
     const int result = sqlite3_step(statement.get());
     if (result != SQLITE_ROW && result != SQLITE_DONE) {
       Fail();
     }
-    return result == SQLITE_ROW;
+    over = result == SQLITE_DONE;
+    return !over;
   }
 
   int Columns() const override { return sqlite3_column_count(statement.get()); }
@@ -90,6 +97,7 @@ class SqliteCursor : public Cursor {
   const SqliteSource& source;
   const std::string path;
   std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement;
+  bool over = false;
 };
 
 }  // namespace

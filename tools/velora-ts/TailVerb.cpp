@@ -1,4 +1,5 @@
 #include "EventLines.h"
+#include "EventRows.h"
 #include "Executions.h"
 #include "Output.h"
 #include "Rows.h"
@@ -74,10 +75,9 @@ class Follower {
 
   /// @return whether the run is finished.
   bool Look(const Store& store) {
-    Rows events(store, first ? eventsOfRun : newEventsOfRun);
-    first ? events.Ask(run.root) : events.Ask(run.root, newest);
+    EventRows events = first ? EventsOfRun(store, run.root) : EventsOfRunSince(store, run.root, newest);
     while (events.Next()) {
-      lines.Write(store, events);
+      lines.Write(events);
     }
     FlushOut();
     first = false;

@@ -1,3 +1,4 @@
+#include "EventRows.h"
 #include "Executions.h"
 #include "Json.h"
 #include "Output.h"
@@ -15,14 +16,15 @@ namespace {
 
 enum Thread { ForExecutions = 1, ForEvents };
 
+constexpr const char* eventColumns = "v.event_id, v.at, v.name";
+
 class Trace {
  public:
   Trace(const Store& store, const Step& step)
       : store(store),
         step(step),
         executions(store, (executionQuestion + std::string("WHERE e.root_id = ?1 ORDER BY e.execution_id")).c_str()),
-        events(store, "SELECT event_id, at, name FROM events WHERE execution_id = ?1 ORDER BY event_id"),
-        parameters(store, parametersOfEvent) {}
+        events(store, eventColumns, "events v", "v.execution_id = ?1") {}
 
   void Write(const Selection& selection) {
     start = StartOf(selection);
@@ -32,9 +34,7 @@ class Trace {
     }
     if (selection.ofNoRun) {
       process = 0;
-      Rows rest(store,
-                "SELECT event_id, at, name FROM events WHERE +execution_id IS NULL AND at >= ?1 AND at < ?2 "
-                "ORDER BY event_id");
+      EventRows rest(store, eventColumns, "events v", "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2");
       WriteEvents(rest.Ask(selection.ofNoRun->first, selection.ofNoRun->second), "");
     }
     WriteData("\n]}\n");
@@ -97,22 +97,23 @@ class Trace {
     }
   }
 
-  void WriteEvents(Rows& rows, const std::string& node) {
+  void WriteEvents(EventRows& rows, const std::string& node) {
     while (rows.Next()) {
       std::set<std::string> taken{"node"};
       std::string args = "\"node\":" + Quoted(node);
-      for (parameters.Ask(rows.Integer(0)); parameters.Next();) {
-        args += ',' + Quoted(UniqueName(taken, std::string(parameters.Text(1)))) + ':';
-        AppendParameterValue(args, parameters);
+      while (rows.NextParameter()) {
+        args += ',' + Quoted(UniqueName(taken, std::string(rows.Parameter().Text(1)))) + ':';
+        AppendParameterValue(args, rows.Parameter());
       }
-      Add("\"ph\":\"i\",\"s\":\"t\",\"cat\":\"event\",\"name\":" + Quoted(std::string(rows.Text(2))) + ',', ForEvents,
-          Since(std::string(rows.Text(1))), args);
+      Add("\"ph\":\"i\",\"s\":\"t\",\"cat\":\"event\",\"name\":" + Quoted(std::string(rows.Event().Text(2))) + ',',
+          ForEvents, Since(std::string(rows.Event().Text(1))), args);
     }
   }
 
   const Store& store;
   const Step& step;
-  Rows executions, events, parameters;
+  Rows executions;
+  EventRows events;
   long long start = 0;
   int process = 0;
   const char* separator = "\n";
