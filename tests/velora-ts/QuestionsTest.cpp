@@ -1,11 +1,11 @@
 // Every question that a verb asks is answered by an index, as the database itself plans it.
 
-#include "EventLines.h"
-#include "EventRows.h"
-#include "Listener.h"
-#include "Store.h"
+#include "verbs/EventLines.h"
+#include "reading/EventRows.h"
+#include "reading/Listener.h"
+#include "reading/Store.h"
 #include "ToolTest.h"
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
 #include <functional>
 #include <map>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
 #include <functional>
 

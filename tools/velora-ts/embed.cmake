@@ -1,9 +1,10 @@
-# cmake -P embed.cmake OUTPUT VARIABLE=FILE,FILE...: writes C++ in which each VARIABLE of PageParts.h holds its files.
+# cmake -P embed.cmake OUTPUT VARIABLE=FILE,FILE...: writes C++ in which each VARIABLE of report/PageParts.h holds its
+# files.
 set(longest 60000)  # bytes of a text that every compiler must take: 65536
 
 math(EXPR last "${CMAKE_ARGC} - 1")
 set(output ${CMAKE_ARGV3})
-set(code "#include \"PageParts.h\"\n\n#include <iterator>\n")
+set(code "#include \"report/PageParts.h\"\n\n#include <iterator>\n")
 foreach(argument RANGE 4 ${last})
   string(REGEX MATCH "^([A-Za-z]+)=(.*)$" matched "${CMAKE_ARGV${argument}}")
   set(variable ${CMAKE_MATCH_1})

@@ -2,7 +2,7 @@
 
 #include "LookCommands.h"
 #include "Settings.h"
-#include "Verbs.h"
+#include "verbs/Verbs.h"
 
 #include <CLI/CLI.hpp>
 

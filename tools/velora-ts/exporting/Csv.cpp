@@ -1,0 +1,137 @@
+#include "StoredText.h"
+#include "exporting/Selection.h"
+#include "output/Output.h"
+#include "reading/EventRows.h"
+#include "reading/Values.h"
+
+#include <array>
+#include <charconv>
+#include <map>
+
+// RFC 4180, with a mark in front by which spreadsheet programs know UTF-8: docs/velora-ts.md.
+
+namespace {
+
+constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
+constexpr std::string_view lineEnd = "\r\n";
+constexpr std::array fixedColumns = {"number", "at", "run", "execution", "node", "activity", "event"};
+
+bool IsNumber(std::string_view text) {
+  if (text.starts_with('+') && !text.substr(1).starts_with('-')) {
+    text.remove_prefix(1);
+  }
+  double number = 0;
+  return text.find_first_not_of("0123456789+-.eE") == std::string_view::npos &&
+         std::from_chars(text.data(), text.data() + text.size(), number).ptr == text.data() + text.size() &&
+         !text.empty();
+}
+
+// What a spreadsheet program would take for a formula has an apostrophe before it, and so that this one can be taken
+// off again, what begins with one.
+std::string TextCell(std::string_view text) {
+  using Quor::TolvaServices::Local::SequenceLength;
+  std::string cell = "\"";
+  if (!text.empty() && std::string_view("=+-@\t\r\n'").find(text.front()) != std::string_view::npos &&
+      !IsNumber(text)) {
+    cell += '\'';
+  }
+  bool plain = !text.empty() && text.front() != ' ' && text.back() != ' ';
+  while (!text.empty()) {
+    const std::size_t length = text.front() == '\0' ? 0 : SequenceLength(text);
+    plain = plain && std::string_view(",\"\r\n").find(text.front()) == std::string_view::npos;
+    cell += text.front() == '"' ? "\"" : "";
+    cell += length > 0 ? text.substr(0, length) : "\xEF\xBF\xBD";
+    text.remove_prefix(length > 0 ? length : 1);
+  }
+  return plain ? cell.substr(1) : cell + '"';
+}
+
+class Csv {
+ public:
+  Csv(const Store& store, const Selection& selection)
+      : selection(selection),
+        ofRun(store, "v.event_id, v.at, r.guid, x.guid, x.node, a.name, v.name",
+              "executions x JOIN events v ON v.execution_id = x.execution_id "
+              "JOIN executions r ON r.execution_id = x.root_id "
+              "LEFT JOIN activity_versions a ON a.version_id = x.version_id",
+              "x.root_id = ?1"),
+        ofNoRun(store, "v.event_id, v.at, NULL, NULL, NULL, NULL, v.name", "events v",
+                "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2") {}
+
+  void FindColumns() {
+    for (const char* name : fixedColumns) {
+      header += header.empty() ? utf8Mark : ",";
+      header += name;
+      taken.insert(name);
+    }
+    ForEachEvent([&](EventRows& events) {
+      ForEachParameter(events, [&](const std::pair<std::string, int>& place) {
+        if (places.emplace(place, places.size()).second) {
+          header += ',' + TextCell(UniqueName(taken, place.first, place.second));
+        }
+      });
+    });
+  }
+
+  void Write(const Step& step) {
+    WriteData(header);
+    WriteData(lineEnd);
+    ForEachEvent([&](EventRows& events) {
+      const Rows& event = events.Event();
+      std::string line = std::to_string(event.Integer(0));
+      for (int column = 1; column < event.Columns(); ++column) {
+        line += ',' + (event.IsNull(column) ? "" : TextCell(event.Text(column)));
+      }
+      std::vector<std::string> cells(places.size());
+      ForEachParameter(events, [&](const std::pair<std::string, int>& place) {
+        const std::string value = ValueInWords(events.Parameter());
+        cells[places.at(place)] = IsText(events.Parameter()) ? TextCell(value) : value;
+      });
+      for (const std::string& cell : cells) {
+        line += ',' + cell;
+      }
+      line += lineEnd;
+      WriteData(line);
+      step();
+    });
+  }
+
+ private:
+  template <typename Visitor>
+  void ForEachEvent(const Visitor& visit) {
+    for (const Run& run : selection.runs) {
+      for (ofRun.Ask(run.root); ofRun.Next();) {
+        visit(ofRun);
+      }
+    }
+    if (selection.ofNoRun) {
+      for (ofNoRun.Ask(selection.ofNoRun->first, selection.ofNoRun->second); ofNoRun.Next();) {
+        visit(ofNoRun);
+      }
+    }
+  }
+
+  /// With its name, and whether it is the first, the second... of that name.
+  template <typename Visitor>
+  static void ForEachParameter(EventRows& events, const Visitor& visit) {
+    std::map<std::string, int> seen;
+    while (events.NextParameter()) {
+      const std::string name(events.Parameter().Text(1));
+      visit({name, ++seen[name]});
+    }
+  }
+
+  const Selection& selection;
+  EventRows ofRun, ofNoRun;
+  std::string header;
+  std::set<std::string> taken;
+  std::map<std::pair<std::string, int>, std::size_t> places;
+};
+
+}  // namespace
+
+void WriteCsv(const Store& store, const Selection& selection, const Step& step) {
+  Csv csv(store, selection);
+  csv.FindColumns();
+  csv.Write(step);
+}

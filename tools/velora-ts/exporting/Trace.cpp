@@ -1,0 +1,126 @@
+#include "exporting/Selection.h"
+#include "output/Json.h"
+#include "output/Output.h"
+#include "output/Times.h"
+#include "reading/EventRows.h"
+#include "reading/Executions.h"
+#include "reading/Rows.h"
+#include "reading/Values.h"
+
+#include <algorithm>
+
+// The trace-event format: an execution is an asynchronous pair, so that those that overlap stand beside each other; a
+// run is a process of its own.
+
+namespace {
+
+enum Thread { ForExecutions = 1, ForEvents };
+
+constexpr const char* eventColumns = "v.event_id, v.at, v.name";
+
+class Trace {
+ public:
+  Trace(const Store& store, const Step& step)
+      : store(store),
+        step(step),
+        executions(store, (executionQuestion + std::string("WHERE e.root_id = ?1 ORDER BY e.execution_id")).c_str()),
+        events(store, eventColumns, "events v", "v.execution_id = ?1") {}
+
+  void Write(const Selection& selection) {
+    start = StartOf(selection);
+    WriteData("{\"displayTimeUnit\":\"ms\",\"traceEvents\":[");
+    for (const Run& run : selection.runs) {
+      WriteRun(run);
+    }
+    if (selection.ofNoRun) {
+      process = 0;
+      EventRows rest(store, eventColumns, "events v", "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2");
+      WriteEvents(rest.Ask(selection.ofNoRun->first, selection.ofNoRun->second), "");
+    }
+    WriteData("\n]}\n");
+  }
+
+ private:
+  /// The start of the run; of several, or with events of no run, the earliest time.
+  long long StartOf(const Selection& selection) const {
+    std::string earliest;
+    const auto consider = [&](const std::string& time) {
+      earliest = earliest.empty() ? time : std::min(earliest, time);
+    };
+    for (const Run& run : selection.runs) {
+      consider(run.startedAt);
+    }
+    if (selection.ofNoRun) {
+      Rows first(store,
+                 "SELECT at FROM events WHERE +execution_id IS NULL AND at >= ?1 AND at < ?2 ORDER BY at LIMIT 1");
+      if (first.Ask(selection.ofNoRun->first, selection.ofNoRun->second).Next()) {
+        consider(std::string(first.Text(0)));
+      }
+    }
+    return Microseconds(earliest).value_or(0);
+  }
+
+  long long Since(const std::string& time) const { return Microseconds(time).value_or(start) - start; }
+
+  /// @param members all but what every event has, with a comma at the end.
+  void Add(const std::string& members, Thread thread, long long time, const std::string& args) {
+    WriteData(separator);
+    WriteData('{' + members + "\"pid\":" + std::to_string(process) + ",\"tid\":" + std::to_string(thread) +
+              ",\"ts\":" + std::to_string(time) + ",\"args\":{" + args + "}}");
+    separator = ",\n";
+    step();
+  }
+
+  static std::string Quoted(const std::string& text) {
+    std::string json;
+    AppendText(json, text);
+    return json;
+  }
+
+  void WriteRun(const Run& run) {
+    ++process;
+    Add("\"ph\":\"M\",\"name\":\"process_name\",", ForExecutions, 0, "\"name\":" + Quoted(run.node + ' ' + run.guid));
+    std::string last;  // when anything of the run was recorded last
+    for (executions.Ask(run.root); executions.Next();) {
+      const Execution one = ExecutionAt(executions);
+      const bool finished = SecondsOf(one).has_value();
+      if (!finished && last.empty()) {
+        last = LastRecorded(store, run);
+      }
+      const std::string name = Quoted(finished ? one.node : one.node + " (" + StateInWords(one) + ')');
+      const std::string members =
+          ",\"cat\":\"execution\",\"id\":\"" + std::to_string(one.key) + "\",\"name\":" + name + ',';
+      const long long begin = Since(one.startedAt);
+      Add("\"ph\":\"b\"" + members, ForExecutions, begin, JsonMembers(one) + ",\"state\":" + Quoted(StateInWords(one)));
+      WriteEvents(events.Ask(one.key), one.node);
+      Add("\"ph\":\"e\"" + members, ForExecutions, std::max(begin, Since(finished ? one.statusAt : last)), "");
+    }
+  }
+
+  void WriteEvents(EventRows& rows, const std::string& node) {
+    while (rows.Next()) {
+      std::set<std::string> taken{"node"};
+      std::string args = "\"node\":" + Quoted(node);
+      while (rows.NextParameter()) {
+        args += ',' + Quoted(UniqueName(taken, std::string(rows.Parameter().Text(1)))) + ':';
+        AppendParameterValue(args, rows.Parameter());
+      }
+      Add("\"ph\":\"i\",\"s\":\"t\",\"cat\":\"event\",\"name\":" + Quoted(std::string(rows.Event().Text(2))) + ',',
+          ForEvents, Since(std::string(rows.Event().Text(1))), args);
+    }
+  }
+
+  const Store& store;
+  const Step& step;
+  Rows executions;
+  EventRows events;
+  long long start = 0;
+  int process = 0;
+  const char* separator = "\n";
+};
+
+}  // namespace
+
+void WriteTrace(const Store& store, const Selection& selection, const Step& step) {
+  Trace(store, step).Write(selection);
+}

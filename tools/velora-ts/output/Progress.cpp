@@ -1,0 +1,30 @@
+#include "output/Progress.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <iostream>
+#include <utility>
+
+Progress::Progress(std::string doing, long long total)
+    : terminal(isatty(STDERR_FILENO) != 0), doing(std::move(doing)), total(total) {}
+
+Progress::~Progress() {
+  if (shown) {
+    std::cerr << "\r\x1b[K" << std::flush;
+  }
+}
+
+void Progress::Show(long long now) {
+  done = now;
+  if (!terminal || std::chrono::steady_clock::now() < next) {
+    return;
+  }
+  next = std::chrono::steady_clock::now() + std::chrono::milliseconds(100);
+  shown = true;
+  std::cerr << '\r' << doing << ": " << done;
+  if (total > 0) {
+    std::cerr << " of " << total << ", " << std::min(100LL, 100 * done / total) << " %";
+  }
+  std::cerr << "\x1b[K" << std::flush;
+}

@@ -1,0 +1,79 @@
+#include "output/TextTable.h"
+
+#include "output/Output.h"
+#include "output/Terminal.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+constexpr const char* gap = "  ";
+constexpr std::size_t gapWidth = 2;
+constexpr std::size_t narrowest = 4;
+
+std::string Padded(const std::string& text, std::size_t width, bool atRight, bool last) {
+  const std::string blanks(width - std::min(width, WidthOf(text)), ' ');
+  return atRight ? blanks + text : last ? text : text + blanks;
+}
+
+}  // namespace
+
+// Takes from the widest yielding column until all fit, then from any; what there is no room for even then is cut off at
+// the right.
+std::vector<std::size_t> TextTable::Widths(std::size_t available) const {
+  std::vector<std::size_t> widths;
+  for (std::size_t column = 0; column < columns.size(); ++column) {
+    std::size_t width = WidthOf(columns[column].title);
+    for (const std::vector<Cell>& row : rows) {
+      width = std::max(width, WidthOf(row[column].text));
+    }
+    widths.push_back(width);
+  }
+  std::size_t total = std::accumulate(widths.begin(), widths.end(), gapWidth * (columns.size() - 1));
+  for (const bool any : {false, true}) {
+    while (total > available) {
+      std::size_t* widest = nullptr;
+      for (std::size_t column = 0; column < columns.size(); ++column) {
+        if ((any || columns[column].yielding) && (widest == nullptr || widths[column] > *widest)) {
+          widest = &widths[column];
+        }
+      }
+      if (widest == nullptr || *widest <= narrowest) {
+        break;
+      }
+      --*widest;
+      --total;
+    }
+  }
+  std::size_t left = available;
+  for (std::size_t& width : widths) {
+    width = std::min(width, left);
+    left -= std::min(left, width + gapWidth);
+  }
+  return widths;
+}
+
+void TextTable::Write() const {
+  const Terminal terminal;
+  const std::vector<std::size_t> widths = Widths(terminal.width);
+  const auto write = [&](const auto& textOf) {
+    std::string line;
+    for (std::size_t column = 0; column < columns.size() && (column == 0 || widths[column] > 0); ++column) {
+      const bool last = column + 1 == columns.size();
+      const Cell& cell = textOf(column);
+      const std::string text = Padded(Cut(cell.text, widths[column]), widths[column], columns[column].number, last);
+      line += column == 0 ? "" : gap;
+      line += cell.alarming && terminal.colours ? "\x1b[1;31m" + text + "\x1b[0m" : text;
+    }
+    WriteOut(line.erase(line.find_last_not_of(' ') + 1) + '\n');
+  };
+  std::vector<Cell> titles;
+  for (const Column& column : columns) {
+    titles.push_back({column.title});
+  }
+  write([&](std::size_t column) -> const Cell& { return titles[column]; });
+  for (const std::vector<Cell>& row : rows) {
+    write([&](std::size_t column) -> const Cell& { return row[column]; });
+  }
+}

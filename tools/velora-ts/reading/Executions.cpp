@@ -1,0 +1,70 @@
+#include "reading/Executions.h"
+
+#include "output/Json.h"
+#include "output/Terminal.h"
+#include "output/Times.h"
+#include "reading/Rows.h"
+
+namespace {
+
+constexpr long long running = 4;
+constexpr long long done = 14;
+
+}  // namespace
+
+Execution ExecutionAt(const Rows& rows) {
+  const auto text = [&](int column) { return std::string(rows.Text(column)); };
+  return {rows.Integer(0), text(1), text(2), text(3), text(4),
+          text(5),         text(6), text(7), text(8), rows.IsNull(9) ? std::nullopt : std::optional(rows.Integer(9)),
+          text(10)};
+}
+
+bool IsRunning(const Execution& execution) { return execution.status == running; }
+
+std::string StateInWords(const Execution& execution) {
+  if (!execution.status) {
+    return "no status";
+  }
+  return IsRunning(execution)       ? unfinishedInWords
+         : execution.status == done ? "done"
+                                    : "status " + std::to_string(*execution.status);
+}
+
+std::string ActivityInWords(const Execution& execution) {
+  return Printable(execution.version.empty() ? execution.activity : execution.activity + ' ' + execution.version);
+}
+
+std::optional<double> SecondsOf(const Execution& execution) {
+  return IsRunning(execution) ? std::nullopt : SecondsBetween(execution.startedAt, execution.statusAt);
+}
+
+std::string DurationInWords(const Execution& execution, bool fractions) {
+  const std::optional<double> seconds = SecondsOf(execution);
+  return seconds ? Duration(*seconds, fractions) : "";
+}
+
+std::string JsonMembers(const Execution& execution) {
+  std::string json;
+  const auto add = [&](const char* name, const std::string& text) {
+    json += json.empty() ? "\"" : ",\"";
+    json += name;
+    json += "\":";
+    AppendText(json, text);
+  };
+  add("guid", execution.guid);
+  add("node", execution.node);
+  add("description", execution.description);
+  add("instrument", execution.instrument);
+  add("host", execution.host);
+  add("activity", execution.activity);
+  add("version", execution.version);
+  add("started_at", execution.startedAt);
+  add("status_at", execution.statusAt);
+  json += ",\"status\":" + (execution.status ? std::to_string(*execution.status) : "null") + ",\"seconds\":";
+  if (const std::optional<double> seconds = SecondsOf(execution)) {
+    AppendNumber(json, *seconds);
+  } else {
+    json += "null";
+  }
+  return json;
+}

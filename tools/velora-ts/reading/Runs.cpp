@@ -1,0 +1,109 @@
+#include "reading/Runs.h"
+
+#include "StoredText.h"
+#include "output/Json.h"
+#include "output/Terminal.h"
+#include "reading/Rows.h"
+#include "reading/Store.h"
+
+#include <algorithm>
+#include <cctype>
+#include <iostream>
+#include <utility>
+
+namespace {
+
+constexpr std::size_t shortGuid = 8;
+
+const std::string columns = "SELECT execution_id, guid, node, started_at FROM executions WHERE parent_id IS NULL AND ";
+
+std::vector<Run> All(Rows& rows) {
+  std::vector<Run> runs;
+  while (rows.Next()) {
+    runs.push_back({rows.Integer(0), std::string(rows.Text(1)), std::string(rows.Text(2)), std::string(rows.Text(3))});
+  }
+  return runs;
+}
+
+// By the index of guids, not by that of parents.
+std::vector<Run> RunsWithGuid(const Store& store, const std::string& beginning) {
+  Rows rows(store,
+            "SELECT execution_id, guid, node, started_at FROM executions WHERE +parent_id IS NULL AND guid >= ?1 "
+            "AND guid < ?2 ORDER BY execution_id");
+  return All(rows.Ask(beginning, beginning + 'g'));
+}
+
+}  // namespace
+
+std::string InWords(const Run& run) {
+  std::string words = "run " + run.guid + ' ';
+  AppendText(words, run.node);  // on one line, whatever is in it
+  return Printable(words + " of " + run.startedAt);
+}
+
+std::vector<Run> RunsBetween(const Store& store, const std::string& from, const std::string& before) {
+  Rows rows(store, columns + "started_at >= ?1 AND started_at < ?2 ORDER BY execution_id");
+  return All(rows.Ask(from, before));
+}
+
+std::vector<Run> AllRuns(const Store& store) {
+  Rows rows(store, columns + "true ORDER BY execution_id");
+  return All(rows);
+}
+
+std::vector<Run> RunsNamed(const Store& store, const std::string& name) {
+  if (name == "last") {
+    Rows rows(store, columns + "true ORDER BY parent_id DESC, started_at DESC, execution_id DESC LIMIT 1");
+    return All(rows);
+  }
+  std::string guid = name;
+  std::transform(guid.begin(), guid.end(), guid.begin(),
+                 [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
+  std::vector<Run> runs = RunsWithGuid(store, guid);
+  if (runs.empty() || guid.size() < shortGuid) {  // where a guid is not meant for sure, nodes have to be gone through
+    Rows rows(store, columns + "node = ?1 ORDER BY execution_id");
+    for (Run& run : All(rows.Ask(Quor::TolvaServices::Local::ToStoredText(name)))) {
+      if (std::none_of(runs.begin(), runs.end(), [&](const Run& found) { return found.root == run.root; })) {
+        runs.push_back(std::move(run));
+      }
+    }
+  }
+  return runs;
+}
+
+std::optional<Run> TheRunNamed(const Store& store, const std::string& name) {
+  const std::vector<Run> runs = RunsNamed(store, name);
+  if (runs.size() == 1) {
+    return runs.front();
+  }
+  std::cerr << (runs.empty() ? "no run is called '" : "more than one run is called '") << Printable(name) << "'\n";
+  for (const Run& run : runs) {
+    std::cerr << InWords(run) << '\n';
+  }
+  return std::nullopt;
+}
+
+std::string ShortGuid(const Store& store, const std::string& guid) {
+  std::size_t length = shortGuid;
+  while (length < guid.size() && RunsWithGuid(store, guid.substr(0, length)).size() > 1) {
+    ++length;
+  }
+  return guid.substr(0, length);
+}
+
+bool IsUnfinished(const Store& store, const Run& run) {
+  Rows rows(store, std::string(runningOfRun) + "?1 LIMIT 1");
+  return rows.Ask(run.root).Next();
+}
+
+std::string LastRecorded(const Store& store, const Run& run) {
+  Rows rows(store,
+            "SELECT MAX(s.at) FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
+            "WHERE x.root_id = ?1 UNION ALL SELECT MAX(v.at) FROM executions x JOIN events v "
+            "ON v.execution_id = x.execution_id WHERE x.root_id = ?1");
+  std::string last;
+  for (rows.Ask(run.root); rows.Next();) {
+    last = std::max(last, std::string(rows.Text(0)));
+  }
+  return last;
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "reading/Rows.h"
+
+#include <set>
+#include <string>
+
+// The parameters of events, and how their values are shown.
+
+/// Appends the value of the parameter where rows of position, name, kind, and value as text and as number stand as
+/// JSON: docs/record-format.md.
+void AppendParameterValue(std::string& json, const Rows& parameters);
+/// The same as one reads it: a text as it is, NaN by that name.
+std::string ValueInWords(const Rows& parameters);
+/// Whether it is a text to whoever recorded it, not a number that is kept as one.
+bool IsText(const Rows& parameters);
+/// Name and value, printable.
+std::string ParameterInWords(const Rows& parameters);
+
+/// A name as it was given for the first time, and with a number behind it for another one.
+/// @param occurrence the number to begin with.
+std::string UniqueName(std::set<std::string>& taken, const std::string& name, int occurrence = 1);

@@ -1,0 +1,131 @@
+#include "report/KeptEvents.h"
+
+#include "output/Json.h"
+#include "output/Times.h"
+#include "reading/Store.h"
+
+#include <algorithm>
+#include <limits>
+
+KeptEvents::KeptEvents(const Store& store, long long root) {
+  Count(store, root);
+  if (!binned.empty()) {
+    Choose(store, root);
+  }
+}
+
+bool KeptEvents::Keeps(const Event& event) const {
+  return binned.count(event.name) == 0 || std::binary_search(kept.begin(), kept.end(), event.number);
+}
+
+std::string KeptEvents::InWords() const {
+  const std::string all = std::to_string(recorded) + " events";
+  const auto drawn = recorded - ofBinnedKinds + static_cast<long long>(kept.size());
+  return binned.empty() ? "all " + all : "binned: " + std::to_string(drawn) + " of " + all;
+}
+
+void KeptEvents::AppendSlices(std::string& json, long long start) const {
+  if (binned.empty()) {
+    json += "null";
+    return;
+  }
+  json += "{\"from\":" + std::to_string(first - start) + ",\"to\":" + std::to_string(last - start) + ",\"kinds\":[";
+  const char* separator = "";
+  for (const auto& [name, kind] : binned) {
+    json += separator;
+    json += "{\"name\":";
+    AppendText(json, name);
+    json += ",\"recorded\":" + std::to_string(kind.recorded) + ",\"counts\":[";
+    const char* comma = "";
+    for (const long long count : kind.inSlice) {
+      json += comma + std::to_string(count);
+      comma = ",";
+    }
+    json += "]}";
+    separator = ",";
+  }
+  json += "]}";
+}
+
+void KeptEvents::Count(const Store& store, long long root) {
+  Rows rows(store,
+            "SELECT e.name, e.at FROM executions x JOIN events e ON e.execution_id = x.execution_id "
+            "WHERE x.root_id = ?1");
+  std::map<std::string, long long, std::less<>> counts;
+  std::string earliest, latest;
+  for (rows.Ask(root); rows.Next(); ++recorded) {
+    const auto name = counts.find(rows.Text(0));
+    ++(name != counts.end() ? name : counts.emplace(rows.Text(0), 0).first)->second;
+    const std::string_view at = rows.Text(1);
+    if (earliest.empty() || at < earliest) {
+      earliest = at;
+    }
+    if (at > latest) {
+      latest = at;
+    }
+  }
+  first = Microseconds(earliest).value_or(0);
+  last = std::max(first, Microseconds(latest).value_or(0));
+  for (const auto& [name, count] : counts) {
+    if (count > mostPoints) {
+      binned[name].recorded = count;
+      ofBinnedKinds += count;
+    }
+  }
+}
+
+void KeptEvents::Choose(const Store& store, long long root) {
+  for (RunEvents events(store, root); events.Next();) {
+    const auto kind = binned.find(events.Current().name);
+    if (kind != binned.end()) {
+      Consider(kind->second, events.Current());
+    }
+  }
+  for (auto& [name, kind] : binned) {
+    kept.push_back(kind.newest);
+    for (const auto& [parameter, slices] : kind.extremes) {
+      for (const auto& [slice, extremes] : slices) {
+        kept.push_back(extremes.lowestEvent);
+        kept.push_back(extremes.highestEvent);
+      }
+    }
+    kind.extremes.clear();
+  }
+  std::sort(kept.begin(), kept.end());
+  kept.erase(std::unique(kept.begin(), kept.end()), kept.end());
+}
+
+void KeptEvents::Consider(Kind& kind, const Event& event) {
+  if (kind.newest != 0 && kind.execution != event.execution) {
+    kept.push_back(kind.newest);
+  }
+  kind.execution = event.execution;
+  kind.newest = event.number;
+  const long long at = event.at.value_or(first);
+  const std::size_t slice = SliceOf(at);
+  ++kind.inSlice[slice];
+  const auto consider = [&](std::pair<std::string, int> parameter, double value) {
+    Extremes fresh{value, value, event.number, event.number};
+    Extremes& extremes = kind.extremes[std::move(parameter)].emplace(slice, fresh).first->second;
+    if (value < extremes.lowest) {
+      extremes.lowest = value, extremes.lowestEvent = event.number;
+    }
+    if (value > extremes.highest) {
+      extremes.highest = value, extremes.highestEvent = event.number;
+    }
+  };
+  consider({"", 0}, static_cast<double>(at));
+  std::map<std::string_view, int> seen;
+  for (const Reading& reading : event.readings) {
+    const int occurrence = ++seen[reading.name];
+    if (reading.number) {
+      consider({reading.name, occurrence}, *reading.number);
+    }
+  }
+}
+
+std::size_t KeptEvents::SliceOf(long long at) const {
+  const double share = static_cast<double>(at - first) / static_cast<double>(std::max(1LL, last - first));
+  const auto slice = static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) * sliceCount);
+  return std::min(slice, sliceCount - 1);
+}

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "report/RunEvents.h"
+
+#include <array>
+#include <map>
+#include <string>
+#include <vector>
+
+/// Which events of a run a page holds: all of them, but of a kind that has more than a plot can draw those that have
+/// the lowest or the highest value of any parameter within one of the slices of the run's time, and the last one of
+/// each execution.
+class KeptEvents {
+ public:
+  static constexpr long long mostPoints = 200000;
+  static constexpr std::size_t sliceCount = 2000;
+
+  KeptEvents(const Store& store, long long root);
+
+  bool Keeps(const Event& event) const;
+  long long Recorded() const { return recorded; }
+  /// "all 41 events", or "binned: 8000 of 1000000 events".
+  std::string InWords() const;
+  /// The slices and how many events of each such kind are in them, as JSON; null where all events are kept.
+  void AppendSlices(std::string& json, long long start) const;
+
+ private:
+  struct Extremes {
+    double lowest, highest;
+    long long lowestEvent, highestEvent;
+  };
+  struct Kind {
+    long long recorded = 0;
+    std::array<long long, sliceCount> inSlice{};
+    long long execution = 0, newest = 0;  // the execution that is being read, and its newest event of this kind
+    /// By the parameter's name and which one of that name it is; the event's time is one, too.
+    std::map<std::pair<std::string, int>, std::map<std::size_t, Extremes>> extremes;
+  };
+
+  void Count(const Store& store, long long root);
+  void Choose(const Store& store, long long root);
+  void Consider(Kind& kind, const Event& event);
+  std::size_t SliceOf(long long at) const;
+
+  long long recorded = 0;
+  long long first = 0, last = 0;
+  std::map<std::string, Kind> binned;
+  long long ofBinnedKinds = 0;
+  std::vector<long long> kept;  // of the binned kinds, ascending
+};

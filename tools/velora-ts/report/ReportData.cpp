@@ -1,0 +1,127 @@
+#include "report/ReportData.h"
+
+#include "output/Json.h"
+#include "output/Times.h"
+#include "reading/Rows.h"
+#include "reading/Runs.h"
+#include "reading/Store.h"
+#include "records/Seals.h"
+#include "report/KeptEvents.h"
+#include "report/ReportEvents.h"
+#include "report/ReportExecutions.h"
+
+#include <TSAL/Types.h>
+
+namespace {
+
+using Sink = std::function<void(std::string_view)>;
+
+/// Appends the next item of a list. @return whether there was one.
+using NextItem = std::function<bool(std::string& json)>;
+
+class Writer {
+ public:
+  Writer(const Store& store, const Run& run, const KeptEvents& kept, const Sink& sink)
+      : store(store), run(run), kept(kept), sink(sink), start(Microseconds(run.startedAt).value_or(0)) {}
+
+  void Write() {
+    using Quor::TolvaServices::Types::DateTimeOffset;
+    json = "{\"tool\":\"" VELORA_VERSION "\",\"made\":";
+    json += std::to_string(DateTimeOffset::Now().Microseconds() - start) + ",\"run\":";
+    AppendText(json, run.guid);
+    json += ",\"start\":";
+    AppendText(json, run.startedAt);
+    json += ",\"recorded\":" + std::to_string(kept.Recorded()) + ",\"slices\":";
+    kept.AppendSlices(json, start);
+    json += ",\"seal\":";
+    AppendSeal();
+
+    ReportExecutions executions(store, run.root, start);
+    WriteList("executions", [&](std::string& to) { return executions.AppendBatch(to); });
+    ReportEvents events(store, run.root, kept, start);
+    WriteList("events", [&](std::string& to) { return events.AppendBatch(to); });
+    json += ",\"shapes\":";
+    events.AppendShapes(json);
+
+    WriteNamed("sessions", "SELECT session_id, guid, instrument, host, began_at FROM sessions WHERE session_id = ?1",
+               executions.Sessions());
+    WriteNamed("versions",
+               "SELECT v.version_id, v.name, v.version, v.description, a.name AS activity FROM activity_versions v "
+               "JOIN activities a ON a.activity_id = v.activity_id WHERE v.version_id = ?1",
+               executions.Versions());
+    WriteNamed("configurations",
+               "SELECT configuration_id, saved_at, vendor_name, model_name, instrument_class, host_name, option_text, "
+               "configuration_text FROM configurations WHERE configuration_id = ?1",
+               events.Configurations());
+    json += '}';
+    Flush();
+  }
+
+ private:
+  void AppendSeal() {
+    if (store.SchemaVersion() < versionWithSeals) {
+      json += "null";
+      return;
+    }
+    Rows rows(store,
+              "SELECT seal_id, sealed_at, seal_hash, up_to FROM seals WHERE run = ?1 ORDER BY seal_id DESC LIMIT 1");
+    if (!rows.Ask(run.guid).Next()) {
+      json += "null";
+      return;
+    }
+    json += "{\"number\":" + std::to_string(rows.Integer(0)) + ",\"sealed_at\":";
+    AppendText(json, rows.Text(1));
+    json += ",\"hash\":";
+    AppendText(json, rows.Text(2));
+    const Numbers upTo = FromText(std::string(rows.Text(3))).value_or(none);
+    json += HasMore(store, run, {{run.guid, upTo}}) ? ",\"complete\":false}" : ",\"complete\":true}";
+  }
+
+  void WriteNamed(const char* name, const char* question, const std::set<long long>& numbers) {
+    Rows rows(store, question);
+    auto number = numbers.begin();
+    WriteList(name, [&](std::string& to) {
+      while (number != numbers.end() && !rows.Ask(*number).Next()) {
+        ++number;  // refers to nothing
+      }
+      if (number == numbers.end()) {
+        return false;
+      }
+      to += "{\"number\":" + std::to_string(*number++);
+      for (int column = 1; column < rows.Columns(); ++column) {
+        to += std::string(",\"") + rows.Name(column) + "\":";
+        AppendText(to, rows.Text(column));
+      }
+      to += '}';
+      return true;
+    });
+  }
+
+  void WriteList(const char* name, const NextItem& next) {
+    json += std::string(",\"") + name + "\":[";
+    bool first = true;
+    for (std::string item; next(item); item.clear(), first = false) {
+      json += (first ? "" : ",") + item;
+      Flush();
+    }
+    json += ']';
+  }
+
+  void Flush() {
+    sink(json);
+    json.clear();
+  }
+
+  const Store& store;
+  const Run& run;
+  const KeptEvents& kept;
+  const Sink& sink;
+  const long long start;
+  std::string json;
+};
+
+}  // namespace
+
+void WriteReportData(const Store& store, const Run& run, const KeptEvents& kept, const Sink& write) {
+  Writer(store, run, kept, write).Write();
+}

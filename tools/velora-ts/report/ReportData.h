@@ -1,0 +1,14 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+class KeptEvents;
+class Store;
+struct Run;
+
+/// Writes what a page shows of a run as one JSON object, piece by piece. Times are microseconds from the run's start;
+/// what `PageColumn` says of its kinds holds. `page/data.js` reads it: keep the two together.
+void WriteReportData(const Store& store, const Run& run, const KeptEvents& kept,
+                     const std::function<void(std::string_view piece)>& write);

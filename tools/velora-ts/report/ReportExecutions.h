@@ -1,0 +1,32 @@
+#pragma once
+
+#include "reading/Rows.h"
+#include "report/PageColumn.h"
+
+#include <set>
+#include <string>
+
+/// The executions of a run with their statuses, as columns of the page's data.
+class ReportExecutions {
+ public:
+  /// @param start what times are counted from, in microseconds since 1970.
+  ReportExecutions(const Store& store, long long root, long long start);
+
+  /// Appends the next batch. @return whether there was one.
+  bool AppendBatch(std::string& json);
+
+  /// Keys of what the executions so far refer to.
+  const std::set<long long>& Sessions() const { return sessions; }
+  const std::set<long long>& Versions() const { return versions; }
+
+ private:
+  void AddOne();
+  void AddStatuses(long long execution, std::optional<long long> startedAt);
+
+  Rows rows;  // one for each status, or one for an execution without any
+  bool more;
+  const long long start;
+  PageColumn number, parent, session, version, started, node, description;
+  PageColumn statuses, statusAt;  // the codes of each execution, and the times of all statuses since its start
+  std::set<long long> sessions, versions;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "reading/EventRows.h"
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+/// A parameter of an event.
+struct Reading {
+  std::string name;
+  std::string kind;
+  std::string json;              ///< Its value.
+  std::optional<double> number;  ///< What can be drawn of it: texts that read as a number have one too.
+  bool isNumber = false;         ///< Whether it is stored as one.
+};
+
+/// An event with its parameters.
+struct Event {
+  long long number = 0;
+  long long execution = 0;
+  std::string name;
+  std::optional<long long> at;
+  std::vector<Reading> readings;
+};
+
+/// The events of a run, execution after execution, each in the order of saving. Holds one at a time.
+class RunEvents {
+ public:
+  RunEvents(const Store& store, long long root);
+
+  /// Goes to the next event. @return whether there is one.
+  bool Next();
+  const Event& Current() const { return event; }
+  /// Keys of the configurations that were in force, as far as it has gone.
+  const std::set<long long>& Configurations() const { return configurations; }
+
+ private:
+  void AddReading(const Rows& parameter);
+
+  EventRows rows;
+  Event event;
+  std::set<long long> configurations;
+};

@@ -1,0 +1,89 @@
+#include "output/Progress.h"
+#include "reading/SqliteSource.h"
+#include "reading/Store.h"
+#include "records/Records.h"
+#include "soundness/Soundness.h"
+#include "verbs/Verbs.h"
+
+#include <TSAL/Error.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+
+using Quor::TolvaServices::TsError;
+
+namespace {
+
+constexpr int pagesAtOnce = 1024;
+
+// Readable by owner and group at most, as the store is.
+void MakeFile(const std::string& file) {
+  const int made = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP);
+  if (made < 0) {
+    throw TsError("file '" + file + "' cannot be made: " + std::system_category().message(errno));
+  }
+  close(made);
+}
+
+sqlite3* HandleOf(const Store& store) { return static_cast<const SqliteSource&>(store.Reading()).Handle(); }
+
+void Copy(const Store& store, const std::string& file) {
+  sqlite3* opened = nullptr;
+  const int result = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
+  const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> target(opened, &sqlite3_close);
+  const auto fail = [&] { throw TsError("file '" + file + "' cannot be written: " + sqlite3_errmsg(target.get())); };
+  if (result != SQLITE_OK) {
+    fail();
+  }
+  const std::unique_ptr<sqlite3_backup, decltype(&sqlite3_backup_finish)> copy(
+      sqlite3_backup_init(target.get(), "main", HandleOf(store), "main"), &sqlite3_backup_finish);
+  if (!copy) {
+    fail();
+  }
+  Progress progress("Copying pages", 0);
+  int step = SQLITE_OK;
+  while (step == SQLITE_OK) {
+    step = sqlite3_backup_step(copy.get(), pagesAtOnce);
+    progress.Show(sqlite3_backup_pagecount(copy.get()) - sqlite3_backup_remaining(copy.get()));
+  }
+  if (step != SQLITE_DONE) {
+    throw TsError("file '" + file + "' cannot be written: " + sqlite3_errstr(step));
+  }
+}
+
+}  // namespace
+
+ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file) {
+  const Store store(database);
+  if (store.Kind() == Store::Database::Kind::PostgreSql) {
+    std::cerr << "a server's own tools copy what is on it: pg_dump --format=custom --file='" << file
+              << "' for this database (docs/postgresql.md), pg_basebackup for the whole server; velora-ts copy makes a "
+                 "file of SQLite\n";
+    return WrongUsage;
+  }
+  const Numbers highest = HighestNumbers(store);
+  MakeFile(file);
+  try {
+    Copy(store, file);
+    store.ExpectUntouched();
+    const Store copy({Quor::TolvaServices::Local::Database::Kind::Sqlite, file});
+    if (const auto damage = DamageFindings(copy); !damage.empty()) {
+      throw TsError("the copy of '" + store.Name() + "' is not sound: " + damage.front());
+    }
+    if (HighestNumbers(copy) != highest) {
+      throw TsError("the copy of '" + store.Name() + "' lacks rows");
+    }
+  } catch (...) {
+    std::error_code ignored;
+    std::filesystem::remove(file, ignored);
+    throw;
+  }
+  std::cout << "store '" << store.Name() << "' copied to '" << file << "' and checked: " << highest[Executions]
+            << " executions, " << highest[Events] << " events\n";
+  return Done;
+}

@@ -1,0 +1,144 @@
+#include "output/Base64.h"
+#include "reading/Runs.h"
+#include "reading/Store.h"
+#include "records/Sha256.h"
+#include "report/KeptEvents.h"
+#include "report/PageParts.h"
+#include "report/ReportData.h"
+#include "verbs/Verbs.h"
+
+#include <TSAL/Error.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <system_error>
+
+namespace {
+
+/// The file of a page: complete under its name, or not there at all.
+class PageFile {
+ public:
+  explicit PageFile(const std::string& path) : path(path) {
+    std::error_code unknown;
+    const bool special = std::filesystem::exists(path, unknown) && !std::filesystem::is_regular_file(path, unknown);
+    fresh = special ? path : path + ".new";
+    stream.reset(std::fopen(fresh.c_str(), "w"));
+    Expect(stream != nullptr);
+  }
+  PageFile(const PageFile&) = delete;
+  PageFile& operator=(const PageFile&) = delete;
+  ~PageFile() {
+    if (stream && fresh != path) {
+      static_cast<void>(std::remove(fresh.c_str()));
+    }
+  }
+
+  void Write(std::string_view text) {
+    Expect(std::fwrite(text.data(), 1, text.size(), stream.get()) == text.size());
+    bytes += text.size();
+  }
+  void Finish() {
+    Expect(std::fflush(stream.get()) == 0);
+    Expect(fresh == path || std::rename(fresh.c_str(), path.c_str()) == 0);
+    stream.reset();
+  }
+  std::size_t Bytes() const { return bytes; }
+
+ private:
+  void Expect(bool good) const {
+    if (!good) {
+      throw Quor::TolvaServices::TsError("page '" + path +
+                                         "' cannot be written: " + std::system_category().message(errno));
+    }
+  }
+
+  const std::string path;
+  std::string fresh;
+  std::unique_ptr<FILE, int (*)(FILE*)> stream{nullptr, &std::fclose};
+  std::size_t bytes = 0;
+};
+
+std::string SourceHash(PagePart part) {
+  Sha256 sha;
+  for (const std::string_view piece : part) {
+    sha.Add(piece);
+  }
+  const std::string digits = sha.Finish();
+  std::string bytes;
+  for (std::size_t at = 0; at < digits.size(); at += 2) {
+    bytes += static_cast<char>(std::stoi(digits.substr(at, 2), nullptr, 16));
+  }
+  return "'sha256-" + Base64(bytes) + "'";
+}
+
+// Nothing is loaded, and nothing runs but our own style and scripts: what was recorded cannot.
+std::string Policy() {
+  return "default-src 'none'; base-uri 'none'; form-action 'none'; img-src data: blob:; style-src " +
+         SourceHash(pageStyle) + "; script-src " + SourceHash(pageLibrary) + ' ' + SourceHash(pageScript);
+}
+
+// In a script of data a "<" could only begin its end, or a comment.
+std::string WithoutTags(std::string_view json) {
+  std::string text;
+  for (const char character : json) {
+    if (character == '<') {
+      text += "\\u003c";
+    } else {
+      text += character;
+    }
+  }
+  return text;
+}
+
+void WritePage(PageFile& page, const Store& store, const Run& run, const KeptEvents& kept) {
+  const auto writePart = [&page](PagePart part) {
+    for (const std::string_view piece : part) {
+      page.Write(piece);
+    }
+  };
+  std::string frame;
+  for (const std::string_view piece : pageFrame) {
+    frame += piece;
+  }
+  std::string_view rest = frame;
+  for (std::size_t open = rest.find("{{"); open != std::string_view::npos; open = rest.find("{{")) {
+    page.Write(rest.substr(0, open));
+    const std::size_t close = rest.find("}}", open);
+    const std::string_view place = rest.substr(open + 2, close - open - 2);
+    rest.remove_prefix(close + 2);
+    if (place == "policy") {
+      page.Write(Policy());
+    } else if (place == "data") {
+      WriteReportData(store, run, kept, [&page](std::string_view json) { page.Write(WithoutTags(json)); });
+    } else {
+      writePart(place == "style"     ? pageStyle
+                : place == "library" ? pageLibrary
+                : place == "script"  ? pageScript
+                                     : pageLicences);
+    }
+  }
+  page.Write(rest);
+}
+
+}  // namespace
+
+ExitCode Report(const Store::Database& database, const std::string& name, const std::string& file) {
+  const Store store(database);
+  const std::optional<Run> run = TheRunNamed(store, name);
+  if (!run) {
+    return Found;
+  }
+  const std::string path = file.empty() ? "run-" + run->guid.substr(0, 8) + ".html" : file;
+  const KeptEvents kept(store, run->root);
+  PageFile page(path);
+  WritePage(page, store, *run, kept);
+  store.ExpectUntouched();
+  page.Finish();
+  std::cout << InWords(*run) << ": " << kept.InWords() << ", written to '" << path << "', " << page.Bytes()
+            << " bytes\n";
+  return Done;
+}

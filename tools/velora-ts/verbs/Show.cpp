@@ -1,0 +1,208 @@
+#include "StoredText.h"
+#include "output/Json.h"
+#include "output/Output.h"
+#include "output/Terminal.h"
+#include "output/TextTable.h"
+#include "output/Times.h"
+#include "reading/EventRows.h"
+#include "reading/Executions.h"
+#include "reading/Rows.h"
+#include "reading/Runs.h"
+#include "reading/Store.h"
+#include "reading/Values.h"
+#include "verbs/EventLines.h"
+#include "verbs/Verbs.h"
+
+#include <utility>
+
+namespace {
+
+constexpr int firstFew = 3;  // parameters of an execution, where no columns are picked
+
+class Show {
+ public:
+  Show(const Store& store, Run run, const ShowOptions& options)
+      : store(store),
+        run(std::move(run)),
+        options(options),
+        execution(store, executionQuestion + std::string("WHERE e.execution_id = ?1")),
+        children(store, "SELECT execution_id FROM executions WHERE parent_id = ?1 ORDER BY execution_id"),
+        parameters(store,
+                   "SELECT p.position, p.name, p.kind, p.value_text, p.value_number FROM events v "
+                   "JOIN parameters p ON p.event_id = v.event_id WHERE v.execution_id = ?1 "
+                   "ORDER BY v.event_id, p.position LIMIT ?2"),
+        picked(store,
+               "SELECT p.position, p.name, p.kind, p.value_text, p.value_number FROM events v "
+               "JOIN parameters p ON p.event_id = v.event_id WHERE v.execution_id = ?1 AND p.name = ?2 "
+               "ORDER BY v.event_id DESC, p.position DESC LIMIT 1") {}
+
+  void InWords() {
+    WriteHead();
+    WriteOut("\n");
+    WriteTable();
+    if (options.events) {
+      WriteOut("\n");
+      EventLines lines;
+      for (EventRows events = EventsOfRun(store, run.root); events.Next();) {
+        lines.Write(events);
+      }
+    }
+  }
+
+  void AsJson() {
+    const Execution root = Find(run.root);
+    WriteData('{' + JsonMembers(root) + ",\"unfinished\":" + (IsUnfinished(store, run) ? "true" : "false") +
+              ",\"executions\":[");
+    const char* separator = "\n";
+    ForEachExecution([&](const Execution& one, int depth) {
+      WriteData(separator + ('{' + JsonMembers(one)) + ",\"depth\":" + std::to_string(depth) +
+                ",\"parameters\":" + JsonParameters(one) + '}');
+      separator = ",\n";
+    });
+    WriteData("]");
+    if (options.events) {
+      WriteData(",\"events\":[");
+      separator = "\n";
+      for (EventRows events = EventsOfRun(store, run.root); events.Next(); separator = ",\n") {
+        WriteData(separator + EventAsJson(events));
+      }
+      WriteData("]");
+    }
+    WriteData("}\n");
+  }
+
+ private:
+  Execution Find(long long key) {
+    execution.Ask(key).Next();
+    return ExecutionAt(execution);
+  }
+
+  std::vector<long long> ChildrenOf(long long key) {
+    std::vector<long long> keys;
+    for (children.Ask(key); children.Next();) {
+      keys.push_back(children.Integer(0));
+    }
+    return keys;
+  }
+
+  /// The children of the run, or with the tree the run and everything below it, each before what belongs to it.
+  template <typename Visitor>
+  void ForEachExecution(const Visitor& visit) {
+    std::vector<std::pair<long long, int>> left{{run.root, 0}};
+    while (!left.empty()) {
+      const auto [key, depth] = left.back();
+      left.pop_back();
+      if (depth > 0 || options.tree) {
+        visit(Find(key), depth);
+      }
+      if (depth == 0 || options.tree) {
+        const std::vector<long long> below = ChildrenOf(key);
+        for (auto child = below.rbegin(); child != below.rend(); ++child) {
+          left.emplace_back(*child, depth + 1);
+        }
+      }
+    }
+  }
+
+  void WriteHead() {
+    const Execution root = Find(run.root);
+    const Terminal terminal;
+    const auto line = [&](const std::string& name, const std::string& text) {
+      WriteOut(text.empty() ? "" : Cut(name + std::string(13 - name.size(), ' ') + text, terminal.width) + '\n');
+    };
+    const bool unfinished = IsUnfinished(store, run);
+    if (unfinished) {
+      const std::string words =
+          Cut(std::string(unfinishedInWords) + "; last recorded " + LocalTime(LastRecorded(store, run), true),
+              terminal.width);
+      WriteOut(terminal.colours ? "\x1b[1;31m" + words + "\x1b[0m\n" : words + '\n');
+    }
+    line("run", Printable(root.guid));
+    line("node", Printable(root.node));
+    line("description", Printable(root.description));
+    line("activity", ActivityInWords(root));
+    line("instrument", Printable(root.instrument + (root.host == root.instrument ? "" : " on " + root.host)));
+    line("started", LocalTime(root.startedAt, true));
+    line("state",
+         unfinished && !IsRunning(root) ? StateInWords(root) + ", but not everything below it" : StateInWords(root));
+    line("duration", DurationInWords(root, true));
+  }
+
+  void WriteTable() {
+    std::vector<TextTable::Column> columns{
+        {"execution", false, true}, {"activity", false, true}, {"state"}, {"started"}, {"duration", true}};
+    for (const std::string& name : options.columns) {
+      columns.push_back({Printable(name), true});
+    }
+    if (options.columns.empty()) {
+      columns.push_back({"parameters", false, true});
+    }
+    TextTable table(columns);
+    ForEachExecution([&](const Execution& one, int depth) {
+      const std::string indent(options.tree ? 2 * static_cast<std::size_t>(depth) : 0, ' ');
+      std::vector<TextTable::Cell> row{{indent + Printable(one.node)},
+                                       {ActivityInWords(one)},
+                                       {StateInWords(one), IsRunning(one)},
+                                       {LocalTime(one.startedAt, false)},
+                                       {DurationInWords(one, true)}};
+      for (const std::string& name : options.columns) {
+        row.push_back({Pick(one, name) ? Printable(ValueInWords(picked)) : ""});
+      }
+      if (options.columns.empty()) {
+        row.push_back({FirstFew(one)});
+      }
+      table.Add(std::move(row));
+    });
+    table.Write();
+  }
+
+  /// Goes to what was recorded last under a name.
+  bool Pick(const Execution& one, const std::string& name) {
+    return picked.Ask(one.key, Quor::TolvaServices::Local::ToStoredText(name)).Next();
+  }
+
+  std::string FirstFew(const Execution& one) {
+    std::string words;
+    int shown = 0;
+    for (parameters.Ask(one.key, static_cast<long long>(firstFew + 1)); parameters.Next(); ++shown) {
+      words += shown == firstFew ? "  \u2026" : (shown > 0 ? "  " : "") + ParameterInWords(parameters);
+    }
+    return words;
+  }
+
+  std::string JsonParameters(const Execution& one) {
+    std::string json = "{";
+    for (const std::string& name : options.columns) {
+      json += json.size() > 1 ? "," : "";
+      AppendText(json, name);
+      json += ':';
+      if (Pick(one, name)) {
+        AppendParameterValue(json, picked);
+      } else {
+        json += "null";
+      }
+    }
+    return json + '}';
+  }
+
+  const Store& store;
+  const Run run;
+  const ShowOptions& options;
+  Rows execution, children, parameters, picked;
+};
+
+}  // namespace
+
+ExitCode ShowRun(const Quor::TolvaServices::Local::Database& database, const std::string& name,
+                 const ShowOptions& options) {
+  const Store store(database);
+  const std::optional<Run> run = TheRunNamed(store, name);
+  if (!run) {
+    return Found;
+  }
+  Show show(store, *run, options);
+  options.json ? show.AsJson() : show.InWords();
+  FlushOut();
+  store.ExpectUntouched();
+  return Done;
+}

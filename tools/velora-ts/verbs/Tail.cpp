@@ -1,0 +1,108 @@
+#include "output/Output.h"
+#include "reading/EventRows.h"
+#include "reading/Executions.h"
+#include "reading/Rows.h"
+#include "reading/Runs.h"
+#include "reading/Store.h"
+#include "verbs/EventLines.h"
+#include "verbs/Verbs.h"
+
+#include <TSAL/Error.h>
+
+#include <chrono>
+#include <filesystem>
+#include <iostream>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+using Quor::TolvaServices::TsError;
+using Quor::TolvaServices::Local::Database;
+
+namespace {
+
+constexpr std::chrono::milliseconds betweenLooks(200);
+
+long long NewestEvent(const Store& store) {
+  Rows rows(store, "SELECT MAX(event_id) FROM events");
+  rows.Next();
+  return rows.Integer(0);
+}
+
+// What is below a run is only asked for when its topmost execution has ended.
+bool IsFinished(const Store& store, const Run& run) {
+  Rows rows(store, (executionQuestion + std::string("WHERE e.execution_id = ?1")).c_str());
+  if (!rows.Ask(run.root).Next()) {
+    return true;
+  }
+  const Execution root = ExecutionAt(rows);
+  return root.status && !IsRunning(root) && !IsUnfinished(store, run);
+}
+
+// A host may be about to make the store.
+std::vector<Run> NewestRun(const Database& database, bool waiting) {
+  try {
+    return RunsNamed(Store(database), "last");
+  } catch (const TsError&) {
+    std::error_code unknown;
+    if (waiting || (database.kind == Database::Kind::Sqlite && !std::filesystem::exists(database.where, unknown))) {
+      return {};
+    }
+    throw;
+  }
+}
+
+/// The run to follow; with no name the newest, and where there is none yet, the first.
+std::optional<Run> RunToFollow(const Database& database, const std::string& name) {
+  if (!name.empty()) {
+    return TheRunNamed(Store(database), name);
+  }
+  std::vector<Run> runs = NewestRun(database, false);
+  if (runs.empty()) {
+    std::cerr << "waiting for a run" << std::endl;
+  }
+  while (runs.empty()) {
+    std::this_thread::sleep_for(betweenLooks);
+    runs = NewestRun(database, true);
+  }
+  return runs.front();
+}
+
+/// Writes what a run has; then, at each look, what has come since the one before.
+class Follower {
+ public:
+  explicit Follower(Run run) : run(std::move(run)) {}
+
+  /// @return whether the run is finished.
+  bool Look(const Store& store) {
+    EventRows events = first ? EventsOfRun(store, run.root) : EventsOfRunSince(store, run.root, newest);
+    while (events.Next()) {
+      lines.Write(events);
+    }
+    FlushOut();
+    first = false;
+    newest = NewestEvent(store);
+    return IsFinished(store, run);
+  }
+
+ private:
+  const Run run;
+  bool first = true;
+  long long newest = 0;
+  EventLines lines;
+};
+
+}  // namespace
+
+ExitCode Tail(const Database& database, const std::string& name) {
+  const std::optional<Run> run = RunToFollow(database, name);
+  if (!run) {
+    return Found;
+  }
+  std::cerr << "following " << InWords(*run) << std::endl;
+  Follower follower(*run);
+  while (!follower.Look(Store(database))) {
+    std::this_thread::sleep_for(betweenLooks);
+  }
+  return Done;
+}

@@ -1,0 +1,130 @@
+#include "output/Progress.h"
+#include "reading/Rows.h"
+#include "reading/Runs.h"
+#include "reading/Store.h"
+#include "records/Anchor.h"
+#include "records/Seals.h"
+#include "records/Sha256.h"
+#include "soundness/Soundness.h"
+#include "verbs/Verbs.h"
+
+#include <algorithm>
+#include <iostream>
+#include <numeric>
+
+namespace {
+
+class Verifier {
+ public:
+  Verifier(const Store& store, const std::vector<Seal>& seals)
+      : store(store), seals(seals), progress("Hashing records", TotalOf(seals)) {}
+
+  void Report(const std::vector<std::string>& lines) {
+    for (const std::string& line : lines) {
+      std::cout << "finding: " << line << '\n';
+      ++findings;
+    }
+  }
+
+  /// Computes again what each seal covers.
+  void CompareContents() {
+    Sealed sealed;
+    for (const Seal& seal : seals) {
+      const Numbers upTo = FromText(seal.upTo).value_or(none);
+      const auto since = sealed.emplace(seal.run, none).first;
+      Compare(seal, since->second, upTo);
+      since->second = upTo;
+    }
+  }
+
+  void FindWhatIsNotSealed() {
+    const Sealed sealed = SealedUpTo(seals);
+    if (HasMoreOfNoRun(store, sealed)) {
+      NotSealed("what belongs to no run");
+    }
+    for (const Run& run : AllRuns(store)) {
+      if (HasMore(store, run, sealed)) {
+        NotSealed(InWords(run) + (IsUnfinished(store, run) ? ", which is not finished" : ""));
+      }
+    }
+  }
+
+  ExitCode Finish() const {
+    std::cout << seals.size() << " seals verified: " << findings << " findings, " << notSealed << " not sealed\n";
+    return findings > 0 ? Found : notSealed > 0 ? Unsealed : Done;
+  }
+
+ private:
+  static long long TotalOf(const std::vector<Seal>& seals) {
+    return std::accumulate(seals.begin(), seals.end(), 0LL, [](long long sum, const Seal& seal) {
+      const Numbers counts = FromText(seal.counts).value_or(Numbers{});
+      return sum + std::accumulate(counts.begin(), counts.begin() + Parameters, 0LL);
+    });
+  }
+
+  void Compare(const Seal& seal, const Numbers& since, const Numbers& upTo) {
+    Sha256 sha;
+    Records records(store, upTo, [&](std::string_view line) {
+      sha.Add(line);
+      progress.Add(1);
+    });
+    std::string words = "what belongs to no run";
+    if (seal.run.empty()) {
+      records.WriteRest(since);
+    } else {
+      const std::vector<Run> runs = RunsNamed(store, seal.run);
+      const auto run = std::find_if(runs.begin(), runs.end(), [&](const Run& found) { return found.guid == seal.run; });
+      if (run == runs.end()) {
+        Report({"run " + seal.run + " is missing"});
+        return;
+      }
+      records.WriteRun(run->root, since);
+      words = InWords(*run);
+    }
+    if (sha.Finish() != seal.contentHash) {
+      Report({words + " was altered: seal " + std::to_string(seal.number) + Difference(seal, records.Counts())});
+    }
+  }
+
+  static std::string Difference(const Seal& seal, const Numbers& counts) {
+    const Numbers covered = FromText(seal.counts).value_or(counts);
+    for (std::size_t kind = 0; kind < counts.size(); ++kind) {
+      if (counts[kind] != covered[kind]) {
+        return " covers " + std::to_string(covered[kind]) + " records '" + kindNames[kind] + "', " +
+               std::to_string(counts[kind]) + " are there";
+      }
+    }
+    return " covers as many records, but others";
+  }
+
+  void NotSealed(const std::string& what) {
+    std::cout << "not sealed: " << what << '\n';
+    ++notSealed;
+  }
+
+  const Store& store;
+  const std::vector<Seal>& seals;
+  Progress progress;
+  int findings = 0;
+  int notSealed = 0;
+};
+
+}  // namespace
+
+ExitCode Verify(const Quor::TolvaServices::Local::Database& database, const std::string& anchorFile) {
+  const Store store(database);
+  const std::vector<Seal> seals = ReadSeals(store);
+  Verifier verifier(store, seals);
+  verifier.Report(SchemaFindings(store));
+  verifier.Report(DamageFindings(store));
+  verifier.Report(ChainFindings(seals));
+  if (!anchorFile.empty()) {
+    if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), seals); !finding.empty()) {
+      verifier.Report({finding});
+    }
+  }
+  verifier.CompareContents();
+  verifier.FindWhatIsNotSealed();
+  store.ExpectUntouched();
+  return verifier.Finish();
+}
