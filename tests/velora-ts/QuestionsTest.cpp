@@ -1,10 +1,10 @@
 // Every question that a verb asks is answered by an index, as the database itself plans it.
 
-#include "verbs/EventLines.h"
+#include "ToolTest.h"
 #include "reading/EventRows.h"
 #include "reading/Listener.h"
 #include "reading/Store.h"
-#include "ToolTest.h"
+#include "verbs/EventLines.h"
 #include "verbs/Verbs.h"
 
 #include <functional>

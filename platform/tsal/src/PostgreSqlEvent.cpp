@@ -1,43 +1,13 @@
 #include "PostgreSqlEvent.h"
 
+#include "Json.h"
 #include "Statement.h"
 #include "StoredParameter.h"
 #include "StoredText.h"
 #include "StoredTime.h"
 
-#include <array>
-#include <charconv>
-#include <cmath>
-#include <cstdio>
-
 namespace Quor::TolvaServices::Local {
 namespace {
-
-void AppendText(std::string& json, const std::string& text) {
-  json += '"';
-  for (const char character : text) {
-    if (character == '"' || character == '\\') {
-      json += '\\';
-      json += character;
-    } else if (static_cast<unsigned char>(character) < ' ') {
-      std::array<char, 7> escaped{};
-      static_cast<void>(std::snprintf(escaped.data(), escaped.size(), "\\u%04x", static_cast<unsigned>(character)));
-      json += escaped.data();
-    } else {
-      json += character;
-    }
-  }
-  json += '"';
-}
-
-void AppendNumber(std::string& json, double number) {
-  if (std::isinf(number)) {
-    json += number < 0 ? R"("-infinity")" : R"("infinity")";
-    return;
-  }
-  std::array<char, 32> digits{};
-  json.append(digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr);
-}
 
 std::string ParametersAsJson(const Types::InstrumentEvent& event) {
   std::string json = "[";
@@ -53,7 +23,7 @@ std::string ParametersAsJson(const Types::InstrumentEvent& event) {
     }
     if (parameter.number) {
       json += ",\"value_number\":";
-      AppendNumber(json, *parameter.number);
+      AppendServerNumber(json, *parameter.number);
     }
     json += '}';
   }

@@ -86,8 +86,8 @@ class ServerWriter : public RowWriter {
     for (std::size_t at = 0; at < columns.size(); ++at) {
       const int column = static_cast<int>(at);
       json += (at == 0 ? "\"" : ",\"") + columns[at].name + "\":";
-      if (columns[at].type == StoredColumn::Type::Number && !rows.IsNull(column) && std::isinf(rows.Number(column))) {
-        json += rows.Number(column) < 0 ? R"("-infinity")" : R"("infinity")";
+      if (columns[at].type == StoredColumn::Type::Number && std::isinf(rows.Number(column))) {
+        AppendServerNumber(json, rows.Number(column));
       } else {
         rows.AppendValue(json, column);
       }

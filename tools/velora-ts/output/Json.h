@@ -1,16 +1,16 @@
 #pragma once
 
+#include <Json.h>
+
 #include <string>
 #include <string_view>
 
-// The JSON of docs/record-format.md: one way to write each value, so that equal records are equal bytes, and different
-// values never look the same.
+// The JSON of docs/record-format.md.
 
-/// A text. A byte that is no part of a character, which only another program can have stored, becomes "\udcXX".
-void AppendText(std::string& json, std::string_view text);
-/// The shortest number that reads back the same; whole ones below 2^53 without an exponent, infinity as 1e999.
-void AppendNumber(std::string& json, double number);
+using Quor::TolvaServices::Local::AppendHex;
+using Quor::TolvaServices::Local::AppendNumber;
+using Quor::TolvaServices::Local::AppendServerNumber;
+using Quor::TolvaServices::Local::AppendText;
+
 /// What the store should not hold at all: {"blob":"..."}, in hexadecimal digits.
 void AppendBlob(std::string& json, std::string_view bytes);
-/// Two hexadecimal digits, in lower case.
-void AppendHex(std::string& json, char byte);

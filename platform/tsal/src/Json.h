@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Quor::TolvaServices::Local {
+
+// One way to write each value as JSON, so that equal values are equal bytes, and different ones never look the same.
+
+/// A text. A byte that is no part of a character, which only another program can have stored, becomes "\udcXX".
+void AppendText(std::string& json, std::string_view text);
+/// The shortest number that reads back the same; whole ones below 2^53 without an exponent, infinity as 1e999.
+void AppendNumber(std::string& json, double number);
+/// The same for a PostgreSQL server to take as a double precision: infinity in its own words.
+void AppendServerNumber(std::string& json, double number);
+/// Two hexadecimal digits, in lower case.
+void AppendHex(std::string& json, char byte);
+
+}  // namespace Quor::TolvaServices::Local
