@@ -27,10 +27,11 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/veloratslogging.pc DESTINATION ${CMAKE
 add_custom_target(uninstall
   ${CMAKE_COMMAND} -D manifest=${CMAKE_BINARY_DIR}/install_manifest.txt -P ${CMAKE_CURRENT_LIST_DIR}/Uninstall.cmake)
 
-# What a Windows computer needs beside: the compiler's run-time libraries, the licences, and settings to begin with.
+# What a Windows computer needs beside: the compiler's run-time libraries, PostgreSQL's client, the licences, and
+# settings to begin with.
 if(MINGW)
   install(DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/ DESTINATION ${CMAKE_INSTALL_BINDIR}
-    FILES_MATCHING PATTERN "lib*-*.dll")
+    FILES_MATCHING PATTERN "lib*.dll")
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/build/windows-dependencies/licences DESTINATION .)
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples/record-tilt-series/settings DESTINATION .)
   install(FILES THIRD-PARTY.md README.md docs/windows.md DESTINATION .)

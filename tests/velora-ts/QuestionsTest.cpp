@@ -74,7 +74,7 @@ class Questions : public ToolTest {
     }
     const TestStore store(folder / "ts.db");
     store.Make();
-    const Database server{Database::Kind::PostgreSql, "dbname=" + store.Name()};
+    const Database server{Database::Kind::PostgreSql, store.Connection()};
     testing::internal::CaptureStdout();
     EXPECT_EQ(CopyStore(file, server), Done);
     testing::internal::GetCapturedStdout();
