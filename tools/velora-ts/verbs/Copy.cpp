@@ -27,19 +27,35 @@ constexpr long long keysInAMonth = 10'000'000'000;  // docs/postgresql.md
 constexpr long long firstMonth = 200001;
 
 /// Everything of a store up to some numbers, in its canonical form.
-std::string HashOf(const Store& store, const Numbers& upTo, Progress& progress) {
+struct Content {
+  Numbers counts{};
+  std::string hash;
+
+  bool operator==(const Content&) const = default;
+};
+
+Content ContentOf(const Store& store, const Numbers& upTo, Progress& progress) {
+  Content content;
   Sha256 sha;
   Records records(store, upTo, [&](std::string_view line) {
     sha.Add(line);
     progress.Add(1);
   });
+  const auto count = [&] {
+    for (std::size_t kind = 0; kind < content.counts.size(); ++kind) {
+      content.counts[kind] += records.Counts()[kind];
+    }
+  };
   records.WriteRest();
+  count();
   for (const Run& run : AllRuns(store)) {
     if (run.root <= upTo[Executions]) {
       records.WriteRun(run.root);
+      count();
     }
   }
-  return sha.Finish();
+  content.hash = sha.Finish();
+  return content;
 }
 
 /// The last row that a store has of a table up to a key, and how many there are; empty for none.
@@ -220,16 +236,17 @@ ExitCode CopyStore(const Local::Database& source, const Local::Database& target)
   const Store copy(target);
   const Numbers upTo = HighestNumbers(from);
   Progress progress("Comparing records", 0);
-  const std::string hash = HashOf(from, upTo, progress);
+  const Content content = ContentOf(from, upTo, progress);
   const std::vector<Seal> seals = ReadSeals(from);
-  const bool equal = HashOf(copy, upTo, progress) == hash && HighestNumbers(copy) == upTo &&
+  const bool equal = ContentOf(copy, upTo, progress) == content && HighestNumbers(copy) == upTo &&
                      ReadSeals(copy).size() == seals.size() && ChainFindings(ReadSeals(copy)) == ChainFindings(seals);
   from.ExpectUntouched();
   if (!equal) {
     std::cout << "finding: '" << copy.Name() << "' is no copy of '" << from.Name() << "': its records are others\n";
     return Found;
   }
-  std::cout << "store '" << from.Name() << "' copied to '" << copy.Name() << "' and compared: " << upTo[Executions]
-            << " executions at most, hash " << hash << '\n';
+  std::cout << "store '" << from.Name() << "' copied to '" << copy.Name()
+            << "' and compared: " << content.counts[Executions] << " executions, " << content.counts[Events]
+            << " events, " << content.counts[Parameters] << " parameters, hash " << content.hash << '\n';
   return Done;
 }
