@@ -1,13 +1,15 @@
 #include "LookCommands.h"
 
+#include "output/Times.h"
+
 #include <CLI/CLI.hpp>
 
 #include <regex>
 
 std::string TimeOf(const std::string& text) {
-  static const std::regex form(R"((\d{4}-\d{2}-\d{2}(T\d{2}(:\d{2}(:\d{2}(\.\d{1,6})?)?)?)?)Z?)");
+  static const std::regex form(R"((\d{4}-\d\d-\d\d(T([01]\d|2[0-3])(:[0-5]\d(:[0-5]\d(\.\d{1,6})?)?)?)?)Z?)");
   std::smatch parts;
-  if (!std::regex_match(text, parts, form)) {
+  if (!std::regex_match(text, parts, form) || !Microseconds(parts[1].str())) {
     throw CLI::ValidationError("time '" + text + "'", "expected UTC as 2026-11-24 or 2026-11-24T21:55:03");
   }
   return parts[1];
@@ -47,7 +49,8 @@ void LookCommands::AddShow(CLI::App& verb) {
   verb.add_option("--columns", options.columns,
                   "Parameters to show of each execution, separated by commas; of several values the last. Default: "
                   "its first three parameters")
-      ->delimiter(',');
+      ->delimiter(',')
+      ->allow_extra_args(false);
   verb.add_flag("--json", options.json, "As a JSON object; times in UTC");
   verb.callback([this] { result = ShowRun(database(), run, options); });
 }

@@ -1,4 +1,3 @@
-#include "StoredText.h"
 #include "exporting/Selection.h"
 #include "output/Output.h"
 #include "reading/EventRows.h"
@@ -28,21 +27,17 @@ bool IsNumber(std::string_view text) {
 
 // What a spreadsheet program would take for a formula has an apostrophe before it, and so that this one can be taken
 // off again, what begins with one.
-std::string TextCell(std::string_view text) {
-  using Quor::TolvaServices::Local::SequenceLength;
+std::string TextCell(const std::string& text) {
   std::string cell = "\"";
   if (!text.empty() && std::string_view("=+-@\t\r\n'").find(text.front()) != std::string_view::npos &&
       !IsNumber(text)) {
     cell += '\'';
   }
-  bool plain = !text.empty() && text.front() != ' ' && text.back() != ' ';
-  while (!text.empty()) {
-    const std::size_t length = text.front() == '\0' ? 0 : SequenceLength(text);
-    plain = plain && std::string_view(",\"\r\n").find(text.front()) == std::string_view::npos;
-    cell += text.front() == '"' ? "\"" : "";
-    cell += length > 0 ? text.substr(0, length) : "\xEF\xBF\xBD";
-    text.remove_prefix(length > 0 ? length : 1);
+  for (const char character : text) {
+    cell += character == '"' ? "\"\"" : std::string(1, character);
   }
+  const bool plain = !text.empty() && text.front() != ' ' && text.back() != ' ' &&
+                     text.find_first_of(",;\"\t\r\n") == std::string::npos;
   return plain ? cell.substr(1) : cell + '"';
 }
 
@@ -67,7 +62,7 @@ class Csv {
     ForEachEvent([&](EventRows& events) {
       ForEachParameter(events, [&](const std::pair<std::string, int>& place) {
         if (places.emplace(place, places.size()).second) {
-          header += ',' + TextCell(UniqueName(taken, place.first, place.second));
+          header += ',' + TextCell(UniqueName(taken, Readable(place.first), place.second));
         }
       });
     });
@@ -80,7 +75,7 @@ class Csv {
       const Rows& event = events.Event();
       std::string line = std::to_string(event.Integer(0));
       for (int column = 1; column < event.Columns(); ++column) {
-        line += ',' + (event.IsNull(column) ? "" : TextCell(event.Text(column)));
+        line += ',' + (event.IsNull(column) ? "" : TextCell(Readable(event.Text(column))));
       }
       std::vector<std::string> cells(places.size());
       ForEachParameter(events, [&](const std::pair<std::string, int>& place) {

@@ -79,7 +79,8 @@ class Trace {
 
   void WriteRun(const Run& run) {
     ++process;
-    Add("\"ph\":\"M\",\"name\":\"process_name\",", ForExecutions, 0, "\"name\":" + Quoted(run.node + ' ' + run.guid));
+    Add("\"ph\":\"M\",\"name\":\"process_name\",", ForExecutions, 0,
+        "\"name\":" + Quoted(Readable(run.node) + ' ' + run.guid));
     std::string last;  // when anything of the run was recorded last
     for (executions.Ask(run.root); executions.Next();) {
       const Execution one = ExecutionAt(executions);
@@ -87,7 +88,7 @@ class Trace {
       if (!finished && last.empty()) {
         last = LastRecorded(store, run);
       }
-      const std::string name = Quoted(finished ? one.node : one.node + " (" + StateInWords(one) + ')');
+      const std::string name = Quoted(Readable(one.node) + (finished ? "" : " (" + StateInWords(one) + ')'));
       const std::string members =
           ",\"cat\":\"execution\",\"id\":\"" + std::to_string(one.key) + "\",\"name\":" + name + ',';
       const long long begin = Since(one.startedAt);
@@ -100,12 +101,16 @@ class Trace {
   void WriteEvents(EventRows& rows, const std::string& node) {
     while (rows.Next()) {
       std::set<std::string> taken{"node"};
-      std::string args = "\"node\":" + Quoted(node);
+      std::string args = "\"node\":" + Quoted(Readable(node));
       while (rows.NextParameter()) {
-        args += ',' + Quoted(UniqueName(taken, std::string(rows.Parameter().Text(1)))) + ':';
-        AppendParameterValue(args, rows.Parameter());
+        args += ',' + Quoted(UniqueName(taken, Readable(rows.Parameter().Text(1)))) + ':';
+        if (IsText(rows.Parameter())) {
+          args += Quoted(ValueInWords(rows.Parameter()));
+        } else {
+          AppendParameterValue(args, rows.Parameter());
+        }
       }
-      Add("\"ph\":\"i\",\"s\":\"t\",\"cat\":\"event\",\"name\":" + Quoted(std::string(rows.Event().Text(2))) + ',',
+      Add("\"ph\":\"i\",\"s\":\"t\",\"cat\":\"event\",\"name\":" + Quoted(Readable(rows.Event().Text(2))) + ',',
           ForEvents, Since(std::string(rows.Event().Text(1))), args);
     }
   }

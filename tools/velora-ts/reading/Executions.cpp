@@ -1,9 +1,9 @@
 #include "reading/Executions.h"
 
 #include "output/Json.h"
-#include "output/Terminal.h"
 #include "output/Times.h"
 #include "reading/Rows.h"
+#include "reading/Values.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ std::string StateInWords(const Execution& execution) {
 }
 
 std::string ActivityInWords(const Execution& execution) {
-  return Printable(execution.version.empty() ? execution.activity : execution.activity + ' ' + execution.version);
+  return Shown(execution.activity) + (execution.version.empty() ? "" : ' ' + Shown(execution.version));
 }
 
 std::optional<double> SecondsOf(const Execution& execution) {

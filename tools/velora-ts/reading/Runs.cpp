@@ -5,6 +5,7 @@
 #include "output/Terminal.h"
 #include "reading/Rows.h"
 #include "reading/Store.h"
+#include "reading/Values.h"
 
 #include <algorithm>
 #include <cctype>
@@ -37,7 +38,7 @@ std::vector<Run> RunsWithGuid(const Store& store, const std::string& beginning) 
 
 std::string InWords(const Run& run) {
   std::string words = "run " + run.guid + ' ';
-  AppendText(words, run.node);  // on one line, whatever is in it
+  AppendText(words, Readable(run.node));  // on one line, whatever is in it
   return Printable(words + " of " + run.startedAt);
 }
 

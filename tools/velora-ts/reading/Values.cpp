@@ -1,5 +1,6 @@
 #include "reading/Values.h"
 
+#include "StoredText.h"
 #include "output/Json.h"
 #include "output/Terminal.h"
 
@@ -8,6 +9,20 @@ namespace {
 enum Column { Position, Name, Kind, Text, Number };
 
 }  // namespace
+
+std::string Readable(std::string_view stored) {
+  using namespace Quor::TolvaServices::Local;
+  const std::string given = FromStoredText(stored);
+  std::string readable;
+  for (std::string_view rest = given; !rest.empty();) {
+    const std::size_t length = rest.front() == '\0' ? 0 : SequenceLength(rest);
+    readable += length > 0 ? rest.substr(0, length) : "\xEF\xBF\xBD";
+    rest.remove_prefix(length > 0 ? length : 1);
+  }
+  return readable;
+}
+
+std::string Shown(std::string_view stored) { return Printable(Readable(stored)); }
 
 void AppendParameterValue(std::string& json, const Rows& parameters) {
   const bool hasText = !parameters.IsNull(Text);
@@ -33,9 +48,11 @@ bool IsText(const Rows& parameters) {
 }
 
 std::string ValueInWords(const Rows& parameters) {
+  if (IsText(parameters)) {
+    return Readable(parameters.Text(Text));
+  }
   if (!parameters.IsNull(Text)) {
-    const std::string text(parameters.Text(Text));
-    return !IsText(parameters) && text != "-0.0" ? "NaN" : text;
+    return parameters.Text(Text) == "-0.0" ? "-0.0" : "NaN";
   }
   std::string value;
   AppendParameterValue(value, parameters);
@@ -43,7 +60,7 @@ std::string ValueInWords(const Rows& parameters) {
 }
 
 std::string ParameterInWords(const Rows& parameters) {
-  return Printable(parameters.Text(Name)) + '=' + Printable(ValueInWords(parameters));
+  return Shown(parameters.Text(Name)) + '=' + Printable(ValueInWords(parameters));
 }
 
 std::string UniqueName(std::set<std::string>& taken, const std::string& name, int occurrence) {

@@ -4,13 +4,19 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 
 // The parameters of events, and how their values are shown.
+
+/// A text as it was given to be recorded; U+FFFD for a byte that is no part of a character, and for a zero.
+std::string Readable(std::string_view stored);
+/// The same, printable.
+std::string Shown(std::string_view stored);
 
 /// Appends the value of the parameter where rows of position, name, kind, and value as text and as number stand as
 /// JSON: docs/record-format.md.
 void AppendParameterValue(std::string& json, const Rows& parameters);
-/// The same as one reads it: a text as it is, NaN by that name.
+/// The same as one reads it: a readable text, NaN by that name.
 std::string ValueInWords(const Rows& parameters);
 /// Whether it is a text to whoever recorded it, not a number that is kept as one.
 bool IsText(const Rows& parameters);

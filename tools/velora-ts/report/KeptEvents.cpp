@@ -82,7 +82,7 @@ void KeptEvents::Choose(const Store& store, long long root) {
     }
   }
   for (auto& [name, kind] : binned) {
-    kept.push_back(kind.newest);
+    KeepNewest(kind);
     for (const auto& [parameter, slices] : kind.extremes) {
       for (const auto& [slice, extremes] : slices) {
         kept.push_back(extremes.lowestEvent);
@@ -96,11 +96,11 @@ void KeptEvents::Choose(const Store& store, long long root) {
 }
 
 void KeptEvents::Consider(Kind& kind, const Event& event) {
-  if (kind.newest != 0 && kind.execution != event.execution) {
-    kept.push_back(kind.newest);
+  if (kind.execution != event.execution) {
+    KeepNewest(kind);
   }
   kind.execution = event.execution;
-  kind.newest = event.number;
+  kind.newest[""] = event.number;
   const long long at = event.at.value_or(first);
   const std::size_t slice = SliceOf(at);
   ++kind.inSlice[slice];
@@ -118,10 +118,18 @@ void KeptEvents::Consider(Kind& kind, const Event& event) {
   std::map<std::string_view, int> seen;
   for (const Reading& reading : event.readings) {
     const int occurrence = ++seen[reading.name];
+    kind.newest[reading.name] = event.number;
     if (reading.number) {
       consider({reading.name, occurrence}, *reading.number);
     }
   }
+}
+
+void KeptEvents::KeepNewest(Kind& kind) {
+  for (const auto& [parameter, event] : kind.newest) {
+    kept.push_back(event);
+  }
+  kind.newest.clear();
 }
 
 std::size_t KeptEvents::SliceOf(long long at) const {

@@ -8,8 +8,8 @@
 #include <vector>
 
 /// Which events of a run a page holds: all of them, but of a kind that has more than a plot can draw those that have
-/// the lowest or the highest value of any parameter within one of the slices of the run's time, and the last one of
-/// each execution.
+/// the lowest or the highest value of any parameter within one of the slices of the run's time, and the newest with
+/// each parameter of each execution.
 class KeptEvents {
  public:
   static constexpr long long mostPoints = 200000;
@@ -32,14 +32,16 @@ class KeptEvents {
   struct Kind {
     long long recorded = 0;
     std::array<long long, sliceCount> inSlice{};
-    long long execution = 0, newest = 0;  // the execution that is being read, and its newest event of this kind
     /// By the parameter's name and which one of that name it is; the event's time is one, too.
     std::map<std::pair<std::string, int>, std::map<std::size_t, Extremes>> extremes;
+    long long execution = 0;                  // that is being read,
+    std::map<std::string, long long> newest;  // and its newest event with each parameter
   };
 
   void Count(const Store& store, long long root);
   void Choose(const Store& store, long long root);
   void Consider(Kind& kind, const Event& event);
+  void KeepNewest(Kind& kind);
   std::size_t SliceOf(long long at) const;
 
   long long recorded = 0;

@@ -40,8 +40,8 @@ EventRows EventsOfRunSince(const Store& store, long long root, long long number)
 void EventLines::Write(EventRows& events) {
   const Rows& event = events.Event();
   std::string line = LocalTime(event.Text(At), true) + "  ";
-  line += Aligned(Printable(event.Text(Node)), nodeWidth);
-  line += Aligned(Printable(event.Text(Name)), nameWidth);
+  line += Aligned(Shown(event.Text(Node)), nodeWidth);
+  line += Aligned(Shown(event.Text(Name)), nameWidth);
   while (events.NextParameter()) {
     line += ParameterInWords(events.Parameter()) + "  ";
   }

@@ -22,17 +22,22 @@ namespace {
 /// The file of a page: complete under its name, or not there at all.
 class PageFile {
  public:
-  explicit PageFile(const std::string& path) : path(path) {
+  explicit PageFile(const std::string& path) : path(path), target(TargetOf(path)) {
     std::error_code unknown;
-    const bool special = std::filesystem::exists(path, unknown) && !std::filesystem::is_regular_file(path, unknown);
-    fresh = special ? path : path + ".new";
-    stream.reset(std::fopen(fresh.c_str(), "w"));
+    if (std::filesystem::exists(path, unknown) && !std::filesystem::is_regular_file(path, unknown)) {
+      fresh = target;
+      stream.reset(std::fopen(fresh.c_str(), "w"));
+    }
+    for (int number = 1; !stream && (number == 1 || errno == EEXIST); ++number) {
+      fresh = target + '.' + std::to_string(number) + ".new";
+      stream.reset(std::fopen(fresh.c_str(), "wx"));
+    }
     Expect(stream != nullptr);
   }
   PageFile(const PageFile&) = delete;
   PageFile& operator=(const PageFile&) = delete;
   ~PageFile() {
-    if (stream && fresh != path) {
+    if (stream && fresh != target) {
       static_cast<void>(std::remove(fresh.c_str()));
     }
   }
@@ -43,12 +48,18 @@ class PageFile {
   }
   void Finish() {
     Expect(std::fflush(stream.get()) == 0);
-    Expect(fresh == path || std::rename(fresh.c_str(), path.c_str()) == 0);
+    Expect(fresh == target || std::rename(fresh.c_str(), target.c_str()) == 0);
     stream.reset();
   }
   std::size_t Bytes() const { return bytes; }
 
  private:
+  /// What a link leads to, so that it stays one.
+  static std::string TargetOf(const std::string& path) {
+    std::error_code unknown;
+    const std::filesystem::path target = std::filesystem::canonical(path, unknown);
+    return unknown ? path : target.string();
+  }
   void Expect(bool good) const {
     if (!good) {
       throw Quor::TolvaServices::TsError("page '" + path +
@@ -57,7 +68,8 @@ class PageFile {
   }
 
   const std::string path;
-  std::string fresh;
+  const std::string target;
+  std::string fresh;  // what is written to
   std::unique_ptr<FILE, int (*)(FILE*)> stream{nullptr, &std::fclose};
   std::size_t bytes = 0;
 };
@@ -138,7 +150,7 @@ ExitCode Report(const Store::Database& database, const std::string& name, const 
   WritePage(page, store, *run, kept);
   store.ExpectUntouched();
   page.Finish();
-  std::cout << InWords(*run) << ": " << kept.InWords() << ", written to '" << path << "', " << page.Bytes()
+  std::cerr << InWords(*run) << ": " << kept.InWords() << ", written to '" << path << "', " << page.Bytes()
             << " bytes\n";
   return Done;
 }

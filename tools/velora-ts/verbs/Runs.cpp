@@ -7,6 +7,7 @@
 #include "reading/Executions.h"
 #include "reading/Rows.h"
 #include "reading/Store.h"
+#include "reading/Values.h"
 #include "verbs/Verbs.h"
 
 namespace {
@@ -41,9 +42,9 @@ void WriteTable(const Store& store, Rows& rows) {
                {LocalTime(root.startedAt, false)},
                {unfinished ? "" : DurationInWords(root, false)},
                {unfinished ? unfinishedInWords : StateInWords(root), unfinished},
-               {Printable(root.instrument)},
+               {Shown(root.instrument)},
                {ActivityInWords(root)},
-               {Printable(root.node)}});
+               {Shown(root.node)}});
   }
   table.Write();
 }

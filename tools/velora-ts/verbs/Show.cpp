@@ -55,8 +55,8 @@ class Show {
               ",\"executions\":[");
     const char* separator = "\n";
     ForEachExecution([&](const Execution& one, int depth) {
-      WriteData(separator + ('{' + JsonMembers(one)) + ",\"depth\":" + std::to_string(depth) +
-                ",\"parameters\":" + JsonParameters(one) + '}');
+      WriteData(separator + ('{' + JsonMembers(one)) + ",\"depth\":" + std::to_string(depth) + JsonParameters(one) +
+                '}');
       separator = ",\n";
     });
     WriteData("]");
@@ -118,10 +118,10 @@ class Show {
       WriteOut(terminal.colours ? "\x1b[1;31m" + words + "\x1b[0m\n" : words + '\n');
     }
     line("run", Printable(root.guid));
-    line("node", Printable(root.node));
-    line("description", Printable(root.description));
+    line("node", Shown(root.node));
+    line("description", Shown(root.description));
     line("activity", ActivityInWords(root));
-    line("instrument", Printable(root.instrument + (root.host == root.instrument ? "" : " on " + root.host)));
+    line("instrument", Shown(root.instrument) + (root.host == root.instrument ? "" : " on " + Shown(root.host)));
     line("started", LocalTime(root.startedAt, true));
     line("state",
          unfinished && !IsRunning(root) ? StateInWords(root) + ", but not everything below it" : StateInWords(root));
@@ -140,7 +140,7 @@ class Show {
     TextTable table(columns);
     ForEachExecution([&](const Execution& one, int depth) {
       const std::string indent(options.tree ? 2 * static_cast<std::size_t>(depth) : 0, ' ');
-      std::vector<TextTable::Cell> row{{indent + Printable(one.node)},
+      std::vector<TextTable::Cell> row{{indent + Shown(one.node)},
                                        {ActivityInWords(one)},
                                        {StateInWords(one), IsRunning(one)},
                                        {LocalTime(one.startedAt, false)},
@@ -171,9 +171,9 @@ class Show {
   }
 
   std::string JsonParameters(const Execution& one) {
-    std::string json = "{";
+    std::string json;
     for (const std::string& name : options.columns) {
-      json += json.size() > 1 ? "," : "";
+      json += json.empty() ? ",\"parameters\":{" : ",";
       AppendText(json, name);
       json += ':';
       if (Pick(one, name)) {
@@ -182,7 +182,7 @@ class Show {
         json += "null";
       }
     }
-    return json + '}';
+    return json.empty() ? json : json + '}';
   }
 
   const Store& store;
