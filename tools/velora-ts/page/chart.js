@@ -7,9 +7,9 @@ const tooltipLine = 22; // pixels
 
 const colour = (name) => getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
 
-function statusColour(code) {
-  return colour(code === 14 ? 'done' : code === 4 ? 'running' : `other-${Math.abs(Number(code)) % 3}`);
-}
+const statusVariable = (code) =>
+  code === 14 ? 'done' : code === 4 ? 'running' : `other-${Math.abs(Number(code)) % 3}`;
+const statusColour = (code) => colour(statusVariable(code));
 
 const isPrinting = () => document.documentElement.classList.contains('printing');
 
@@ -46,6 +46,14 @@ class Chart {
       element.dataset.drawn = ++this.drawings;
     });
     this.listen();
+  }
+
+  /** Calls back for a click on what is drawn, unless it is the first half of a double click. */
+  onItem(work) {
+    this.echarts.on('click', (item) => {
+      clearTimeout(this.clicked);
+      this.clicked = item.event.event.detail > 1 ? null : setTimeout(work, 250, item);
+    });
   }
 
   get width() {

@@ -24,7 +24,7 @@ function fixedColumns(recorded) {
     column(
       'Started',
       (at) => recorded.started[at],
-      (at) => clock.day(recorded.started[at]),
+      (at) => clock.moment(recorded.started[at]),
       { number: true, csv: (at) => clock.stored(recorded.started[at]) },
     ),
     column(
@@ -77,6 +77,7 @@ function parameterColumn(recorded, quantity) {
     number: quantity.numeric,
     value,
     text,
+    csv: (at) => (newest().has(at) ? csvValue(...newest().get(at)) : ''),
     shown: false,
   };
 }

@@ -2,9 +2,10 @@
 
 /** A cell. A text that a spreadsheet would take for a formula has a quotation mark before it there. */
 function csvCell(value) {
-  const text = String(value ?? '');
-  const harmless = /^[=+\-@\t\r\n]/.test(text) && Number.isNaN(numberOf(text)) ? `'${text}` : text;
-  return /[",\r\n]/.test(harmless) ? `"${harmless.replaceAll('"', '""')}"` : harmless;
+  const text = typeof value === 'number' ? valueText(value) : wellFormed(String(value ?? ''));
+  const formula = typeof value !== 'number' && /^[=+\-@\t\r\n']/.test(text) && Number.isNaN(numberOf(text));
+  const harmless = formula ? `'${text}` : text;
+  return /[",;\t\r\n]/.test(harmless) ? `"${harmless.replaceAll('"', '""')}"` : harmless;
 }
 
 const csvOf = (rows) => rows.map((row) => `${row.map(csvCell).join(',')}\r\n`).join('');
@@ -29,25 +30,34 @@ function csvOfTable(table) {
   return csvOf([names, ...table.ordered().map((at) => columns.map((column) => (column.csv ?? column.text)(at)))]);
 }
 
-/** A row for each event in the page, a column for each parameter. */
+/** A value for a cell: a number stays one. */
+const csvValue = (value, kind) => (typeof value === 'number' && kind !== 'bool' ? value : valueText(value, kind));
+
+/** A row for each event in the page, a column for each name of a parameter; another one where an event has it twice. */
 function csvOfEvents(recorded) {
+  const columns = new Map();
+  for (const quantity of recorded.quantities) {
+    const name = quantity.occurrence > 1 ? `${quantity.name} (${quantity.occurrence})` : quantity.name;
+    const key = JSON.stringify([quantity.name, quantity.occurrence]);
+    columns.set(key, { name, quantities: [...(columns.get(key)?.quantities ?? []), quantity] });
+  }
   const names = distinct([
     'Event number',
     'Event',
     'Time',
     'Execution',
     'Status',
-    ...recorded.quantities.map(({ name, occurrence }) => (occurrence > 1 ? `${name} (${occurrence})` : name)),
+    ...[...columns.values()].map(({ name }) => name),
   ]);
   const rows = recorded.events.map((event) => [
     event.number,
     event.batch.shape.name,
     recorded.clock.stored(event.at),
     recorded.node[event.execution],
-    recorded.status[event.execution],
-    ...recorded.quantities.map((quantity) => {
-      const value = recorded.valueOf(event, quantity);
-      return value === undefined ? '' : valueText(value, recorded.kindOf(event, quantity));
+    statusName(recorded.status[event.execution]),
+    ...[...columns.values()].map(({ quantities }) => {
+      const quantity = quantities.find((one) => recorded.valueOf(event, one) !== undefined);
+      return quantity ? csvValue(recorded.valueOf(event, quantity), recorded.kindOf(event, quantity)) : '';
     }),
   ]);
   return csvOf([names, ...rows]);

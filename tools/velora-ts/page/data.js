@@ -184,5 +184,6 @@ class Recorded {
     }
     this.first = first;
     this.last = Math.max(last, this.raw.slices?.to ?? last);
+    this.clock.spansDays = this.clock.date(this.first) !== this.clock.date(this.last);
   }
 }

@@ -78,13 +78,13 @@ function showAlarm(recorded) {
     ...deepest.slice(0, mostNamed).map((at) => {
       const last = recorded.eventsOf[at].at(-1);
       const words = last
-        ? [', last event ', show(make('span'), last.batch.shape.name), ` at ${clock.day(last.at)}`]
+        ? [', last event ', eventName(last.batch.shape.name), ` at ${clock.local(last.at)}`]
         : [', no event'];
       return make(
         'li',
         '',
         show(make('strong'), recorded.node[at]),
-        ` running since ${clock.day(recorded.started[at])}`,
+        ` running since ${clock.local(recorded.started[at])}`,
         ...words,
       );
     }),

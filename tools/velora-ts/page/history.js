@@ -9,7 +9,7 @@ function historyOf(recorded, at) {
     'statuses',
     ...recorded.history[at].map(({ code, at: time }) => {
       const item = make('li', '', make('span', 'swatch'), `${statusName(code)} (${code}) since ${clock.local(time)}`);
-      item.firstChild.style.background = statusColour(code);
+      item.firstChild.style.background = `var(--${statusVariable(code)})`;
       return item;
     }),
   );

@@ -1,10 +1,8 @@
 // The lanes of the timeline: one for each level of the tree, in which what overlaps lies in sub-lanes, then one for
 // each kind of event.
 
-const mostSubLanes = 16;
-
 /** Distributes executions, sorted by their start, over as few sub-lanes as keep them apart. */
-function packed(recorded, executions) {
+function packed(recorded, executions, mostSubLanes) {
   const lanes = [];
   for (const at of executions) {
     let lane = lanes.findIndex((candidate) => candidate.end <= recorded.started[at]);
@@ -12,7 +10,8 @@ function packed(recorded, executions) {
       lane = lanes.length < mostSubLanes ? lanes.push({ executions: [] }) - 1 : mostSubLanes - 1;
     }
     lanes[lane].executions.push(at);
-    lanes[lane].end = Math.max(lanes[lane].end ?? -Infinity, recorded.ended[at]);
+    const end = Number.isNaN(recorded.ended[at]) ? recorded.started[at] : recorded.ended[at]; // without a status
+    lanes[lane].end = Math.max(lanes[lane].end ?? -Infinity, end);
   }
   return lanes.map((lane) => lane.executions);
 }
@@ -27,14 +26,14 @@ function levelName(recorded, executions, depth) {
   return [...counts].sort((a, b) => b[1] - a[1])[0][0];
 }
 
-function lanesOf(recorded, mostKinds) {
+function lanesOf(recorded, most) {
   const levels = [];
   for (let at = 0; at < recorded.count; ++at) {
     (levels[recorded.depth[at]] ??= []).push(at);
   }
   const lanes = levels.map((executions, depth) => {
     executions.sort((a, b) => recorded.started[a] - recorded.started[b] || a - b);
-    const subLanes = packed(recorded, executions);
+    const subLanes = packed(recorded, executions, most.subLanes);
     const height = subLanes.length > 4 ? 12 : 20;
     return {
       label: levelName(recorded, executions, depth),
@@ -44,8 +43,8 @@ function lanesOf(recorded, mostKinds) {
       height: height * subLanes.length,
     };
   });
-  const kinds = recorded.kinds.slice(0, mostKinds);
-  const others = recorded.kinds.slice(mostKinds);
+  const kinds = recorded.kinds.slice(0, most.kinds);
+  const others = recorded.kinds.slice(most.kinds);
   if (others.length > 0) {
     const events = others.flatMap((kind) => kind.events).sort((a, b) => a.at - b.at);
     kinds.push({ name: `${others.length} further kinds`, slices: null, events, recorded: events.length });

@@ -28,7 +28,7 @@ function showWindow() {
   const digits = time.to - time.from < 1e7 ? 3 : 0;
   byId('window').textContent = time.isWhole
     ? 'whole run'
-    : `${clock.day(time.from, digits)} – ${clock.day(time.to, digits)}`;
+    : `${clock.moment(time.from, digits)} – ${clock.moment(time.to, digits)}`;
 }
 
 function redraw() {
@@ -52,7 +52,9 @@ byId('zoom-all').addEventListener('click', () => time.showAll());
 byId('own-history').addEventListener('click', () => showOwnHistory(byId('own').children.length === 0));
 const fileName = (what) => `${recorded.raw.run.slice(0, 8)}-${what}.csv`;
 byId('download').addEventListener('click', () => download(fileName('executions'), csvOfTable(table)));
-byId('download-events').addEventListener('click', () => download(fileName('events'), csvOfEvents(recorded)));
+const events = recorded.raw.slices ? 'kept-events' : 'events';
+byId('download-events').textContent = `Download ${recorded.raw.slices ? 'the kept' : 'all'} events as CSV`;
+byId('download-events').addEventListener('click', () => download(fileName(events), csvOfEvents(recorded)));
 window.addEventListener('resize', oncePerFrame(redraw));
 window.matchMedia('(prefers-color-scheme: dark)').addEventListener('change', redraw);
 preparePrinting(table, redraw);

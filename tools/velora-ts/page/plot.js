@@ -17,7 +17,7 @@ class Plot {
     this.note = document.getElementById('plot-note');
     this.quantities = recorded.quantities.filter((quantity) => quantity.numeric);
     this.chart = new Chart(element, time, () => this.x === null);
-    this.chart.echarts.on('click', ({ seriesIndex, dataIndex }) => {
+    this.chart.onItem(({ seriesIndex, dataIndex }) => {
       const event = this.groups[seriesIndex]?.points[dataIndex]?.event;
       if (event) {
         open(event.execution);
@@ -38,7 +38,7 @@ class Plot {
   offerY() {
     for (const { name } of this.recorded.kinds) {
       const group = make('optgroup');
-      group.label = readable(name);
+      group.label = eventName(name);
       this.quantities.forEach((quantity, at) => {
         if (quantity.event === name) {
           group.append(new Option(quantity.label, at));
@@ -191,7 +191,7 @@ class Plot {
       tooltip: {
         formatter: ({ dataIndex }) => {
           const point = points[dataIndex];
-          return `${plain(this.y.name)}  ${point.y} to ${point.high}\nfrom ${this.recorded.clock.day(point.x, 6)}`;
+          return `${plain(this.y.name)}  ${point.y} to ${point.high}\nfrom ${this.recorded.clock.moment(point.x, 6)}`;
         },
       },
     };
@@ -235,7 +235,7 @@ class Plot {
     Object.assign(this.element.dataset, { points: shown, from: this.time.from, to: this.time.to });
     const where = this.x !== null && !this.time.isWhole ? ' in the time shown' : '';
     this.note.textContent = this.binned
-      ? `binned: lowest and highest of ${count(shown, 'slice')} of time in place of ${count(kind.recorded, 'value')}`
+      ? `binned: lowest and highest of ${count(shown, 'slice')} of time in place of ${count(kind.recorded, 'event')}`
       : (kind.slices
           ? `binned: ${drawn.toLocaleString('en')} of ${count(kind.recorded, 'event')}, ` +
             'the lowest and highest of each slice of time'
@@ -251,7 +251,7 @@ class Plot {
       value(this.y, y),
       ...(this.x ? [value(this.x, x)] : []),
       shortened(plain(this.recorded.node[event.execution]), 60),
-      `${this.recorded.clock.day(event.at, 6)}, ${statusName(this.recorded.status[event.execution])}`,
+      `${this.recorded.clock.moment(event.at, 6)}, ${statusName(this.recorded.status[event.execution])}`,
     ].join('\n');
   }
 }

@@ -9,7 +9,7 @@ class Table {
     this.columns = columnsOf(recorded);
     pickLikely(recorded, this.columns, this.rows);
     this.sorted = { column: null, descending: false };
-    this.opened = new Set();
+    this.opened = new Map(); // the history of each
     this.offerColumns();
   }
 
@@ -144,15 +144,21 @@ class Table {
     if (!isOpen) {
       return [row];
     }
-    const cell = make('td', '', historyOf(recorded, at));
+    const cell = make('td', '', this.opened.get(at));
     cell.colSpan = Math.max(1, this.shown.length);
     return [row, make('tr', 'opened', cell)];
   }
 
   toggle(at) {
-    this.opened.has(at) ? this.opened.delete(at) : this.opened.add(at);
+    this.opened.has(at) ? this.opened.delete(at) : this.open(at);
     this.draw();
-    this.rowOf(at)?.querySelector('button').focus({ preventScroll: true });
+    this.rowOf(at)?.querySelector('button')?.focus({ preventScroll: true });
+  }
+
+  open(at) {
+    if (!this.opened.has(at)) {
+      this.opened.set(at, historyOf(this.recorded, at));
+    }
   }
 
   rowOf(at) {
@@ -161,11 +167,11 @@ class Table {
 
   /** Shows an execution with its history. */
   reveal(at) {
-    this.opened.add(at);
+    this.open(at);
     this.page = Math.floor(this.ordered().indexOf(at) / this.rowsShown);
     this.draw();
     this.rowOf(at)?.scrollIntoView({ block: 'center' });
-    this.rowOf(at)?.querySelector('button').focus({ preventScroll: true });
+    this.rowOf(at)?.querySelector('button')?.focus({ preventScroll: true });
   }
 
   offerPages(total) {

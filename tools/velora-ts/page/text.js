@@ -10,7 +10,7 @@ function partsOf(stored) {
   if (!hex) {
     return splitAtControls(stored);
   }
-  const bytes = Uint8Array.from(hex[1].match(/../g) ?? [], (pair) => parseInt(pair, 16));
+  const bytes = bytesOf(hex);
   const parts = [];
   for (let at = 0; at < bytes.length;) {
     const length = sequenceLength(bytes, at);
@@ -23,6 +23,8 @@ function partsOf(stored) {
   }
   return joinParts(parts);
 }
+
+const bytesOf = (hex) => Uint8Array.from(hex[1].match(/../g) ?? [], (pair) => parseInt(pair, 16));
 
 /** Length of the UTF-8 sequence at a place; 0 where there is none. */
 function sequenceLength(bytes, at) {
@@ -89,6 +91,9 @@ function show(element, stored) {
   return element;
 }
 
+/** The name of an event, which may be empty. */
+const eventName = (stored) => readable(stored) || '(no name)';
+
 /** An element with a class and with children or a text. */
 function make(tag, className, ...children) {
   const element = document.createElement(tag);
@@ -99,10 +104,23 @@ function make(tag, className, ...children) {
   return element;
 }
 
+/** A text for a file: a byte that is no part of a character, and a zero, becomes the sign for that. */
+function wellFormed(stored) {
+  const hex = noText.exec(stored);
+  const text = hex ? new TextDecoder('utf-8', { ignoreBOM: true }).decode(bytesOf(hex)) : stored;
+  return text.replace(/\p{Cs}|\0/gu, '\ufffd');
+}
+
 /** A value of any kind as a stored text. */
 function valueText(value, kind) {
   if (value === null) {
     return '';
+  }
+  if (value === Infinity || value === -Infinity) {
+    return value > 0 ? 'inf' : '-inf';
+  }
+  if (kind === 'double' && String(value).startsWith('NaN:')) {
+    return 'NaN';
   }
   if (kind === 'bool' && (value === 0 || value === 1)) {
     return value === 1 ? 'true' : 'false';
@@ -113,7 +131,7 @@ function valueText(value, kind) {
 /** A value as a number that can be drawn; NaN for none. Texts that read as a number count: 3.10 is kept as one. */
 function numberOf(value) {
   if (typeof value === 'string') {
-    return /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i.test(value) ? Number(value) : NaN;
+    return /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i.test(value) ? numberOf(Number(value)) : NaN;
   }
   return typeof value === 'number' && Number.isFinite(value) ? value : NaN;
 }
@@ -162,6 +180,11 @@ class Clock {
       `${pad(date.getHours())}:${pad(date.getMinutes())}:${pad(date.getSeconds())}` +
       (digits > 0 ? `.${fraction.slice(0, digits)}` : '')
     );
+  }
+
+  /** The time of day, behind the date where the run goes on over midnight. */
+  moment(time, digits) {
+    return (this.spansDays ? `${this.date(time)} ` : '') + this.day(time, digits);
   }
 
   date(time) {

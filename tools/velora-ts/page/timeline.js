@@ -2,13 +2,13 @@
 // there is.
 
 const closest = 2;
-const mostKinds = { onScreen: 40, onPaper: 8 };
+const most = { onScreen: { kinds: 40, subLanes: 16 }, onPaper: { kinds: 8, subLanes: 4 } };
 
 class Timeline {
   constructor(element, recorded, time, open) {
     Object.assign(this, { recorded, time, element });
     this.chart = new Chart(element, time, () => true);
-    this.chart.echarts.on('click', ({ dataIndex }) => {
+    this.chart.onItem(({ dataIndex }) => {
       const item = this.items[dataIndex];
       if (item && item.execution !== undefined) {
         open(item.execution);
@@ -17,7 +17,7 @@ class Timeline {
   }
 
   draw() {
-    this.lanes = this.lanesFor(isPrinting() ? mostKinds.onPaper : mostKinds.onScreen);
+    this.lanes = this.lanesFor(isPrinting() ? most.onPaper : most.onScreen);
     this.height = this.lanes.at(-1).top + this.lanes.at(-1).height;
     this.chart.fit(this.height + 38);
     const items = this.lanes.flatMap((lane) => (lane.kind ? this.eventItems(lane) : this.executionItems(lane)));
@@ -35,10 +35,11 @@ class Timeline {
       `Timeline of ${count(recorded.count, 'execution')} and ${count(recorded.raw.recorded, 'event')}, ` +
         `${recorded.unfinished.length} unfinished; the table below has the same by rows.`,
     );
-    const day = (at, step) => recorded.clock.day(at, digitsFor(step));
+    const moment = (at, step) => recorded.clock.moment(at, digitsFor(step));
+    const tick = recorded.clock.spansDays ? 170 : 110;
     this.chart.draw({
       grid: { left, right, top: 30, height: this.height, outerBoundsMode: 'none' },
-      xAxis: { ...timeAxis(this.time, this.chart.width / 110, day, recorded.clock.midnight), position: 'top' },
+      xAxis: { ...timeAxis(this.time, this.chart.width / tick, moment, recorded.clock.midnight), position: 'top' },
       yAxis: { type: 'value', min: 0, max: this.height, inverse: true, show: false },
       graphic: this.lanes.map((lane) => this.labelOf(lane)),
       series: [
@@ -54,12 +55,12 @@ class Timeline {
     });
   }
 
-  lanesFor(most) {
+  lanesFor(room) {
     this.known ??= new Map();
-    if (!this.known.has(most)) {
-      this.known.set(most, lanesOf(this.recorded, most));
+    if (!this.known.has(room)) {
+      this.known.set(room, lanesOf(this.recorded, room));
     }
-    return this.known.get(most);
+    return this.known.get(room);
   }
 
   pixel(at) {
@@ -73,7 +74,7 @@ class Timeline {
       top: 30 + lane.top + lane.height / 2 - 7,
       silent: true,
       style: {
-        text: `${readable(lane.label)}  ${lane.total.toLocaleString('en')}`,
+        text: `${lane.kind ? eventName(lane.label) : readable(lane.label)}  ${lane.total.toLocaleString('en')}`,
         width: left - 12,
         overflow: 'truncate',
         fill: colour(lane.kind ? 'muted' : 'text'),
@@ -89,7 +90,7 @@ class Timeline {
       const items = [];
       const narrow = [];
       for (const at of executions) {
-        const end = Math.min(recorded.ended[at], Infinity);
+        const end = recorded.ended[at];
         const [from, to] = [recorded.started[at], Number.isNaN(end) ? recorded.started[at] : end];
         if (to < time.from || from > time.to) {
           continue;
@@ -240,7 +241,7 @@ class Timeline {
   wordsFor(item) {
     if (item.type === 'bar') {
       const within = `${item.total.toLocaleString('en')} within ${lengthOf(item.to - item.from)}`;
-      return `${within}\nfrom ${this.recorded.clock.day(item.from, 6)}`;
+      return `${within}\nfrom ${this.recorded.clock.moment(item.from, 6)}`;
     }
     return item.type === 'event' ? this.wordsForEvent(item.event) : this.wordsForExecution(item);
   }
@@ -252,9 +253,9 @@ class Timeline {
       const value = valueText(batch.values[place][row], kind);
       return `${shortened(plain(parameter), 30)}  ${shortened(plain(value), 40)}`;
     });
-    const title = `${shortened(plain(name), 40)} of ${shortened(plain(this.recorded.node[execution]), 60)}`;
+    const title = `${shortened(plain(name) || eventName(name), 40)} of ${shortened(plain(this.recorded.node[execution]), 60)}`;
     const rest = parameters.length > most ? [`and ${parameters.length - most} more`] : [];
-    return [title, this.recorded.clock.day(at, 6), ...lines, ...rest].join('\n');
+    return [title, this.recorded.clock.moment(at, 6), ...lines, ...rest].join('\n');
   }
 
   wordsForExecution({ execution, from, to }) {
@@ -263,7 +264,7 @@ class Timeline {
     return [
       shortened(plain(recorded.node[execution]), 60),
       plain(recorded.versions.get(recorded.version[execution])?.name ?? ''),
-      `started ${recorded.clock.day(from, 6)}`,
+      `started ${recorded.clock.moment(from, 6)}`,
       code === 4 ? 'did not finish' : `${statusName(code)} after ${lengthOf(to - from)}`,
       count(recorded.eventsOf[execution].length, 'event') + (recorded.raw.slices ? ' kept' : ''),
     ].join('\n');
