@@ -8,6 +8,7 @@
 #include <sys/mount.h>
 
 #include <chrono>
+#include <thread>
 
 namespace {
 
@@ -68,7 +69,7 @@ TEST_F(Faults, AConnectionThatEndsBeforeAnyStatementIsAnErrorOfThatOperationAlon
     }
     SCOPED_TRACE("before statement " + std::to_string(ended) + " of " + std::to_string(statements));
     Recording recording = Begin("ended_" + std::to_string(ended));
-    TheInterruptions() = {ended, false, 0};
+    TheInterruptions() = {ended, false, nullptr, 0};
     int errors = 0;
     while (told.acknowledged.size() < records) {
       const std::string error = ErrorOfNext(recording);
@@ -91,6 +92,26 @@ TEST_F(Faults, ACommitWhoseAnswerIsLostIsAskedAfter) {
     EXPECT_FALSE(TheInterruptions().loseCommit);
   }
   ExpectAllThereOnce();
+}
+
+// After a crash the server gives the number of a transaction that it forgot to another.
+TEST_F(Faults, ACommitThatACrashTookBackIsNotTakenForAnothersOfTheSameNumber) {
+  Recording recording = Begin("taken_back");
+  while (told.acknowledged.size() < records) {
+    EXPECT_EQ(ErrorOfNext(recording), "");
+    TheInterruptions().afterCrash = [] {
+      for (int others = 0; others < 20;) {
+        try {
+          Sql("SELECT pg_current_xact_id()");
+          ++others;
+        } catch (const soci::soci_error&) {
+          std::this_thread::sleep_for(std::chrono::milliseconds(20));  // it is starting again
+        }
+      }
+    };
+    EXPECT_THROW(recording.Next(), TsError);
+    ExpectAllThereOnce();
+  }
 }
 
 TEST_F(Faults, AHostGoesOnWithoutARestartOnceTheServerIsBack) {

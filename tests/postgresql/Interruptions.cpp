@@ -4,11 +4,14 @@
 
 #include <dlfcn.h>
 #include <libpq-fe.h>
+#include <signal.h>
 #include <sys/socket.h>
 
 #include <cstdlib>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <utility>
 
 Interruptions& TheInterruptions() {
   static Interruptions interruptions;
@@ -44,6 +47,10 @@ void BeforeStatement(PGconn* connection) {
 
 extern "C" [[gnu::visibility("default")]] PGresult* PQexec(PGconn* connection, const char* statement) {
   BeforeStatement(connection);
+  if (TheInterruptions().afterCrash && std::string_view(statement) == "COMMIT") {
+    kill(PQbackendPID(connection), SIGKILL);
+    std::exchange(TheInterruptions().afterCrash, nullptr)();
+  }
   if (TheInterruptions().loseCommit && std::string_view(statement) == "COMMIT") {
     TheInterruptions().loseCommit = false;
     PQsendQuery(connection, statement);

@@ -10,18 +10,19 @@ CREATE FUNCTION public.make_partition(month bigint) RETURNS void
        BEGIN
          PERFORM pg_advisory_xact_lock(21587, 3);
          FOREACH parent IN ARRAY ARRAY['events', 'parameters'] LOOP
-           partition := parent || '_' || month;
+           partition := parent || '_' || CAST(month AS text);
            CONTINUE WHEN to_regclass(partition) IS NOT NULL;
-           EXECUTE format('CREATE TABLE %I (LIKE %I INCLUDING ALL)', partition, parent);
-           EXECUTE format('ALTER TABLE %I ATTACH PARTITION %I FOR VALUES FROM (%s) TO (%s)', parent, partition,
+           EXECUTE pg_catalog.format('CREATE TABLE %I (LIKE %I INCLUDING ALL)', partition, parent);
+           EXECUTE pg_catalog.format('ALTER TABLE %I ATTACH PARTITION %I FOR VALUES FROM (%s) TO (%s)', parent, partition,
                           month * 10000000000, (month + 1) * 10000000000);
-           EXECUTE format('CREATE TRIGGER %I BEFORE TRUNCATE ON %I EXECUTE FUNCTION refuse_change(%L)',
+           EXECUTE pg_catalog.format('CREATE TRIGGER %I BEFORE TRUNCATE ON %I EXECUTE FUNCTION refuse_change(%L)',
                           partition || '_no_truncate', partition, parent);
          END LOOP;
        END $$;
 CREATE FUNCTION public.make_partitions() RETURNS void
     LANGUAGE plpgsql SECURITY DEFINER
     SET search_path TO 'public', 'pg_temp'
+    SET lock_timeout TO '1s'
     AS $$
        DECLARE
          month text;

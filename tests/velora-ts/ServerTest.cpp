@@ -43,7 +43,7 @@ class OnServer : public PostgreSql {
     Methods::ActivityMethods::SaveActivityExecution(run, session);
     InstrumentEvent event{hostile, {}, {std::make_shared<InstrumentParameterString>(hostile, hostile)}, {}, {}};
     using Double = std::numeric_limits<double>;
-    for (const double number : {0.1, -0.0, 1e22, Double::infinity(), -Double::infinity(), Double::denorm_min(),
+    for (const double number : {0.1, 0.0, -0.0, 1e22, Double::infinity(), -Double::infinity(), Double::denorm_min(),
                                 Double::max(), 5e15, std::bit_cast<double>(0x7ff8000000000001U)}) {
       event.Parameters.push_back(std::make_shared<InstrumentParameterDouble>("number", number));
     }
@@ -119,7 +119,7 @@ TEST_F(OnServer, ACopyThatWasInterruptedGoesOnWhereItEnded) {
     }
     EXPECT_GT(interrupted, 0);
     EXPECT_EQ(Tool(copy), 0) << said;
-    EXPECT_NE(said.find("compared: 1 executions, 29993 events, 30013 parameters"), std::string::npos) << said;
+    EXPECT_NE(said.find("compared: 1 executions, 29993 events, 30015 parameters"), std::string::npos) << said;
   }
 }
 
@@ -135,6 +135,7 @@ TEST_F(OnServer, WhatIsAlteredThereIsFound) {
       {"UPDATE events SET name = 'Other' WHERE execution_id = 1", "was altered"},
       {"UPDATE parameters SET value_number = 0.2 WHERE value_number = 0.1", "was altered"},
       {"UPDATE parameters SET position = 99 WHERE position = 3", "was altered"},
+      {"UPDATE parameters SET value_number = '-0' WHERE value_number = 0", "was altered"},
       {"DELETE FROM statuses WHERE status_id = 1", "was altered"},
       {"DELETE FROM events WHERE execution_id = 2", "refers to a row of events that is not there"},
       {"DELETE FROM configurations WHERE configuration_id = 1", "refers to a row of configurations"},
@@ -150,7 +151,15 @@ TEST_F(OnServer, WhatIsAlteredThereIsFound) {
        "is not what it should be"},
       {"CREATE FUNCTION mine() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END'; CREATE TRIGGER mine BEFORE "
        "INSERT ON events FOR EACH ROW EXECUTE FUNCTION mine()",
-       "is none of TS's"}};
+       "is none of TS's"},
+      {"CREATE FUNCTION \"RI_FKey_mine\"() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END'; CREATE "
+       "TRIGGER "
+       "mine BEFORE INSERT ON statuses FOR EACH ROW EXECUTE FUNCTION \"RI_FKey_mine\"()",
+       "is none of TS's"},
+      {"CREATE RULE mine AS ON INSERT TO statuses DO INSTEAD NOTHING", "rule mine on statuses is none of TS's"},
+      {"DROP TRIGGER statuses_no_change ON statuses; CREATE TRIGGER statuses_no_change BEFORE UPDATE OR DELETE ON "
+       "statuses FOR EACH ROW WHEN (false) EXECUTE FUNCTION refuse_change('statuses')",
+       "is not what it should be"}};
   Sql("SELECT COUNT(pg_terminate_backend(pid, 5000)) FROM pg_stat_activity WHERE datname = 'postgres'",
       "dbname=template1");  // a template has no users
   Sql("CREATE DATABASE sealed TEMPLATE postgres", "dbname=template1");

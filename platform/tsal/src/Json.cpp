@@ -65,7 +65,8 @@ void AppendNumber(std::string& json, double number) {
     return;
   }
   std::array<char, 32> text{};
-  const bool whole = std::abs(number) < exactWhole && std::trunc(number) == number;
+  const bool whole =
+      std::abs(number) < exactWhole && std::trunc(number) == number && (number != 0 || !std::signbit(number));
   const auto written = whole ? std::to_chars(text.begin(), text.end(), static_cast<long long>(number))
                              : std::to_chars(text.begin(), text.end(), number);
   json.append(text.data(), written.ptr);

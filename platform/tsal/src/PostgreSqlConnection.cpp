@@ -77,7 +77,8 @@ void PostgreSqlConnection::Configure() {
 
 // The number of the transaction tells later whether it was committed, should the answer to that be lost.
 void PostgreSqlConnection::Begin() {
-  Execute(Sql(), "BEGIN; SELECT CAST(pg_current_xact_id() AS text)", soci::into(transaction));
+  Execute(Sql(), "BEGIN; SELECT CAST(pg_current_xact_id() AS text), CAST(pg_current_wal_flush_lsn() AS text)",
+          soci::into(transaction), soci::into(logged));
 }
 
 void PostgreSqlConnection::Commit() {
@@ -90,14 +91,23 @@ void PostgreSqlConnection::Commit() {
   }
 }
 
-// The lost connection's server process may still be at the commit, so it is asked after until there is an answer.
+// The lost connection's server process may still be at the commit, so it is asked after until there is an answer. A
+// server that crashed gives out again the numbers of which nothing had reached its disk: then "committed" may be said
+// of another's transaction. It begins anew with a checkpoint, so there has been none since this one began.
 bool PostgreSqlConnection::WasCommitted() {
   for (const Clock::time_point end = Clock::now() + longestDoubt; Clock::now() < end;) {
     try {
       soci::session other(soci::postgresql, connection);
       std::string status;
-      Execute(other, "SELECT COALESCE(pg_xact_status(CAST(:number AS xid8)), '')", soci::use(transaction),
-              soci::into(status));
+      int meansThisOne = 0;
+      Execute(
+          other,
+          "SELECT COALESCE(pg_xact_status(CAST(:number AS xid8)), ''), CAST(checkpoint_lsn < CAST(:logged AS pg_lsn) "
+          "AS integer) FROM pg_control_checkpoint()",
+          soci::use(transaction), soci::use(logged), soci::into(status), soci::into(meansThisOne));
+      if (status == "committed" && meansThisOne == 0) {
+        break;
+      }
       if (status != "in progress") {
         return status == "committed";
       }
@@ -106,8 +116,7 @@ bool PostgreSqlConnection::WasCommitted() {
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
   }
-  throw TsError("TS database '" + name +
-                "' was lost while it stored a record, and does not answer: the record may be there, or not");
+  throw TsError("TS database '" + name + "' was lost while it stored a record: the record may be there, or not");
 }
 
 // The lock before the number: who seals waits for it, and then no lower number can appear any more.

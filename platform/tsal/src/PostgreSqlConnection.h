@@ -39,7 +39,8 @@ class PostgreSqlConnection : public Connection {
 
   std::string connection;
   std::string name;         // of the database, in errors
-  std::string transaction;  // the server's number of the transaction that is open
+  std::string transaction;  // the server's number of the transaction that is open,
+  std::string logged;       // and what of its log was on its disk when that began
   std::optional<std::chrono::steady_clock::time_point> partitionsMade;
 };
 

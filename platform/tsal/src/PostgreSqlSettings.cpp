@@ -12,9 +12,9 @@ namespace {
 
 // A server that is gone is noticed in time for an operation to fail within five seconds.
 constexpr std::pair<const char*, const char*> defaults[] = {
-    {"application_name", "Velora"}, {"client_encoding", "UTF8"}, {"connect_timeout", "3"},
-    {"keepalives_count", "2"},      {"keepalives_idle", "2"},    {"keepalives_interval", "1"},
-    {"tcp_user_timeout", "4000"},
+    {"connect_timeout", "3"},     {"fallback_application_name", "Velora"},
+    {"keepalives_count", "2"},    {"keepalives_idle", "2"},
+    {"keepalives_interval", "1"}, {"tcp_user_timeout", "4000"},
 };
 
 std::map<std::string, std::string> Options(PQconninfoOption* parsed) {
@@ -36,15 +36,30 @@ void AppendEscaped(std::string& uri, const std::string& value) {
   }
 }
 
+// A password with an "@" or a "/" that is not escaped ends a part of a URI too early: its rest would stand in errors.
+bool IsTornPassword(std::map<std::string, std::string>& options) {
+  return options["host"].find('@') != std::string::npos ||
+         options["port"].find_first_not_of("0123456789,") != std::string::npos ||
+         options["dbname"].find_first_of("@=") != std::string::npos ||
+         options["dbname"].find("://") != std::string::npos;
+}
+
 }  // namespace
 
 bool IsPostgreSqlConnection(const std::string& text) {
-  return text.find('\0') == std::string::npos && !Options(PQconninfoParse(text.c_str(), nullptr)).empty();
+  std::map<std::string, std::string> options = Options(PQconninfoParse(text.c_str(), nullptr));
+  return text.find('\0') == std::string::npos && !options.empty() && !IsTornPassword(options);
 }
 
 std::string WithoutBlanks(const std::string& text) {
   std::map<std::string, std::string> options = Options(PQconninfoParse(text.c_str(), nullptr));
-  options.insert(std::begin(defaults), std::end(defaults));
+  const std::map<std::string, std::string> environment = Options(PQconndefaults());
+  for (const auto& [keyword, value] : defaults) {
+    if (environment.count(keyword) == 0) {
+      options.emplace(keyword, value);
+    }
+  }
+  options["client_encoding"] = "UTF8";
   std::string uri = "postgresql://";
   char separator = '?';
   for (const auto& [keyword, value] : options) {

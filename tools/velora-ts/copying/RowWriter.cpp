@@ -93,7 +93,7 @@ class ServerWriter : public RowWriter {
       }
     }
     json += '}';
-    if (count == rowsAtOnce) {
+    if (count == rowsAtOnce || json.size() > bytesAtOnce) {
       Flush();
     }
   }
@@ -108,6 +108,7 @@ class ServerWriter : public RowWriter {
 
  private:
   static constexpr int rowsAtOnce = 1000;
+  static constexpr std::size_t bytesAtOnce = 1'000'000;
 
   soci::session& sql;
   const std::vector<StoredColumn> columns;

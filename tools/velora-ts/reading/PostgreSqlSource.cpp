@@ -128,6 +128,7 @@ PostgreSqlSource::PostgreSqlSource(const std::string& where, const std::string& 
   }
   Run("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
   Run("SET LOCAL cursor_tuple_fraction = 1; SET LOCAL jit = off");  // every answer is read to its end
+  Run("SET LOCAL extra_float_digits = 1");                          // and numbers to theirs
   if (!snapshot.empty()) {
     Run("SET TRANSACTION SNAPSHOT " + Quoted(snapshot));
   }

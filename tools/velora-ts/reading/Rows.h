@@ -25,6 +25,9 @@ class Rows {
   bool Next() { return cursor->Next(); }
 
   bool IsNull(int column) const { return cursor->TypeOf(column) == Cursor::Type::Null; }
+  bool IsNumber(int column) const {
+    return cursor->TypeOf(column) == Cursor::Type::Integer || cursor->TypeOf(column) == Cursor::Type::Number;
+  }
   long long Integer(int column) const { return cursor->Integer(column); }
   double Number(int column) const { return cursor->Number(column); }
   std::string_view Text(int column) const { return cursor->Text(column); }

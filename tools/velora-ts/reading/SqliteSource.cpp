@@ -20,7 +20,7 @@ std::filesystem::file_time_type WrittenAt(const std::string& path) {
 }
 
 std::string UriOf(const std::string& path, bool closed) {
-  std::string uri = "file:";
+  std::string uri = path.starts_with('/') ? "file://" : "file:";
   for (const char character : path) {
     const auto byte = static_cast<unsigned char>(character);
     if (std::isalnum(byte) != 0 || character == '/' || character == '.') {

@@ -4,6 +4,8 @@
 #include "output/Json.h"
 #include "output/Terminal.h"
 
+#include <cmath>
+
 namespace {
 
 enum Column { Position, Name, Kind, Text, Number };
@@ -34,7 +36,8 @@ void AppendParameterValue(std::string& json, const Rows& parameters) {
     json += ',';
     parameters.AppendValue(json, Number);
     json += ']';
-  } else if (hasNumber && (number == 0 || number == 1) && parameters.Text(Kind) == "bool") {
+  } else if (parameters.IsNumber(Number) && ((number == 0 && !std::signbit(number)) || number == 1) &&
+             parameters.Text(Kind) == "bool") {
     json += number == 0 ? "false" : "true";
   } else {
     parameters.AppendValue(json, hasText ? Text : Number);

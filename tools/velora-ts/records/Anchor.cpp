@@ -43,7 +43,7 @@ void WriteAnchor(const std::string& file, const Anchor& anchor) {
 
 std::string AnchorFinding(const Anchor& anchor, const std::vector<Seal>& seals) {
   if (anchor.number == 0) {
-    return "";
+    return anchor.hash == noHash ? "" : "the anchor names a seal 0, and there is none before the first";
   }
   const auto seal = std::find_if(seals.begin(), seals.end(),
                                  [&anchor](const Seal& candidate) { return candidate.number == anchor.number; });

@@ -69,9 +69,10 @@ std::vector<std::string> PostgreSqlSchemaFindings(const Store& store) {
   std::vector<std::string> findings;
   std::map<std::string, std::set<int>> missing = RecordedTables(store);
   const std::string triggers =
-      "SELECT c.relname, t.tgname, t.tgtype, t.tgenabled IN ('O', 'A'), p.proname, p.prosrc FROM pg_trigger t "
-      "JOIN pg_class c ON c.oid = t.tgrelid JOIN pg_proc p ON p.oid = t.tgfoid WHERE p.proname NOT LIKE 'RI_FKey%' "
-      "AND ";
+      "SELECT c.relname, t.tgname, t.tgtype, t.tgenabled IN ('O', 'A') AND t.tgqual IS NULL AND "
+      "CAST(t.tgattr AS text) = '', p.proname, p.prosrc FROM pg_trigger t "
+      "JOIN pg_class c ON c.oid = t.tgrelid JOIN pg_proc p ON p.oid = t.tgfoid WHERE NOT (t.tgisinternal AND "
+      "p.proname LIKE 'RI_FKey%' AND p.pronamespace = CAST('pg_catalog' AS regnamespace)) AND ";
   for (Rows rows(store, triggers + here); rows.Next();) {
     const auto table = missing.find(std::string(rows.Text(0)));
     const std::string name = "trigger " + std::string(rows.Text(1)) + " on " + std::string(rows.Text(0));
@@ -85,6 +86,14 @@ std::vector<std::string> PostgreSqlSchemaFindings(const Store& store) {
       table->second.erase(static_cast<int>(rows.Integer(2)));
     } else {
       table->second.erase(static_cast<int>(rows.Integer(2)));
+    }
+  }
+  const std::string rules =
+      "SELECT c.relname, r.rulename FROM pg_rewrite r JOIN pg_class c ON c.oid = r.ev_class WHERE ";
+  for (Rows rows(store, rules + here); rows.Next();) {
+    if (missing.count(std::string(rows.Text(0))) > 0) {
+      findings.push_back("rule " + std::string(rows.Text(1)) + " on " + std::string(rows.Text(0)) +
+                         " is none of TS's, and may change what is recorded");
     }
   }
   for (const auto& [table, kinds] : missing) {

@@ -24,5 +24,11 @@ std::vector<std::string> DamageFindings(const Store& store) {
   while (strays.Next()) {
     findings.push_back("row " + std::string(strays.Text(0)) + " of executions has another root than its parent");
   }
+  Rows ofNoRun(store,
+               "SELECT x.execution_id FROM executions x JOIN executions r ON r.execution_id = x.root_id "
+               "WHERE r.parent_id IS NOT NULL");
+  while (ofNoRun.Next()) {
+    findings.push_back("row " + std::string(ofNoRun.Text(0)) + " of executions has a root that is none");
+  }
   return findings;
 }

@@ -6,6 +6,7 @@
 #include "output/Progress.h"
 #include "reading/Rows.h"
 #include "reading/Runs.h"
+#include "reading/SettledStore.h"
 #include "reading/Store.h"
 #include "records/Records.h"
 #include "records/Seals.h"
@@ -198,6 +199,7 @@ class Copier {
   }
 
   void SetSequences() {
+    Local::Execute(to.Sql(), "SET statement_timeout = 0");
     Local::Transaction transaction(to);
     for (const StoredTable& table : TablesBeforeEvents()) {
       Local::Execute(to.Sql(), "SELECT setval(pg_get_serial_sequence('" + table.name + "', '" + table.Key() +
@@ -206,7 +208,6 @@ class Copier {
     Local::Execute(to.Sql(), "SELECT setval('event_numbers', COALESCE(MAX(event_id % " + std::to_string(keysInAMonth) +
                                  "), 0) + 1, false) FROM events");
     transaction.Commit();
-    Local::Execute(to.Sql(), "SET statement_timeout = 0");
     Local::Execute(to.Sql(), "ANALYZE");  // or the first questions are planned as if the tables were empty
   }
 
@@ -219,11 +220,11 @@ class Copier {
 }  // namespace
 
 ExitCode CopyStore(const Local::Database& source, const Local::Database& target) {
-  const Store from(source);
-  if (from.SchemaVersion() != Local::schemaVersion) {
-    throw TsError("TS store '" + from.Name() + "' has a schema of version " + std::to_string(from.SchemaVersion()) +
+  if (const Store seen(source); seen.SchemaVersion() != Local::schemaVersion) {
+    throw TsError("TS store '" + seen.Name() + "' has a schema of version " + std::to_string(seen.SchemaVersion()) +
                   "; expected version " + std::to_string(Local::schemaVersion) + ": run velora-ts prepare first");
   }
+  const Store from = SettledStore(source);  // so that the next copy can go on behind it
   const auto connection = Local::OpenConnection(target);
   try {
     Copier copier(from, *connection, target);

@@ -10,6 +10,7 @@ namespace {
 
 // A host adds rows, reads what it refers to, and has the partitions made; it seals nothing.
 constexpr const char* grants[] = {
+    "REVOKE CREATE ON SCHEMA {schema} FROM PUBLIC",  // up to PostgreSQL 14 everybody may, in the usual one
     "GRANT USAGE ON SCHEMA {schema} TO {role}",
     "GRANT USAGE ON ALL SEQUENCES IN SCHEMA {schema} TO {role}",
     "GRANT SELECT ON ALL TABLES IN SCHEMA {schema} TO {role}",

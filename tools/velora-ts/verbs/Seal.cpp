@@ -4,6 +4,7 @@
 #include "StoredTime.h"
 #include "output/Progress.h"
 #include "reading/Runs.h"
+#include "reading/SettledStore.h"
 #include "reading/Store.h"
 #include "records/Anchor.h"
 #include "records/Seals.h"
@@ -105,22 +106,6 @@ void Add(Local::Connection& connection, bool onServer, Anchor& end, std::vector<
   transaction.Commit();
 }
 
-// On a server a number is taken before its row can be seen, and a seal says that all up to a number is covered. So what
-// is under way is let finish first, and more is held up until the state to read is fixed, which takes milliseconds. The
-// tables stand in the order in which hosts write them.
-Store WithoutGaps(const Local::Database& database, Local::Connection& connection) {
-  if (database.kind == Local::Database::Kind::Sqlite) {
-    return Store(database);
-  }
-  const Local::Transaction held(connection);
-  std::string snapshot;
-  Local::Execute(connection.Sql(),
-                 "LOCK TABLE sessions, activities, activity_versions, registrations, configurations, executions, "
-                 "statuses, events, parameters IN SHARE MODE; SELECT pg_export_snapshot()",
-                 soci::into(snapshot));
-  return Store(database, snapshot);
-}
-
 ExitCode Refuse(const std::string& finding) {
   std::cout << "finding: " << finding << "\nnothing was sealed on top of that; see velora-ts verify\n";
   return Found;
@@ -153,7 +138,7 @@ ExitCode SealRuns(const Local::Database& database, const std::string& anchorFile
   static_cast<void>(Store(database));                       // which must be there: a connection would make one
   const auto connection = Local::OpenConnection(database);  // brings it up
   try {
-    return SealWith(*connection, WithoutGaps(database, *connection), anchorFile);
+    return SealWith(*connection, SettledStore(database), anchorFile);
   } catch (const soci::soci_error& reason) {
     throw connection->ErrorOf(reason);
   }
