@@ -168,6 +168,11 @@ class Recorded {
     return event.batch.shape.parameters[quantity.places.get(event.batch.shape)][1];
   }
 
+  /** Where its bar ends: nowhere yet where it did not finish, at its start where it has no status. */
+  endOf(at) {
+    return Number.isNaN(this.ended[at]) ? this.started[at] : this.ended[at];
+  }
+
   measure() {
     let [first, last] = [0, 0];
     for (const time of [

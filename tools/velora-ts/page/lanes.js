@@ -10,8 +10,7 @@ function packed(recorded, executions, mostSubLanes) {
       lane = lanes.length < mostSubLanes ? lanes.push({ executions: [] }) - 1 : mostSubLanes - 1;
     }
     lanes[lane].executions.push(at);
-    const end = Number.isNaN(recorded.ended[at]) ? recorded.started[at] : recorded.ended[at]; // without a status
-    lanes[lane].end = Math.max(lanes[lane].end ?? -Infinity, end);
+    lanes[lane].end = Math.max(lanes[lane].end ?? -Infinity, recorded.endOf(at));
   }
   return lanes.map((lane) => lane.executions);
 }
@@ -26,14 +25,14 @@ function levelName(recorded, executions, depth) {
   return [...counts].sort((a, b) => b[1] - a[1])[0][0];
 }
 
-function lanesOf(recorded, most) {
+function lanesOf(recorded, room) {
   const levels = [];
   for (let at = 0; at < recorded.count; ++at) {
     (levels[recorded.depth[at]] ??= []).push(at);
   }
   const lanes = levels.map((executions, depth) => {
     executions.sort((a, b) => recorded.started[a] - recorded.started[b] || a - b);
-    const subLanes = packed(recorded, executions, most.subLanes);
+    const subLanes = packed(recorded, executions, room.subLanes);
     const height = subLanes.length > 4 ? 12 : 20;
     return {
       label: levelName(recorded, executions, depth),
@@ -43,8 +42,8 @@ function lanesOf(recorded, most) {
       height: height * subLanes.length,
     };
   });
-  const kinds = recorded.kinds.slice(0, most.kinds);
-  const others = recorded.kinds.slice(most.kinds);
+  const kinds = recorded.kinds.slice(0, room.kinds);
+  const others = recorded.kinds.slice(room.kinds);
   if (others.length > 0) {
     const events = others.flatMap((kind) => kind.events).sort((a, b) => a.at - b.at);
     kinds.push({ name: `${others.length} further kinds`, slices: null, events, recorded: events.length });

@@ -92,7 +92,8 @@ function show(element, stored) {
 }
 
 /** The name of an event, which may be empty. */
-const eventName = (stored) => readable(stored) || '(no name)';
+const noName = '(no name)';
+const eventName = (stored) => readable(stored) || noName;
 
 /** An element with a class and with children or a text. */
 function make(tag, className, ...children) {

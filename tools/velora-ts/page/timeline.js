@@ -2,7 +2,7 @@
 // there is.
 
 const closest = 2;
-const most = { onScreen: { kinds: 40, subLanes: 16 }, onPaper: { kinds: 8, subLanes: 4 } };
+const rooms = { onScreen: { kinds: 40, subLanes: 16 }, onPaper: { kinds: 8, subLanes: 4 } };
 
 class Timeline {
   constructor(element, recorded, time, open) {
@@ -17,7 +17,7 @@ class Timeline {
   }
 
   draw() {
-    this.lanes = this.lanesFor(isPrinting() ? most.onPaper : most.onScreen);
+    this.lanes = this.lanesFor(isPrinting() ? rooms.onPaper : rooms.onScreen);
     this.height = this.lanes.at(-1).top + this.lanes.at(-1).height;
     this.chart.fit(this.height + 38);
     const items = this.lanes.flatMap((lane) => (lane.kind ? this.eventItems(lane) : this.executionItems(lane)));
@@ -90,8 +90,7 @@ class Timeline {
       const items = [];
       const narrow = [];
       for (const at of executions) {
-        const end = recorded.ended[at];
-        const [from, to] = [recorded.started[at], Number.isNaN(end) ? recorded.started[at] : end];
+        const [from, to] = [recorded.started[at], recorded.endOf(at)];
         if (to < time.from || from > time.to) {
           continue;
         }
@@ -253,7 +252,7 @@ class Timeline {
       const value = valueText(batch.values[place][row], kind);
       return `${shortened(plain(parameter), 30)}  ${shortened(plain(value), 40)}`;
     });
-    const title = `${shortened(plain(name) || eventName(name), 40)} of ${shortened(plain(this.recorded.node[execution]), 60)}`;
+    const title = `${shortened(plain(name) || noName, 40)} of ${shortened(plain(this.recorded.node[execution]), 60)}`;
     const rest = parameters.length > most ? [`and ${parameters.length - most} more`] : [];
     return [title, this.recorded.clock.moment(at, 6), ...lines, ...rest].join('\n');
   }

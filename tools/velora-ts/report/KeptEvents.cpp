@@ -100,11 +100,11 @@ void KeptEvents::Consider(Kind& kind, const Event& event) {
     KeepNewest(kind);
   }
   kind.execution = event.execution;
-  kind.newest[""] = event.number;
+  kind.newest[{"", 0}] = event.number;
   const long long at = event.at.value_or(first);
   const std::size_t slice = SliceOf(at);
   ++kind.inSlice[slice];
-  const auto consider = [&](std::pair<std::string, int> parameter, double value) {
+  const auto consider = [&](Parameter parameter, double value) {
     Extremes fresh{value, value, event.number, event.number};
     Extremes& extremes = kind.extremes[std::move(parameter)].emplace(slice, fresh).first->second;
     if (value < extremes.lowest) {
@@ -118,7 +118,7 @@ void KeptEvents::Consider(Kind& kind, const Event& event) {
   std::map<std::string_view, int> seen;
   for (const Reading& reading : event.readings) {
     const int occurrence = ++seen[reading.name];
-    kind.newest[reading.name] = event.number;
+    kind.newest[{reading.name, occurrence}] = event.number;
     if (reading.number) {
       consider({reading.name, occurrence}, *reading.number);
     }

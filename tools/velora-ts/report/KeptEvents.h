@@ -29,13 +29,14 @@ class KeptEvents {
     double lowest, highest;
     long long lowestEvent, highestEvent;
   };
+  /// A parameter's name and which one of that name it is; none of that name stands for the event itself.
+  using Parameter = std::pair<std::string, int>;
   struct Kind {
     long long recorded = 0;
     std::array<long long, sliceCount> inSlice{};
-    /// By the parameter's name and which one of that name it is; the event's time is one, too.
-    std::map<std::pair<std::string, int>, std::map<std::size_t, Extremes>> extremes;
-    long long execution = 0;                  // that is being read,
-    std::map<std::string, long long> newest;  // and its newest event with each parameter
+    std::map<Parameter, std::map<std::size_t, Extremes>> extremes;  // of the event itself, those of its time
+    long long execution = 0;                                        // that is being read,
+    std::map<Parameter, long long> newest;                          // and its newest event with each parameter
   };
 
   void Count(const Store& store, long long root);
