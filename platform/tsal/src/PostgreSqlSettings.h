@@ -7,8 +7,8 @@ namespace Quor::TolvaServices::Local {
 /// Whether PostgreSQL's client library understands a text as saying where to connect.
 bool IsPostgreSqlConnection(const std::string& text);
 
-/// The same connection in a form without blanks, and with how long to wait for a server that does not answer, where the
-/// text does not say it.
+/// The same connection in a form without blanks, for texts in UTF-8, and with how long to wait for a server that does
+/// not answer, where neither the text nor the environment says it.
 std::string WithoutBlanks(const std::string& text);
 
 /// Which database that is, in words and without a password: "velora on db.example".

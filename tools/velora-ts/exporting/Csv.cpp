@@ -4,7 +4,6 @@
 #include "reading/Values.h"
 
 #include <array>
-#include <charconv>
 #include <map>
 
 // RFC 4180, with a mark in front by which spreadsheet programs know UTF-8: docs/velora-ts.md.
@@ -15,22 +14,12 @@ constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view lineEnd = "\r\n";
 constexpr std::array fixedColumns = {"number", "at", "run", "execution", "node", "activity", "event"};
 
-bool IsNumber(std::string_view text) {
-  if (text.starts_with('+') && !text.substr(1).starts_with('-')) {
-    text.remove_prefix(1);
-  }
-  double number = 0;
-  return text.find_first_not_of("0123456789+-.eE") == std::string_view::npos &&
-         std::from_chars(text.data(), text.data() + text.size(), number).ptr == text.data() + text.size() &&
-         !text.empty();
-}
-
 // What a spreadsheet program would take for a formula has an apostrophe before it, and so that this one can be taken
 // off again, what begins with one.
 std::string TextCell(const std::string& text) {
   std::string cell = "\"";
   if (!text.empty() && std::string_view("=+-@\t\r\n'").find(text.front()) != std::string_view::npos &&
-      !IsNumber(text)) {
+      !NumberIn(text)) {
     cell += '\'';
   }
   for (const char character : text) {

@@ -4,6 +4,7 @@
 #include "output/Json.h"
 #include "output/Terminal.h"
 
+#include <charconv>
 #include <cmath>
 
 namespace {
@@ -60,6 +61,16 @@ std::string ValueInWords(const Rows& parameters) {
   std::string value;
   AppendParameterValue(value, parameters);
   return value == "1e999" ? "inf" : value == "-1e999" ? "-inf" : value;
+}
+
+std::optional<double> NumberIn(std::string_view text) {
+  if (text.starts_with('+') && !text.starts_with("+-")) {
+    text.remove_prefix(1);
+  }
+  double number = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
+  const bool whole = read.ec == std::errc() && read.ptr == text.data() + text.size();
+  return whole && std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
 std::string ParameterInWords(const Rows& parameters) {

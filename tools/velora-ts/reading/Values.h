@@ -2,6 +2,7 @@
 
 #include "reading/Rows.h"
 
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -20,6 +21,8 @@ void AppendParameterValue(std::string& json, const Rows& parameters);
 std::string ValueInWords(const Rows& parameters);
 /// Whether it is a text to whoever recorded it, not a number that is kept as one.
 bool IsText(const Rows& parameters);
+/// The number that a text reads as, as 3.10 is kept as one to keep its digits; nothing for none that can be drawn.
+std::optional<double> NumberIn(std::string_view text);
 /// Name and value, printable.
 std::string ParameterInWords(const Rows& parameters);
 

@@ -22,6 +22,8 @@ struct Seal {
   std::string previousHash;
   std::string hash;
   std::string ownHash;  ///< What `hash` should be.
+
+  bool operator==(const Seal&) const = default;
 };
 
 /// The first version of the schema that has any.

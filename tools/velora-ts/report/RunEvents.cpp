@@ -2,24 +2,12 @@
 
 #include "output/Json.h"
 #include "output/Times.h"
-
-#include <charconv>
-#include <cmath>
+#include "reading/Values.h"
 
 namespace {
 
 enum EventColumn { Number, Execution, EventName, At, Configuration };
 enum ParameterColumn { Position, Name, Kind, ValueText, ValueNumber };
-
-std::optional<double> NumberIn(std::string_view text) {
-  if (text.starts_with('+') && !text.starts_with("+-")) {
-    text.remove_prefix(1);
-  }
-  double number = 0;
-  const auto read = std::from_chars(text.data(), text.data() + text.size(), number);
-  const bool whole = read.ec == std::errc() && read.ptr == text.data() + text.size();
-  return whole && std::isfinite(number) ? std::optional(number) : std::nullopt;
-}
 
 }  // namespace
 
