@@ -2,6 +2,7 @@
 
 #include "Server.h"
 #include "durability/Recording.h"
+#include "support/Shell.h"
 #include "support/System.h"
 
 #include <functional>
@@ -30,11 +31,10 @@ class Facility : public PostgreSql {
     return "";
   }
   static void Begin() { TSInstance::BeginSession(); }
-  int Shell(const std::string& command) const {
-    return std::system(("cd '" + folder.path.string() + "' && { " + command + "\n} > said 2>&1").c_str());
-  }
+  int Shell(const std::string& command) { return RunIn(folder, command, said); }
 
   const Server server{folder / "server"};
+  std::string said;
 };
 
 void Record(const std::string& name, int events) {
@@ -82,11 +82,11 @@ TEST_F(Facility, AHostsRoleRecordsAndCanDoNothingElse) {
   const std::string refused = "expected its owner to run 'velora-ts prepare --hosts ROLE'";
   EXPECT_NE(ErrorOf(Begin).find(refused), std::string::npos) << ErrorOf(Begin);
   Configure("dbname=postgres");
-  EXPECT_EQ(Shell("'" VELORA_TS "' prepare"), 0) << ContentOf(folder / "said");
+  EXPECT_EQ(Shell("'" VELORA_TS "' prepare"), 0) << said;
   Configure("dbname=postgres user=host");
   EXPECT_NE(ErrorOf(Begin).find(refused), std::string::npos) << ErrorOf(Begin);
   Configure("dbname=postgres");
-  EXPECT_EQ(Shell("'" VELORA_TS "' prepare --hosts host"), 0) << ContentOf(folder / "said");
+  EXPECT_EQ(Shell("'" VELORA_TS "' prepare --hosts host"), 0) << said;
   PrepareFolder(folder / "host", "Backend='postgresql' Connection='dbname=postgres user=host'");
   Recording recording(
       folder / "host", "host", [](const std::string&) {}, [](const std::string&) {});
@@ -179,8 +179,7 @@ TEST_F(Facility, ADatabaseThatIsNoStoreIsRefusedAsItIs) {
 }
 
 TEST_F(Facility, AStoreOfTheFirstVersionOnServersIsRecordedIntoAsItIs) {
-  EXPECT_EQ(Shell("psql -q -v ON_ERROR_STOP=1 -d postgres -f '" SOURCE "/tests/postgresql/version-2.sql'"), 0)
-      << ContentOf(folder / "said");
+  EXPECT_EQ(Shell("psql -q -v ON_ERROR_STOP=1 -d postgres -f '" SOURCE "/tests/postgresql/version-2.sql'"), 0) << said;
   Configure("dbname=postgres");
   EXPECT_EQ(ErrorOf(Begin), "");
   Record("after", 1);
@@ -203,7 +202,7 @@ TEST_F(Facility, APeriodIsArchivedAndBroughtBackAsDocumented) {
     const std::string commands =
         "set -e; export PGDATABASE=postgres MONTH=202501\n" + page.substr(start, page.find("```", start) - start);
     folder.Write("commands", commands);
-    EXPECT_EQ(Shell("bash commands"), 0) << ContentOf(folder / "said");
+    EXPECT_EQ(Shell("bash commands"), 0) << said;
     EXPECT_EQ(Sql("SELECT COUNT(*) || ' ' || string_agg(DISTINCT event, ' ') FROM readings"), rows);
     Record("new", 0);
   }

@@ -5,7 +5,7 @@
 #include "durability/Comparison.h"
 #include "durability/Recording.h"
 
-#include <libpq-fe.h>
+#include <signal.h>
 #include <sys/mount.h>
 
 #include <chrono>
@@ -70,7 +70,7 @@ TEST_F(Faults, AConnectionThatEndsBeforeAnyStatementIsAnErrorOfThatOperationAlon
     }
     SCOPED_TRACE("before statement " + std::to_string(ended) + " of " + std::to_string(statements));
     Recording recording = Begin("ended_" + std::to_string(ended));
-    TheInterruptions() = {ended, false, nullptr, 0};
+    TheInterruptions() = {ended, nullptr, 0};
     int errors = 0;
     while (told.acknowledged.size() < records) {
       const std::string error = ErrorOfNext(recording);
@@ -88,9 +88,9 @@ TEST_F(Faults, ACommitWhoseAnswerIsLostIsAskedAfter) {
   Recording recording = Begin("lost");
   EXPECT_EQ(ErrorOfNext(recording), "");  // which makes the store first
   while (told.acknowledged.size() < records) {
-    TheInterruptions().loseCommit = true;
+    TheInterruptions().atCommit = LoseAnswer;
     EXPECT_EQ(ErrorOfNext(recording), "");
-    EXPECT_FALSE(TheInterruptions().loseCommit);
+    EXPECT_FALSE(TheInterruptions().atCommit);
   }
   ExpectAllThereOnce();
 }
@@ -100,7 +100,8 @@ TEST_F(Faults, ACommitThatACrashTookBackIsNotTakenForAnothersOfTheSameNumber) {
   Recording recording = Begin("taken_back");
   while (told.acknowledged.size() < records) {
     EXPECT_EQ(ErrorOfNext(recording), "");
-    TheInterruptions().afterCrash = [] {
+    TheInterruptions().atCommit = [](PGconn* connection) {
+      kill(PQbackendPID(connection), SIGKILL);
       for (int others = 0; others < 20;) {  // not through the database layer, which leaks what ends while it connects
         const std::unique_ptr<PGconn, decltype(&PQfinish)> other(PQconnectdb("dbname=postgres"), &PQfinish);
         const std::unique_ptr<PGresult, decltype(&PQclear)> answer(PQexec(other.get(), "SELECT pg_current_xact_id()"),

@@ -3,8 +3,6 @@
 #include "Interruptions.h"
 
 #include <dlfcn.h>
-#include <libpq-fe.h>
-#include <signal.h>
 #include <sys/socket.h>
 
 #include <cstdlib>
@@ -45,20 +43,19 @@ void BeforeStatement(PGconn* connection) {
 
 }  // namespace
 
+void LoseAnswer(PGconn* connection) {
+  PQsendQuery(connection, "COMMIT");
+  AskAboutServerOf(connection, "SELECT state = 'idle' FROM pg_stat_activity WHERE pid IN (");
+  shutdown(PQsocket(connection), SHUT_RDWR);
+  while (PGresult* const result = PQgetResult(connection)) {
+    PQclear(result);
+  }
+}
+
 extern "C" [[gnu::visibility("default")]] PGresult* PQexec(PGconn* connection, const char* statement) {
   BeforeStatement(connection);
-  if (TheInterruptions().afterCrash && std::string_view(statement) == "COMMIT") {
-    kill(PQbackendPID(connection), SIGKILL);
-    std::exchange(TheInterruptions().afterCrash, nullptr)();
-  }
-  if (TheInterruptions().loseCommit && std::string_view(statement) == "COMMIT") {
-    TheInterruptions().loseCommit = false;
-    PQsendQuery(connection, statement);
-    AskAboutServerOf(connection, "SELECT state = 'idle' FROM pg_stat_activity WHERE pid IN (");
-    shutdown(PQsocket(connection), SHUT_RDWR);
-    while (PGresult* const result = PQgetResult(connection)) {
-      PQclear(result);
-    }
+  if (TheInterruptions().atCommit && std::string_view(statement) == "COMMIT") {
+    std::exchange(TheInterruptions().atCommit, nullptr)(connection);
   }
   return Original<decltype(&PQexec)>("PQexec")(connection, statement);
 }

@@ -2,23 +2,13 @@
 
 #include "support/Query.h"
 #include "support/ScratchFolder.h"
+#include "support/Shell.h"
 
 #include <TSAL/Methods.h>
 
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
-
-#include <cstdlib>
 #include <string>
-
-/// Runs a command in a folder. @param said what it says, on both streams.
-inline int RunIn(const ScratchFolder& folder, const std::string& command, std::string& said) {
-  const std::string line = "cd '" + folder.path.string() + "' && { " + command + "\n} > said 2>&1";
-  const int status = std::system(line.c_str());
-  said = ContentOf(folder / "said");
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 /// The tests of velora-ts run the program itself, in a folder with settings and a store as the first version left it:
 /// one finished run with two sections.
