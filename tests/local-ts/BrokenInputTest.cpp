@@ -70,7 +70,7 @@ TEST_F(BrokenInput, ADatabaseThatCannotBeRecordedInIsNamedAndStaysAsItIs) {
                                         {"reading.db", "can only be read; expected"},
                                         {"text.db", "not a database"},
                                         {"other.db", "tables of another program; expected"},
-                                        {"newer.db", "version 99; expected version 2 at most: a newer program"}}) {
+                                        {"newer.db", "version 99; expected version 3 at most: a newer program"}}) {
     Configure(database);
     if (!ordinary && (database == "hidden.db"s || database == "reading.db"s)) {
       continue;

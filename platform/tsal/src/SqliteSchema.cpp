@@ -139,6 +139,20 @@ constexpr const char* version2[] = {
        FROM execution_states)",
 };
 
+// Whole microseconds, rounded to milliseconds as on a server; a text that is no time has no duration.
+#define TIME \
+  "'[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9]T[0-9][0-9]:[0-9][0-9]:[0-9][0-9].[0-9][0-9][0-9][0-9][0-9][0-9]Z'"
+constexpr const char* version3[] = {
+    "DROP VIEW durations",
+    "CREATE VIEW durations AS\n"
+    "       SELECT execution_id, CASE WHEN started_at GLOB " TIME " AND status_at GLOB " TIME
+    R"( THEN
+              ((strftime('%s', status_at) - strftime('%s', started_at)) * 1000000
+               + substr(status_at, 21, 6) - substr(started_at, 21, 6) + 500) / 1000 / 1000.0 END AS seconds
+       FROM execution_states)",
+};
+#undef TIME
+
 /// A table whose rows stay as they are.
 struct Recorded {
   const char* table;
@@ -194,6 +208,9 @@ void BringUpSqliteSchema(soci::session& sql, int from, int to) {
     for (const auto& [table, inTheWay] : recorded) {
       AddTriggers(sql, table, inTheWay);
     }
+  }
+  if (from < 3 && to >= 3) {
+    ExecuteAll(sql, version3);
   }
   AddVersion(sql, to);
 }
