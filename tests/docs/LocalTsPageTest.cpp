@@ -78,7 +78,7 @@ const std::vector<Question> questions = {
     {3, R"(good.mdoc\|0.*)"},
     {1, R"(ZValue 1\|20.*\|3.1)"},
     {2, R"(Section acquisition\|Section\|1.0\|3)"},
-    {3, R"(.*\|1.0\|.*activities.xml)"},
+    {4, R"(.*\|1.0\|.*activities.xml)"},
     {5, R"(.*\|20.*\|.*)"},
     {1, R"(1\|now\|\|)"},
 };
@@ -91,10 +91,12 @@ std::string Explained(soci::session& sql, const std::string& statement) {
   return Query(sql, (server ? "EXPLAIN " : "EXPLAIN QUERY PLAN ") + statement);
 }
 
-// What the example leaves out: an event of no run, and a seal.
+// What the example leaves out: an event of no run, a seal, and a session that registers nothing anew.
 void Add(soci::session& sql, const std::string& run) {
   sql << "INSERT INTO events (session_id, name, at) VALUES (1, 'alone', '2026-11-24T21:55:03.123456Z')";
   sql << "INSERT INTO seals VALUES (1, '" << run << "', 'now', '', '', '', '', 2, '', '')";
+  sql << "INSERT INTO sessions VALUES (2, 'second', 'Scope', '', '2026-11-25', '', '', '')";
+  sql << "INSERT INTO configurations VALUES (2, 'second', 2, '2026-11-25', '', '', '', '', '', '', '', '', '')";
 }
 
 TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
@@ -135,6 +137,44 @@ TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
           : "SELECT name FROM sqlite_master WHERE type = 'index' AND sql IS NOT NULL"));
   for (std::string index; std::getline(indexes, index);) {
     EXPECT_NE(plans.find(index), std::string::npos) << index;
+  }
+}
+
+TEST_F(LocalTsPage, DurationsAreTheSameOnBothDatabasesWhateverTheTimes) {
+  struct Row {
+    const char *from, *to, *seconds;
+  };
+  constexpr const char* noon = "2026-11-24T12:00:00.000000Z";
+  const Row rows[] = {{noon, "2026-11-24T12:00:00.100002Z", "= 0.1"},
+                      {noon, "2026-11-24T12:00:00.100500Z", "= 0.101"},
+                      {noon, "2026-11-24T11:59:59.998500Z", "= -0.002"},
+                      {noon, "2026-11-24T11:59:59.999000Z", "= -0.001"},
+                      {"2026-11-24T12:00:00.999600Z", "2026-11-24T12:00:03.999600Z", "= 3"},
+                      {noon, "2026-11-24T12:00:03.999600Z", "= 4"},
+                      {"2024-02-28T23:59:59.000000Z", "2024-03-01T00:00:00.000001Z", "= 86401"},
+                      {"2026-02-30T00:00:00.000000Z", "2026-03-03T00:00:00.000000Z", "= 86400"},
+                      {"0000-01-01T00:00:00.000000Z", "9999-12-31T23:59:59.999999Z", "= 315569520000"},
+                      {"9999-12-31T23:59:59.999000Z", "0000-01-01T00:00:00.000000Z", "= -315569519999.999"},
+                      {noon, "2026-13-01T12:00:00.000000Z", "IS NULL"},
+                      {"2026-00-10T12:00:00.000000Z", noon, "IS NULL"},
+                      {noon, "2026-11-32T12:00:00.000000Z", "IS NULL"},
+                      {noon, "2026-11-24T24:00:00.000000Z", "IS NULL"},
+                      {noon, "2026-11-24T12:00:60.000000Z", "IS NULL"},
+                      {noon, "2026-11-24T12:00:01Z", "IS NULL"},
+                      {noon, "2026-11-24T12:00:01.000000Z\n", "IS NULL"},
+                      {"-001-01-01T12:00:00.000000Z", noon, "IS NULL"},
+                      {"", "never", "IS NULL"}};
+  soci::session sql;
+  TestStore(folder / "ts.db").Open(sql);
+  long long key = 1000;
+  for (const auto& [from, to, seconds] : rows) {
+    const std::string id = std::to_string(++key);
+    sql << "INSERT INTO executions VALUES (" << id << ", '" << id << "', NULL, " << id << ", 1, NULL, '', '', 5, '"
+        << from << "')";
+    sql << "INSERT INTO statuses VALUES (" << id << ", " << id << ", 1, 14, '" << to << "')";
+    const std::string durations = " FROM durations WHERE execution_id = " + id;
+    EXPECT_EQ(Ask("SELECT 1" + durations + " AND seconds " + seconds), "1\n")
+        << from << ' ' << to << ' ' << Ask("SELECT seconds" + durations);
   }
 }
 

@@ -241,7 +241,8 @@ std::string Version2(const std::string& schema) {
 // the whole view with it. The days are those of the Julian day number.
 constexpr const char* version3 = R"(
     CREATE FUNCTION microseconds(at text) RETURNS bigint LANGUAGE sql IMMUTABLE
-    RETURN CASE WHEN at ~ '^\d{4}-(0[1-9]|1[0-2])-(0[1-9]|[12]\d|3[01])T([01]\d|2[0-3]):[0-5]\d:[0-5]\d\.\d{6}Z$' THEN
+    RETURN CASE WHEN at ~ ('^[0-9]{4}-(0[1-9]|1[0-2])-(0[1-9]|[12][0-9]|3[01])'
+                           || 'T([01][0-9]|2[0-3]):[0-5][0-9]:[0-5][0-9]\.[0-9]{6}Z$') THEN
       (((1461 * (CAST(substr(at, 1, 4) AS bigint) + 4800 + (CAST(substr(at, 6, 2) AS bigint) - 14) / 12)) / 4
        + (367 * (CAST(substr(at, 6, 2) AS bigint) - 2 - 12 * ((CAST(substr(at, 6, 2) AS bigint) - 14) / 12))) / 12
        - (3 * ((CAST(substr(at, 1, 4) AS bigint) + 4900 + (CAST(substr(at, 6, 2) AS bigint) - 14) / 12) / 100)) / 4
@@ -250,7 +251,8 @@ constexpr const char* version3 = R"(
        + CAST(substr(at, 18, 2) AS bigint)) * 1000000 + CAST(substr(at, 21, 6) AS bigint) END;
     CREATE OR REPLACE VIEW durations AS
        SELECT e.execution_id,
-              (microseconds(s.at) - microseconds(e.started_at) + 500) / 1000 / CAST(1000 AS double precision) AS seconds
+              (microseconds(s.at) - microseconds(e.started_at) + CASE WHEN s.at < e.started_at THEN -500 ELSE 500 END)
+              / 1000 / CAST(1000 AS double precision) AS seconds
        FROM executions e
        CROSS JOIN LATERAL (SELECT at FROM statuses WHERE execution_id = e.execution_id
                            ORDER BY status_id DESC LIMIT 1) s;

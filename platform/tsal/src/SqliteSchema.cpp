@@ -139,16 +139,19 @@ constexpr const char* version2[] = {
        FROM execution_states)",
 };
 
-// Whole microseconds, rounded to milliseconds as on a server; a text that is no time has no duration.
+// Whole microseconds, rounded to milliseconds as on a server; a text that is no time has no duration. The seconds are
+// taken without their fraction, which strftime rounds, and without the hour 24, which it takes.
 #define TIME \
   "'[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9]T[0-9][0-9]:[0-9][0-9]:[0-9][0-9].[0-9][0-9][0-9][0-9][0-9][0-9]Z'"
 constexpr const char* version3[] = {
     "DROP VIEW durations",
     "CREATE VIEW durations AS\n"
     "       SELECT execution_id, CASE WHEN started_at GLOB " TIME " AND status_at GLOB " TIME
-    R"( THEN
-              ((strftime('%s', status_at) - strftime('%s', started_at)) * 1000000
-               + substr(status_at, 21, 6) - substr(started_at, 21, 6) + 500) / 1000 / 1000.0 END AS seconds
+    R"(
+              AND max(substr(started_at, 12, 2), substr(status_at, 12, 2)) < '24' THEN
+              ((strftime('%s', substr(status_at, 1, 19)) - strftime('%s', substr(started_at, 1, 19))) * 1000000
+               + substr(status_at, 21, 6) - substr(started_at, 21, 6)
+               + CASE WHEN status_at < started_at THEN -500 ELSE 500 END) / 1000 / 1000.0 END AS seconds
        FROM execution_states)",
 };
 #undef TIME
