@@ -185,6 +185,14 @@ TEST_F(Facility, AStoreOfTheFirstVersionOnServersIsRecordedIntoAsItIs) {
   Record("after", 1);
   EXPECT_EQ(Sql("SELECT string_agg(DISTINCT node, ' ') || ' ' || COUNT(*) FROM readings"),
             "ZValue 0 ZValue 1 after good.mdoc 8");
+  const char* const definitions =
+      "SELECT (SELECT string_agg(pg_get_viewdef(oid), '' ORDER BY relname) FROM pg_class WHERE relkind = 'v' AND "
+      "relnamespace = 'public'::regnamespace) || (SELECT string_agg(pg_get_functiondef(oid), '' ORDER BY proname) FROM "
+      "pg_proc WHERE pronamespace = 'public'::regnamespace)";
+  Sql("CREATE DATABASE fresh");
+  Configure("dbname=fresh");
+  Begin();
+  EXPECT_EQ(Sql(definitions), Sql(definitions, "dbname=fresh"));
 }
 
 TEST_F(Facility, APeriodIsArchivedAndBroughtBackAsDocumented) {
