@@ -19,7 +19,13 @@ std::filesystem::file_time_type WrittenAt(const std::string& path) {
   return std::filesystem::last_write_time(path, unknown);
 }
 
-std::string UriOf(const std::string& path, bool closed) {
+bool HasContent(const std::string& path) {
+  std::error_code unknown;
+  const auto size = std::filesystem::file_size(path, unknown);
+  return !unknown && size > 0;
+}
+
+std::string UriOf(const std::string& path, const char* how) {
   std::string uri = path.starts_with('/') ? "file://" : "file:";
   for (const char character : path) {
     const auto byte = static_cast<unsigned char>(character);
@@ -31,7 +37,7 @@ std::string UriOf(const std::string& path, bool closed) {
       uri += escaped.data();
     }
   }
-  return uri + (closed ? "?immutable=1" : "?mode=ro");
+  return uri + how;
 }
 
 class SqliteCursor : public Cursor {
@@ -107,17 +113,25 @@ SqliteSource::SqliteSource(const std::string& path) : path(path) {
   if (!std::filesystem::exists(path, unknown)) {
     throw TsError("there is no TS store '" + path + "'; the first host that records makes it");
   }
+  Open(path, "?mode=ro");
+  // SQLite follows links, and keeps its log and its journal beside the file that they lead to.
+  const char* const name = sqlite3_db_filename(handle.get(), "main");
+  file = name;
+  ExpectOneName();
+  written = WrittenAt(file);
   // A host that has the file open keeps its log beside it. Without one, SQLite would make one for a reader as well,
   // which one who may not write the folder cannot, and which would stay behind.
-  closed = !std::filesystem::exists(path + "-wal", unknown);
-  written = WrittenAt(path);
-  Open();
+  closed = !std::filesystem::exists(sqlite3_filename_wal(name), unknown) && !HasContent(sqlite3_filename_journal(name));
+  if (closed) {
+    Open(file, "?immutable=1");
+  }
+  Begin();
 }
 
-void SqliteSource::Open() {
+void SqliteSource::Open(const std::string& name, const char* how) {
   sqlite3* opened = nullptr;
   const int result =
-      sqlite3_open_v2(UriOf(path, closed).c_str(), &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
+      sqlite3_open_v2(UriOf(name, how).c_str(), &opened, SQLITE_OPEN_READONLY | SQLITE_OPEN_URI, nullptr);
   handle.reset(opened);
   if (opened == nullptr) {
     throw std::bad_alloc();
@@ -126,9 +140,30 @@ void SqliteSource::Open() {
     throw TsError("TS store '" + path + "' cannot be opened: " + sqlite3_errmsg(opened));
   }
   sqlite3_busy_timeout(opened, longestWaitMilliseconds);
-  if (sqlite3_exec(opened, "BEGIN", nullptr, nullptr, nullptr) != SQLITE_OK) {  // one state for all questions
-    throw TsError("TS store '" + path + "' cannot be read: " + sqlite3_errmsg(opened));
+}
+
+void SqliteSource::ExpectOneName() const {
+  std::error_code unknown;
+  const auto names = std::filesystem::hard_link_count(file, unknown);
+  if (!unknown && names > 1) {
+    throw TsError("TS store '" + path + "' has " + std::to_string(names) +
+                  " names (hard links), and what hosts record may be in a log beside another one; expected one name: "
+                  "remove the others");
   }
+}
+
+// Begins to read, so that all questions are answered from one state.
+void SqliteSource::Begin() {
+  if (sqlite3_exec(handle.get(), "BEGIN; SELECT 1 FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK) {
+    return;
+  }
+  if (sqlite3_extended_errcode(handle.get()) == SQLITE_READONLY_ROLLBACK) {
+    throw TsError("TS store '" + path + "' cannot be read: a program ended while it wrote, and left '" +
+                  sqlite3_filename_journal(sqlite3_db_filename(handle.get(), "main")) +
+                  "'; expected one who may write the store to undo that: the next host, or sqlite3 '" + path +
+                  "' 'PRAGMA quick_check'");
+  }
+  throw TsError("TS store '" + path + "' cannot be read: " + sqlite3_errmsg(handle.get()));
 }
 
 bool SqliteSource::IsStore() {
@@ -141,7 +176,7 @@ std::unique_ptr<Cursor> SqliteSource::Prepare(const std::string& question) {
 }
 
 void SqliteSource::ExpectUntouched() const {
-  if (closed && WrittenAt(path) != written) {
+  if (closed && WrittenAt(file) != written) {
     throw TsError("TS store '" + path + "' was closed and began to be written while it was read; once more, please");
   }
 }

@@ -19,9 +19,12 @@ class SqliteSource : public Source {
   sqlite3* Handle() const { return handle.get(); }
 
  private:
-  void Open();
+  void Open(const std::string& name, const char* how);
+  void ExpectOneName() const;
+  void Begin();
 
   const std::string path;
+  std::string file;     // where the path leads
   bool closed = false;  // nobody had it open: read without the files that its users share
   std::filesystem::file_time_type written;
   std::unique_ptr<sqlite3, decltype(&sqlite3_close)> handle{nullptr, &sqlite3_close};
