@@ -48,4 +48,36 @@ TEST_F(Files, WhatMustFirstBeRolledBackIsNotRead) {
   EXPECT_EQ(Tool("check"), 0) << said;
 }
 
+TEST_F(Files, AKilledBackupLeavesNothingThatIsTakenForOne) {
+  ASSERT_EQ(Query(folder / "ts.db",
+                  "INSERT INTO events WITH n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 150000) "
+                  "SELECT i, 1, 1, NULL, 'event', '2026-11-25T12:00:00.000000Z' FROM n"),
+            "");
+  const auto seed = std::random_device()();
+  SCOPED_TRACE("seed " + std::to_string(seed));
+  std::mt19937 random(seed);
+  int killed = 0;
+  for (int turn = 0; turn < 40; ++turn) {
+    const std::string wait = std::to_string(0.001 * static_cast<double>(random() % 150));
+    ASSERT_EQ(Shell("rm -f copy.db; '" VELORA_TS "' backup copy.db & sleep " + wait +
+                    "; kill -9 $!; wait $! || "
+                    "echo killed; [ ! -e copy.db ] || sqlite3 copy.db 'SELECT COUNT(*) FROM events'"),
+              0);
+    killed += Says("killed") ? 1 : 0;
+    EXPECT_TRUE(!exists(folder / "copy.db") || Says("150000\n")) << wait << said;
+  }
+  EXPECT_GT(killed, 5);
+  EXPECT_EQ(Shell("rm -f copy.db; '" VELORA_TS "' backup copy.db && find . -name 'copy.db*' -not -name '*.part'"), 0);
+  EXPECT_TRUE(Says("checked: 3 executions, 150000 events\n./copy.db\n")) << said;
+  EXPECT_EQ(Shell("find copy.db -perm 0640 | grep copy"), 0);
+}
+
+TEST_F(Files, AnAnchorIsWrittenThroughNoLink) {
+  folder.Write("precious", "data\n");
+  EXPECT_EQ(Shell("ln -s precious anchor.new"), 0);
+  EXPECT_EQ(Tool("seal --anchor anchor"), 0) << said;
+  EXPECT_EQ(Tool("verify --anchor anchor"), 0) << said;
+  EXPECT_EQ(ContentOf(folder / "precious"), "data\n");
+}
+
 }  // namespace

@@ -54,7 +54,7 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
       {"backup copy.db", 3, "File exists"},
       {"backup no/such/copy.db", 3, "No such file"},
       {"", 2, "subcommand"},
-      {"seal --anchor no/such/anchor", 3, "anchor 'no/such/anchor' cannot be written"},
+      {"seal --anchor no/such/anchor", 3, "file 'no/such/anchor' cannot be written: No such file"},
       {"verify --anchor TSAL.config", 3, "is no anchor"},
       {"verify", 0, "0 findings, 0 not sealed"},
       {"backup --help", 0, "velora-ts backup /backup"},

@@ -1,17 +1,12 @@
 #include "records/Anchor.h"
 
 #include "WholeFile.h"
+#include "output/FreshFile.h"
 
 #include <TSAL/Error.h>
 
 #include <algorithm>
-#include <cerrno>
-#include <cstdio>
-#include <memory>
 #include <regex>
-#include <system_error>
-
-#include <unistd.h>
 
 using Quor::TolvaServices::TsError;
 
@@ -32,13 +27,9 @@ Anchor ReadAnchor(const std::string& file) {
 }
 
 void WriteAnchor(const std::string& file, const Anchor& anchor) {
-  const std::string fresh = file + ".new";
-  const std::string content = "seal " + std::to_string(anchor.number) + ' ' + anchor.hash + '\n';
-  std::unique_ptr<FILE, int (*)(FILE*)> stream(std::fopen(fresh.c_str(), "w"), &std::fclose);
-  if (!stream || std::fputs(content.c_str(), stream.get()) < 0 || std::fflush(stream.get()) != 0 ||
-      fsync(fileno(stream.get())) != 0 || std::rename(fresh.c_str(), file.c_str()) != 0) {
-    throw TsError("anchor '" + file + "' cannot be written: " + std::system_category().message(errno));
-  }
+  FreshFile fresh(file, 0666);
+  fresh.Write("seal " + std::to_string(anchor.number) + ' ' + anchor.hash + '\n');
+  fresh.TakeName(FreshFile::Existing::Replace);
 }
 
 std::string AnchorFinding(const Anchor& anchor, const std::vector<Seal>& seals) {

@@ -1,3 +1,4 @@
+#include "output/FreshFile.h"
 #include "output/Progress.h"
 #include "reading/SqliteSource.h"
 #include "reading/Store.h"
@@ -6,9 +7,6 @@
 #include "verbs/Verbs.h"
 
 #include <TSAL/Error.h>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <filesystem>
@@ -21,14 +19,7 @@ namespace {
 
 constexpr int pagesAtOnce = 1024;
 
-// Readable by owner and group at most, as the store is.
-void MakeFile(const std::string& file) {
-  const int made = open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR | S_IRGRP);
-  if (made < 0) {
-    throw TsError("file '" + file + "' cannot be made: " + std::system_category().message(errno));
-  }
-  close(made);
-}
+constexpr mode_t ownerAndGroup = 0640;  // as the store is
 
 sqlite3* HandleOf(const Store& store) { return static_cast<const SqliteSource&>(store.Reading()).Handle(); }
 
@@ -37,7 +28,9 @@ void Copy(const Store& store, const std::string& file) {
   const int result = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
   const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> target(opened, &sqlite3_close);
   const auto fail = [&] { throw TsError("file '" + file + "' cannot be written: " + sqlite3_errmsg(target.get())); };
-  if (result != SQLITE_OK) {
+  // Whoever opens what a killed program left would roll it back to nothing; without a journal it stays what it is.
+  if (result != SQLITE_OK ||
+      sqlite3_exec(opened, "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF", nullptr, nullptr, nullptr) != 0) {
     fail();
   }
   const std::unique_ptr<sqlite3_backup, decltype(&sqlite3_backup_finish)> copy(
@@ -56,6 +49,15 @@ void Copy(const Store& store, const std::string& file) {
   }
 }
 
+void ExpectSound(const Store& store, const Store& copy) {
+  if (const auto damage = DamageFindings(copy); !damage.empty()) {
+    throw TsError("the copy of '" + store.Name() + "' is not sound: " + damage.front());
+  }
+  if (HighestNumbers(copy) != HighestNumbers(store)) {
+    throw TsError("the copy of '" + store.Name() + "' lacks rows");
+  }
+}
+
 }  // namespace
 
 ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file) {
@@ -66,23 +68,15 @@ ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std:
                  "file of SQLite\n";
     return WrongUsage;
   }
-  const Numbers highest = HighestNumbers(store);
-  MakeFile(file);
-  try {
-    Copy(store, file);
-    store.ExpectUntouched();
-    const Store copy({Quor::TolvaServices::Local::Database::Kind::Sqlite, file});
-    if (const auto damage = DamageFindings(copy); !damage.empty()) {
-      throw TsError("the copy of '" + store.Name() + "' is not sound: " + damage.front());
-    }
-    if (HighestNumbers(copy) != highest) {
-      throw TsError("the copy of '" + store.Name() + "' lacks rows");
-    }
-  } catch (...) {
-    std::error_code ignored;
-    std::filesystem::remove(file, ignored);
-    throw;
+  if (std::error_code unknown; std::filesystem::exists(std::filesystem::symlink_status(file, unknown))) {
+    throw TsError("file '" + file + "' cannot be written: " + std::system_category().message(EEXIST));
   }
+  const Numbers highest = HighestNumbers(store);
+  FreshFile fresh(file, ownerAndGroup);
+  Copy(store, fresh.Path());
+  store.ExpectUntouched();
+  ExpectSound(store, Store({Quor::TolvaServices::Local::Database::Kind::Sqlite, fresh.Path()}));
+  fresh.TakeName(FreshFile::Existing::Keep);
   std::cout << "store '" << store.Name() << "' copied to '" << file << "' and checked: " << highest[Executions]
             << " executions, " << highest[Events] << " events\n";
   return Done;
