@@ -5,12 +5,14 @@
 #include "LoadedLibrary.h"
 #include "TiltSeriesRecording.h"
 
+#include <VeloraText/Printable.h>
 #include <VeloraTsLogging/ITsLoggingConfigurator.h>
 
 #include <filesystem>
 #include <iostream>
 
 using Quor::Velora::Unmanaged::ITsLoggingConfigurator;
+using Velora::Text::WriteLine;
 
 namespace {
 
@@ -42,7 +44,7 @@ int Main(int argc, char** argv) {
     std::cout << "Nothing was recorded: TS is not available." << std::endl;
     return NothingRecorded;
   }
-  std::cout << "Everything hangs under " << node << ", execution " << parent << std::endl;
+  WriteLine(std::cout, "Everything hangs under " + node + ", execution " + parent);
   return recording.Find<decltype(RecordTiltSeries)>("RecordTiltSeries")(options.Files().data(), options.files.size());
 }
 
@@ -52,7 +54,7 @@ int main(int argc, char** argv) {
   try {
     return Main(argc, argv);
   } catch (const std::exception& reason) {
-    std::cerr << "Nothing was recorded: " << reason.what() << std::endl;
+    WriteLine(std::cerr, std::string("Nothing was recorded: ") + reason.what());
     return SomethingFailed;
   }
 }

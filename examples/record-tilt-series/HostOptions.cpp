@@ -2,7 +2,11 @@
 
 #include "TiltSeriesRecording.h"
 
+#include <VeloraText/Printable.h>
+
 #include <filesystem>
+#include <iostream>
+#include <sstream>
 
 HostOptions::HostOptions(CLI::App& app) {
   app.add_option("--data", data,
@@ -18,7 +22,11 @@ std::optional<int> HostOptions::Parse(CLI::App& app, int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? Recorded : WrongUsage;
+    std::ostringstream help, complaint;
+    const bool asked = app.exit(error, help, complaint) == 0;
+    Velora::Text::WriteLines(std::cout, help.str());
+    Velora::Text::WriteLines(std::cerr, complaint.str());
+    return asked ? Recorded : WrongUsage;
   }
   for (std::string& file : files) {
     file = std::filesystem::absolute(file).string();

@@ -2,6 +2,8 @@
 
 #include "System.h"
 
+#include <VeloraText/Printable.h>
+
 #include <algorithm>
 #include <iostream>
 
@@ -24,7 +26,8 @@ void ProgressBar::Show(std::uint64_t done, const std::string& label) {
   const double share = total == 0 ? 0.0 : std::min(1.0, static_cast<double>(done) / static_cast<double>(total));
   const auto filled = static_cast<std::size_t>(share * static_cast<double>(barWidth));
   std::cerr << "\r[" << std::string(filled, '#') << std::string(barWidth - filled, ' ') << "] "
-            << static_cast<int>(share * 100) << " % " << label.substr(0, labelWidth) << "\x1b[K" << std::flush;
+            << static_cast<int>(share * 100) << " % " << Velora::Text::Printable(label.substr(0, labelWidth))
+            << "\x1b[K" << std::flush;
 }
 
 void ProgressBar::Clear() {

@@ -7,6 +7,7 @@
 #include "SeriesRecorder.h"
 #include "System.h"
 
+#include <VeloraText/Printable.h>
 #include <VeloraTsLogging/IFactory.h>
 
 #include <chrono>
@@ -20,6 +21,7 @@
 namespace fs = std::filesystem;
 using Quor::Velora::Infra::TsLogging::IFactory;
 using Quor::Velora::Infra::TsLogging::ITsLogging;
+using Velora::Text::WriteLine;
 
 namespace {
 
@@ -44,8 +46,8 @@ class Run {
                    [&](std::uint64_t bytes) { bar.Show(bytesBefore + bytes, file.filename().string()); });
       bar.Clear();
       if (!bar.IsShown()) {
-        std::cout << file.string() << ": " << counts.sections - before.sections << " sections, "
-                  << counts.parameters - before.parameters << " parameters recorded" << std::endl;
+        WriteLine(std::cout, file.string() + ": " + std::to_string(counts.sections - before.sections) + " sections, " +
+                                 std::to_string(counts.parameters - before.parameters) + " parameters recorded");
       }
     } catch (const NothingCreated& reason) {
       tsMissing = true;
@@ -61,9 +63,10 @@ class Run {
   RecordingOutcome Summarise() const {
     const std::chrono::duration<double> seconds = std::chrono::steady_clock::now() - start;
     if (counts.series == 0 && tsMissing) {
-      std::cout
-          << "Nothing was recorded: TS is not available. Either its service is absent, or it cannot be reached as "
-          << (fs::current_path() / "TSAL.config").string() << " says." << std::endl;
+      WriteLine(std::cout,
+                "Nothing was recorded: TS is not available. Either its service is absent, or it cannot be "
+                "reached as " +
+                    (fs::current_path() / "TSAL.config").string() + " says.");
       return NothingRecorded;
     }
     if (counts.series == 0) {
@@ -71,8 +74,8 @@ class Run {
       return SomethingFailed;
     }
     std::cout << "Recorded " << counts.series << " series, " << counts.sections << " sections, " << counts.events
-              << " events, " << counts.parameters << " parameters in " << seconds.count() << " seconds\n"
-              << "in the folder " << fs::current_path().string() << std::endl;
+              << " events, " << counts.parameters << " parameters in " << seconds.count() << " seconds\n";
+    WriteLine(std::cout, "in the folder " + fs::current_path().string());
     if (failed) {
       std::cout << "Not everything could be recorded: see the errors above." << std::endl;
     }
@@ -83,7 +86,7 @@ class Run {
   void Complain(const std::string& what) {
     failed = true;
     bar.Clear();
-    std::cerr << what << std::endl;
+    WriteLine(std::cerr, what);
   }
 
   ITsLogging& logging;
@@ -100,7 +103,7 @@ int Guarded(const Work& work) {
   try {
     return work();
   } catch (const std::exception& reason) {
-    std::cerr << "Nothing was recorded: " << reason.what() << std::endl;
+    WriteLine(std::cerr, std::string("Nothing was recorded: ") + reason.what());
     return SomethingFailed;
   }
 }

@@ -3,6 +3,8 @@
 #include "HostOptions.h"
 #include "TiltSeriesRecording.h"
 
+#include <VeloraText/Printable.h>
+
 #include <iostream>
 
 namespace {
@@ -23,7 +25,7 @@ int main(int argc, char** argv) {
   try {
     return Main(argc, argv);
   } catch (const std::exception& reason) {
-    std::cerr << reason.what() << std::endl;
+    Velora::Text::WriteLine(std::cerr, reason.what());
     return SomethingFailed;
   }
 }

@@ -84,22 +84,25 @@ TEST_F(RecordTiltSeries, WhatIsBrokenIsNamedWithItsLineAndEverythingElseIsRecord
       {"[", ":5: '[' has no ']'"},
       {"[ZValue]", ":5: '[ZValue]' is not understood"},
       {"[zvalue = 2]", ":5: '[zvalue = 2]' opens an unknown section; expected [ZValue = n], [FrameSet = n], [Mont"},
-      {"\x1b]0;\a\xFF\0"s + std::string(200, 'x'), ":5: '?]0;?\xFF?" + std::string(73, 'x') + "...' is not understood"},
+      {"\x1b]0;\a\xFF\0"s + std::string(200, 'x'),
+       ":5: '?]0;?\uFFFD?" + std::string(73, 'x') + "...' is not understood"},
       {"A = " + std::string(std::size_t{1024} * 1024, 'x'), ":5: line is longer than expected"}};
   Words words = {"/folder.mdoc: cannot be read: it is a folder", "/missing.mdoc: cannot be opened: No such",
                  "/proc/self/mem:1: cannot be read", "Not everything"};
   std::string expected = "4|mem|NULL|NULL\n14|empty.mdoc|NULL|NULL\n";
   for (std::size_t i = 0; i < std::size(rows); ++i) {
     const auto& [text, message] = rows[i];
-    const std::string file = std::to_string(i) + " 'n\" [q].mdoc", status = i < 2 ? "14" : "4";  // the first are whole
+    const std::string name = std::to_string(i) + " 'n\" [q]", status = i < 2 ? "14" : "4";  // the first are whole
+    const std::string file = name + "\x1b.mdoc";
     folder.Write(file, i < 2 ? text : "V = 1\n[ZValue = 0]\n[ZValue = 1]\nB = 2\n" + text + "\nC = 3\n[ZValue = 9]\n");
-    words.push_back((folder / file).string() + message);
+    words.push_back((folder / (name + "\u241b.mdoc")).string() + message);
     expected += status + "|" + file + "|V|1\n14|ZValue 0|FramesOnDisk|0\n" + status + "|ZValue 1|B|2\n" + status +
                 "|ZValue 1|FramesOnDisk|0\n";
   }
   folder.Write("empty.mdoc", "");
   create_directory(folder / "folder.mdoc");
-  Record("folder.mdoc missing.mdoc /proc/self/mem empty.mdoc ?\\ *.mdoc", 1, words);
+  const std::string output = Record("folder.mdoc missing.mdoc /proc/self/mem empty.mdoc ?\\ *.mdoc", 1, words);
+  EXPECT_EQ(output.find('\x1b'), std::string::npos) << output;
   EXPECT_EQ(Recorded("SELECT status, x.node, parameter, CAST(value_number AS INTEGER) FROM execution_states x "
                      "LEFT JOIN readings r USING (execution_id) ORDER BY execution_id, event_id, position"),
             expected);
@@ -168,9 +171,9 @@ TEST_F(RecordTiltSeries, AHostThatKnowsTheLibraryByItsFileHasAllHangUnderOneExec
 }
 
 TEST_F(RecordTiltSeries, OnATerminalABarShowsBytesRead) {
-  folder.Write("a.mdoc", "A = 1\nB = 2\n");
-  const std::string output = Run("script -qec \"'" RECORD_TILT_SERIES "' a.mdoc a.mdoc\" /dev/null", 0,
-                                 {"\r[#######                       ] 25 % a.mdoc", "Recorded 2 series"});
+  folder.Write("a\x1b.mdoc", "A = 1\nB = 2\n");
+  const std::string output = Run("script -qec \"'" RECORD_TILT_SERIES "' a*.mdoc a*.mdoc\" /dev/null", 0,
+                                 {"\r[#######                       ] 25 % a\u241b.mdoc", "Recorded 2 series"});
   EXPECT_EQ(output.find("parameters recorded"), std::string::npos) << output;
 }
 

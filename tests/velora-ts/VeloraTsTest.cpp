@@ -9,6 +9,7 @@
 
 namespace {
 
+using std::string_literals::operator""s;
 using VeloraTs = ToolTest;
 
 TEST_F(VeloraTs, AnswersWithACodeAndWords) {
@@ -50,6 +51,7 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
       {"export --until 2026-11-26 last", 2, "--since"},
       {"export last --format xml", 2, "xml"},
       {"export last > /dev/full", 3, "No space left"},
+      {"check > /dev/full", 3, "No space left"},
       {"backup copy.db", 0, "copied to 'copy.db' and checked: 4 executions, 3 events"},
       {"backup copy.db", 3, "File exists"},
       {"backup no/such/copy.db", 3, "No such file"},
@@ -63,6 +65,32 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
   for (const auto& [arguments, code, words] : rows) {
     EXPECT_EQ(Tool(arguments), code) << arguments << ": " << said;
     EXPECT_TRUE(Says(words)) << arguments << ": " << said;
+  }
+}
+
+TEST_F(VeloraTs, NothingThatItSaysSteersATerminal) {
+  static const std::string steering = "\x1b[2J\u009B\u061C\u202E\u2066\u200B\U000E0041\xFF";
+  const auto store = [this](const std::string& name, const std::string& statements) {
+    create_directory(folder / name);
+    folder.Write(name + "/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='../" + name + ".db'/></TSAL>");
+    folder.Write("statements", statements);
+    EXPECT_EQ(Shell("cp ts.db " + name + ".db && sqlite3 " + name + ".db < statements"), 0) << said;
+  };
+  BringUp();
+  store("foreign", "CREATE TRIGGER \"" + steering + "\" BEFORE INSERT ON events BEGIN SELECT 1; END;");
+  store("malformed", "PRAGMA writable_schema = ON; INSERT INTO sqlite_master VALUES ('table', '" + steering +
+                         "', 'x', 3, 'CREATE TABLE x');");
+  create_directory(folder / "setting");
+  folder.Write("setting/TSAL.config", "<TSAL><Database Backend='\u009B\u202E' Connection='x'/></TSAL>");
+  for (const std::string& arguments :
+       {"verify --config foreign"s, "check --config foreign"s, "check --config malformed"s, "check --config setting"s,
+        "check --config '" + steering + "'", "backup '" + steering + ".db'", "report last -o '" + steering + ".html'",
+        "show '" + steering + "'", "runs '" + steering + "'"}) {
+    Tool(arguments);
+    EXPECT_TRUE(Says("\uFFFD\uFFFD")) << arguments << ": " << said;
+    for (const std::string raw : {"\x1b", "\u009B", "\u061C", "\u202E", "\u2066", "\u200B", "\U000E0041", "\xFF"}) {
+      EXPECT_FALSE(Says(raw)) << arguments << ": " << said;
+    }
   }
 }
 

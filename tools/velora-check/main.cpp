@@ -4,6 +4,7 @@
 
 #include "LoadedLibrary.h"
 
+#include <VeloraText/Printable.h>
 #include <VeloraTsLogging/IFactory.h>
 
 #include <cstdlib>
@@ -17,6 +18,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using Quor::Velora::Infra::TsLogging::ITsLogging;
+using Velora::Text::WriteLine;
+using Velora::Text::WriteLines;
 
 enum ExitCode { Usable = 0, Failed = 1, NotUsable = 3 };
 
@@ -72,15 +75,16 @@ ExitCode Tell(const std::string& logFile) {
       reasons += "  " + line.substr(line.find('[')) + '\n';
     }
   }
-  std::cout << "Current directory: " << fs::current_path().string() << '\n' << "Data root: " << dataRoot << '\n';
+  WriteLine(std::cout, "Current directory: " + fs::current_path().string());
+  WriteLine(std::cout, "Data root: " + dataRoot);
   if (reasons.empty()) {
     std::cout << "TS can be used\n";
     return Usable;
   }
-  std::cout << "TS cannot be used:\n" << reasons;
+  WriteLines(std::cout, "TS cannot be used:\n" + reasons);
   for (const fs::path& folder : {fs::current_path(), fs::path(dataRoot)}) {
     for (const char* const file : {"TSAL.config", "activities.xml"}) {
-      std::cout << (exists(folder / file) ? "  there:   " : "  missing: ") << (folder / file).string() << '\n';
+      WriteLine(std::cout, (exists(folder / file) ? "  there:   " : "  missing: ") + (folder / file).string());
     }
   }
   return NotUsable;
@@ -97,7 +101,7 @@ int main() {
     BringUp(component, configuration.path);
     return Tell(log.path);
   } catch (const std::exception& reason) {
-    std::cerr << reason.what() << '\n';
+    WriteLine(std::cerr, reason.what());
     return Failed;
   }
 }

@@ -2,14 +2,17 @@
 
 #include "LookCommands.h"
 #include "Settings.h"
+#include "output/Output.h"
 #include "verbs/Verbs.h"
 
+#include <VeloraText/Printable.h>
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
 #include <optional>
+#include <sstream>
 
 namespace {
 
@@ -38,8 +41,9 @@ class CommandLine {
     try {
       app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-      return app.exit(error) == 0 ? Done : WrongUsage;
+      return Explain(error);
     }
+    FlushOut();
     return result;
   }
 
@@ -52,6 +56,15 @@ class CommandLine {
   }
   Quor::TolvaServices::Local::Database Database() const {
     return Quor::TolvaServices::Local::ReadSettings(folder).database;
+  }
+
+  /// Writes the help that was asked for, or what is wrong with the command line.
+  ExitCode Explain(const CLI::ParseError& error) const {
+    std::ostringstream help, complaint;
+    const bool asked = app.exit(error, help, complaint) == 0;
+    Velora::Text::WriteLines(std::cout, help.str());
+    Velora::Text::WriteLines(std::cerr, complaint.str());
+    return asked ? Done : WrongUsage;
   }
 
   void AddCheck() {
@@ -144,7 +157,7 @@ int main(int argc, char** argv) {
   try {
     return CommandLine().Run(argc, argv);
   } catch (const std::exception& reason) {
-    std::cerr << reason.what() << std::endl;
+    Complain(reason.what());
     return Impossible;
   }
 }

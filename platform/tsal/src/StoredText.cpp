@@ -1,7 +1,6 @@
 #include "StoredText.h"
 
 #include <charconv>
-#include <cstdint>
 
 namespace Quor::TolvaServices::Local {
 namespace {
@@ -23,26 +22,6 @@ bool StandsAsItIs(std::string_view text) {
 }
 
 }  // namespace
-
-std::size_t SequenceLength(std::string_view rest) {
-  const auto byte = [&](std::size_t at) -> std::uint32_t {
-    return at < rest.size() ? static_cast<unsigned char>(rest[at]) : 0U;
-  };
-  const auto continues = [&](std::size_t at) { return (byte(at) & 0xC0U) == 0x80U; };
-  const std::uint32_t first = byte(0);
-  if (first < 0x80) {
-    return 1;
-  }
-  if (first < 0xE0) {
-    return first >= 0xC2 && continues(1) ? 2 : 0;
-  }
-  if (first < 0xF0) {
-    const std::uint32_t point = ((first & 0x0FU) << 12U) | ((byte(1) & 0x3FU) << 6U);
-    return continues(1) && continues(2) && point >= 0x800 && (point < 0xD800 || point > 0xDFFF) ? 3 : 0;
-  }
-  const std::uint32_t point = ((first & 0x07U) << 18U) | ((byte(1) & 0x3FU) << 12U);
-  return first < 0xF5 && continues(1) && continues(2) && continues(3) && point >= 0x10000 && point <= 0x10FFFF ? 4 : 0;
-}
 
 std::string ToStoredText(std::string_view text) {
   if (StandsAsItIs(text)) {

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstddef>
+#include <VeloraText/Character.h>
+
 #include <string>
 #include <string_view>
 
@@ -10,9 +11,7 @@
 
 namespace Quor::TolvaServices::Local {
 
-/// Length of the UTF-8 sequence at the start of `rest`; 0 when there is no valid one. Neither overlong forms nor
-/// surrogates nor points above U+10FFFF are valid.
-std::size_t SequenceLength(std::string_view rest);
+using Velora::Text::SequenceLength;
 
 std::string ToStoredText(std::string_view text);
 std::string FromStoredText(std::string_view stored);

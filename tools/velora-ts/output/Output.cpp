@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <iostream>
 #include <system_error>
 
 namespace {
@@ -18,6 +19,10 @@ namespace {
 }
 
 }  // namespace
+
+void Say(std::string_view line) { WriteOut(Printable(line) + '\n'); }
+
+void Complain(std::string_view line) { Velora::Text::WriteLine(std::cerr, line); }
 
 void WriteOut(std::string_view text) {
   if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <VeloraText/Printable.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -12,8 +14,8 @@ struct Terminal {
   bool colours;
 };
 
-/// A text as it can be shown on one line: what would steer a terminal becomes a sign that stands for it.
-std::string Printable(std::string_view text);
+using Velora::Text::Printable;
+
 /// How many columns a printable text takes.
 std::size_t WidthOf(std::string_view printable);
 /// Its beginning and an ellipsis where it is wider than that.

@@ -44,10 +44,10 @@ function sequenceLength(bytes, at) {
 function splitAtControls(text) {
   const parts = [];
   for (const piece of text.split(
-    /([\u0000-\u001f\u007f-\u009f\u200b-\u200f\u2028-\u202e\u2060-\u2069\ufeff]|\p{Cs})/u,
+    /([\u0000-\u001f\u007f-\u009f\u061c\u200b-\u200f\u2028-\u202e\u2060-\u206f\ufeff\u{e0000}-\u{e007f}]|\p{Cs})/u,
   )) {
     const code = piece.codePointAt(0);
-    const special = piece.length === 1 && /[\p{Cc}\p{Cf}\p{Zl}\p{Zp}\p{Cs}]/u.test(piece);
+    const special = /^[\p{Cc}\p{Cf}\p{Zl}\p{Zp}\p{Cs}]$/u.test(piece);
     if (!special) {
       parts.push([piece, false]);
     } else if (code >= 0xdc80 && code <= 0xdcff) {

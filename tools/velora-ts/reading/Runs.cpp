@@ -2,6 +2,7 @@
 
 #include "StoredText.h"
 #include "output/Json.h"
+#include "output/Output.h"
 #include "output/Terminal.h"
 #include "reading/Rows.h"
 #include "reading/Store.h"
@@ -9,7 +10,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <iostream>
 #include <utility>
 
 namespace {
@@ -77,9 +77,9 @@ std::optional<Run> TheRunNamed(const Store& store, const std::string& name) {
   if (runs.size() == 1) {
     return runs.front();
   }
-  std::cerr << (runs.empty() ? "no run is called '" : "more than one run is called '") << Printable(name) << "'\n";
+  Complain((runs.empty() ? "no run is called '" : "more than one run is called '") + name + '\'');
   for (const Run& run : runs) {
-    std::cerr << InWords(run) << '\n';
+    Complain(InWords(run));
   }
   return std::nullopt;
 }

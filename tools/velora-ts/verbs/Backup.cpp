@@ -1,4 +1,5 @@
 #include "output/FreshFile.h"
+#include "output/Output.h"
 #include "output/Progress.h"
 #include "reading/SqliteSource.h"
 #include "reading/Store.h"
@@ -10,7 +11,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <iostream>
 #include <system_error>
 
 using Quor::TolvaServices::TsError;
@@ -63,9 +63,9 @@ void ExpectSound(const Store& store, const Store& copy) {
 ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file) {
   const Store store(database);
   if (store.Kind() == Store::Database::Kind::PostgreSql) {
-    std::cerr << "a server's own tools copy what is on it: pg_dump --format=custom --file='" << file
-              << "' for this database (docs/postgresql.md), pg_basebackup for the whole server; velora-ts copy makes a "
-                 "file of SQLite\n";
+    Complain("a server's own tools copy what is on it: pg_dump --format=custom --file='" + file +
+             "' for this database (docs/postgresql.md), pg_basebackup for the whole server; velora-ts copy makes a "
+             "file of SQLite");
     return WrongUsage;
   }
   if (std::error_code unknown; std::filesystem::exists(std::filesystem::symlink_status(file, unknown))) {
@@ -77,7 +77,7 @@ ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std:
   store.ExpectUntouched();
   ExpectSound(store, Store({Quor::TolvaServices::Local::Database::Kind::Sqlite, fresh.Path()}));
   fresh.TakeName(FreshFile::Existing::Keep);
-  std::cout << "store '" << store.Name() << "' copied to '" << file << "' and checked: " << highest[Executions]
-            << " executions, " << highest[Events] << " events\n";
+  Say("store '" + store.Name() + "' copied to '" + file + "' and checked: " + std::to_string(highest[Executions]) +
+      " executions, " + std::to_string(highest[Events]) + " events");
   return Done;
 }

@@ -1,5 +1,6 @@
 #include "Schema.h"
 #include "Settings.h"
+#include "output/Output.h"
 #include "reading/Rows.h"
 #include "reading/Runs.h"
 #include "reading/Store.h"
@@ -8,27 +9,26 @@
 
 #include <TSAL/Methods.h>
 
-#include <iostream>
+#include <string>
 
 namespace {
 
 void SayHowMuch(const Store& store) {
-  const char* separator = "records: ";
+  std::string records;
   for (const char* table : {"sessions", "registrations", "activities", "activity_versions", "configurations",
                             "executions", "statuses", "events", "parameters"}) {
     Rows rows(store, "SELECT COUNT(*) FROM " + std::string(table));
     rows.Next();
-    std::cout << separator << rows.Text(0) << ' ' << table;
-    separator = ", ";
+    records += (records.empty() ? "records: " : ", ") + std::string(rows.Text(0)) + ' ' + table;
   }
-  std::cout << '\n';
+  Say(records);
   Rows runs(store,
             "SELECT COUNT(*), (SELECT COUNT(*) FROM unfinished WHERE parent_id IS NULL) FROM executions "
             "WHERE parent_id IS NULL");
   runs.Next();
-  std::cout << "runs: " << runs.Text(0) << ", of these unfinished: " << runs.Text(1) << '\n';
+  Say("runs: " + std::string(runs.Text(0)) + ", of these unfinished: " + std::string(runs.Text(1)));
   for (const Run& run : RunsNamed(store, "last")) {
-    std::cout << "last: " << InWords(run) << '\n';
+    Say("last: " + InWords(run));
   }
 }
 
@@ -38,19 +38,19 @@ ExitCode Check(const std::string& folder) {
   using namespace Quor::TolvaServices;
   ExitCode result = Done;
   const Local::Settings settings = Local::ReadSettings(folder);
-  std::cout << "instrument: " << settings.instrument << '\n';
+  Say("instrument: " + settings.instrument);
   if (!Types::TSInstance::IsTsServicePresent()) {
-    std::cout << "finding: the variable TSAL_SERVICE is 'absent'; hosts that have it so record nothing\n";
+    Say("finding: the variable TSAL_SERVICE is 'absent'; hosts that have it so record nothing");
     result = Found;
   }
   const Store store(settings.database);
-  std::cout << "store: " << store.Name() << '\n';
+  Say("store: " + store.Name());
   const bool older = store.SchemaVersion() < Local::schemaVersion;
-  std::cout << "schema: version " << store.SchemaVersion() << (older ? "; the next host that records brings it up" : "")
-            << '\n';
+  Say("schema: version " + std::to_string(store.SchemaVersion()) +
+      (older ? "; the next host that records brings it up" : ""));
   SayHowMuch(store);
   for (const std::string& finding : SchemaFindings(store)) {
-    std::cout << "finding: " << finding << '\n';
+    Say("finding: " + finding);
     result = Found;
   }
   store.ExpectUntouched();

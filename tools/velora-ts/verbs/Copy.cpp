@@ -3,6 +3,7 @@
 #include "Statement.h"
 #include "copying/RowWriter.h"
 #include "copying/StoredTables.h"
+#include "output/Output.h"
 #include "output/Progress.h"
 #include "reading/Rows.h"
 #include "reading/Runs.h"
@@ -15,7 +16,6 @@
 
 #include <TSAL/Error.h>
 
-#include <iostream>
 #include <optional>
 
 namespace Local = Quor::TolvaServices::Local;
@@ -242,11 +242,11 @@ ExitCode CopyStore(const Local::Database& source, const Local::Database& target)
       ContentOf(copy, upTo, progress) == content && HighestNumbers(copy) == upTo && ReadSeals(copy) == ReadSeals(from);
   from.ExpectUntouched();
   if (!equal) {
-    std::cout << "finding: '" << copy.Name() << "' is no copy of '" << from.Name() << "': its records are others\n";
+    Say("finding: '" + copy.Name() + "' is no copy of '" + from.Name() + "': its records are others");
     return Found;
   }
-  std::cout << "store '" << from.Name() << "' copied to '" << copy.Name()
-            << "' and compared: " << content.counts[Executions] << " executions, " << content.counts[Events]
-            << " events, " << content.counts[Parameters] << " parameters, hash " << content.hash << '\n';
+  Say("store '" + from.Name() + "' copied to '" + copy.Name() + "' and compared: " +
+      std::to_string(content.counts[Executions]) + " executions, " + std::to_string(content.counts[Events]) +
+      " events, " + std::to_string(content.counts[Parameters]) + " parameters, hash " + content.hash);
   return Done;
 }

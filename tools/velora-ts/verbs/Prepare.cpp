@@ -1,8 +1,7 @@
 #include "Connection.h"
 #include "Statement.h"
+#include "output/Output.h"
 #include "verbs/Verbs.h"
-
-#include <iostream>
 
 namespace Local = Quor::TolvaServices::Local;
 
@@ -44,7 +43,7 @@ void Grant(Local::Connection& connection, const std::string& role) {
 
 ExitCode Prepare(const Local::Database& database, const std::string& hosts) {
   if (!hosts.empty() && database.kind != Local::Database::Kind::PostgreSql) {
-    std::cerr << "a store in a file has no roles; who may record is said by the rights on the file\n";
+    Complain("a store in a file has no roles; who may record is said by the rights on the file");
     return WrongUsage;
   }
   const auto connection = Local::OpenConnection(database);
@@ -55,6 +54,6 @@ ExitCode Prepare(const Local::Database& database, const std::string& hosts) {
   } catch (const soci::soci_error& reason) {
     throw connection->ErrorOf(reason);
   }
-  std::cout << "the store is ready" << (hosts.empty() ? "" : " for the role " + hosts) << '\n';
+  Say("the store is ready" + (hosts.empty() ? "" : " for the role " + hosts));
   return Done;
 }

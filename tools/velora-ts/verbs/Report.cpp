@@ -1,4 +1,5 @@
 #include "output/Base64.h"
+#include "output/Output.h"
 #include "reading/Runs.h"
 #include "reading/Store.h"
 #include "records/Sha256.h"
@@ -12,7 +13,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <iostream>
 #include <memory>
 #include <optional>
 #include <system_error>
@@ -150,7 +150,7 @@ ExitCode Report(const Store::Database& database, const std::string& name, const 
   WritePage(page, store, *run, kept);
   store.ExpectUntouched();
   page.Finish();
-  std::cerr << InWords(*run) << ": " << kept.InWords() << ", written to '" << path << "', " << page.Bytes()
-            << " bytes\n";
+  Complain(InWords(*run) + ": " + kept.InWords() + ", written to '" + path + "', " + std::to_string(page.Bytes()) +
+           " bytes");
   return Done;
 }

@@ -2,6 +2,7 @@
 #include "Schema.h"
 #include "Statement.h"
 #include "StoredTime.h"
+#include "output/Output.h"
 #include "output/Progress.h"
 #include "reading/Runs.h"
 #include "reading/SettledStore.h"
@@ -14,7 +15,6 @@
 #include <TSAL/Error.h>
 
 #include <filesystem>
-#include <iostream>
 
 using namespace Quor::TolvaServices;
 
@@ -41,7 +41,7 @@ class Sealer {
     }
     for (const Run& run : AllRuns(store)) {
       if (IsUnfinished(store, run)) {
-        std::cout << "not sealed: " << InWords(run) << " is not finished\n";
+        Say("not sealed: " + InWords(run) + " is not finished");
       } else if (HasMore(store, run, sealed)) {
         records.WriteRun(run.root, Since(run.guid));
         Keep(run.guid, InWords(run));
@@ -62,7 +62,7 @@ class Sealer {
     seal.counts = ToText(records.Counts());
     seal.contentHash = sha.Finish();
     fresh.push_back(seal);
-    std::cout << "sealed: " << words << ", " << seal.counts << '\n';
+    Say("sealed: " + words + ", " + seal.counts);
   }
 
   const Store& store;
@@ -107,7 +107,8 @@ void Add(Local::Connection& connection, bool onServer, Anchor& end, std::vector<
 }
 
 ExitCode Refuse(const std::string& finding) {
-  std::cout << "finding: " << finding << "\nnothing was sealed on top of that; see velora-ts verify\n";
+  Say("finding: " + finding);
+  Say("nothing was sealed on top of that; see velora-ts verify");
   return Found;
 }
 
@@ -128,7 +129,7 @@ ExitCode SealWith(Local::Connection& connection, const Store& store, const std::
   if (!anchorFile.empty()) {
     WriteAnchor(anchorFile, end);
   }
-  std::cout << "newest seal: " << end.number << ' ' << end.hash << '\n';
+  Say("newest seal: " + std::to_string(end.number) + ' ' + end.hash);
   return Done;
 }
 

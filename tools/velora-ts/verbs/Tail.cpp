@@ -11,7 +11,6 @@
 
 #include <chrono>
 #include <filesystem>
-#include <iostream>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -59,7 +58,7 @@ std::optional<Run> RunToFollow(const Database& database, const std::string& name
   }
   std::vector<Run> runs = NewestRun(database, false);
   if (runs.empty()) {
-    std::cerr << "waiting for a run" << std::endl;
+    Complain("waiting for a run");
   }
   while (runs.empty()) {
     std::this_thread::sleep_for(betweenLooks);
@@ -99,7 +98,7 @@ ExitCode Tail(const Database& database, const std::string& name) {
   if (!run) {
     return Found;
   }
-  std::cerr << "following " << InWords(*run) << std::endl;
+  Complain("following " + InWords(*run));
   Follower follower(*run);
   while (!follower.Look(Store(database))) {
     std::this_thread::sleep_for(betweenLooks);

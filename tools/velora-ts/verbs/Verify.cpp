@@ -1,3 +1,4 @@
+#include "output/Output.h"
 #include "output/Progress.h"
 #include "reading/Rows.h"
 #include "reading/Runs.h"
@@ -9,7 +10,6 @@
 #include "verbs/Verbs.h"
 
 #include <algorithm>
-#include <iostream>
 #include <numeric>
 
 namespace {
@@ -21,7 +21,7 @@ class Verifier {
 
   void Report(const std::vector<std::string>& lines) {
     for (const std::string& line : lines) {
-      std::cout << "finding: " << line << '\n';
+      Say("finding: " + line);
       ++findings;
     }
   }
@@ -50,7 +50,8 @@ class Verifier {
   }
 
   ExitCode Finish() const {
-    std::cout << seals.size() << " seals verified: " << findings << " findings, " << notSealed << " not sealed\n";
+    Say(std::to_string(seals.size()) + " seals verified: " + std::to_string(findings) + " findings, " +
+        std::to_string(notSealed) + " not sealed");
     return findings > 0 ? Found : notSealed > 0 ? Unsealed : Done;
   }
 
@@ -98,7 +99,7 @@ class Verifier {
   }
 
   void NotSealed(const std::string& what) {
-    std::cout << "not sealed: " << what << '\n';
+    Say("not sealed: " + what);
     ++notSealed;
   }
 
