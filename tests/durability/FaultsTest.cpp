@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sqlite3.h>
 #include <sys/stat.h>
 
 #include <chrono>
@@ -149,13 +150,16 @@ std::vector<Snapshot> PowerLosses(const std::function<bool(const std::string& pa
       }
     }
   };
+  const FaultKind cannotLock{"", Call::LockShared, SQLITE_IOERR_SHMLOCK};
+  const Quor::TolvaServices::Types::Tsid unknown("00000000-0000-4000-8000-00000000000a");
   Recording host = Host(folder.path, "host", told);
   for (int record = 0; record < 60; ++record) {
     host.Next();
-    if (record % 9 == 8) {  // an error closes the connection, the last one removes the log
-      EXPECT_THROW(Quor::TolvaServices::Methods::ActivityMethods::GetActivityExecution(
-                       Quor::TolvaServices::Types::Tsid("none"), false, nullptr),
+    if (record % 9 == 8) {  // an error of the database closes the connection, the last one removes the log
+      files.Fail(cannotLock, 1, false);
+      EXPECT_THROW(Quor::TolvaServices::Methods::ActivityMethods::GetActivityExecution(unknown, false, nullptr),
                    TsError);
+      EXPECT_FALSE(fs::exists(folder / "ts.db-wal"));
     }
     if (record % 5 == 4) {
       Query(folder / "ts.db", record % 2 == 0 ? "PRAGMA wal_checkpoint(RESTART)" : "PRAGMA wal_checkpoint(TRUNCATE)");

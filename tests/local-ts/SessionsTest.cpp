@@ -39,19 +39,33 @@ TEST_F(Sessions, NothingIsAcknowledgedIntoAFileThatIsNoLongerThere) {
   if (!System::pathsAreBytes) {
     GTEST_SKIP() << "a file stays here while a session has it open";
   }
-  for (const bool replaced : {false, true}) {
+  Begin("anothers.db");
+  Begin("elsewhere.db");
+  const std::pair<const char*, std::function<void()>> rows[] = {
+      {"removed", [] {}},
+      {"empty", [&] { folder.Write("ts.db", ""); }},
+      {"with another host's session", [&] { copy(folder / "anothers.db", folder / "ts.db"); }}};
+  for (const auto& [what, replace] : rows) {
+    SCOPED_TRACE(what);
     Begin();
     SaveEvent(Event("kept"));
-    fs::remove(folder / "ts.db");
-    if (replaced) {
-      folder.Write("ts.db", "");
-    }
+    const auto move = [&](const std::string& from, const std::string& to) {
+      for (const char* const file : {"", "-wal", "-shm"}) {
+        rename(folder / (from + file), folder / (to + file));
+      }
+    };
+    move("ts.db", "away.db");
+    replace();
+    const std::string before = ContentOf(folder / "ts.db");
     for (int attempt = 0; attempt < 3; ++attempt) {
       ExpectError([] { SaveEvent(Event("lost")); }, {"ts.db", "removed or replaced", "expected"});
     }
-    Begin();
-    SaveEvent(Event("in the new one"));
-    EXPECT_EQ(Recorded("SELECT name FROM events"), "in the new one\n");
+    EXPECT_EQ(ContentOf(folder / "ts.db"), before);
+    move("away.db", "ts.db");
+    SaveEvent(Event("back"));
+    EXPECT_EQ(Recorded("SELECT name FROM events"), "kept\nback\n");
+    Begin("elsewhere.db");
+    fs::remove(folder / "ts.db");
   }
 }
 

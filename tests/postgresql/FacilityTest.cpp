@@ -178,6 +178,22 @@ TEST_F(Facility, ADatabaseThatIsNoStoreIsRefusedAsItIs) {
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM pg_class WHERE relname = 'sessions'", "dbname=latin"), "0");
 }
 
+TEST_F(Facility, ASessionDoesNotGoOnInADatabaseThatWasMadeAnew) {
+  Sql("CREATE DATABASE lab");
+  Configure("dbname=lab");
+  const Types::SessionHandle session = TSInstance::BeginSession();
+  Sql("DROP DATABASE lab WITH (FORCE)");
+  Sql("CREATE DATABASE lab");
+  for (const std::string tables : {"0", "1"}) {  // without a store, and with one that another host made
+    const std::string error =
+        ErrorOf([&] { Methods::LoggingMethods::SaveEvent({}, Types::Tsid(), nullptr, false, session); });
+    EXPECT_NE(error.find("was removed or replaced since the session began; expected"), std::string::npos) << error;
+    EXPECT_EQ(Sql("SELECT COUNT(*) FROM pg_tables WHERE tablename = 'events'", "dbname=lab"), tables);
+    Begin();
+  }
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM events", "dbname=lab"), "0");
+}
+
 TEST_F(Facility, AStoreOfTheFirstVersionOnServersIsRecordedIntoAsItIs) {
   EXPECT_EQ(Shell("psql -q -v ON_ERROR_STOP=1 -d postgres -f '" SOURCE "/tests/postgresql/version-2.sql'"), 0) << said;
   Configure("dbname=postgres");

@@ -7,9 +7,12 @@
 
 namespace Quor::TolvaServices::Local {
 
-int Connection::StoredVersion(const std::string& name) {
+int Connection::StoredVersion() {
   const Contents contents = FindTables();
   if (!contents.any) {
+    if (opening == Opening::ExpectsStore) {
+      throw StoreReplaced(name);
+    }
     return 0;
   }
   if (!contents.isStore) {
@@ -26,20 +29,22 @@ int Connection::StoredVersion(const std::string& name) {
   return version;
 }
 
-void Connection::BringUp(const std::string& name) {
+void Connection::Rollback() { Execute(sql, "ROLLBACK"); }
+
+void Connection::BringUp() {
   Transaction transaction(*this);
   HoldSchema();
-  if (const int version = StoredVersion(name); version != schemaVersion) {  // another process may have been first
+  if (const int version = StoredVersion(); version != schemaVersion) {  // another process may have been first
     BringUpSchema(version);
     transaction.Commit();
   }
 }
 
-std::unique_ptr<Connection> OpenConnection(const Database& database) {
+std::unique_ptr<Connection> OpenConnection(const Database& database, Opening opening) {
   if (database.kind == Database::Kind::PostgreSql) {
-    return std::make_unique<PostgreSqlConnection>(database.where);
+    return std::make_unique<PostgreSqlConnection>(database.where, opening);
   }
-  return std::make_unique<SqliteConnection>(database.where);
+  return std::make_unique<SqliteConnection>(database.where, opening);
 }
 
 Transaction::~Transaction() {
@@ -47,7 +52,7 @@ Transaction::~Transaction() {
     return;
   }
   try {
-    Execute(connection.Sql(), "ROLLBACK");
+    connection.Rollback();
   } catch (...) {
     // What made the transaction end is being raised already.
   }

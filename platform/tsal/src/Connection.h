@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace Quor::TolvaServices::Local {
 
@@ -19,18 +20,32 @@ class NotReachable : public TsError {
   using TsError::TsError;
 };
 
+/// The store that a session records into is no longer the one that it began in.
+class StoreReplaced : public TsError {
+ public:
+  explicit StoreReplaced(const std::string& name)
+      : TsError("TS database '" + name +
+                "' was removed or replaced since the session began; expected it to stay until the next session") {}
+};
+
+/// Whether a connection makes the store where there is none yet.
+enum class Opening { MakesStore, ExpectsStore };
+
 /// One connection to a store, used by one operation at a time, and what the databases do each in its own way.
 class Connection {
  public:
-  Connection() = default;
+  /// @param name as errors call the database.
+  Connection(std::string name, Opening opening) : name(std::move(name)), opening(opening) {}
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
   virtual ~Connection() = default;
 
   soci::session& Sql() { return sql; }
+  const std::string& Name() const { return name; }
 
   virtual void Begin() = 0;
   virtual void Commit() = 0;
+  virtual void Rollback();
   /// The key of the next row of a table, within the transaction that adds the row.
   virtual long long NextKey(const std::string& table, const std::string& column) = 0;
   /// Lets nobody else add activities or versions until the transaction ends.
@@ -40,8 +55,10 @@ class Connection {
                       std::optional<long long> configuration) = 0;
 
   /// Whether the next operation can use it after some time without one; otherwise it is to be closed.
-  /// @throws TsError where another connection could not take its place unnoticed.
+  /// @throws StoreReplaced where its store is no longer the one that others find.
   virtual bool IsUsable() = 0;
+  /// Whether no transaction is open: then an operation that raised has left nothing behind.
+  virtual bool IsOutsideTransaction() = 0;
   /// Whether the server is gone, and with it perhaps all others.
   virtual bool IsLost() { return false; }
   /// What the database layer raised, as an error that names the database.
@@ -49,28 +66,31 @@ class Connection {
 
  protected:
   /// Makes the tables where there are none yet, and brings up a store of an earlier version.
-  /// @param name as errors call the database.
-  void BringUp(const std::string& name);
+  void BringUp();
   /// The version of the store's schema; 0 where there are no tables yet.
-  /// @throws TsError for a database of another program, or with a schema of a later version.
-  int StoredVersion(const std::string& name);
+  /// @throws StoreReplaced where there should be some; TsError for a database of another program, or with a schema of a
+  /// later version.
+  int StoredVersion();
 
   struct Contents {
     bool any = false;      ///< Whether there is any table.
     bool isStore = false;  ///< Whether there are those of a store.
   };
 
+  const std::string name;
+
  private:
   virtual Contents FindTables() = 0;
   virtual void BringUpSchema(int from) = 0;
   virtual void HoldSchema() = 0;
 
+  const Opening opening;
   soci::session sql;
 };
 
 /// Opens a store, which makes it or brings it up where that is needed.
-/// @throws NotReachable; TsError when it is no store that this code can record in.
-std::unique_ptr<Connection> OpenConnection(const Database& database);
+/// @throws NotReachable; StoreReplaced; TsError when it is no store that this code can record in.
+std::unique_ptr<Connection> OpenConnection(const Database& database, Opening opening = Opening::MakesStore);
 
 /// A write, all or nothing: rolls back unless committed.
 class Transaction {
@@ -78,7 +98,7 @@ class Transaction {
   explicit Transaction(Connection& connection) : connection(connection) { connection.Begin(); }
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
-  /// Gives up an error of the rollback: the connection is closed after a failure anyway.
+  /// Gives up an error of the rollback: a connection with an open transaction is closed.
   ~Transaction();
 
   void Commit();

@@ -39,13 +39,13 @@ std::string StateOf(const soci::soci_error& error) {
 
 }  // namespace
 
-PostgreSqlConnection::PostgreSqlConnection(const std::string& connection)
-    : connection(WithoutBlanks(connection)), name(NameOf(connection)) {
+PostgreSqlConnection::PostgreSqlConnection(const std::string& connection, Opening opening)
+    : Connection(NameOf(connection), opening), connection(WithoutBlanks(connection)) {
   Open();
   try {
     Configure();
-    if (StoredVersion(name) != schemaVersion) {
-      BringUp(name);
+    if (StoredVersion() != schemaVersion) {
+      BringUp();
     }
     MakePartitions();
   } catch (const soci::soci_error& reason) {
@@ -154,6 +154,8 @@ void PostgreSqlConnection::MakePartitions() {
 bool PostgreSqlConnection::IsUsable() {
   return PQconsumeInput(Handle()) == 1 && PQconsumeInput(Handle()) == 1 && !IsLost();
 }
+
+bool PostgreSqlConnection::IsOutsideTransaction() { return PQtransactionStatus(Handle()) == PQTRANS_IDLE; }
 
 bool PostgreSqlConnection::IsLost() { return PQstatus(Handle()) != CONNECTION_OK; }
 

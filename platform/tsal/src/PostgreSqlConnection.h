@@ -14,7 +14,7 @@ namespace Quor::TolvaServices::Local {
 class PostgreSqlConnection : public Connection {
  public:
   /// @param connection what PostgreSQL's client library takes.
-  explicit PostgreSqlConnection(const std::string& connection);
+  PostgreSqlConnection(const std::string& connection, Opening opening);
 
   void Begin() override;
   void Commit() override;
@@ -23,6 +23,7 @@ class PostgreSqlConnection : public Connection {
   void Insert(const Types::InstrumentEvent& event, long long session, std::optional<long long> execution,
               std::optional<long long> configuration) override;
   bool IsUsable() override;
+  bool IsOutsideTransaction() override;
   bool IsLost() override;
   TsError ErrorOf(const soci::soci_error& reason) override;
 
@@ -38,7 +39,6 @@ class PostgreSqlConnection : public Connection {
   pg_conn* Handle();
 
   std::string connection;
-  std::string name;         // of the database, in errors
   std::string transaction;  // the server's number of the transaction that is open,
   std::string logged;       // and what of its log was on its disk when that began
   std::optional<std::chrono::steady_clock::time_point> partitionsMade;

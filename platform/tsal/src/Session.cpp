@@ -13,7 +13,7 @@ namespace Quor::TolvaServices::Local {
 
 Session::Session(const Settings& settings, const std::string& text1, const std::string& text2, const std::string& text3)
     : database(settings.database), guid(NewGuid()) {
-  row = Run([&](Connection& connection) {
+  row = RunOn(OpenConnection(database), [&](Connection& connection) {
     Transaction transaction(connection);
     const long long key = connection.NextKey("sessions", "session_id");
     const std::string instrument = ToStoredText(settings.instrument);
@@ -33,17 +33,43 @@ Session::Session(const Settings& settings, const std::string& text1, const std::
 }
 
 std::unique_ptr<Connection> Session::Take() {
-  {
-    const std::lock_guard lock(mutex);
-    for (; !idle.empty(); idle.pop_back()) {
-      if (idle.back()->IsUsable()) {
-        std::unique_ptr<Connection> connection = std::move(idle.back());
-        idle.pop_back();
+  try {
+    while (std::unique_ptr<Connection> connection = TakeIdle()) {
+      if (connection->IsUsable()) {
         return connection;
       }
     }
+  } catch (const StoreReplaced&) {
+    CloseIdle();
+    throw;
   }
-  return OpenConnection(database);
+  return Connect();
+}
+
+std::unique_ptr<Connection> Session::TakeIdle() {
+  const std::lock_guard lock(mutex);
+  if (idle.empty()) {
+    return nullptr;
+  }
+  std::unique_ptr<Connection> connection = std::move(idle.back());
+  idle.pop_back();
+  return connection;
+}
+
+// Another store can be where this one was, and have another host's session in the same row.
+std::unique_ptr<Connection> Session::Connect() {
+  std::unique_ptr<Connection> connection = OpenConnection(database, Opening::ExpectsStore);
+  long long found = 0;
+  try {
+    Execute(connection->Sql(), "SELECT COUNT(*) FROM sessions WHERE session_id = :row AND guid = :guid", soci::use(row),
+            soci::use(guid), soci::into(found));
+  } catch (const soci::soci_error& reason) {
+    throw connection->ErrorOf(reason);
+  }
+  if (found == 0) {
+    throw StoreReplaced(connection->Name());
+  }
+  return connection;
 }
 
 void Session::Keep(std::unique_ptr<Connection> connection) noexcept {

@@ -23,10 +23,15 @@ class Session {
   const std::string& Guid() const { return guid; }
 
   /// Runs an operation on a connection and returns its result. What the database layer raises becomes a TsError that
-  /// names the database; a connection on which something was raised is closed.
+  /// names the database. A connection is closed when that was raised on it, and kept when an argument was at fault.
   template <typename Operation>
   auto Run(Operation operation) {
-    std::unique_ptr<Connection> connection = Take();
+    return RunOn(Take(), operation);
+  }
+
+ private:
+  template <typename Operation>
+  auto RunOn(std::unique_ptr<Connection> connection, const Operation& operation) {
     try {
       auto result = operation(*connection);
       Keep(std::move(connection));
@@ -36,11 +41,18 @@ class Session {
         CloseIdle();
       }
       throw connection->ErrorOf(reason);
+    } catch (const TsError&) {
+      if (connection->IsOutsideTransaction()) {
+        Keep(std::move(connection));
+      }
+      throw;
     }
   }
 
- private:
   std::unique_ptr<Connection> Take();
+  std::unique_ptr<Connection> TakeIdle();
+  /// A new connection to the store in which this session began.
+  std::unique_ptr<Connection> Connect();
   void Keep(std::unique_ptr<Connection> connection) noexcept;
   void CloseIdle();
 

@@ -9,8 +9,10 @@
 #include <sqlite3.h>
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <new>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -28,14 +30,18 @@ sqlite_api::sqlite3* HandleOf(soci::session& sql) {
 
 // SOCI takes a path within a text of keys and values, where one with quotes and blanks ends early and names another
 // file. So the file is opened here, and put in the place of the nameless database that SOCI opened.
-void Open(soci::session& sql, const std::string& database) {
+void Open(soci::session& sql, const std::string& database, Opening opening) {
   using sqlite_api::sqlite3;
   sql.open(soci::sqlite3, ":memory:");
-  // Made here, since SQLite lets everybody read what it makes; its other files get the mode of this one.
-  Velora::System::MakeOwnFile(database);
+  if (opening == Opening::MakesStore) {
+    // Made here, since SQLite lets everybody read what it makes; its other files get the mode of this one.
+    Velora::System::MakeOwnFile(database);
+  } else if (std::error_code unknown; !std::filesystem::exists(database, unknown) && !unknown) {
+    throw StoreReplaced(database);
+  }
   sqlite3* handle = nullptr;
-  const int result =
-      sqlite_api::sqlite3_open_v2(database.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+  const int create = opening == Opening::MakesStore ? SQLITE_OPEN_CREATE : 0;
+  const int result = sqlite_api::sqlite3_open_v2(database.c_str(), &handle, SQLITE_OPEN_READWRITE | create, nullptr);
   std::unique_ptr<sqlite3, decltype(&sqlite_api::sqlite3_close)> opened(handle, &sqlite_api::sqlite3_close);
   if (result == SQLITE_NOMEM) {
     throw std::bad_alloc();
@@ -94,14 +100,14 @@ void TurnOnWriteAheadLog(soci::session& sql) {
 
 }  // namespace
 
-SqliteConnection::SqliteConnection(const std::string& file) : file(file) {
-  Open(Sql(), file);
+SqliteConnection::SqliteConnection(const std::string& file, Opening opening) : Connection(file, opening) {
+  Open(Sql(), file, opening);
   try {
     Configure();
-    const int version = StoredVersion(file);  // asked first: nothing is changed in a file that is none of ours
+    const int version = StoredVersion();  // asked first: nothing is changed in a file that is none of ours
     TurnOnWriteAheadLog(Sql());
     if (version != schemaVersion) {
-      BringUp(file);
+      BringUp();
     }
   } catch (const soci::soci_error& reason) {
     throw ErrorOf(reason);
@@ -138,21 +144,22 @@ bool SqliteConnection::IsUsable() {
   int moved = 0;
   sqlite_api::sqlite3_file_control(HandleOf(Sql()), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
   if (moved != 0) {  // nobody would find what is written now
-    throw TsError("TS database '" + file +
-                  "' was removed or replaced since the session began; expected it to stay until the next session");
+    throw StoreReplaced(name);
   }
   return true;
 }
 
+bool SqliteConnection::IsOutsideTransaction() { return sqlite_api::sqlite3_get_autocommit(HandleOf(Sql())) != 0; }
+
 TsError SqliteConnection::ErrorOf(const soci::soci_error& reason) {
   if (IsBusy(reason)) {
-    return TsError("TS database '" + file + "' was being written by " +
-                   Velora::System::LockerOf(file + "-shm", writeLock) + " for more than " +
+    return TsError("TS database '" + name + "' was being written by " +
+                   Velora::System::LockerOf(name + "-shm", writeLock) + " for more than " +
                    std::to_string(longestWait.count()) +
                    " seconds; expected it to finish: " + reason.get_error_message());
   }
   // Without the statement and its values, which can be as long as what was to be recorded.
-  return TsError("TS database '" + file + "': " + reason.get_error_message());
+  return TsError("TS database '" + name + "': " + reason.get_error_message());
 }
 
 Connection::Contents SqliteConnection::FindTables() {

@@ -13,7 +13,7 @@ namespace Quor::TolvaServices::Local {
 class SqliteConnection : public Connection {
  public:
   /// @param file absolute path.
-  explicit SqliteConnection(const std::string& file);
+  SqliteConnection(const std::string& file, Opening opening);
 
   void Begin() override;
   void Commit() override;
@@ -22,6 +22,7 @@ class SqliteConnection : public Connection {
   void Insert(const Types::InstrumentEvent& event, long long session, std::optional<long long> execution,
               std::optional<long long> configuration) override;
   bool IsUsable() override;
+  bool IsOutsideTransaction() override;
   TsError ErrorOf(const soci::soci_error& reason) override;
 
  private:
@@ -30,7 +31,6 @@ class SqliteConnection : public Connection {
   void HoldSchema() override {}
   void Configure();
 
-  std::string file;
   std::chrono::microseconds waited{};  // for other writers, since the last time that none was in the way
   std::optional<SqliteEvents> events;
 };
