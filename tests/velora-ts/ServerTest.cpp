@@ -53,6 +53,32 @@ class OnServer : public PostgreSql {
     run.Status = {Enums::ActivityExecStatus::Done, DateTimeOffset::Now()};
     Methods::ActivityMethods::SaveActivityExecution(run, session);
   }
+  /// Makes a database "sealed" with two runs, in which a role "host" may record.
+  void PrepareSealed() {
+    Begin("server");
+    Record("one");
+    Record("two");
+    Sql("CREATE ROLE host LOGIN");
+    EXPECT_EQ(Tool("prepare --hosts host --config server"), 0) << said;
+    EXPECT_EQ(Tool("seal --config server"), 0) << said;
+    EXPECT_EQ(Tool("verify --config server"), 0) << said;
+    Sql("SELECT COUNT(pg_terminate_backend(pid, 5000)) FROM pg_stat_activity WHERE datname = 'postgres'",
+        "dbname=template1");  // a template has no users
+    Sql("CREATE DATABASE sealed TEMPLATE postgres", "dbname=template1");
+  }
+  /// Has the tool look at a copy of it to which something was done.
+  void Alter(const std::string& statements) const {
+    Sql("DROP DATABASE IF EXISTS altered", "dbname=template1");
+    Sql("CREATE DATABASE altered TEMPLATE sealed", "dbname=template1");
+    Sql(statements, "dbname=altered");
+    folder.Write("server/TSAL.config", "<TSAL><Database Backend='postgresql' Connection='dbname=altered'/></TSAL>");
+  }
+  /// This month, or one after it, as partitions have it in their names.
+  static std::string Month(int ahead = 0) {
+    return Sql(
+        "SELECT to_char(now() AT TIME ZONE 'UTC' + make_interval(months => " + std::to_string(ahead) + "), 'YYYYMM')",
+        "dbname=template1");
+  }
   static constexpr const char* exportAll = "export --since 2000-01-01 --config ";
 
   const Server server{folder / "of the server"};
@@ -124,12 +150,7 @@ TEST_F(OnServer, ACopyThatWasInterruptedGoesOnWhereItEnded) {
 }
 
 TEST_F(OnServer, WhatIsAlteredThereIsFound) {
-  Begin("server");
-  Record("one");
-  Record("two");
-  EXPECT_EQ(Tool("seal --config server"), 0) << said;
-  EXPECT_EQ(Tool("verify --config server"), 0) << said;
-  const std::string month = Sql("SELECT to_char(now() AT TIME ZONE 'UTC', 'YYYYMM')");
+  PrepareSealed();
   const std::pair<std::string, const char*> rows[] = {
       {"UPDATE sessions SET instrument = 'Other'", "was altered"},
       {"UPDATE events SET name = 'Other' WHERE execution_id = 1", "was altered"},
@@ -143,39 +164,139 @@ TEST_F(OnServer, WhatIsAlteredThereIsFound) {
       {"UPDATE executions SET root_id = 2 WHERE execution_id = 1", "has another root than its parent"},
       {"DELETE FROM seals WHERE seal_id = 2", "seal 2 is missing"},
       {"UPDATE seals SET counts = ''", "was altered"},
-      {"TRUNCATE parameters_" + month, "was altered"},
-      {"DROP TRIGGER events_no_change ON events", "the trigger that refuses to change rows of table events is missing"},
-      {"ALTER TABLE events_" + month + " DISABLE TRIGGER USER", "is not what it should be"},
-      {"DROP TRIGGER parameters_copied_no_truncate ON parameters_copied", "the trigger that refuses to empty table"},
-      {"CREATE OR REPLACE FUNCTION refuse_change() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END'",
-       "is not what it should be"},
-      {"CREATE FUNCTION mine() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END'; CREATE TRIGGER mine BEFORE "
-       "INSERT ON events FOR EACH ROW EXECUTE FUNCTION mine()",
-       "is none of TS's"},
-      {"CREATE FUNCTION \"RI_FKey_mine\"() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NULL; END'; CREATE "
-       "TRIGGER "
-       "mine BEFORE INSERT ON statuses FOR EACH ROW EXECUTE FUNCTION \"RI_FKey_mine\"()",
-       "is none of TS's"},
-      {"CREATE RULE mine AS ON INSERT TO statuses DO INSTEAD NOTHING", "rule mine on statuses is none of TS's"},
-      {"DROP TRIGGER statuses_no_change ON statuses; CREATE TRIGGER statuses_no_change BEFORE UPDATE OR DELETE ON "
-       "statuses FOR EACH ROW WHEN (false) EXECUTE FUNCTION refuse_change('statuses')",
-       "is not what it should be"}};
-  Sql("SELECT COUNT(pg_terminate_backend(pid, 5000)) FROM pg_stat_activity WHERE datname = 'postgres'",
-      "dbname=template1");  // a template has no users
-  Sql("CREATE DATABASE sealed TEMPLATE postgres", "dbname=template1");
+      {"TRUNCATE parameters_" + Month(), "was altered"}};
   for (const auto& [statements, words] : rows) {
     SCOPED_TRACE(statements);
-    Sql("DROP DATABASE IF EXISTS altered", "dbname=template1");
-    Sql("CREATE DATABASE altered TEMPLATE sealed", "dbname=template1");
     const bool truncates = statements.find("TRUNCATE") == 0;
-    Sql((truncates ? "ALTER TABLE parameters_" + month + " DISABLE TRIGGER ALL; " : ""s) +
-            "SET session_replication_role = replica; " + statements +
-            (truncates ? "; ALTER TABLE parameters_" + month + " ENABLE TRIGGER ALL" : ""),
-        "dbname=altered");
-    folder.Write("server/TSAL.config", "<TSAL><Database Backend='postgresql' Connection='dbname=altered'/></TSAL>");
+    const std::string triggers = "ALTER TABLE parameters_" + Month();
+    Alter((truncates ? triggers + " DISABLE TRIGGER ALL; " : ""s) + "SET session_replication_role = replica; " +
+          statements + (truncates ? "; " + triggers + " ENABLE TRIGGER ALL" : ""));
     EXPECT_EQ(Tool("verify --config server"), 1);
     EXPECT_NE(said.find(words), std::string::npos) << said;
   }
+}
+
+// All in one database, since each is told by its name.
+TEST_F(OnServer, ASchemaThatIsNotWhatItWasMadeIsFoundWhateverWasDoneToIt) {
+  PrepareSealed();
+  const std::string next = Month(1);
+  const std::string last = Month(2);
+  const std::pair<std::string, std::string> rows[] = {
+      {"CREATE OR REPLACE VIEW readings AS SELECT x.root_id, x.parent_id, x.execution_id, x.node, e.event_id, e.name "
+       "AS "
+       "event, e.at, p.position, p.name AS parameter, p.kind, p.value_text, 2 * p.value_number AS value_number FROM "
+       "parameters p JOIN events e USING (event_id) LEFT JOIN executions x USING (execution_id)",
+       "view readings is not what it should be"},
+      {"DROP VIEW durations", "view durations is missing"},
+      {"DROP INDEX executions_by_root", "index btree (root_id) on executions is missing"},
+      {"CREATE UNIQUE INDEX ON executions (node)", "unique index btree (node) on executions is none of TS's"},
+      {"ALTER TABLE sessions DROP CONSTRAINT sessions_guid_key", "constraint UNIQUE (guid) on sessions is missing"},
+      {"ALTER TABLE statuses DROP CONSTRAINT statuses_execution_id_fkey", "(execution_id) on statuses is missing"},
+      {"ALTER TABLE statuses ADD CHECK (false) NOT VALID", "constraint CHECK (false) NOT VALID on statuses is none of"},
+      {"ALTER TABLE configurations ENABLE ROW LEVEL SECURITY", "row-level security of configurations is not what"},
+      {"CREATE POLICY mine ON configurations USING (false)", "policy mine on configurations is none of TS's"},
+      {"ALTER TABLE activities ALTER name DROP NOT NULL", "column name of activities is not what it should be"},
+      {"ALTER TABLE activities ADD mine text", "column mine of activities is none of TS's"},
+      {"ALTER TABLE registrations SET UNLOGGED", "table registrations is not what it should be"},
+      {"CREATE TABLE mine () INHERITS (statuses)", "table mine is none of TS's, and its rows appear in statuses"},
+      {"ALTER TABLE events ATTACH PARTITION events_forged DEFAULT",
+       "table events_forged is none of TS's, and its rows"},
+      {"ALTER TABLE events_" + last + " ALTER event_id DROP DEFAULT", "column event_id of events_" + last + " is not"},
+      {"ALTER TABLE parameters DETACH PARTITION parameters_" + next,
+       "partition of parameters for " + next + " is miss"},
+      {"ALTER SEQUENCE event_numbers NO CYCLE", "sequence event_numbers is not what it should be"},
+      {"ALTER TABLE activity_versions OWNER TO host", "owner of activity_versions is not what it should be"},
+      {"DROP TRIGGER events_no_change ON events", "trigger events_no_change on events is missing"},
+      {"ALTER TABLE events_" + Month() + " DISABLE TRIGGER ALL",
+       "trigger events_" + Month() + "_no_truncate on events_" + Month() + " is not what it should be"},
+      {"SELECT", "checking of foreign keys of events_" + Month() + " is missing"},
+      {"DROP TRIGGER parameters_copied_no_truncate ON parameters_copied",
+       "copied_no_truncate on parameters_copied is m"},
+      {"CREATE OR REPLACE FUNCTION refuse_change() RETURNS trigger LANGUAGE plpgsql AS 'BEGIN RETURN NEW; END'",
+       "function refuse_change() is not what it should be"},
+      {"CREATE OR REPLACE FUNCTION make_partitions() RETURNS void LANGUAGE sql SECURITY DEFINER SET search_path = "
+       "public, pg_temp SET lock_timeout = '1s' AS ''",
+       "function make_partitions() is not what it should be"},
+      {"CREATE TRIGGER mine BEFORE INSERT ON events FOR EACH ROW EXECUTE FUNCTION other()",
+       "trigger mine on events is none of TS's, and may change what is recorded"},
+      {"CREATE TRIGGER mine BEFORE INSERT ON statuses FOR EACH ROW EXECUTE FUNCTION \"RI_FKey_mine\"()",
+       "trigger mine on statuses is none of TS's"},
+      {"DROP TRIGGER seals_no_change ON seals; CREATE TRIGGER seals_no_change BEFORE UPDATE OR DELETE ON seals "
+       "FOR EACH ROW WHEN (false) EXECUTE FUNCTION refuse_change('seals')",
+       "trigger seals_no_change on seals is not what it should be"},
+      {"CREATE RULE mine AS ON INSERT TO statuses DO INSTEAD NOTHING", "rule mine on statuses is none of TS's"},
+      {"GRANT INSERT, UPDATE ON seals TO host", "INSERT, UPDATE on seals is granted to host"},
+      {"GRANT DELETE ON events_copied TO PUBLIC", "DELETE on events_copied is granted to everybody"},
+      {"GRANT UPDATE (name) ON events TO host", "UPDATE on column name of events is granted to host"},
+      {"GRANT UPDATE ON SEQUENCE event_numbers TO host", "UPDATE on event_numbers is granted to host"},
+      {"GRANT CREATE ON SCHEMA public TO host", "CREATE on schema public is granted to host"},
+      {"GRANT EXECUTE ON FUNCTION make_partition(bigint) TO PUBLIC", "EXECUTE on function make_partition(bigint), whi"},
+      {"CREATE FUNCTION wipe() RETURNS void LANGUAGE sql SECURITY DEFINER AS ''", "EXECUTE on function wipe(), which"},
+      {"CREATE VIEW door AS SELECT * FROM seals; GRANT INSERT ON door TO host", "INSERT on door is granted to host"},
+      {"ALTER DEFAULT PRIVILEGES GRANT UPDATE ON TABLES TO host",
+       "UPDATE on tables that velora makes is granted to ho"},
+      {"GRANT velora TO host", "role host may record, and act as the owner of the store"},
+      {"GRANT pg_write_all_data TO other", "role other may write every table of the server"},
+      {"ALTER ROLE host IN DATABASE altered SET session_replication_role = replica",
+       "replica is set for host, so that"},
+      {"CREATE SCHEMA velora; CREATE VIEW velora.unfinished AS SELECT * FROM public.unfinished WHERE false",
+       "public.unfinished is hidden by another one of that name"},
+      {"GRANT SET ON PARAMETER session_replication_role TO host", "role host may keep triggers from acting"},
+  };
+  std::string all =
+      "CREATE ROLE other; CREATE TABLE events_forged (LIKE events); CREATE FUNCTION other() RETURNS trigger LANGUAGE "
+      "plpgsql AS 'BEGIN RETURN NEW; END'; CREATE FUNCTION \"RI_FKey_mine\"() RETURNS trigger LANGUAGE plpgsql AS "
+      "'BEGIN RETURN NEW; END'";
+  for (const auto& [statement, words] : rows) {
+    all += "; " + statement;
+  }
+  Alter(all);
+  EXPECT_EQ(Tool("verify --config server"), 1);
+  for (const auto& [statement, words] : rows) {
+    EXPECT_NE(said.find(words), std::string::npos) << statement << '\n' << said;
+  }
+  Sql("DROP SCHEMA velora CASCADE", "dbname=altered");
+  EXPECT_EQ(Tool("prepare --hosts host --config server"), 1) << "it makes no partitions any more";
+  EXPECT_NE(said.find("for " + next + " is missing; a table that is none has its name"), std::string::npos) << said;
+  EXPECT_EQ(Tool("check --config server"), 1);
+  for (const char* const repaired : {"INSERT on ", "DELETE on ", "CREATE on ", "EXECUTE on ", "on column "}) {
+    EXPECT_EQ(said.find(repaired), std::string::npos) << said;
+  }
+}
+
+TEST_F(OnServer, APartitionThatIsMissingIsFoundBeforeItsMonthAndMade) {
+  PrepareSealed();
+  const std::string partition = "parameters_" + Month(1);
+  Alter("ALTER TABLE parameters DETACH PARTITION " + partition + "; DROP TABLE " + partition);
+  EXPECT_EQ(Tool("check --config server"), 1);
+  EXPECT_NE(said.find("of parameters for " + Month(1) + " is missing; velora-ts prepare makes it"), std::string::npos);
+  EXPECT_EQ(Tool("prepare --config server"), 0) << said;
+  EXPECT_EQ(Tool("verify --config server"), 0) << said;
+}
+
+TEST_F(OnServer, WhatReadersAddAndAnotherServerMakesOfItIsNoFinding) {
+  PrepareSealed();
+  Alter(
+      "CREATE VIEW mine AS SELECT * FROM events; CREATE INDEX ON executions (node); CREATE TABLE notes (id bigint "
+      "REFERENCES executions, text text); CREATE FUNCTION mine() RETURNS int LANGUAGE sql AS 'SELECT 1'; ALTER TABLE "
+      "events_" +
+      Month() +
+      " SET (fillfactor = 90); CREATE ROLE reader LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA "
+      "public TO reader; CREATE ROLE night LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA public TO PUBLIC; GRANT ALL ON "
+      "notes TO reader; ALTER DEFAULT PRIVILEGES GRANT SELECT ON TABLES TO reader; ALTER TABLE parameters DETACH "
+      "PARTITION parameters_" +
+      Month(2) + "; REINDEX TABLE executions");
+  EXPECT_EQ(Tool("verify --config server"), 0) << said;
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM pg_namespace WHERE nspname LIKE '%expected%'", "dbname=altered"), "0");
+  folder.Write("server/TSAL.config",
+               "<TSAL><Database Backend='postgresql' Connection='dbname=altered user=reader'/></TSAL>");
+  EXPECT_EQ(Tool("verify --config server"), 4) << "it may lack what an altered view hides: " << said;
+  EXPECT_NE(said.find("not compared: tables, views, functions and triggers"), std::string::npos) << said;
+  EXPECT_NE(said.find("permission denied for database altered"), std::string::npos) << said;
+  EXPECT_EQ(Tool("check --config server"), 0) << said;
+  EXPECT_EQ(Shell("createdb restored && pg_dump sealed | psql -q -v ON_ERROR_STOP=1 -d restored"), 0) << said;
+  folder.Write("server/TSAL.config", "<TSAL><Database Backend='postgresql' Connection='dbname=restored'/></TSAL>");
+  EXPECT_EQ(Tool("verify --config server"), 0) << said;
 }
 
 // A number is taken before its row can be seen: the seal waits for the row with the lower one.

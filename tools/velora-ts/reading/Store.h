@@ -16,6 +16,8 @@ class Store {
   explicit Store(const Database& database, const std::string& snapshot = "");
 
   Database::Kind Kind() const { return database.kind; }
+  /// The file, or where to connect.
+  const std::string& Where() const { return database.where; }
   /// As messages call it.
   const std::string& Name() const { return name; }
   int SchemaVersion() const { return schemaVersion; }

@@ -1,35 +1,45 @@
 #include "soundness/PostgreSqlSoundness.h"
 
 #include "PostgreSqlSchema.h"
+#include "PostgreSqlSettings.h"
+#include "Statement.h"
 #include "reading/Rows.h"
+#include "reading/Store.h"
+#include "soundness/PostgreSqlCatalog.h"
+#include "soundness/PostgreSqlRights.h"
 
-#include <map>
-#include <set>
+#include <soci/postgresql/soci-postgresql.h>
+
+#include <random>
 
 namespace Local = Quor::TolvaServices::Local;
 
 namespace {
 
-// The bits by which the server keeps when a trigger acts.
-constexpr int noChange = 1 | 2 | 8 | 16;  // before update or delete, for each row
-constexpr int noTruncate = 2 | 32;        // before truncate
+constexpr const char* schemaOfStore =
+    "SELECT quote_ident(nspname) FROM pg_namespace n JOIN pg_class c ON c.relnamespace = n.oid "
+    "WHERE c.oid = to_regclass('ts_schema')";
 
-constexpr const char* here = "c.relnamespace = CAST(quote_ident(current_schema()) AS regnamespace)";
+// Relations of the store that are not what their names mean to this connection.
+constexpr const char* hidden =
+    "SELECT CAST(c.oid AS regclass) FROM pg_class c JOIN pg_class t ON t.relnamespace = c.relnamespace "
+    "WHERE t.oid = to_regclass('ts_schema') AND c.relkind IN ('r', 'p', 'v') AND NOT pg_table_is_visible(c.oid)";
 
-/// The tables that hold records, partitions included, each with what it is to refuse.
-std::map<std::string, std::set<int>> RecordedTables(const Store& store) {
-  std::map<std::string, std::set<int>> tables;
-  for (const char* table : Local::recordedTables) {
-    tables[table] = {noChange, noTruncate};
-  }
-  const std::string partitions =
-      "SELECT c.relname FROM pg_class c JOIN pg_inherits i ON i.inhrelid = c.oid JOIN pg_class p ON p.oid = "
-      "i.inhparent WHERE p.relname IN ('events', 'parameters') AND ";
-  for (Rows rows(store, partitions + here); rows.Next();) {
-    tables[std::string(rows.Text(0))] = {noChange, noTruncate};
-  }
-  return tables;
-}
+// The month of the newest event and the next, as far as they are not over: the one after these may wait for the next
+// day of a host, a month that is over may be archived, and a store without hosts needs none. Counted in months.
+constexpr const char* missingPartitions = R"(
+    WITH needed AS (
+      SELECT to_char(month / 12, 'FM0000') || to_char(month % 12 + 1, 'FM00') AS month
+      FROM (SELECT COALESCE(MAX(event_id), 0) / 1000000000000 * 12 + COALESCE(MAX(event_id), 0) / 10000000000 % 100 - 1
+            FROM events) newest (first), LATERAL generate_series(first, first + 1) months (month))
+    SELECT 'the partition of ' || parent || ' for ' || month || ' is missing; ' ||
+           CASE WHEN to_regclass(parent || '_' || month) IS NULL THEN 'velora-ts prepare makes it'
+                ELSE 'a table that is none has its name' END
+    FROM needed, (VALUES ('events'), ('parameters')) parents (parent)
+    WHERE month >= to_char(now() AT TIME ZONE 'UTC', 'YYYYMM') AND NOT EXISTS (
+      SELECT FROM pg_inherits JOIN pg_class c ON c.oid = inhrelid
+      WHERE inhparent = to_regclass(parent)
+        AND pg_get_expr(relpartbound, c.oid) LIKE 'FOR VALUES FROM (''' || month || '0000000000'')%'))";
 
 struct Reference {
   const char* table;
@@ -63,44 +73,48 @@ std::string Dangling(const Reference& reference) {
          " IS NOT NULL AND y." + reference.targetKey + " IS NULL";
 }
 
+std::string OnOneLine(const soci::soci_error& error) {
+  const std::string text = error.get_error_message();
+  const std::size_t start = text.find("ERROR:  ");
+  return text.substr(start == std::string::npos ? 0 : start + 8, text.find('\n') - start - 8);
+}
+
+/// Makes a store of a version beside this one, looks at both, and leaves nothing behind.
+std::vector<std::string> CompareWithANewStore(soci::session& sql, const std::string& schema, int version) {
+  Local::Execute(sql, "BEGIN READ WRITE; SET LOCAL search_path = " + schema);
+  const Catalog found = ReadCatalog(sql);
+  const std::string beside = "velora_expected_" + std::to_string(std::random_device()());
+  Local::Execute(sql, "CREATE SCHEMA " + beside + "; SET LOCAL search_path = " + beside);
+  Local::BringUpPostgreSqlSchema(sql, 0, version);
+  const Catalog expected = ReadCatalog(sql);
+  Local::Execute(sql, "ROLLBACK");
+  return Differences(found, expected);
+}
+
 }  // namespace
 
-std::vector<std::string> PostgreSqlSchemaFindings(const Store& store) {
+Findings PostgreSqlSchemaFindings(const Store& store) {
+  Findings findings{RightsFindings(store), ""};
+  findings.Add(MissingPartitions(store));
+  for (Rows rows(store, hidden); rows.Next();) {
+    findings.Add({std::string(rows.Text(0)) + " is hidden by another one of that name"});
+  }
+  Rows schema(store, schemaOfStore);
+  schema.Next();
+  try {
+    soci::session sql(soci::postgresql, Local::WithoutBlanks(store.Where()));
+    Local::Execute(sql, "SET client_min_messages = error; SET statement_timeout = '30s'; SET lock_timeout = '1s'");
+    findings.Add(CompareWithANewStore(sql, std::string(schema.Text(0)), store.SchemaVersion()));
+  } catch (const soci::soci_error& reason) {
+    findings.notCompared = "tables, views, functions and triggers with those of a new store: " + OnOneLine(reason);
+  }
+  return findings;
+}
+
+std::vector<std::string> MissingPartitions(const Store& store) {
   std::vector<std::string> findings;
-  std::map<std::string, std::set<int>> missing = RecordedTables(store);
-  const std::string triggers =
-      "SELECT c.relname, t.tgname, t.tgtype, t.tgenabled IN ('O', 'A') AND t.tgqual IS NULL AND "
-      "CAST(t.tgattr AS text) = '', p.proname, p.prosrc FROM pg_trigger t "
-      "JOIN pg_class c ON c.oid = t.tgrelid JOIN pg_proc p ON p.oid = t.tgfoid WHERE NOT (t.tgisinternal AND "
-      "p.proname LIKE 'RI_FKey%' AND p.pronamespace = CAST('pg_catalog' AS regnamespace)) AND ";
-  for (Rows rows(store, triggers + here); rows.Next();) {
-    const auto table = missing.find(std::string(rows.Text(0)));
-    const std::string name = "trigger " + std::string(rows.Text(1)) + " on " + std::string(rows.Text(0));
-    if (table == missing.end()) {
-      continue;
-    }
-    if (rows.Text(4) != "refuse_change") {
-      findings.push_back(name + " is none of TS's, and may change what is recorded");
-    } else if (rows.Integer(3) == 0 || rows.Text(5) != Local::refusal) {
-      findings.push_back(name + " is not what it should be");
-      table->second.erase(static_cast<int>(rows.Integer(2)));
-    } else {
-      table->second.erase(static_cast<int>(rows.Integer(2)));
-    }
-  }
-  const std::string rules =
-      "SELECT c.relname, r.rulename FROM pg_rewrite r JOIN pg_class c ON c.oid = r.ev_class WHERE ";
-  for (Rows rows(store, rules + here); rows.Next();) {
-    if (missing.count(std::string(rows.Text(0))) > 0) {
-      findings.push_back("rule " + std::string(rows.Text(1)) + " on " + std::string(rows.Text(0)) +
-                         " is none of TS's, and may change what is recorded");
-    }
-  }
-  for (const auto& [table, kinds] : missing) {
-    for (const int kind : kinds) {
-      findings.push_back("the trigger that refuses to " + std::string(kind == noTruncate ? "empty" : "change rows of") +
-                         " table " + table + " is missing");
-    }
+  for (Rows rows(store, missingPartitions); rows.Next();) {
+    findings.emplace_back(rows.Text(0));
   }
   return findings;
 }

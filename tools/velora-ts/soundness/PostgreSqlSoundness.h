@@ -1,11 +1,11 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
-class Store;
+#include "soundness/Soundness.h"
 
 // What Soundness.h asks for, of a database on a server.
 
-std::vector<std::string> PostgreSqlSchemaFindings(const Store& store);
+Findings PostgreSqlSchemaFindings(const Store& store);
 std::vector<std::string> PostgreSqlDamageFindings(const Store& store);
+
+/// Partitions that hosts should have made by now. A host that finds none for its month cannot record.
+std::vector<std::string> MissingPartitions(const Store& store);

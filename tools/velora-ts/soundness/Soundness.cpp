@@ -24,8 +24,8 @@ bool IsOnServer(const Store& store) { return store.Kind() == Store::Database::Ki
 
 }  // namespace
 
-std::vector<std::string> SchemaFindings(const Store& store) {
-  return IsOnServer(store) ? PostgreSqlSchemaFindings(store) : SqliteSchemaFindings(store);
+Findings SchemaFindings(const Store& store) {
+  return IsOnServer(store) ? PostgreSqlSchemaFindings(store) : Findings{SqliteSchemaFindings(store), ""};
 }
 
 std::vector<std::string> DamageFindings(const Store& store) {

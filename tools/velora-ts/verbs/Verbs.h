@@ -11,7 +11,7 @@ enum ExitCode {
   Found = 1,       ///< Something is wrong with the store, or what was asked for is not in it.
   WrongUsage = 2,  ///< The command line is wrong.
   Impossible = 3,  ///< The store could not be read or written.
-  Unsealed = 4,    ///< What is sealed is as it was, but not all is sealed.
+  Unsealed = 4,    ///< What is sealed is as it was, but not all is sealed, or could be compared.
 };
 
 /// Makes a store or brings it up, and lets a role of the server record in it where one is named.

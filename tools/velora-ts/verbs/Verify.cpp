@@ -26,6 +26,14 @@ class Verifier {
     }
   }
 
+  /// What an attacker may have kept from being looked at is not clean.
+  void NoteWhatIsNotCompared(const std::string& what) {
+    if (!what.empty()) {
+      Say("not compared: " + what);
+      allCompared = false;
+    }
+  }
+
   /// Computes again what each seal covers.
   void CompareContents() {
     Sealed sealed;
@@ -52,7 +60,7 @@ class Verifier {
   ExitCode Finish() const {
     Say(std::to_string(seals.size()) + " seals verified: " + std::to_string(findings) + " findings, " +
         std::to_string(notSealed) + " not sealed");
-    return findings > 0 ? Found : notSealed > 0 ? Unsealed : Done;
+    return findings > 0 ? Found : notSealed > 0 || !allCompared ? Unsealed : Done;
   }
 
  private:
@@ -108,6 +116,7 @@ class Verifier {
   Progress progress;
   int findings = 0;
   int notSealed = 0;
+  bool allCompared = true;
 };
 
 }  // namespace
@@ -116,7 +125,9 @@ ExitCode Verify(const Quor::TolvaServices::Local::Database& database, const std:
   const Store store(database);
   const std::vector<Seal> seals = ReadSeals(store);
   Verifier verifier(store, seals);
-  verifier.Report(SchemaFindings(store));
+  const Findings ofSchema = SchemaFindings(store);
+  verifier.Report(ofSchema.wrong);
+  verifier.NoteWhatIsNotCompared(ofSchema.notCompared);
   verifier.Report(DamageFindings(store));
   verifier.Report(ChainFindings(seals));
   if (!anchorFile.empty()) {
