@@ -1,5 +1,7 @@
 #include "MdocReader.h"
 
+#include <VeloraSystem/RegularFile.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -31,8 +33,8 @@ std::string Shown(std::string_view text) {
 }  // namespace
 
 MdocReader::MdocReader(const std::filesystem::path& path) : path(path.string()) {
-  if (std::filesystem::is_directory(path)) {
-    throw MdocError(this->path + ": cannot be read: it is a folder");
+  if (const std::string kind = Velora::System::KindOfNoFile(path); !kind.empty()) {
+    throw MdocError(this->path + ": cannot be read: it is " + kind + "; expected a regular file");
   }
   if (file.open(path, std::ios::in | std::ios::binary) == nullptr) {
     throw MdocError(this->path + ": cannot be opened: " + std::strerror(errno));

@@ -28,7 +28,7 @@ struct MdocLine {
 /// be "\r\n", the last one may be missing, a UTF-8 byte-order mark may stand first, and blank lines are passed over.
 class MdocReader {
  public:
-  /// @throws MdocError when the file cannot be opened.
+  /// @throws MdocError when the file cannot be opened, or is no regular file.
   explicit MdocReader(const std::filesystem::path& path);
 
   /// Reads on to the next line that says something.

@@ -87,8 +87,9 @@ TEST_F(RecordTiltSeries, WhatIsBrokenIsNamedWithItsLineAndEverythingElseIsRecord
       {"\x1b]0;\a\xFF\0"s + std::string(200, 'x'),
        ":5: '?]0;?\uFFFD?" + std::string(73, 'x') + "...' is not understood"},
       {"A = " + std::string(std::size_t{1024} * 1024, 'x'), ":5: line is longer than expected"}};
-  Words words = {"/folder.mdoc: cannot be read: it is a folder", "/missing.mdoc: cannot be opened: No such",
-                 "/proc/self/mem:1: cannot be read", "Not everything"};
+  Words words = {"/folder.mdoc: cannot be read: it is a folder; expected a regular file",
+                 "/fifo.mdoc: cannot be read: it is a FIFO; expected a regular file",
+                 "/missing.mdoc: cannot be opened: No such", "/proc/self/mem:1: cannot be read", "Not everything"};
   std::string expected = "4|mem|NULL|NULL\n14|empty.mdoc|NULL|NULL\n";
   for (std::size_t i = 0; i < std::size(rows); ++i) {
     const auto& [text, message] = rows[i];
@@ -101,7 +102,9 @@ TEST_F(RecordTiltSeries, WhatIsBrokenIsNamedWithItsLineAndEverythingElseIsRecord
   }
   folder.Write("empty.mdoc", "");
   create_directory(folder / "folder.mdoc");
-  const std::string output = Record("folder.mdoc missing.mdoc /proc/self/mem empty.mdoc ?\\ *.mdoc", 1, words);
+  Run("mkfifo fifo.mdoc", 0);
+  const std::string output =
+      Record("folder.mdoc fifo.mdoc missing.mdoc /proc/self/mem empty.mdoc ?\\ *.mdoc", 1, words);
   EXPECT_EQ(output.find('\x1b'), std::string::npos) << output;
   EXPECT_EQ(Recorded("SELECT status, x.node, parameter, CAST(value_number AS INTEGER) FROM execution_states x "
                      "LEFT JOIN readings r USING (execution_id) ORDER BY execution_id, event_id, position"),

@@ -20,7 +20,9 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
   folder.Write("empty/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='none.db'/></TSAL>");
   create_directory(folder / "other");
   folder.Write("other/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='other.db'/></TSAL>");
-  ASSERT_EQ(Shell("sqlite3 other/other.db 'CREATE TABLE microscopes (name)'"), 0);
+  create_directory(folder / "waiting");
+  folder.Write("waiting/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='fifo'/></TSAL>");
+  ASSERT_EQ(Shell("sqlite3 other/other.db 'CREATE TABLE microscopes (name)' && mkfifo waiting/fifo"), 0);
   const std::string guid = Query(folder / "ts.db", "SELECT guid FROM executions LIMIT 1").substr(0, 36);
   ASSERT_EQ(
       Shell("sqlite3 ts.db \"INSERT INTO executions SELECT 4, 'ffffffff-0000-4000-8000-000000000000', NULL, 4, 1, "
@@ -37,6 +39,7 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
       {"check --config nowhere", 3, "No such file"},
       {"check --config empty", 3, "there is no TS store"},
       {"check --config other", 3, "is no TS store; expected"},
+      {"check --config waiting", 3, "/waiting/fifo' is a FIFO; expected a regular file"},
       {"check", 0, "last: run ffffffff-0000-4000-8000-000000000000 \"grid.mdoc\" of 2026-11-26"},
       {"export last", 0, "\"number\":4,\"guid\":\"ffffffff"},
       {"export " + guid, 0, "\"guid\":\"" + guid},

@@ -1,9 +1,12 @@
+#include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/System.h>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 #include <fstream>
 #include <sstream>
 
@@ -35,6 +38,20 @@ long LockingProcess(const std::string& path, unsigned byte) {
 }  // namespace
 
 void MakeOwnFile(const std::string& path) { mknod(path.c_str(), S_IFREG | S_IRUSR | S_IWUSR | S_IRGRP, 0); }
+
+std::FILE* OpenRegularFile(const std::string& path) {
+  const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+  if (file < 0) {
+    return nullptr;
+  }
+  struct stat status {};
+  std::FILE* const opened = fstat(file, &status) == 0 && S_ISREG(status.st_mode) ? fdopen(file, "rb") : nullptr;
+  if (opened == nullptr) {
+    close(file);
+    errno = EINVAL;
+  }
+  return opened;
+}
 
 std::string ComputerName() {
   std::array<char, 257> buffer{};

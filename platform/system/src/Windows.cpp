@@ -1,12 +1,25 @@
+#include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/System.h>
 
+#include <io.h>
 #include <windows.h>
 
 #include <array>
+#include <cerrno>
 
 namespace Velora::System {
 
 void MakeOwnFile(const std::string& /*path*/) {}
+
+std::FILE* OpenRegularFile(const std::string& path) {
+  std::FILE* const file = std::fopen(path.c_str(), "rb");
+  if (file != nullptr && GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)))) != FILE_TYPE_DISK) {
+    std::fclose(file);
+    errno = EINVAL;
+    return nullptr;
+  }
+  return file;
+}
 
 std::string ComputerName() {
   std::array<char, 256> buffer{};

@@ -3,6 +3,7 @@
 #include "SqliteSchema.h"
 #include "Statement.h"
 
+#include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/System.h>
 
 #include <soci/sqlite3/soci-sqlite3.h>
@@ -32,6 +33,9 @@ sqlite_api::sqlite3* HandleOf(soci::session& sql) {
 // file. So the file is opened here, and put in the place of the nameless database that SOCI opened.
 void Open(soci::session& sql, const std::string& database, Opening opening) {
   using sqlite_api::sqlite3;
+  if (const std::string kind = Velora::System::KindOfNoFile(database); !kind.empty()) {  // SQLite would wait for a FIFO
+    throw TsError("TS database '" + database + "' is " + kind + "; expected a regular file");
+  }
   sql.open(soci::sqlite3, ":memory:");
   if (opening == Opening::MakesStore) {
     // Made here, since SQLite lets everybody read what it makes; its other files get the mode of this one.

@@ -1,11 +1,12 @@
 #include "WholeFile.h"
 
 #include <TSAL/Error.h>
+#include <VeloraSystem/RegularFile.h>
 
 #include <array>
 #include <cerrno>
-#include <filesystem>
-#include <fstream>
+#include <cstdio>
+#include <memory>
 #include <system_error>
 
 namespace Quor::TolvaServices::Local {
@@ -17,21 +18,22 @@ std::string ReadWholeFile(const std::string& path, std::uintmax_t limit) {
   if (path.find('\0') != std::string::npos) {
     fail("its name has a zero byte");  // the system would open the file that the part before it names
   }
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) {
-    fail("it is a folder");
+  if (const std::string kind = Velora::System::KindOfNoFile(path); !kind.empty()) {
+    fail("it is " + kind + "; expected a regular file");
   }
-  errno = 0;
-  std::ifstream file(path, std::ios::binary);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(Velora::System::OpenRegularFile(path), &std::fclose);
+  if (!file) {
+    fail(std::generic_category().message(errno));
+  }
   std::string content;
-  for (std::array<char, 16384> block; file.good();) {
-    file.read(block.data(), block.size());
-    content.append(block.data(), static_cast<std::size_t>(file.gcount()));
-    if (content.size() > limit) {
+  std::array<char, 16384> block;
+  while (const std::size_t read = std::fread(block.data(), 1, block.size(), file.get())) {
+    content.append(block.data(), read);
+    if (content.size() > limit) {  // whatever size the system tells: a file may grow
       fail("it is larger than expected: at most " + std::to_string(limit) + " bytes");
     }
   }
-  if (!file.is_open() || file.bad()) {
+  if (std::ferror(file.get()) != 0) {
     fail(std::generic_category().message(errno));
   }
   return content;

@@ -5,9 +5,12 @@
 
 namespace Quor::TolvaServices::Local {
 
-/// The whole content of a file, byte for byte.
+/// Larger than any settings, activities or instrument configuration that a person writes.
+inline constexpr std::uintmax_t largestFile = std::uintmax_t{64} * 1024 * 1024;
+
+/// The whole content of a regular file, links followed, byte for byte.
 /// @param limit the largest size in bytes that is accepted.
-/// @throws TsError naming the file when it cannot be read or is larger.
-std::string ReadWholeFile(const std::string& path, std::uintmax_t limit = UINTMAX_MAX);
+/// @throws TsError naming the file when it cannot be read, is none, or is larger.
+std::string ReadWholeFile(const std::string& path, std::uintmax_t limit = largestFile);
 
 }  // namespace Quor::TolvaServices::Local

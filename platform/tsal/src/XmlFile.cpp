@@ -15,8 +15,6 @@
 namespace Quor::TolvaServices::Local {
 namespace {
 
-constexpr std::uintmax_t largestFile = std::uintmax_t{16} * 1024 * 1024;
-
 std::string InQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
 
 std::string ListOf(std::initializer_list<const char*> names) {
@@ -53,7 +51,7 @@ std::size_t ReferenceToNothing(std::string_view text) {
 }  // namespace
 
 XmlFile::XmlFile(const std::string& path, const char* rootName)
-    : path(AbsoluteWhereKnown(path)), content(ReadWholeFile(path, largestFile)) {
+    : path(AbsoluteWhereKnown(path)), content(ReadWholeFile(path)) {
   const std::string expected = "expected one element " + InQuotes(rootName);
   if (const std::size_t zero = content.find('\0'); zero != std::string::npos) {
     FailAtOffset(static_cast<std::ptrdiff_t>(zero), "unexpected zero byte; expected text");  // the parser stops there

@@ -7,7 +7,7 @@
 
 namespace Quor::TolvaServices::Local {
 
-/// An XML file of at most 16 MiB in which every element and attribute must be known and stand where it may. What is
+/// An XML file of at most 64 MiB in which every element and attribute must be known and stand where it may. What is
 /// wrong raises a TsError that names file and line.
 class XmlFile {
  public:

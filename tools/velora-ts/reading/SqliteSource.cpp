@@ -1,6 +1,7 @@
 #include "reading/SqliteSource.h"
 
 #include <TSAL/Error.h>
+#include <VeloraSystem/RegularFile.h>
 
 #include <array>
 #include <cctype>
@@ -112,6 +113,9 @@ SqliteSource::SqliteSource(const std::string& path) : path(path) {
   std::error_code unknown;
   if (!std::filesystem::exists(path, unknown)) {
     throw TsError("there is no TS store '" + path + "'; the first host that records makes it");
+  }
+  if (const std::string kind = Velora::System::KindOfNoFile(path); !kind.empty()) {
+    throw TsError("TS store '" + path + "' is " + kind + "; expected a regular file");
   }
   Open(path, "?mode=ro");
   // SQLite follows links, and keeps its log and its journal beside the file that they lead to.

@@ -48,8 +48,8 @@ class TSAL_API ActivityMethods {
  public:
   /// Registers the activities that a file describes and returns every activity version in it under its name. A
   /// definition that is registered already keeps its identity.
-  /// @param activitiesFilePath an XML file of at most 16 MiB: elements Activity (Name, Description) with elements
-  ///        ActivityVersion (Name, Version, Description) in a root element Activities.
+  /// @param activitiesFilePath an XML file of at most 64 MiB: elements Activity (Name, Description) with
+  ///        elements ActivityVersion (Name, Version, Description) in a root element Activities.
   /// @throws TsError naming file and line when the file cannot be used; nothing is registered then.
   static std::map<std::string, Types::ActivityVersion> RegisterAndGetActivityVersions(
       const std::string& activitiesFilePath, const Types::SessionHandle& session);
@@ -99,7 +99,7 @@ namespace Quor::TolvaServices::Utils {
 
 class TSAL_API TypeUtils {
  public:
-  /// The whole content of a file, byte for byte.
+  /// The whole content of a regular file of at most 64 MiB, byte for byte.
   /// @throws TsError naming the file when it cannot be read.
   static std::string ReadAllTextFromFile(const std::string& path);
 };
