@@ -3,6 +3,7 @@
 #include "XmlFile.h"
 
 #include <set>
+#include <utility>
 
 namespace Quor::TolvaServices::Local {
 namespace {
@@ -10,11 +11,10 @@ namespace {
 /// Names that may stand once in a file.
 class UniqueNames {
  public:
-  std::string Take(const XmlFile& xml, pugi::xml_node element) {
+  std::string Take(const XmlFile& xml, const XmlElement& element) {
     std::string name = xml.Required(element, "Name");
     if (!names.insert(name).second) {
-      xml.Fail(element, "a second '" + std::string(element.name()) + "' is called '" + name +
-                            "'; expected a name that no other has");
+      xml.Fail(element, "a second '" + element.name + "' is called '" + name + "'; expected a name that no other has");
     }
     return name;
   }
@@ -26,25 +26,23 @@ class UniqueNames {
 }  // namespace
 
 std::vector<Types::ActivityVersion> ReadActivitiesFile(const std::string& path) {
-  const XmlFile xml(path, "Activities");
-  xml.ExpectAttributes(xml.Root(), {});
-  xml.ExpectElements(xml.Root(), "Activity");
+  const XmlFile xml(path, {{"Activities", {}},
+                           {"Activity", {"Name", "Description"}},
+                           {"ActivityVersion", {"Name", "Version", "Description"}}});
   UniqueNames activityNames;
   UniqueNames versionNames;
+  Types::Activity activity;
   std::vector<Types::ActivityVersion> versions;
-  for (const pugi::xml_node activity : xml.Root().children()) {
-    xml.ExpectAttributes(activity, {"Name", "Description"});
-    xml.ExpectElements(activity, "ActivityVersion");
-    const std::string activityName = activityNames.Take(xml, activity);
-    for (const pugi::xml_node element : activity.children()) {
-      xml.ExpectAttributes(element, {"Name", "Version", "Description"});
-      xml.ExpectElements(element, "");
+  for (const XmlElement& element : xml.Elements()) {
+    if (element.name == "Activity") {
+      activity.Name = activityNames.Take(xml, element);
+      activity.Description = element.Value("Description");
+    } else if (element.name == "ActivityVersion") {
       Types::ActivityVersion version;
       version.Name = versionNames.Take(xml, element);
       version.Version = xml.Required(element, "Version");
-      version.Description = element.attribute("Description").value();
-      version.Activity.Name = activityName;
-      version.Activity.Description = activity.attribute("Description").value();
+      version.Description = element.Value("Description");
+      version.Activity = activity;
       versions.push_back(std::move(version));
     }
   }

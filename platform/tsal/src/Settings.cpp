@@ -7,8 +7,8 @@
 #include <VeloraSystem/System.h>
 
 #include <filesystem>
-#include <iterator>
 #include <system_error>
+#include <vector>
 
 namespace Quor::TolvaServices::Local {
 
@@ -19,20 +19,15 @@ Settings ReadSettings(const std::string& folder) {
   if (error) {
     throw TsError("file 'TSAL.config' cannot be found: the current directory is unknown: " + error.message());
   }
-  const XmlFile xml(file.string(), "TSAL");
-  xml.ExpectAttributes(xml.Root(), {"Instrument"});
-  xml.ExpectElements(xml.Root(), "Database");
-  const auto databases = xml.Root().children("Database");
-  if (std::distance(databases.begin(), databases.end()) != 1) {
-    xml.Fail(databases.begin() == databases.end() ? xml.Root() : *std::next(databases.begin()),
-             "expected one element 'Database' in 'TSAL'");
+  const XmlFile xml(file.string(), {{"TSAL", {"Instrument"}}, {"Database", {"Backend", "Connection"}}});
+  const std::vector<XmlElement>& elements = xml.Elements();
+  if (elements.size() != 2) {
+    xml.Fail(elements[elements.size() > 2 ? 2 : 0], "expected one element 'Database' in 'TSAL'");
   }
-  const pugi::xml_node database = *databases.begin();
-  xml.ExpectAttributes(database, {"Backend", "Connection"});
-  xml.ExpectElements(database, "");
+  const XmlElement& database = elements[1];
   const std::string backend = xml.Required(database, "Backend");
   const std::string connection = xml.Required(database, "Connection");
-  const std::string given = xml.Root().attribute("Instrument").value();
+  const std::string given = elements[0].Value("Instrument");
   const std::string instrument = given.empty() ? Velora::System::ComputerName() : given;
   if (backend == "sqlite3") {
     return {instrument, {Database::Kind::Sqlite, (file.parent_path() / connection).string()}};

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <pugixml.hpp>
+#include "XmlParser.h"
 
-#include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace Quor::TolvaServices::Local {
 
@@ -11,28 +11,25 @@ namespace Quor::TolvaServices::Local {
 /// wrong raises a TsError that names file and line.
 class XmlFile {
  public:
-  /// @throws TsError when the file cannot be read, is empty, too large, not well-formed, or has another root element.
-  XmlFile(const std::string& path, const char* rootName);
+  /// @param levels what may stand in it, from the root on.
+  /// @throws TsError when the file cannot be read, is too large, not well-formed, or holds something else.
+  XmlFile(const std::string& path, const std::vector<XmlLevel>& levels);
 
-  pugi::xml_node Root() const { return root; }
+  /// All of them in their order, the root first.
+  const std::vector<XmlElement>& Elements() const { return elements; }
 
-  /// Refuses attributes that are not named here or stand twice.
-  void ExpectAttributes(pugi::xml_node element, std::initializer_list<const char*> names) const;
-  /// Refuses text, and elements of another name.
-  void ExpectElements(pugi::xml_node element, const char* name) const;
   /// The value of an attribute that must be there and not be empty.
-  std::string Required(pugi::xml_node element, const char* name) const;
+  std::string Required(const XmlElement& element, const std::string& name) const;
 
   /// Raises a TsError: "file 'PATH', line N: " and the text.
-  [[noreturn]] void Fail(pugi::xml_node at, const std::string& text) const;
+  [[noreturn]] void Fail(const XmlElement& at, const std::string& text) const;
 
  private:
-  [[noreturn]] void FailAtOffset(std::ptrdiff_t offset, const std::string& text) const;
+  [[noreturn]] void FailAtOffset(std::size_t offset, const std::string& text) const;
 
   std::string path;
-  std::string content;  // lines are counted in it: the parser knows offsets only
-  pugi::xml_document document;
-  pugi::xml_node root;
+  std::string content;  // lines are counted in it
+  std::vector<XmlElement> elements;
 };
 
 }  // namespace Quor::TolvaServices::Local

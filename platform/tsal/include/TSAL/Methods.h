@@ -48,7 +48,7 @@ class TSAL_API ActivityMethods {
  public:
   /// Registers the activities that a file describes and returns every activity version in it under its name. A
   /// definition that is registered already keeps its identity.
-  /// @param activitiesFilePath an XML file of at most 64 MiB: elements Activity (Name, Description) with
+  /// @param activitiesFilePath an XML file of at most 64 MiB, in UTF-8: elements Activity (Name, Description) with
   ///        elements ActivityVersion (Name, Version, Description) in a root element Activities.
   /// @throws TsError naming file and line when the file cannot be used; nothing is registered then.
   static std::map<std::string, Types::ActivityVersion> RegisterAndGetActivityVersions(
