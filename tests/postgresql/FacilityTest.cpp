@@ -64,6 +64,13 @@ TEST_F(PostgreSql, ThirtyTwoHostsThatBeginAtOnceLoseNothingAndMixNothingUp) {
     System::SetVariable("VELORA_TEST_HOST", (folder / name).string());
     hosts.push_back(System::StartCase("PostgreSql.ThirtyTwoHostsThatBeginAtOnceLoseNothingAndMixNothingUp"));
   }
+  while (Sql("SELECT to_regclass('events')").empty() || std::stoi(Sql("SELECT COUNT(*) FROM events")) < 1000) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  for (int month = 203001; month <= 203012; ++month) {  // beside them
+    Sql("SELECT make_partition(" + std::to_string(month) + ")");
+  }
+  EXPECT_LT(std::stoi(Sql("SELECT COUNT(*) FROM events")), 32000);
   for (const std::intptr_t host : hosts) {
     EXPECT_EQ(System::ExitCodeOf(host), 0);
   }
@@ -126,6 +133,29 @@ TEST_F(Facility, AHostsRoleRecordsAndCanDoNothingElse) {
                                       "CREATE TEMPORARY TABLE mine (x int)", "CREATE SCHEMA host"}) {
     EXPECT_NE(ErrorOf([&] { Sql(statement, "dbname=postgres user=host"); }), "") << statement;
   }
+}
+
+// The server's clock was five months ahead when an event was saved and sealed; the next ones were honest.
+TEST_F(Facility, ASealOfAClockThatWasAheadMakesNoLaterEventLookSlippedIn) {
+  Configure("dbname=postgres");
+  Begin();
+  Record("before", 1);
+  Sql("SELECT make_partition(m) FROM to_char(now() + interval '5 months', 'YYYYMM') t, CAST(t AS bigint) m");
+  Sql("INSERT INTO events SELECT CAST(t AS bigint) * 10000000000 + nextval('event_numbers'), 1, 1, NULL, 'too early', "
+      "'2027' FROM to_char(now() + interval '5 months', 'YYYYMM') t");
+  for (const std::string& node : {"first"s, "second"s, "third"s}) {
+    EXPECT_EQ(Shell("'" VELORA_TS "' seal && '" VELORA_TS "' verify"), 0) << said;
+    Record(node, 2);
+    Sql("INSERT INTO events (session_id, name, at) VALUES (1, 'of no run', '2026')");
+    Sql("INSERT INTO events (session_id, execution_id, name, at) VALUES (1, 1, 'of the first run', '2026')");
+    EXPECT_EQ(Sql("SELECT COUNT(DISTINCT event_id / 10000000000) FROM events WHERE event_id >= (SELECT event_id FROM "
+                  "events WHERE name = 'too early')"),
+              "1");
+  }
+  Begin();
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM pg_class WHERE relname = 'parameters_' || to_char(now() + interval '7 months', "
+                "'YYYYMM')"),
+            "1");
 }
 
 TEST_F(Facility, APasswordIsTakenFromWhereUsersKeepItAndStandsNowhereElse) {

@@ -75,8 +75,12 @@ void PostgreSqlConnection::Configure() {
   }
 }
 
-// The number of the transaction tells later whether it was committed, should the answer to that be lost.
+// The number of the transaction tells later whether it was committed, should the answer to that be lost. Partitions are
+// made before it, in a transaction of their own: one that holds locks could wait for a host that waits for it.
 void PostgreSqlConnection::Begin() {
+  if (Clock::now() >= partitionsDue) {
+    MakePartitions();
+  }
   Execute(Sql(), "BEGIN; SELECT CAST(pg_current_xact_id() AS text), CAST(pg_current_wal_flush_lsn() AS text)",
           soci::into(transaction), soci::into(logged));
 }
@@ -138,16 +142,12 @@ void PostgreSqlConnection::HoldSchema() {
 
 void PostgreSqlConnection::Insert(const Types::InstrumentEvent& event, long long session,
                                   std::optional<long long> execution, std::optional<long long> configuration) {
-  MakePartitions();
   InsertEvent(Sql(), event, session, execution, configuration);
 }
 
 void PostgreSqlConnection::MakePartitions() {
-  const Clock::time_point now = Clock::now();
-  if (!partitionsMade || now - *partitionsMade > std::chrono::hours(24)) {
-    Execute(Sql(), "SELECT make_partitions()");
-    partitionsMade = now;
-  }
+  Execute(Sql(), "SELECT make_partitions()");
+  partitionsDue = Clock::now() + std::chrono::hours(24);
 }
 
 // A server that ended said so before it closed the connection: the first look finds the words, the second the end.
@@ -166,6 +166,9 @@ TsError PostgreSqlConnection::ErrorOf(const soci::soci_error& reason) {
   if (StateOf(reason) == "42501") {
     return TsError("TS database '" + name + "' does not let this role do that: " + ReasonOf(reason) +
                    "; expected its owner to run 'velora-ts prepare --hosts ROLE'");
+  }
+  if (StateOf(reason) == "23514") {
+    partitionsDue = {};  // there is none for a row
   }
   return TsError("TS database '" + name + "': " + ReasonOf(reason));
 }

@@ -33,7 +33,7 @@ class PostgreSqlConnection : public Connection {
   void HoldSchema() override;
   void Open();
   void Configure();
-  /// Partitions for the months to come: asked for once a day, so that a host that runs for months finds its own.
+  /// Partitions for the months to come: from then on once a day, so that a host that runs for months finds its own.
   void MakePartitions();
   bool WasCommitted();
   pg_conn* Handle();
@@ -41,7 +41,7 @@ class PostgreSqlConnection : public Connection {
   std::string connection;
   std::string transaction;  // the server's number of the transaction that is open,
   std::string logged;       // and what of its log was on its disk when that began
-  std::optional<std::chrono::steady_clock::time_point> partitionsMade;
+  std::chrono::steady_clock::time_point partitionsDue = std::chrono::steady_clock::time_point::max();
 };
 
 }  // namespace Quor::TolvaServices::Local

@@ -1,5 +1,6 @@
 #include "PostgreSqlSchema.h"
 
+#include "PostgreSqlVersion3.h"
 #include "Schema.h"
 #include "Statement.h"
 #include "Views.h"
@@ -237,27 +238,6 @@ std::string Version2(const std::string& schema) {
   return statements + "SELECT make_partitions();";
 }
 
-// Times are counted in whole microseconds, since a cast would fail for a text that is no time, or of the year 0, and
-// the whole view with it. The days are those of the Julian day number.
-constexpr const char* version3 = R"(
-    CREATE FUNCTION microseconds(at text) RETURNS bigint LANGUAGE sql IMMUTABLE
-    RETURN CASE WHEN at ~ ('^[0-9]{4}-(0[1-9]|1[0-2])-(0[1-9]|[12][0-9]|3[01])'
-                           || 'T([01][0-9]|2[0-3]):[0-5][0-9]:[0-5][0-9]\.[0-9]{6}Z$') THEN
-      (((1461 * (CAST(substr(at, 1, 4) AS bigint) + 4800 + (CAST(substr(at, 6, 2) AS bigint) - 14) / 12)) / 4
-       + (367 * (CAST(substr(at, 6, 2) AS bigint) - 2 - 12 * ((CAST(substr(at, 6, 2) AS bigint) - 14) / 12))) / 12
-       - (3 * ((CAST(substr(at, 1, 4) AS bigint) + 4900 + (CAST(substr(at, 6, 2) AS bigint) - 14) / 12) / 100)) / 4
-       + CAST(substr(at, 9, 2) AS bigint)) * 86400
-       + CAST(substr(at, 12, 2) AS bigint) * 3600 + CAST(substr(at, 15, 2) AS bigint) * 60
-       + CAST(substr(at, 18, 2) AS bigint)) * 1000000 + CAST(substr(at, 21, 6) AS bigint) END;
-    CREATE OR REPLACE VIEW durations AS
-       SELECT e.execution_id,
-              (microseconds(s.at) - microseconds(e.started_at) + CASE WHEN s.at < e.started_at THEN -500 ELSE 500 END)
-              / 1000 / CAST(1000 AS double precision) AS seconds
-       FROM executions e
-       CROSS JOIN LATERAL (SELECT at FROM statuses WHERE execution_id = e.execution_id
-                           ORDER BY status_id DESC LIMIT 1) s;
-    )";
-
 }  // namespace
 
 void BringUpPostgreSqlSchema(soci::session& sql, int from, int to) {
@@ -265,7 +245,7 @@ void BringUpPostgreSqlSchema(soci::session& sql, int from, int to) {
   Execute(sql, "SELECT quote_ident(current_schema())", soci::into(schema));
   std::string statements = from < 2 ? Version2(schema) : "";
   if (from < 3 && to >= 3) {
-    statements += version3;
+    statements += PostgreSqlVersion3(schema);
   }
   Execute(sql, statements);  // at once: the server may be far away
   AddVersion(sql, to);
