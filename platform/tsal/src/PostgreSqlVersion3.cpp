@@ -119,12 +119,61 @@ constexpr const char* partitions = R"(
     END $$;
     REVOKE EXECUTE ON FUNCTION attach_partitions(bigint) FROM PUBLIC;)";
 
+constexpr const char* refusals = R"(
+    CREATE FUNCTION refuse_row() RETURNS trigger LANGUAGE plpgsql AS $$
+    BEGIN
+      RAISE EXCEPTION 'rows of % have keys from 1 on, and none below those that are sealed', TG_ARGV[0];
+    END $$;
+    CREATE FUNCTION refuse_parameters() RETURNS trigger LANGUAGE plpgsql AS $$
+    DECLARE
+      lowest bigint;
+      highest bigint;
+    BEGIN
+      SELECT MIN(event_id), MAX(event_id) INTO lowest, highest FROM added;
+      IF lowest <= sealed_number('event') OR lowest <> highest
+         OR lowest % 10000000000 <> currval('event_numbers') THEN
+        RAISE EXCEPTION 'parameters are only added together with their event';
+      END IF;
+      RETURN NULL;
+    END $$;
+    CREATE TRIGGER parameters_with_event AFTER INSERT ON parameters REFERENCING NEW TABLE AS added
+    FOR EACH STATEMENT WHEN (NOT has_table_privilege(CAST('parameters' AS regclass), 'DELETE'))
+    EXECUTE FUNCTION refuse_parameters();)";
+
+struct Numbered {
+  const char* table;
+  const char* key;
+  const char* kind;  // as seals call it
+};
+
+constexpr Numbered numbered[] = {
+    {"ts_schema", "rowid", "schema"},
+    {"sessions", "session_id", "session"},
+    {"activities", "activity_id", "activity"},
+    {"activity_versions", "version_id", "version"},
+    {"registrations", "rowid", "registration"},
+    {"configurations", "configuration_id", "configuration"},
+    {"executions", "execution_id", "execution"},
+    {"statuses", "status_id", "status"},
+    {"events", "event_id", "event"},
+    {"seals", "seal_id", "seal"},
+};
+
+// Who may delete rows copies sealed ones from another store, and is no host.
+std::string RefuseSlippedIn(const Numbered& rows) {
+  const std::string table = rows.table;
+  const std::string key = std::string("NEW.") + rows.key;
+  return "CREATE TRIGGER " + table + "_in_order BEFORE INSERT ON " + table + " FOR EACH ROW WHEN (" + key +
+         " < 1 OR (NOT has_table_privilege(CAST('" + table + "' AS regclass), 'DELETE') AND " + key +
+         " <= sealed_number('" + rows.kind + "'))) EXECUTE FUNCTION refuse_row('" + table + "');";
+}
+
 // A function that names a table takes that of its own schema, whatever the session's path. One with its owner's rights
 // makes a table where its owner would.
 std::string TieTo(const std::string& schema) {
   std::string statements;
-  for (const char* function :
-       {"sealed_number(text)", "attach_partitions(bigint)", "make_partition(bigint)", "make_partitions()"}) {
+  for (const char* function : {"sealed_number(text)", "refuse_parameters()", "attach_partitions(bigint)",
+                               "make_partition(bigint)", "make_partitions()"}) {
     statements += std::string("ALTER FUNCTION ") + function + " SET search_path = " + schema + ", pg_temp;";
   }
   return statements +
@@ -135,7 +184,11 @@ std::string TieTo(const std::string& schema) {
 }  // namespace
 
 std::string PostgreSqlVersion3(const std::string& schema) {
-  return std::string(locks) + durations + keys + partitions + TieTo(schema);
+  std::string statements = std::string(locks) + durations + keys + partitions + refusals;
+  for (const Numbered& rows : numbered) {
+    statements += RefuseSlippedIn(rows);
+  }
+  return statements + TieTo(schema);
 }
 
 }  // namespace Quor::TolvaServices::Local
