@@ -47,6 +47,15 @@ constexpr const char* durations = R"(
        CROSS JOIN LATERAL (SELECT at FROM statuses WHERE execution_id = e.execution_id
                            ORDER BY status_id DESC LIMIT 1) s;)";
 
+// A server that keeps to FIPS has no md5().
+constexpr const char* digests = R"(
+    CREATE FUNCTION text_digest(text text) RETURNS bytea LANGUAGE sql IMMUTABLE
+    RETURN sha256(convert_to(text, 'UTF8'));
+    DROP INDEX activities_once, activity_versions_once;
+    CREATE UNIQUE INDEX activities_once ON activities (text_digest(name), text_digest(description));
+    CREATE UNIQUE INDEX activity_versions_once ON activity_versions
+      (activity_id, text_digest(name), text_digest(version), text_digest(description));)";
+
 // The month of an event's key is the clock's, or that of the newest seal where the clock was ahead when that was made:
 // a key below a sealed one would look as if it had been slipped in.
 constexpr const char* keys = R"(
@@ -184,7 +193,7 @@ std::string TieTo(const std::string& schema) {
 }  // namespace
 
 std::string PostgreSqlVersion3(const std::string& schema) {
-  std::string statements = std::string(locks) + durations + keys + partitions + refusals;
+  std::string statements = std::string(locks) + durations + digests + keys + partitions + refusals;
   for (const Numbered& rows : numbered) {
     statements += RefuseSlippedIn(rows);
   }
