@@ -5,6 +5,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <regex>
+#include <sstream>
+
 namespace {
 
 class OnlyAdded : public LocalTsTest {
@@ -69,6 +72,35 @@ TEST_F(OnlyAdded, NoStatementChangesDeletesOrReplacesARow) {
     }
   }
   EXPECT_EQ(Content(), before);
+}
+
+TEST_F(OnlyAdded, NoStatementNumbersARowOutsideWhatSealsCover) {
+  Begin();
+  Run("INSERT INTO seals VALUES (NULL, NULL, '', '', '', '', '', 2, '', '')");
+  // Copies of the first row of every table under another number, with nothing unique of it.
+  std::istringstream copies(Recorded(
+      "SELECT t.name, replace('INSERT INTO ' || t.name || ' (KEY, ' || group_concat(c.name) || ') SELECT :n, ' || "
+      "group_concat(c.name || iif(c.name IN ('guid', 'name'), ' || ''x''', '')) || ' FROM ' || t.name || ' LIMIT 1', "
+      "'KEY', iif(t.name = 'parameters', 'position', 'rowid')) FROM sqlite_master t JOIN pragma_table_info(t.name) c "
+      "WHERE t.type = 'table' AND c.pk = (t.name = 'parameters' AND c.name = 'event_id') GROUP BY t.name"));
+  int tables = 0;
+  for (std::string table, copy; std::getline(copies, table, '|') && std::getline(copies, copy); ++tables) {
+    for (const char* number : {"-9223372036854775808", "-1", "0", "9007199254740993", "9223372036854775807", "1.5"}) {
+      const std::string statement = std::regex_replace(copy, std::regex(":n"), number);
+      try {
+        Run(statement);
+        ADD_FAILURE() << "not refused: " << statement;
+      } catch (const soci::soci_error& error) {
+        const std::string text = error.what();
+        const std::string reason = "rows of " + table + " are numbered from 1 to 9007199254740992";
+        EXPECT_TRUE(text.find(reason) != std::string::npos ||
+                    (*number == '1' && text.find("datatype mismatch") != std::string::npos))
+            << statement << text;
+      }
+    }
+    Run(std::regex_replace(copy, std::regex(":n"), "77"));
+  }
+  EXPECT_EQ(tables, 11);
 }
 
 TEST_F(OnlyAdded, AStoreOfTheFirstVersionIsBroughtUpOnceAndKeepsItsRows) {

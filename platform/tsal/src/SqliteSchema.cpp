@@ -159,25 +159,27 @@ constexpr const char* version3[] = {
 /// A table whose rows stay as they are.
 struct Recorded {
   const char* table;
+  const char* key;
   const char* inTheWay;  // the rows whose place a new one would take; its key is -1 until SQLite has chosen one
 };
 
 constexpr Recorded recorded[] = {
-    {"ts_schema", "rowid = NEW.rowid AND NEW.rowid > 0"},
-    {"sessions", "(session_id = NEW.session_id AND NEW.session_id > 0) OR guid = NEW.guid"},
-    {"activities",
+    {"ts_schema", "rowid", "rowid = NEW.rowid AND NEW.rowid > 0"},
+    {"sessions", "session_id", "(session_id = NEW.session_id AND NEW.session_id > 0) OR guid = NEW.guid"},
+    {"activities", "activity_id",
      "(activity_id = NEW.activity_id AND NEW.activity_id > 0) OR guid = NEW.guid OR "
      "(name = NEW.name AND description = NEW.description)"},
-    {"activity_versions",
+    {"activity_versions", "version_id",
      "(version_id = NEW.version_id AND NEW.version_id > 0) OR guid = NEW.guid OR (activity_id = NEW.activity_id AND "
      "name = NEW.name AND version = NEW.version AND description = NEW.description)"},
-    {"registrations", "rowid = NEW.rowid AND NEW.rowid > 0"},
-    {"configurations", "(configuration_id = NEW.configuration_id AND NEW.configuration_id > 0) OR guid = NEW.guid"},
-    {"executions", "(execution_id = NEW.execution_id AND NEW.execution_id > 0) OR guid = NEW.guid"},
-    {"statuses", "status_id = NEW.status_id AND NEW.status_id > 0"},
-    {"events", "event_id = NEW.event_id AND NEW.event_id > 0"},
-    {"parameters", "event_id = NEW.event_id AND position = NEW.position"},
-    {"seals", "seal_id = NEW.seal_id AND NEW.seal_id > 0"},
+    {"registrations", "rowid", "rowid = NEW.rowid AND NEW.rowid > 0"},
+    {"configurations", "configuration_id",
+     "(configuration_id = NEW.configuration_id AND NEW.configuration_id > 0) OR guid = NEW.guid"},
+    {"executions", "execution_id", "(execution_id = NEW.execution_id AND NEW.execution_id > 0) OR guid = NEW.guid"},
+    {"statuses", "status_id", "status_id = NEW.status_id AND NEW.status_id > 0"},
+    {"events", "event_id", "event_id = NEW.event_id AND NEW.event_id > 0"},
+    {"parameters", "position", "event_id = NEW.event_id AND position = NEW.position"},
+    {"seals", "seal_id", "seal_id = NEW.seal_id AND NEW.seal_id > 0"},
 };
 
 template <std::size_t count>
@@ -200,6 +202,14 @@ void AddTriggers(soci::session& sql, const std::string& table, const std::string
              "INSERT ON " + table + " WHEN EXISTS (SELECT 1 FROM " + table + " WHERE " + inTheWay + ")");
 }
 
+// Asked after the insertion, since SQLite may choose the key during it. Only a position can be no whole number.
+void AddNumberTrigger(soci::session& sql, const std::string& table, const std::string& key) {
+  Execute(sql, "CREATE TRIGGER " + table + "_numbers AFTER INSERT ON " + table + " WHEN NEW." + key +
+                   " NOT BETWEEN 1 AND " + std::to_string(highestKey) + " OR typeof(NEW." + key +
+                   ") <> 'integer' BEGIN SELECT RAISE(ABORT, 'rows of " + table + " are numbered from 1 to " +
+                   std::to_string(highestKey) + "'); END");
+}
+
 }  // namespace
 
 void BringUpSqliteSchema(soci::session& sql, int from, int to) {
@@ -208,12 +218,15 @@ void BringUpSqliteSchema(soci::session& sql, int from, int to) {
   }
   if (from < 2 && to >= 2) {
     ExecuteAll(sql, version2);
-    for (const auto& [table, inTheWay] : recorded) {
+    for (const auto& [table, key, inTheWay] : recorded) {
       AddTriggers(sql, table, inTheWay);
     }
   }
   if (from < 3 && to >= 3) {
     ExecuteAll(sql, version3);
+    for (const auto& [table, key, inTheWay] : recorded) {
+      AddNumberTrigger(sql, table, key);
+    }
   }
   AddVersion(sql, to);
 }
