@@ -1,11 +1,16 @@
 #include "soundness/Soundness.h"
 
+#include "Schema.h"
+#include "copying/StoredTables.h"
 #include "reading/Rows.h"
 #include "reading/Store.h"
+#include "records/Seals.h"
 #include "soundness/PostgreSqlSoundness.h"
 #include "soundness/SqliteSoundness.h"
 
 #include <utility>
+
+using Quor::TolvaServices::Local::highestKey;
 
 namespace {
 
@@ -20,6 +25,23 @@ constexpr std::pair<const char*, const char*> misplaced[] = {
      "a root that is none"},
 };
 
+/// Asks for the rows that no count from 1 on leads to, at either end.
+std::string WrongNumbers(const StoredTable& table) {
+  const auto wrong = [](const std::string& key) { return key + " < 1 OR " + key + " > " + std::to_string(highestKey); };
+  return "SELECT " + table.Key() + " FROM " + table.name + " WHERE " + wrong(table.Key()) +
+         (table.name == "parameters" ? " OR " + wrong("position") : "");
+}
+
+std::vector<StoredTable> TablesOf(const Store& store) {
+  std::vector<StoredTable> tables = TablesBeforeEvents();
+  if (store.SchemaVersion() < versionWithSeals) {
+    tables.pop_back();  // that of seals
+  }
+  tables.push_back(EventTable());
+  tables.push_back(ParameterTable());
+  return tables;
+}
+
 bool IsOnServer(const Store& store) { return store.Kind() == Store::Database::Kind::PostgreSql; }
 
 }  // namespace
@@ -33,6 +55,24 @@ std::vector<std::string> DamageFindings(const Store& store) {
   for (const auto& [question, wrong] : misplaced) {
     for (Rows rows(store, question); rows.Next();) {
       findings.push_back("row " + std::string(rows.Text(0)) + " of executions has " + wrong);
+    }
+  }
+  return findings;
+}
+
+std::vector<std::string> ValueFindings(const Store& store) {
+  std::vector<std::string> findings;
+  for (const StoredTable& table : TablesOf(store)) {
+    for (Rows rows(store, WrongNumbers(table)); rows.Next();) {
+      findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name + " is not numbered from 1 to " +
+                         std::to_string(highestKey));
+    }
+    if (IsOnServer(store)) {
+      continue;  // which keeps no other types
+    }
+    for (Rows rows(store, SqliteWrongTypes(table)); rows.Next();) {
+      findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name +
+                         " has a value of another type in column " + std::string(rows.Text(1)));
     }
   }
   return findings;

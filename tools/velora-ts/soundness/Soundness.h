@@ -19,3 +19,5 @@ struct Findings {
 Findings SchemaFindings(const Store& store);
 /// Damage of the file, and rows without what they refer to.
 std::vector<std::string> DamageFindings(const Store& store);
+/// Values that no TS writes: numbers of rows that are none, and types that a column is not for.
+std::vector<std::string> ValueFindings(const Store& store);

@@ -12,6 +12,7 @@
 #include "records/Records.h"
 #include "records/Seals.h"
 #include "records/Sha256.h"
+#include "soundness/Soundness.h"
 #include "verbs/Verbs.h"
 
 #include <TSAL/Error.h>
@@ -225,6 +226,9 @@ ExitCode CopyStore(const Local::Database& source, const Local::Database& target)
                   "; expected version " + std::to_string(Local::schemaVersion) + ": run velora-ts prepare first");
   }
   const Store from = SettledStore(source);  // so that the next copy can go on behind it
+  if (const auto findings = ValueFindings(from); !findings.empty()) {
+    throw TsError("'" + from.Name() + "' cannot be copied as it is: " + findings.front() + "; see velora-ts verify");
+  }
   const auto connection = Local::OpenConnection(target);
   try {
     Copier copier(from, *connection, target);

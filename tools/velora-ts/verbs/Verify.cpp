@@ -129,6 +129,7 @@ ExitCode Verify(const Quor::TolvaServices::Local::Database& database, const std:
   verifier.Report(ofSchema.wrong);
   verifier.NoteWhatIsNotCompared(ofSchema.notCompared);
   verifier.Report(DamageFindings(store));
+  verifier.Report(ValueFindings(store));
   verifier.Report(ChainFindings(seals));
   if (!anchorFile.empty()) {
     if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), seals); !finding.empty()) {
