@@ -157,7 +157,9 @@ TEST_F(Facility, AHostsRoleSlipsNothingUnderASeal) {
         add + Sql("SELECT MAX(event_id) FROM events") + ", 1, 'forged', 'int', NULL, 1)",
         "INSERT INTO events VALUES (" + taken + " - 1, 1, 1, NULL, 'forged', '2026')",
         addStatus + "2, 1, 1, 6, '2026')", addStatus + "-9223372036854775808, 1, 1, 6, '2026')",
-        addStatus + "0, 1, 1, 6, '2026')"}) {
+        addStatus + "0, 1, 1, 6, '2026')", addStatus + "9007199254740993, 1, 1, 6, '2026')",
+        "INSERT INTO events (session_id, name, at) VALUES (1, 'new', '2026'); " + add + Sql("SELECT event_month()") +
+            " * 10000000000 + currval('event_numbers'), 0, 'forged', 'int', NULL, 1)"}) {
     EXPECT_NE(ErrorOf([&] { Sql(statement, "dbname=postgres user=host"); }), "") << statement;
   }
   EXPECT_NE(ErrorOf([&] { Sql("INSERT INTO events VALUES (0, 1, 1, NULL, 'forged', '2026')"); }), "");

@@ -164,6 +164,8 @@ TEST_F(OnServer, WhatIsAlteredThereIsFound) {
       {"UPDATE executions SET root_id = 2 WHERE execution_id = 1", "has another root than its parent"},
       {"DELETE FROM seals WHERE seal_id = 2", "seal 2 is missing"},
       {"UPDATE seals SET counts = ''", "was altered"},
+      {"INSERT INTO events VALUES (-9223372036854775808, 1, 1, NULL, '', '')", "of events is not numbered from 1"},
+      {"INSERT INTO parameters SELECT MIN(event_id), 0, '', 'int', NULL, 1 FROM events", "is not numbered from 1"},
       {"TRUNCATE parameters_" + Month(), "was altered"}};
   for (const auto& [statements, words] : rows) {
     SCOPED_TRACE(statements);

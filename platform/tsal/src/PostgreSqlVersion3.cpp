@@ -1,5 +1,7 @@
 #include "PostgreSqlVersion3.h"
 
+#include "Schema.h"
+
 namespace Quor::TolvaServices::Local {
 namespace {
 
@@ -140,7 +142,7 @@ constexpr const char* refusals = R"(
     BEGIN
       SELECT MIN(event_id), MAX(event_id) INTO lowest, highest FROM added;
       IF lowest <= sealed_number('event') OR lowest <> highest
-         OR lowest % 10000000000 <> currval('event_numbers') THEN
+         OR lowest % 10000000000 <> currval('event_numbers') OR EXISTS (SELECT FROM added WHERE position < 1) THEN
         RAISE EXCEPTION 'parameters are only added together with their event';
       END IF;
       RETURN NULL;
@@ -173,8 +175,9 @@ std::string RefuseSlippedIn(const Numbered& rows) {
   const std::string table = rows.table;
   const std::string key = std::string("NEW.") + rows.key;
   return "CREATE TRIGGER " + table + "_in_order BEFORE INSERT ON " + table + " FOR EACH ROW WHEN (" + key +
-         " < 1 OR (NOT has_table_privilege(CAST('" + table + "' AS regclass), 'DELETE') AND " + key +
-         " <= sealed_number('" + rows.kind + "'))) EXECUTE FUNCTION refuse_row('" + table + "');";
+         " NOT BETWEEN 1 AND " + std::to_string(highestKey) + " OR (NOT has_table_privilege(CAST('" + table +
+         "' AS regclass), 'DELETE') AND " + key + " <= sealed_number('" + rows.kind +
+         "'))) EXECUTE FUNCTION refuse_row('" + table + "');";
 }
 
 // A function that names a table takes that of its own schema, whatever the session's path. One with its owner's rights
