@@ -71,7 +71,10 @@ class OnServer : public PostgreSql {
     Sql("DROP DATABASE IF EXISTS altered", "dbname=template1");
     Sql("CREATE DATABASE altered TEMPLATE sealed", "dbname=template1");
     Sql(statements, "dbname=altered");
-    folder.Write("server/TSAL.config", "<TSAL><Database Backend='postgresql' Connection='dbname=altered'/></TSAL>");
+    LookAt("dbname=altered");
+  }
+  void LookAt(const std::string& connection) const {
+    folder.Write("server/TSAL.config", "<TSAL><Database Backend='postgresql' Connection='" + connection + "'/></TSAL>");
   }
   /// This month, or one after it, as partitions have it in their names.
   static std::string Month(int ahead = 0) {
@@ -269,11 +272,19 @@ TEST_F(OnServer, ASchemaThatIsNotWhatItWasMadeIsFoundWhateverWasDoneToIt) {
 TEST_F(OnServer, APartitionThatIsMissingIsFoundBeforeItsMonthAndMade) {
   PrepareSealed();
   const std::string partition = "parameters_" + Month(1);
-  Alter("ALTER TABLE parameters DETACH PARTITION " + partition + "; DROP TABLE " + partition);
+  const std::string gone = "ALTER TABLE parameters DETACH PARTITION " + partition + "; DROP TABLE " + partition;
+  const std::string ahead = "INSERT INTO events VALUES (" + Month(2) + "0000000007, 1, NULL, NULL, 'ahead', '2026')";
+  Alter(ahead + "; " + gone);
   EXPECT_EQ(Tool("check --config server"), 1);
   EXPECT_NE(said.find("of parameters for " + Month(1) + " is missing; velora-ts prepare makes it"), std::string::npos);
   EXPECT_EQ(Tool("prepare --config server"), 0) << said;
-  EXPECT_EQ(Tool("verify --config server"), 0) << said;
+  EXPECT_EQ(Tool("verify --config server"), 4) << said;
+  EXPECT_NE(said.find(": 0 findings, 1 not sealed"), std::string::npos) << said;
+  Sql("CREATE DATABASE idle", "dbname=template1");
+  LookAt("dbname=idle");
+  EXPECT_EQ(Tool("prepare --config server"), 0) << said;
+  Sql(gone, "dbname=idle");
+  EXPECT_EQ(Tool("check --config server"), 0) << "no host could have made it: " << said;
 }
 
 TEST_F(OnServer, WhatReadersAddAndAnotherServerMakesOfItIsNoFinding) {
@@ -290,14 +301,13 @@ TEST_F(OnServer, WhatReadersAddAndAnotherServerMakesOfItIsNoFinding) {
       Month(2) + "; REINDEX TABLE executions");
   EXPECT_EQ(Tool("verify --config server"), 0) << said;
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM pg_namespace WHERE nspname LIKE '%expected%'", "dbname=altered"), "0");
-  folder.Write("server/TSAL.config",
-               "<TSAL><Database Backend='postgresql' Connection='dbname=altered user=reader'/></TSAL>");
+  LookAt("dbname=altered user=reader");
   EXPECT_EQ(Tool("verify --config server"), 4) << "it may lack what an altered view hides: " << said;
   EXPECT_NE(said.find("not compared: tables, views, functions and triggers"), std::string::npos) << said;
   EXPECT_NE(said.find("permission denied for database altered"), std::string::npos) << said;
   EXPECT_EQ(Tool("check --config server"), 0) << said;
   EXPECT_EQ(Shell("createdb restored && pg_dump sealed | psql -q -v ON_ERROR_STOP=1 -d restored"), 0) << said;
-  folder.Write("server/TSAL.config", "<TSAL><Database Backend='postgresql' Connection='dbname=restored'/></TSAL>");
+  LookAt("dbname=restored");
   EXPECT_EQ(Tool("verify --config server"), 0) << said;
 }
 

@@ -11,6 +11,7 @@
 #include <soci/postgresql/soci-postgresql.h>
 
 #include <random>
+#include <regex>
 
 namespace Local = Quor::TolvaServices::Local;
 
@@ -25,18 +26,25 @@ constexpr const char* hidden =
     "SELECT CAST(c.oid AS regclass) FROM pg_class c JOIN pg_class t ON t.relnamespace = c.relnamespace "
     "WHERE t.oid = to_regclass('ts_schema') AND c.relkind IN ('r', 'p', 'v') AND NOT pg_table_is_visible(c.oid)";
 
-// The month of the newest event and the next, as far as they are not over: the one after these may wait for the next
-// day of a host, a month that is over may be archived, and a store without hosts needs none. Counted in months.
+// For the month of keys that are given out now and the next, as far as events have come: the one after these may wait
+// for the next day of a host, and a store without hosts needs none. Counted in months; keys never fall below a seal.
 constexpr const char* missingPartitions = R"(
-    WITH needed AS (
-      SELECT to_char(month / 12, 'FM0000') || to_char(month % 12 + 1, 'FM00') AS month
-      FROM (SELECT COALESCE(MAX(event_id), 0) / 1000000000000 * 12 + COALESCE(MAX(event_id), 0) / 10000000000 % 100 - 1
-            FROM events) newest (first), LATERAL generate_series(first, first + 1) months (month))
+    WITH keys (newest, sealed, now) AS (
+      SELECT (SELECT COALESCE(MAX(event_id), 0) FROM events) / 10000000000,
+             (SELECT CAST(substring(up_to FROM '"event":([0-9]{1,16})[,}]') AS bigint) FROM seals
+              ORDER BY seal_id DESC LIMIT 1) / 10000000000,
+             CAST(to_char(now() AT TIME ZONE 'UTC', 'YYYYMM') AS bigint)),
+    counted (newest, present) AS (
+      SELECT newest / 100 * 12 + newest % 100 - 1, GREATEST(sealed, now) / 100 * 12 + GREATEST(sealed, now) % 100 - 1
+      FROM keys),
+    needed (month) AS (
+      SELECT to_char(number / 12, 'FM0000') || to_char(number % 12 + 1, 'FM00')
+      FROM counted, generate_series(present, LEAST(newest, present) + 1) number)
     SELECT 'the partition of ' || parent || ' for ' || month || ' is missing; ' ||
            CASE WHEN to_regclass(parent || '_' || month) IS NULL THEN 'velora-ts prepare makes it'
                 ELSE 'a table that is none has its name' END
     FROM needed, (VALUES ('events'), ('parameters')) parents (parent)
-    WHERE month >= to_char(now() AT TIME ZONE 'UTC', 'YYYYMM') AND NOT EXISTS (
+    WHERE NOT EXISTS (
       SELECT FROM pg_inherits JOIN pg_class c ON c.oid = inhrelid
       WHERE inhparent = to_regclass(parent)
         AND pg_get_expr(relpartbound, c.oid) LIKE 'FOR VALUES FROM (''' || month || '0000000000'')%'))";
@@ -73,10 +81,12 @@ std::string Dangling(const Reference& reference) {
          " IS NOT NULL AND y." + reference.targetKey + " IS NULL";
 }
 
-std::string OnOneLine(const soci::soci_error& error) {
+/// What the server says, on one line and without the words before it.
+std::string ReasonOf(const soci::soci_error& error) {
+  static const std::regex words(R"((?:ERROR|FATAL): +([^\n]*))");
   const std::string text = error.get_error_message();
-  const std::size_t start = text.find("ERROR:  ");
-  return text.substr(start == std::string::npos ? 0 : start + 8, text.find('\n') - start - 8);
+  std::smatch found;
+  return std::regex_search(text, found, words) ? found[1].str() : text.substr(0, text.find('\n'));
 }
 
 /// Makes a store of a version beside this one, looks at both, and leaves nothing behind.
@@ -106,7 +116,7 @@ Findings PostgreSqlSchemaFindings(const Store& store) {
     Local::Execute(sql, "SET client_min_messages = error; SET statement_timeout = '30s'; SET lock_timeout = '1s'");
     findings.Add(CompareWithANewStore(sql, std::string(schema.Text(0)), store.SchemaVersion()));
   } catch (const soci::soci_error& reason) {
-    findings.notCompared = "tables, views, functions and triggers with those of a new store: " + OnOneLine(reason);
+    findings.notCompared = "tables, views, functions and triggers with those of a new store: " + ReasonOf(reason);
   }
   return findings;
 }
