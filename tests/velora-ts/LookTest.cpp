@@ -14,7 +14,9 @@ constexpr const char* hostileRun = R"(
 INSERT INTO executions VALUES (4, 'ffffffff-0000-4000-8000-000000000000', NULL, 4, 1, 2,
     char(27) || '[2J<b>' || char(155), '', 5, '2026-11-26T10:00:00.000000Z'),
   (5, 'ffffffff-1', 4, 4, 1, NULL, 'step', '', 0, '2026-11-26T10:00:01.000000Z'),
-  (6, 'ffffffff-2', 4, 4, 1, NULL, 'a long name of a step', '', 0, '2026-11-26T10:00:01.500000Z');
+  (6, 'ffffffff-2', 4, 4, 1, NULL, 'a long name of a step', '', 0, '2026-11-26T10:00:01.500000Z'),
+  (7, 'eeeeeeee-0000-4000-8000-000000000000', NULL, 7, 1, NULL, 'after the clock was set back, and without a status',
+    '', 0, '2026-11-24T10:00:00.000000Z'), (8, 'eeeeeeee-1', 7, 8, 1, NULL, 'its own root', '', 0, '2026-11-24T10');
 INSERT INTO statuses VALUES (7, 4, 1, 4, '2026-11-26T10:00:00.000000Z'), (8, 5, 1, 4, '2026-11-26T10:00:01.000000Z'),
   (9, 4, 1, 14, '2026-11-26T11:01:02.345678Z'), (10, 6, 1, 14, '2026-11-26T10:00:02.000000Z');
 INSERT INTO events VALUES (4, 1, 5, NULL, '=cmd()', '2026-11-26T10:00:01.250000Z'),
@@ -51,7 +53,8 @@ TEST_F(Look, ShowsWhatThereIs) {
   } rows[] = {
       {"runs", 0,
        "run +started +duration +state[^\n]*\nffffffff  2026-11-26 15:30:00\\+05:30 +UNFINISHED  titan-pc +"
-       "TiltSeries 1.0  ␛\\[2J<b>\uFFFD\n0ecba827  2026-11-25 09:00:11\\+05:30 +0:00:00  done  [^\n]*\n"},
+       "TiltSeries 1.0  ␛\\[2J<b>\uFFFD\n0ecba827  2026-11-25 09:00:11\\+05:30 +0:00:00  done  [^\n]*\n"
+       "eeeeeeee  [^\n]* no status [^\n]*\n"},
       {"runs --unfinished --limit 5", 0, "[^\n]*\nffffffff[^\n]*\n"},
       {"runs --since 2026-11-25T03:30:12 --instrument titan-pc --activity TiltSeries", 0, "[^\n]*\nffffffff[^\n]*\n"},
       {"runs --activity 'Tilt series acquisition' --limit 1", 0, "[^\n]*\nffffffff[^\n]*\n"},
@@ -73,12 +76,14 @@ TEST_F(Look, ShowsWhatThereIs) {
        "2026[^\n]*B=false  Inf=-inf  Bad=\uFFFD\uFFFD  @N=-0.0  T==1[^\n]*\n"},
       {"show grid.mdoc", 0, "run +0ecba827[^]*"},
       {"show nothing", 1, "no run is called 'nothing'\n"},
-      {"show ''", 1, "more than one run is called ''\nrun 0ecba827[^\n]*\nrun ffffffff[^\n]*\n"},
+      {"show ''", 1, "more than one run is called ''\nrun 0ecba827[^\n]*\nrun ffffffff[^\n]*\nrun eeeeeeee[^\n]*\n"},
+      {"show last", 0, "run +eeeeeeee-[^]*state +no status\n[^]*"},
       {"tail 0ecba827", 0, "following run [^\n]*\n([^\n]*\n){3}"},
+      {"tail last", 1, "following run eeeeeeee[^\n]*\nthis run has no status[^\n]*\n"},
       {"tail nothing", 1, "no run is called 'nothing'\n"},
   };
   for (const auto& [arguments, code, shown] : rows) {
-    EXPECT_EQ(Shell("TZ=IST-5:30 '" VELORA_TS "' " + arguments), code) << arguments << ": " << said;
+    EXPECT_EQ(Shell("TZ=IST-5:30 timeout 20 '" VELORA_TS "' " + arguments), code) << arguments << ": " << said;
     EXPECT_TRUE(std::regex_match(said, std::regex(shown))) << arguments << ":\n" << said;
   }
 }

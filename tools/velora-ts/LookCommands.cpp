@@ -25,7 +25,7 @@ LookCommands::LookCommands(const Adder& add, const Opener& database, ExitCode& r
                "show last --columns TiltAngle,ExposureDose,Defocus"));
   AddTail(*add("tail",
                "Writes a run's events, one a line, while they are recorded, until the run is finished. Without RUN it "
-               "takes the newest, and waits where there is none.",
+               "takes the one recorded last, and waits where there is none.",
                "tail"));
 }
 

@@ -84,7 +84,7 @@ class CommandLine {
   void AddExport() {
     CLI::App* const verb = Add("export",
                                "Writes what was recorded to standard output. RUN is a guid, the first letters of one, "
-                               "\"last\", or a node that only one run has.",
+                               "\"last\" for the one recorded last, or a node that only one run has.",
                                "export last > run.jsonl\n  velora-ts export --since 2026-11-24 --until 2026-12-01 "
                                "--format csv > november.csv");
     auto* const name = verb->add_option("RUN", run, "The run to export");

@@ -23,7 +23,7 @@ std::vector<Run> RunsBetween(const Store& store, const std::string& from, const 
 /// All of them, in the order of their recording.
 std::vector<Run> AllRuns(const Store& store);
 
-/// The runs that a name may stand for: a guid, the first letters of one, "last", or a node.
+/// The runs that a name may stand for: a guid, the first letters of one, "last" for the one recorded last, or a node.
 std::vector<Run> RunsNamed(const Store& store, const std::string& name);
 
 /// The only one of them. Where there is not exactly one, standard error has said so.

@@ -28,14 +28,20 @@ long long NewestEvent(const Store& store) {
   return rows.Integer(0);
 }
 
-// What is below a run is only asked for when its topmost execution has ended.
-bool IsFinished(const Store& store, const Run& run) {
+enum class State { Running, Finished, WithoutStatus };
+
+// What is below a run is only asked for when its topmost execution has ended. TS stores an execution with its first
+// status, so a run without one is of another program, and none may ever come.
+State StateOf(const Store& store, const Run& run) {
   Rows rows(store, (executionQuestion + std::string("WHERE e.execution_id = ?1")).c_str());
   if (!rows.Ask(run.root).Next()) {
-    return true;
+    return State::Finished;
   }
   const Execution root = ExecutionAt(rows);
-  return root.status && !IsRunning(root) && !IsUnfinished(store, run);
+  if (!root.status) {
+    return State::WithoutStatus;
+  }
+  return IsRunning(root) || IsUnfinished(store, run) ? State::Running : State::Finished;
 }
 
 // A host may be about to make the store.
@@ -72,8 +78,7 @@ class Follower {
  public:
   explicit Follower(Run run) : run(std::move(run)) {}
 
-  /// @return whether the run is finished.
-  bool Look(const Store& store) {
+  State Look(const Store& store) {
     EventRows events = first ? EventsOfRun(store, run.root) : EventsOfRunSince(store, run.root, newest);
     while (events.Next()) {
       lines.Write(events);
@@ -81,7 +86,7 @@ class Follower {
     FlushOut();
     first = false;
     newest = NewestEvent(store);
-    return IsFinished(store, run);
+    return StateOf(store, run);
   }
 
  private:
@@ -98,10 +103,16 @@ ExitCode Tail(const Database& database, const std::string& name) {
   if (!run) {
     return Found;
   }
-  Complain("following " + InWords(*run));
+  Complain("following " + InWords(*run) + " until it is finished; Ctrl-C ends that sooner");
   Follower follower(*run);
-  while (!follower.Look(Store(database))) {
+  State state = follower.Look(Store(database));
+  while (state == State::Running) {
     std::this_thread::sleep_for(betweenLooks);
+    state = follower.Look(Store(database));
+  }
+  if (state == State::WithoutStatus) {
+    Complain("this run has no status, so nothing says whether more will come");
+    return Found;
   }
   return Done;
 }
