@@ -54,6 +54,11 @@ VELORA_TS_LOGGING_API std::shared_ptr<IFactory> GetFactory();
 /// @param logging the object, shared with the library until it is replaced or the library unloaded; an empty one lets
 ///        the next CreateTsLogging make the component's own afresh.
 /// @throws std::system_error when the object's lock cannot be taken; then nothing has changed.
+///
+/// When the library is unloaded, it releases the factory's slot, the logging object and the gateway, in this order and
+/// each once. A destructor that runs then may call everything here; it finds its own slot empty. What it puts into a
+/// slot that was released already, an object that CreateTsLogging makes included, stays there and is never released,
+/// unless a later destructor takes it out.
 VELORA_TS_LOGGING_API void SetFactory(std::shared_ptr<IFactory> factory, std::shared_ptr<ITsLogging> logging);
 
 /// Puts a host's gateway in the place of the component's: from then on every call to TS goes through it.

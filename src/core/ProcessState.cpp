@@ -3,7 +3,7 @@
 namespace Quor::Velora::Infra::TsLogging {
 
 // The order counts. Objects of one file are destroyed in reverse: what a destructor of a host's object may still use
-// when it calls back in while the library unloads stands before the slots that hold such objects.
+// when it calls back in while the library unloads stands before the release of such objects.
 
 const std::wstring sourceName = L"Velora.TsLogging";
 const std::string settingsFileName = "TSAL.config";
@@ -32,21 +32,36 @@ std::map<std::string, TolvaServices::Types::InstrumentEvent> pendingInstrumentEv
 std::string parentActivityExecGuid;
 TolvaServices::Types::InstrumentEventConfigResult instrumentConfigResult;
 
-std::shared_ptr<ITolvaServicesClass> currentGateway;
-std::shared_ptr<ITsLogging> instanceSlot;
-std::weak_ptr<IFactory> factorySlot;
+namespace {
+
+// A slot that nothing destroys: what is put in after its release stays there, and whoever is still inside an operation
+// finds it whole.
+template <typename Slot>
+union Lasting {
+  constexpr Lasting() : slot() {}
+  ~Lasting() {}
+  Slot slot;
+};
+
+Lasting<std::shared_ptr<ITolvaServicesClass>> gateway;
+Lasting<std::shared_ptr<ITsLogging>> instance;
+Lasting<std::weak_ptr<IFactory>> factory;
+
+}  // namespace
+
+std::shared_ptr<ITolvaServicesClass>& currentGateway = gateway.slot;
+std::shared_ptr<ITsLogging>& instanceSlot = instance.slot;
+std::weak_ptr<IFactory>& factorySlot = factory.slot;
 
 namespace {
 
-// At unload the slots are emptied in this order. Emptying a slot comes before the release of what it held, so a
-// destructor that looks finds it empty rather than half gone; what it puts in there is released the same way.
+// At unload each slot is released once, in this order. A slot is emptied before what it held is released, so a
+// destructor that looks finds it empty rather than half gone.
 struct ReleaseAtUnload {
   ~ReleaseAtUnload() {
-    do {
-      factorySlot.reset();
-      instanceSlot.reset();
-      currentGateway.reset();
-    } while (instanceSlot || currentGateway);
+    factorySlot.reset();
+    instanceSlot.reset();
+    currentGateway.reset();
   }
 } const releaseAtUnload;
 

@@ -39,16 +39,16 @@ extern const TracedName updateActivityExecution;
 
 // Guarded by a lock. Every read and every write of a slot happens while its mutex is held.
 extern std::recursive_mutex instanceMutex;
-extern std::shared_ptr<ITsLogging> instanceSlot;  // written by GetInstance, SetInstance and the parent set-up
+extern std::shared_ptr<ITsLogging>& instanceSlot;  // written by GetInstance, SetInstance and the parent set-up
 extern std::recursive_mutex gatewayMutex;
-extern std::shared_ptr<ITolvaServicesClass> currentGateway;  // written and read by the gateway slot's two operations
+extern std::shared_ptr<ITolvaServicesClass>& currentGateway;  // written and read by the gateway slot's two operations
 
 // Read by every operation without a lock, written by each availability check as its last step.
 extern std::atomic<bool> tsSupported;
 
 // Without a lock: callers never run two operations at once.
-extern std::weak_ptr<IFactory> factorySlot;  // written and read by GetFactory and SetFactory
-extern ActivityVersionMap activityVersions;  // written by registration and by look-ups of unknown names
+extern std::weak_ptr<IFactory>& factorySlot;  // written and read by GetFactory and SetFactory
+extern ActivityVersionMap activityVersions;   // written by registration and by look-ups of unknown names
 extern std::map<std::string, TolvaServices::Types::InstrumentEvent> pendingInstrumentEvents;  // the event operations
 extern std::string parentActivityExecGuid;  // the parent execution; read by every creation
 extern TolvaServices::Types::InstrumentEventConfigResult instrumentConfigResult;  // written by each configuration save

@@ -2,6 +2,7 @@
 
 #include "support/ComponentTest.h"
 
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -105,31 +106,54 @@ TEST_F(Loading, ObjectsMayCallBackWhileTheLibraryLeaves) {
     EXPECT_NE(getFactory(), nullptr);
   };
   library->SetLogging(nullptr, std::make_shared<HostLogging>("logging", callBack));
-  library->SetGateway(nullptr, std::make_shared<HostGateway>("gateway", callBack));
+  const auto callBackAndPutAway = [=, setLogging = library->SetLogging, setGateway = library->SetGateway] {
+    callBack();
+    setLogging(nullptr, nullptr);
+    setGateway(nullptr, nullptr);
+  };
+  library->SetGateway(nullptr, std::make_shared<HostGateway>("gateway", callBackAndPutAway));
   Journal();
   Unload();
   // The first finds no object and the gateway; the second finds the object made then, and no gateway.
   const std::string asked = Scope("CheckTsServiceAvailability", "the host's gateway:", "TSAL IsTsServicePresent()");
   EXPECT_EQ(Journal(),
             Lines("logging released", Scope("CreateTsLoggingSession", asked), Scope("GetInstance", asked, notSupported),
-                  "gateway released", Scope("CreateTsLoggingSession", checkedPresence), Scope("GetInstance")));
+                  "gateway released", Scope("CreateTsLoggingSession", checkedPresence), Scope("GetInstance"),
+                  Scope("SetInstance"), Scope("SetTolvaServicesInstance")));
 }
 
-TEST_F(Loading, ObjectsPutInWhileTheLibraryLeavesAreReleasedAndMayCallBackToo) {
-  int calls = 0;
-  const std::function<void()> callBack = [&, create = library->Create, setLogging = library->SetLogging,
-                                          setGateway = library->SetGateway, configurator = library->NewConfigurator] {
-    create("i")->SaveInstrumentEvent("A", "g");
-    configurator()->SetParentActivityExec("n", "a", "b", "c");
-    if (++calls < 3) {
-      setLogging(nullptr, std::make_shared<HostLogging>("logging", callBack));
-      setGateway(nullptr, std::make_shared<HostGateway>("gateway", callBack));
-    }
-  };
+// For a process that ends with its library loaded.
+const Library* leaving = nullptr;
+int successors = 0;
+
+/// Says that it was released, calls back, and puts another of its kind in.
+void Leave(void (*putAnother)()) {
+  std::fputs("released", stderr);
+  leaving->Create("i")->SaveInstrumentEvent("A", "g");
+  leaving->NewConfigurator()->SetParentActivityExec("n", "a", "b", "c");
+  ++successors < 100 ? putAnother() : void();
+}
+void PutLogging() {
+  leaving->SetLogging(nullptr, std::make_shared<HostLogging>("logging", [] { Leave(PutLogging); }));
+}
+void PutGateway() {
+  leaving->SetGateway(nullptr, std::make_shared<HostGateway>("gateway", [] { Leave(PutGateway); }));
+}
+void PutFactory() {
+  const auto slot = std::make_shared<Released>("factory slot", [] { Leave(PutFactory); });
+  leaving->SetGateway({new Library::IFactory, [slot](auto* it) { delete it; }}, nullptr);
+}
+
+TEST_F(Loading, EndOfTheProcessReleasesEachSlotOnceWhateverDestructorsPutIn) {
   PutSettings(current);
-  library->SetGateway(nullptr, std::make_shared<HostGateway>("gateway", callBack));
-  Unload();
-  EXPECT_EQ(calls, 5);  // from the first object and from the four put in after it
+  const auto endWith = [this](void (*put)()) {
+    leaving = library.release();
+    put();
+    std::exit(0);
+  };
+  for (const auto put : {PutLogging, PutGateway, PutFactory}) {
+    EXPECT_EXIT(endWith(put), testing::ExitedWithCode(0), testing::Eq(std::string("released")));
+  }
 }
 
 }  // namespace
