@@ -5,23 +5,27 @@ namespace Quor::Velora::Infra::TsLogging {
 // The order counts. Objects of one file are destroyed in reverse: what a destructor of a host's object may still use
 // when it calls back in while the library unloads stands before the release of such objects.
 
-const std::wstring sourceName = L"Velora.TsLogging";
+const SharedSource sourceName = std::make_shared<const std::wstring>(L"Velora.TsLogging");
 const std::string settingsFileName = "TSAL.config";
 const std::string defaultActivitiesFile = "activities.xml";
 
 namespace Operation {
-const TracedName addInstrumentEventParameter("AddInstrumentEventParameter");
-const TracedName checkTsServiceAvailability("CheckTsServiceAvailability");
-const TracedName createActivityExecution("CreateActivityExecution");
-const TracedName createInstrumentEvent("CreateInstrumentEvent");
-const TracedName createTsLoggingSession("CreateTsLoggingSession");
-const TracedName getDataRootDirectory("GetDataRootDirectory");
-const TracedName getInstance("GetInstance");
-const TracedName saveInstrumentEvent("SaveInstrumentEvent");
-const TracedName setInstance("SetInstance");
-const TracedName setParentActivityExec("SetParentActivityExec");
-const TracedName setTolvaServicesInstance("SetTolvaServicesInstance");
-const TracedName updateActivityExecution("UpdateActivityExecution");
+namespace {
+SharedName Named(const char* operation) { return std::make_shared<const TracedName>(operation); }
+}  // namespace
+
+const SharedName addInstrumentEventParameter = Named("AddInstrumentEventParameter");
+const SharedName checkTsServiceAvailability = Named("CheckTsServiceAvailability");
+const SharedName createActivityExecution = Named("CreateActivityExecution");
+const SharedName createInstrumentEvent = Named("CreateInstrumentEvent");
+const SharedName createTsLoggingSession = Named("CreateTsLoggingSession");
+const SharedName getDataRootDirectory = Named("GetDataRootDirectory");
+const SharedName getInstance = Named("GetInstance");
+const SharedName saveInstrumentEvent = Named("SaveInstrumentEvent");
+const SharedName setInstance = Named("SetInstance");
+const SharedName setParentActivityExec = Named("SetParentActivityExec");
+const SharedName setTolvaServicesInstance = Named("SetTolvaServicesInstance");
+const SharedName updateActivityExecution = Named("UpdateActivityExecution");
 }  // namespace Operation
 
 std::recursive_mutex instanceMutex;

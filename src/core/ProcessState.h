@@ -17,24 +17,24 @@
 namespace Quor::Velora::Infra::TsLogging {
 
 // Constants.
-extern const std::wstring sourceName;            // under which every line is written
+extern const SharedSource sourceName;            // under which every line is written
 extern const std::string settingsFileName;       // what TSAL reads
 extern const std::string defaultActivitiesFile;  // where a caller names none
 
 // The operations that write trace lines.
 namespace Operation {
-extern const TracedName addInstrumentEventParameter;
-extern const TracedName checkTsServiceAvailability;
-extern const TracedName createActivityExecution;
-extern const TracedName createInstrumentEvent;
-extern const TracedName createTsLoggingSession;
-extern const TracedName getDataRootDirectory;
-extern const TracedName getInstance;
-extern const TracedName saveInstrumentEvent;
-extern const TracedName setInstance;
-extern const TracedName setParentActivityExec;
-extern const TracedName setTolvaServicesInstance;
-extern const TracedName updateActivityExecution;
+extern const SharedName addInstrumentEventParameter;
+extern const SharedName checkTsServiceAvailability;
+extern const SharedName createActivityExecution;
+extern const SharedName createInstrumentEvent;
+extern const SharedName createTsLoggingSession;
+extern const SharedName getDataRootDirectory;
+extern const SharedName getInstance;
+extern const SharedName saveInstrumentEvent;
+extern const SharedName setInstance;
+extern const SharedName setParentActivityExec;
+extern const SharedName setTolvaServicesInstance;
+extern const SharedName updateActivityExecution;
 }  // namespace Operation
 
 // Guarded by a lock. Every read and every write of a slot happens while its mutex is held.

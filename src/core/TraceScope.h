@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Quor::Velora::Infra::TsLogging {
 
@@ -15,31 +16,32 @@ namespace Quor::Velora::Infra::TsLogging {
 /// When opening raises, the operation does not run and has no exit line.
 class TraceScope {
  public:
-  /// @param source,functionName constants of the process; the scope keeps references.
-  TraceScope(const std::wstring& source, const TracedName& functionName)
-      : logger(Logging::Logger::GetInstance()), source(source), functionName(functionName) {
-    logger->WriteInfo(source, functionName.entryLine);
+  /// @param sharedSource,sharedName constants of the process, and the scope's own until it closes: a process that ends
+  ///        during an operation gives up its constants first.
+  TraceScope(SharedSource sharedSource, SharedName sharedName)
+      : logger(Logging::Logger::GetInstance()), source(std::move(sharedSource)), functionName(std::move(sharedName)) {
+    WriteInfo(functionName->entryLine);
   }
   TraceScope(const TraceScope&) = delete;
   TraceScope& operator=(const TraceScope&) = delete;
   /// Gives up the exit line when the logger raises on it: nothing may leave a closing scope.
   ~TraceScope() {
     try {
-      logger->WriteInfo(source, functionName.exitLine);
+      WriteInfo(functionName->exitLine);
     } catch (...) {
       // The operation's own outcome counts more than its exit line.
     }
   }
 
-  void WriteInfo(const std::string& message) const { logger->WriteInfo(source, message); }
-  void WriteWarning(const std::string& message) const { logger->WriteWarning(source, message); }
-  void WriteError(const std::string& message) const { logger->WriteError(source, message); }
+  void WriteInfo(const std::string& message) const { logger->WriteInfo(*source, message); }
+  void WriteWarning(const std::string& message) const { logger->WriteWarning(*source, message); }
+  void WriteError(const std::string& message) const { logger->WriteError(*source, message); }
 
  private:
   // The logger is released last.
   std::shared_ptr<Logging::Logger> logger;
-  const std::wstring& source;
-  const TracedName& functionName;
+  SharedSource source;
+  SharedName functionName;
 };
 
 }  // namespace Quor::Velora::Infra::TsLogging

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 namespace Quor::Velora::Infra::TsLogging {
@@ -14,5 +15,9 @@ struct TracedName {
   const std::string entryLine;
   const std::string exitLine;
 };
+
+// What the process and its scopes share: the source of the lines, and a name.
+using SharedSource = std::shared_ptr<const std::wstring>;
+using SharedName = std::shared_ptr<const TracedName>;
 
 }  // namespace Quor::Velora::Infra::TsLogging

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <latch>
+#include <thread>
 
 namespace {
 
@@ -154,6 +156,31 @@ TEST_F(Loading, EndOfTheProcessReleasesEachSlotOnceWhateverDestructorsPutIn) {
   for (const auto put : {PutLogging, PutGateway, PutFactory}) {
     EXPECT_EXIT(endWith(put), testing::ExitedWithCode(0), testing::Eq(std::string("released")));
   }
+}
+
+TEST_F(Loading, OperationThatOutlivesMainStillWritesItsExitLine) {
+  if (!System::pathsAreBytes) {
+    GTEST_SKIP() << "other threads end before the library leaves here";
+  }
+  const auto endInsideAnOperation = [this] {
+    static std::latch inside(1), libraryHasLeft(1);
+    static std::thread* thread = nullptr;
+    Unload();
+    std::atexit([] {  // is done after what the library, loaded later, has to do at the end
+      libraryHasLeft.count_down();
+      thread->join();
+      std::fputs(Journal().c_str(), stderr);
+    });
+    library = std::make_unique<Library>(file);
+    const auto logging = BroughtUp();
+    At("TSAL SaveActivityExecution", [] { inside.count_down(), libraryHasLeft.wait(); });
+    thread = new std::thread([logging] { logging->UpdateActivityExecution("g"); });
+    inside.wait();
+    leaving = library.release();
+    std::exit(0);
+  };
+  EXPECT_EXIT(endInsideAnOperation(), testing::ExitedWithCode(0),
+              "\ninfo <<Quor::Velora::Infra::TsLogging::TsLogging::UpdateActivityExecution\n$");
 }
 
 }  // namespace
