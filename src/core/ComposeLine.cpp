@@ -1,6 +1,7 @@
 #include "core/ComposeLine.h"
 
 #include <array>
+#include <cfenv>
 #include <charconv>
 #include <cmath>
 #include <locale>
@@ -16,17 +17,16 @@ std::to_chars_result ToChars(char* first, char* last, double value) {
   return std::to_chars(first, last, value, std::chars_format::general, streamPrecision);
 }
 
-// What a stream makes of infinities and of what is not a number is up to the system.
-template <typename Number>
-bool HasClassicForm(Number value) {
-  return std::isfinite(static_cast<double>(value)) && std::locale() == std::locale::classic();
-}
+// What a stream makes of infinities and of what is not a number is up to the system, and so is rounding in a direction
+// that the host has set.
+bool IsRoundedToNearest(double value) { return std::isfinite(value) && std::fegetround() == FE_TONEAREST; }
+bool IsRoundedToNearest(std::int32_t /*value*/) { return true; }
 
 }  // namespace
 
 template <LoggedNumber Number>
 void AppendPiece(std::string& line, Number value) {
-  if (HasClassicForm(value)) {
+  if (IsRoundedToNearest(value) && std::locale() == std::locale::classic()) {
     std::array<char, 32> digits;
     line.append(digits.data(), ToChars(digits.data(), digits.data() + digits.size(), value).ptr);
     return;

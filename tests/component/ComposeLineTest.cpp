@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cfenv>
 #include <limits>
 #include <locale>
 #include <random>
@@ -26,24 +27,32 @@ void ExpectAsStreamed(Number number) {
   EXPECT_EQ(ComposeLine("a", number, std::string("b\0", 2)), 'a' + stream.str() + std::string("b\0", 2));
 }
 
-TEST(Line, HasNumbersAsAStreamWritesThemWhateverTheHostsLocale) {
+void ExpectEveryKindAsStreamed() {
   using Double = std::numeric_limits<double>;
+  for (const double number : {0.0, -0.0, 1e5, 999999.5, 1e6, 1e-4, 9.9999949e-5, 0.1, 100.0, 1.0000001, -1.0000001,
+                              1234567.0, Double::infinity(), -Double::infinity(), Double::quiet_NaN(),
+                              -Double::quiet_NaN(), Double::denorm_min(), Double::max(), Double::lowest()}) {
+    ExpectAsStreamed(number);
+  }
+  std::mt19937_64 random(1);
+  for (int times = 0; times < 10'000 && !testing::Test::HasFailure(); ++times) {
+    ExpectAsStreamed(std::bit_cast<double>(random()));
+  }
+  for (const std::int32_t number : {INT32_MIN, -1234, 0, 1'000'000, INT32_MAX}) {
+    ExpectAsStreamed(number);
+  }
+  ExpectAsStreamed(true);
+  ExpectAsStreamed(false);
+}
+
+TEST(Line, HasNumbersAsAStreamWritesThemWhateverTheHostsLocaleAndRounding) {
   for (const std::locale& locale : {std::locale::classic(), std::locale(std::locale(), new OfAHost)}) {
     const std::locale before = std::locale::global(locale);
-    for (const double number : {0.0, -0.0, 1e5, 999999.5, 1e6, 1e-4, 9.9999949e-5, 0.1, 100.0, 1234567.0,
-                                Double::infinity(), -Double::infinity(), Double::quiet_NaN(), -Double::quiet_NaN(),
-                                Double::denorm_min(), Double::max(), Double::lowest()}) {
-      ExpectAsStreamed(number);
+    for (const int rounding : {FE_UPWARD, FE_DOWNWARD, FE_TOWARDZERO, FE_TONEAREST}) {
+      SCOPED_TRACE(rounding);
+      std::fesetround(rounding);
+      ExpectEveryKindAsStreamed();
     }
-    std::mt19937_64 random(1);
-    for (int times = 0; times < 20'000 && !HasFailure(); ++times) {
-      ExpectAsStreamed(std::bit_cast<double>(random()));
-    }
-    for (const std::int32_t number : {INT32_MIN, -1234, 0, 1'000'000, INT32_MAX}) {
-      ExpectAsStreamed(number);
-    }
-    ExpectAsStreamed(true);
-    ExpectAsStreamed(false);
     std::locale::global(before);
   }
 }
