@@ -33,7 +33,8 @@ class IFactory {
   /// @param instrumentConfigFile name of the instrument configuration file, whose whole text is recorded; read where
   ///        the other two files were found.
   /// @param activitiesFile name of the activities file.
-  /// @return the logging object, never empty; also when TS cannot be used, and its operations then record nothing.
+  /// @return the logging object; also when TS cannot be used, and its operations then record nothing. Empty only when a
+  ///        host's gateway takes the new object out of its slot again while the object is checked.
   /// @throws what TS, the file system or the instrument raises during bring-up. What was done before stays done, and
   ///         a later call starts afresh. A missing or unreachable TS is no failure.
   /// Not to be called while another thread uses the logging object.

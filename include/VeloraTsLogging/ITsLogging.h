@@ -14,8 +14,9 @@ namespace Quor::Velora::Infra::TsLogging {
 /// CreateInstrumentEvent, AddInstrumentEventParameter for each value, SaveInstrumentEvent with the execution's guid;
 /// at the end UpdateActivityExecution.
 ///
-/// Whether TS can be used was asked when the object was created and is asked again at each CreateTsLogging. While it
-/// cannot, every operation here writes its trace lines and does nothing else: it stays harmless, and records nothing.
+/// Whether TS can be used was asked when the object was created and is asked again at each CreateTsLogging and each
+/// SetParentActivityExec. While it cannot, every operation here writes its trace lines, a creation of an execution also
+/// an error line, and does nothing else: it stays harmless, and records nothing.
 ///
 /// Each operation runs on the caller's thread and raises whatever TS raises, unchanged. All of them work on tables
 /// of the process without a lock: never run two at once, nor one beside a CreateTsLogging. Texts are bytes and pass
