@@ -22,15 +22,33 @@ TEST_F(BringUp, FirstCallDoesEverythingAndALaterOneAgainWithTheSameObjectUncheck
                 Scope("GetInstance"));
 }
 
-TEST_F(BringUp, FilesInTheDataRootAreNamedWithItsPath) {
+TEST_F(BringUp, FilesAreNamedAsTheyWereGivenOrBehindTheDataRoot) {
   // The file system takes a name up to its zero byte; TS gets the whole of it.
-  const std::string activities("activities.xml\0tail", 19);
-  PutSettings(dataRoot);
-  library->CreateWith(oddText, activities);
-  EXPECT_EQ(Journal(),
-            Scope("CreateTsLoggingSession", Check(root, "TSAL SetTsalPath('" + root + "')"), DataRootLines(root),
-                  SessionLines(Registration(root + activities), root + std::filesystem::path(oddText).string())) +
-                Scope("GetInstance", Check(root)));
+  const std::string cutOff("activities.xml\0tail", 19);
+  const std::string roundabout = "./x//../own.xml", absolute = (folder / "own.xml").string();
+  struct Row {
+    const std::filesystem::path& place;
+    std::string activities, instrument, before;
+  };
+  const Row rows[] = {{dataRoot, cutOff, std::filesystem::path(oddText).string(), root},
+                      {dataRoot, roundabout, roundabout, root},
+                      {dataRoot, absolute, absolute, ""},
+                      {current, roundabout, roundabout, ""},
+                      {current, absolute, absolute, ""}};
+  folder.Write("own.xml", "");
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.place / row.activities);
+    PutSettings(row.place);
+    create_directory(row.place / "x");
+    std::ofstream(row.place / "own.xml");
+    EmptySlots();
+    library->CreateWith(row.instrument, row.activities);
+    const std::string path = row.place == current ? "" : root;
+    EXPECT_EQ(Journal(),
+              Scope("CreateTsLoggingSession", Check(root, "TSAL SetTsalPath('" + path + "')"), DataRootLines(root),
+                    SessionLines(Registration(row.before + row.activities), row.before + row.instrument)) +
+                  Scope("GetInstance", Check(root)));
+  }
 }
 
 TEST_F(BringUp, FirstObjectIsCheckedForTheDefaultFileWhateverBringUpWasGiven) {
@@ -80,6 +98,21 @@ TEST_F(BringUp, HostsGatewayIsAskedEverythingAndToldThePathEachTime) {
                               Scope("GetInstance", Check(root, pathIsCurrent));
   EXPECT_EQ(Journal(), Scope("SetTolvaServicesInstance") +
                            std::regex_replace(bringUp, std::regex("TSAL "), "the host's gateway:\nTSAL "));
+}
+
+TEST_F(BringUp, LinesOfAScopeGoToTheLoggerThatItTookAtItsStart) {
+  int fetched = 0, opened = 0;
+  Fakes::TheScene().hook = [&](const std::string& entry) {
+    fetched += entry == "Logger GetInstance" ? 1 : 0;
+    opened += StartsWith(entry, "info >>") ? 1 : 0;
+  };
+  for (const bool connectable : {false, true}) {  // a warning, errors, and an informational line
+    Fakes::TheScene().answers.connectable = connectable;
+    EmptySlots();
+    library->Create("i")->SaveInstrumentEvent("A", "");
+  }
+  EXPECT_GT(opened, 0);
+  EXPECT_EQ(fetched, opened);
 }
 
 TEST_F(BringUp, InstrumentIsDescribedAsFarAsItCanBeAsked) {

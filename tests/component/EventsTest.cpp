@@ -77,17 +77,4 @@ TEST_F(Events, CarryTheConfigurationSavedLast) {
   }
 }
 
-TEST_F(Events, WithoutTsWriteTheirTraceLinesAlone) {
-  Fakes::TheScene().answers.connectable = false;
-  const auto logging = BroughtUp();
-  logging->CreateInstrumentEvent("A");
-  logging->AddInstrumentEventParameter("A", "p", std::string("text"));
-  logging->AddInstrumentEventParameter("A", "p", 1);
-  logging->AddInstrumentEventParameter("A", "p", 1.0);
-  logging->AddInstrumentEventParameter("A", "p", true);
-  logging->SaveInstrumentEvent("A", "g");
-  const std::string add = Scope("AddInstrumentEventParameter");
-  EXPECT_EQ(Journal(), Scope("CreateInstrumentEvent") + add + add + add + add + Scope("SaveInstrumentEvent"));
-}
-
 }  // namespace

@@ -54,7 +54,7 @@ TEST_F(Executions, AreUpdatedWithStatusFourteenAndOtherwiseAsFetched) {
                              "TSAL GetActivityExecution('" + oddText + "', false, null)",
                              "TSAL SaveActivityExecution('" + oddText +
                                  "' version 'version of fetched' status 14 now node 'fetched node' "
-                                 "description 'fetched description' kind 3 parent null, Empty)"));
+                                 "description 'fetched description' kind 3 parent 'parent of fetched', Empty)"));
   logging->UpdateActivityExecution("");
   EXPECT_EQ(Journal(), Scope("UpdateActivityExecution", "info Update activity execution. guid: "));
 }

@@ -16,6 +16,9 @@ TEST_F(Factory, IsTheSameWhileSomebodyHoldsItAndThenANewOne) {
     auto factory = &put == ways ? library->GetFactory() : std::make_shared<Library::IFactory>();
     put(factory);
     EXPECT_EQ(library->GetFactory(), factory);
+    put(nullptr);
+    EXPECT_EQ(library->GetFactory() == factory, &put == ways) << "an empty one takes the place too";
+    put(factory);
     const std::weak_ptr<Library::IFactory> former = factory;
     factory.reset();
     EXPECT_TRUE(former.expired());

@@ -4,8 +4,6 @@
 #include "gateway/TolvaServicesClass.h"
 #include "support/HostObjects.h"
 
-#include <future>
-
 namespace Quor::Velora::Infra::TsLogging {
 namespace {
 
@@ -48,15 +46,12 @@ TEST_F(Gateway, SessionWithTextsIsBegunAndItsHandleDroppedAtOnce) {
 }
 
 TEST_F(Gateway, AndLoggingAreReleasedUnderTheirLocks) {
-  const auto isFree = [](std::recursive_mutex& mutex) {
-    return std::async(std::launch::async, [&] { return mutex.try_lock() && (mutex.unlock(), true); }).get();
-  };
   bool free = true;
-  TsLogging::SetInstance(std::make_shared<HostLogging>("logging", [&] { free = isFree(instanceMutex); }));
+  TsLogging::SetInstance(std::make_shared<HostLogging>("logging", [&] { free = IsFree(instanceMutex); }));
   TsLogging::SetInstance(nullptr);
   EXPECT_FALSE(free);
   TsLogging::SetTolvaServicesInstance(
-      std::make_shared<HostGateway>("gateway", [&] { free = isFree(gatewayMutex) || isFree(instanceMutex); }));
+      std::make_shared<HostGateway>("gateway", [&] { free = IsFree(gatewayMutex) || IsFree(instanceMutex); }));
   free = true;
   TsLogging::SetTolvaServicesInstance(nullptr);
   EXPECT_FALSE(free);

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <future>
+#include <mutex>
 #include <string>
 
 /// What the calls of the system answer.
@@ -13,6 +15,8 @@ struct SystemCalls {
   bool moduleIsFound = true;
   std::wstring moduleFile = System::Path("/opt/lab/lib.so").wstring();  // empty: the call fails
   std::string hostName = "scope";                                       // empty: the call fails
+  std::size_t furtherBytes = 0;                // more than there are characters, of a text made narrow
+  std::recursive_mutex* unlockable = nullptr;  // cannot be taken
 };
 extern SystemCalls systemCalls;
 
@@ -35,6 +39,11 @@ class InternalsTest : public testing::Test {
     activityVersions.clear();
     parentActivityExecGuid.clear();
     instrumentConfigResult = {};
+  }
+
+  /// Whether another thread could take it.
+  static bool IsFree(std::recursive_mutex& mutex) {
+    return std::async(std::launch::async, [&] { return mutex.try_lock() && (mutex.unlock(), true); }).get();
   }
 
   /// Runs something with Failure raised at an entry, nowhere when it is empty; whether Failure came out of it.

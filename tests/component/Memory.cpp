@@ -15,6 +15,7 @@ struct Refusal {
   std::optional<std::size_t> journalThen;
 };
 thread_local Refusal refusal;
+thread_local std::function<void()> actionAtNext;
 
 bool IsRefused() {
   if (!refusal.isOn || Fakes::Aside::IsOpen() || --refusal.left >= 0) {
@@ -31,11 +32,16 @@ bool IsRefused() {
 
 void RefuseFrom(int number, bool andLater) { refusal = {true, andLater, number, {}}; }
 
+void AtNext(std::function<void()> action) { actionAtNext = std::move(action); }
+
 std::optional<std::size_t> RefuseNoMore() { return std::exchange(refusal, {}).journalThen; }
 
 }  // namespace Memory
 
 void* operator new(std::size_t size) {
+  if (Memory::actionAtNext && !Fakes::Aside::IsOpen()) {
+    std::exchange(Memory::actionAtNext, nullptr)();
+  }
   void* const taken = Memory::IsRefused() ? nullptr : std::malloc(size == 0 ? 1 : size);
   if (taken == nullptr) {
     throw std::bad_alloc();

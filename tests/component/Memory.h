@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 
 /// Refuses what this thread takes with new, apart from what a Fakes::Aside spares.
@@ -18,5 +19,8 @@ void RefuseFrom(int number, bool andLater);
 
 /// Ends that. How long the journal was at the first refusal; nothing when there was none.
 std::optional<std::size_t> RefuseNoMore();
+
+/// Does something at the next allocation, before it is made.
+void AtNext(std::function<void()> action);
 
 }  // namespace Memory

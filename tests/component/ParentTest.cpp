@@ -13,15 +13,13 @@ class Parent : public ComponentTest {
 
 const std::string absent = "error Kv7 for Velora is not supported because TS Server is not installed or available";
 
-std::string Saved(const std::string& node) {
-  return "TSAL SaveActivityExecution('' version '' status 14 now node '" + node +
-         "' description 'Set Parent ActivityExec' kind 5 parent null, Empty)";
-}
-
 /// A set-up that finds TS present. `search` is what the check's search led to, `session` what came before the save.
-std::string SettingOf(const std::string& root, const std::string& search, const std::string& session) {
+std::string SettingOf(const std::string& root, const std::string& search, const std::string& session,
+                      const std::string& version) {
   return Scope("SetParentActivityExec", Check(root, search), "info Set Parent Activity execution", DataRootLines(root),
-               session, Saved("n"));
+               session,
+               "TSAL SaveActivityExecution('' version '" + version +
+                   "' status 14 now node 'n' description 'Set Parent ActivityExec' kind 5 parent null, Empty)");
 }
 
 TEST_F(Parent, IsSetUpByTheFilesWhereTheyLie) {
@@ -31,13 +29,14 @@ TEST_F(Parent, IsSetUpByTheFilesWhereTheyLie) {
   struct Place {
     const char* name;
     std::filesystem::path folder;
-    std::string search, session;
+    std::string search, session, version = "version of AutoFunction";
   };
   const std::string own = "own.xml";
+  Fakes::TheScene().answers.versions = {"AutoFunction"};
   const Place places[] = {
       {"current directory", current, "TSAL SetTsalPath('')", sessionWith("", own)},
       {"data root", dataRoot, "TSAL SetTsalPath('" + root + "')", sessionWith("'a', 'b', 'c'", root + own)},
-      {"nowhere", folder.path, notFound, notFound},
+      {"nowhere", folder.path, notFound, notFound, ""},
   };
   for (const Place& place : places) {
     SCOPED_TRACE(place.name);
@@ -46,7 +45,7 @@ TEST_F(Parent, IsSetUpByTheFilesWhereTheyLie) {
     PutSettings(place.folder);
     rename(place.folder / "activities.xml", place.folder / own);
     EXPECT_EQ(library->NewConfigurator()->SetParentActivityExec("n", "a", "b", "c", own), "new guid");
-    EXPECT_EQ(Journal(), SettingOf(root, place.search, place.session));
+    EXPECT_EQ(Journal(), SettingOf(root, place.search, place.session, place.version));
     remove(place.folder / "TSAL.config");
   }
 }

@@ -14,6 +14,8 @@ TEST_F(SettingsSearch, EveryDistributionOfTheTwoFilesHasItsOutcome) {
       remove(files[i]);
       if ((there >> i & 1) != 0) {  // whatever has the name counts, a folder too
         there < 16 ? void(std::ofstream(files[i])) : void(create_directory(files[i]));
+      } else if (there >= 16 && System::pathsAreBytes) {  // and a link to nothing does not
+        create_symlink("nothing", files[i]);
       }
     }
     const bool here = (there & 3) == 3;

@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdlib>
 
 SystemCalls systemCalls;
 
@@ -39,5 +41,20 @@ DWORD __wrap_GetModuleFileNameW(HMODULE module, wchar_t* buffer, DWORD size) {
   return ModuleFile(module, buffer, size);
 }
 int __wrap_gethostname(char* buffer, std::size_t size) { return HostName(buffer, static_cast<int>(size)); }
+
+errno_t __real_wcstombs_s(std::size_t* written, char* destination, std::size_t size, const wchar_t* source,
+                          std::size_t count);
+errno_t __wrap_wcstombs_s(std::size_t* written, char* destination, std::size_t size, const wchar_t* source,
+                          std::size_t count) {
+  const errno_t code = __real_wcstombs_s(written, destination, size, source, count);
+  *written += systemCalls.furtherBytes;
+  return code;
+}
+
+int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
+int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
+  const bool isRefused = systemCalls.unlockable != nullptr && systemCalls.unlockable->native_handle() == mutex;
+  return isRefused ? EAGAIN : __real_pthread_mutex_lock(mutex);
+}
 #endif
 }

@@ -2,6 +2,7 @@
 // thread sanitizer.
 
 #include "InternalsTest.h"
+#include "Memory.h"
 #include "gateway/CurrentGateway.h"
 #include "support/HostObjects.h"
 
@@ -9,6 +10,8 @@
 #include <atomic>
 #include <chrono>
 #include <latch>
+#include <optional>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -109,20 +112,65 @@ TEST_F(Threads, AllGetOneObjectAndNotBeforeItsCheckIsDone) {
   }
 }
 
+TEST_F(Threads, ReadAndFillASlotUnderItsLockAndRaiseWhenItCannotBeTaken) {
+  const auto factory = std::make_shared<IFactory>();
+  struct Row {
+    std::recursive_mutex& mutex;
+    std::function<void()> operate;
+    std::string lineBefore;  // that it fills the slot behind, if it does at all
+    bool fills = true;
+  };
+  const auto setParent = [] { TsLogging::SetParentActivityExec("n", "a", "b", "c"); };
+  const Row rows[] = {
+      {gatewayMutex, [] { GetTolvaServicesClass(); }, ""},
+      {instanceMutex, [] { TsLogging::GetInstance(); }, "info >>Quor::Velora::Infra::TsLogging::TsLogging::GetInst"},
+      {instanceMutex, setParent, "info Set Parent Activity execution"},
+      {gatewayMutex, [&] { SetFactory(factory, std::make_shared<HostGateway>("gateway")); }, "", false},
+      {instanceMutex, [&] { SetFactory(factory, std::make_shared<HostGateway>("gateway")); }, "", false},
+      {instanceMutex, [&] { SetFactory(factory, std::make_shared<HostLogging>("logging")); }, "", false},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(&row - rows);
+    std::optional<bool> isFree;
+    const auto look = [&] { Memory::AtNext([&] { isFree = IsFree(row.mutex); }); };
+    Reset();
+    row.fills&& row.lineBefore.empty() ? look() : At(row.fills ? row.lineBefore : "nowhere", look);
+    row.operate();
+    EXPECT_EQ(isFree, row.fills ? std::optional(false) : std::nullopt) << "it fills the slot without the lock";
+
+    std::unique_lock lock(row.mutex);
+    auto other = std::async(std::launch::async, row.operate);
+    EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout) << "it does not wait";
+    lock.unlock();
+    other.get();
+
+    if (System::pathsAreBytes) {  // elsewhere the call of the system cannot be led here
+      factorySlot.reset();
+      const auto before = std::pair(instanceSlot, currentGateway);
+      systemCalls.unlockable = &row.mutex;
+      EXPECT_THROW(row.operate(), std::system_error);
+      systemCalls.unlockable = nullptr;
+      EXPECT_TRUE(before == std::pair(instanceSlot, currentGateway) && factorySlot.expired()) << "something changed";
+    }
+  }
+}
+
 TEST_F(Threads, MayReadAndReplaceWhatIsInTheSlotsAtOnce) {
   for (int round = 0; round < 50; ++round) {
     Reset();
     // Behind their entry lines, since the journal's lock would put one use after the other.
-    std::latch inTheMidst(7);
+    std::latch inTheMidst(8);
     Fakes::TheScene().hook = [&](const std::string& entry) {
-      for (const char* operation : {"::GetInstance", "::SetInstance", "::SetTolvaServicesInstance"}) {
-        if (StartsWith(entry, "info >>") && entry.ends_with(operation)) {
-          EXPECT_TRUE(Meet(inTheMidst));
-        }
+      for (const char* line :
+           {">>Quor::Velora::Infra::TsLogging::TsLogging::GetInstance",
+            ">>Quor::Velora::Infra::TsLogging::TsLogging::SetInstance",
+            ">>Quor::Velora::Infra::TsLogging::TsLogging::SetTolvaServicesInstance", "Set Parent Activity execution"}) {
+        EXPECT_TRUE(entry != std::string("info ") + line || Meet(inTheMidst));
       }
     };
     RunAtOnce({
         [] { EXPECT_NE(TsLogging::GetInstance(), nullptr); },
+        [] { TsLogging::SetParentActivityExec("n", "a", "b", "c"); },
         [] { TsLogging::SetInstance(std::make_shared<TsLogging>()); },
         [] { TsLogging::SetInstance(nullptr); },
         [] { TsLogging::SetTolvaServicesInstance(std::make_shared<HostGateway>("gateway")); },

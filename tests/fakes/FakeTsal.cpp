@@ -25,8 +25,11 @@ std::string Described(const Tsid* id) { return id == nullptr ? "null" : Quoted(i
 std::string Described(const SessionHandle& session) { return session.Session() == nullptr ? "Empty" : "a session"; }
 
 std::string Described(const DateTimeOffset& time) {
-  const auto aMinuteAgo = DateTimeOffset::FromMicroseconds(DateTimeOffset::Now().Microseconds() - 60'000'000);
-  return !time.IsStated() ? "no time" : aMinuteAgo < time ? "now" : std::to_string(time.Microseconds());
+  if (!time.IsStated()) {
+    return "no time";
+  }
+  const std::int64_t ago = DateTimeOffset::Now().Microseconds() - time.Microseconds(), minute = 60'000'000;
+  return -minute < ago && ago < minute ? "now" : std::to_string(time.Microseconds());
 }
 
 std::string Described(const InstrumentEvent& event) {
@@ -43,20 +46,29 @@ std::string Described(const InstrumentEvent& event) {
   return text.str();
 }
 
+// Has its name in every field.
+ActivityVersion VersionNamed(const std::string& name) {
+  ActivityVersion version;
+  version.Id = Tsid("version of " + name);
+  version.Name = version.Version = version.Description = version.Activity.Description = name;
+  return version;
+}
+
+std::string Described(const ActivityVersion& version) {
+  const bool isWhole = version.Id == (version.Name.empty() ? Tsid() : VersionNamed(version.Name).Id) &&
+                       version.Version == version.Name && version.Description == version.Name &&
+                       version.Activity.Description == version.Name;
+  return Quoted(version.Id.GetGuid()) + (isWhole ? "" : " in parts");
+}
+
 std::string Described(const ActivityExecution& execution) {
   const Fakes::Aside aside;  // a stream would keep a failure to itself
   std::ostringstream text;
-  text << Quoted(execution.Id.GetGuid()) << " version " << Quoted(execution.ActivityVersion.Id.GetGuid()) << " status "
+  text << Quoted(execution.Id.GetGuid()) << " version " << Described(execution.ActivityVersion) << " status "
        << static_cast<std::int32_t>(execution.Status.Code) << ' ' << Described(execution.Status.Time) << " node "
        << Quoted(execution.Node) << " description " << Quoted(execution.Description) << " kind " << execution.Kind
        << " parent " << Described(execution.Parent == nullptr ? nullptr : &execution.Parent->Id);
   return text.str();
-}
-
-ActivityVersion VersionNamed(const std::string& name) {
-  ActivityVersion version;
-  version.Id = Tsid("version of " + name);
-  return version;
 }
 
 // A handle whose release shows in the journal.
@@ -101,7 +113,13 @@ ActivityExecution Methods::ActivityMethods::GetActivityExecution(const Tsid& id,
                                                                  const Tsid* configurationId) {
   const Fakes::Answers& answers = Fakes::Call("TSAL GetActivityExecution(" + Quoted(id.GetGuid()) + ", " +
                                               Described(flag) + ", " + Described(configurationId) + ')');
+  static const ActivityExecution parentOfFetched = [] {
+    ActivityExecution parent;
+    parent.Id = Tsid("parent of fetched");
+    return parent;
+  }();
   ActivityExecution execution;
+  execution.Parent = &parentOfFetched;
   execution.Id = answers.fetchedGuid.empty() ? id : Tsid(answers.fetchedGuid);
   execution.Description = answers.fetchedDescription;
   execution.Node = "fetched node";
@@ -125,6 +143,10 @@ InstrumentEventConfigResult Methods::SystemMethods::SaveInstrumentConfigWithResu
       Quoted(configurationText, text2, vendorName, hostName, optionText, instrumentClass, modelName, text8, text9);
   InstrumentEventConfigResult result;
   result.ConfigurationId = Tsid(Fakes::Call("TSAL SaveInstrumentConfigWithResult(" + texts + ')').configurationGuid);
+  result.Text = "text of the result";
+  result.SessionId = Tsid("session");
+  result.Time = DateTimeOffset::FromMicroseconds(1);
+  result.Reference = {&Fakes::TheScene(), [](void*) {}};
   return result;
 }
 
