@@ -161,13 +161,17 @@ void SqliteSource::Begin() {
   if (sqlite3_exec(handle.get(), "BEGIN; SELECT 1 FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK) {
     return;
   }
-  if (sqlite3_extended_errcode(handle.get()) == SQLITE_READONLY_ROLLBACK) {
-    throw TsError("TS store '" + path + "' cannot be read: a program ended while it wrote, and left '" +
-                  sqlite3_filename_journal(sqlite3_db_filename(handle.get(), "main")) +
-                  "'; expected one who may write the store to undo that: the next host, or sqlite3 '" + path +
-                  "' 'PRAGMA quick_check'");
+  const int reason = sqlite3_extended_errcode(handle.get());
+  std::string words = std::string("cannot be read: ") + sqlite3_errmsg(handle.get());
+  if (reason == SQLITE_READONLY_ROLLBACK || reason == SQLITE_CANTOPEN) {
+    const char* const name = sqlite3_db_filename(handle.get(), "main");
+    words = reason == SQLITE_CANTOPEN ? std::string("cannot be read with its log '") + sqlite3_filename_wal(name)
+                                      : std::string("cannot be read: a program ended while it wrote, and left '") +
+                                            sqlite3_filename_journal(name);
+    words += "'; expected one who may write there to open it first: the next host, or sqlite3 '" + path +
+             "' 'PRAGMA quick_check'";
   }
-  throw TsError("TS store '" + path + "' cannot be read: " + sqlite3_errmsg(handle.get()));
+  throw TsError("TS store '" + path + "' " + words);
 }
 
 bool SqliteSource::IsStore() {
