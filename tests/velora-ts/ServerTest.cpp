@@ -237,6 +237,11 @@ TEST_F(OnServer, ASchemaThatIsNotWhatItWasMadeIsFoundWhateverWasDoneToIt) {
       {"GRANT CREATE ON SCHEMA public TO host", "CREATE on schema public is granted to host"},
       {"GRANT EXECUTE ON FUNCTION make_partition(bigint) TO PUBLIC", "EXECUTE on function make_partition(bigint), whi"},
       {"CREATE FUNCTION wipe() RETURNS void LANGUAGE sql SECURITY DEFINER AS ''", "EXECUTE on function wipe(), which"},
+      {"CREATE FUNCTION back() RETURNS trigger LANGUAGE plpgsql SECURITY DEFINER AS 'BEGIN RETURN NEW; END'; REVOKE "
+       "EXECUTE ON FUNCTION back() FROM PUBLIC",
+       "EXECUTE on function back(), which acts as velora"},
+      {"CREATE TABLE notes (x int); CREATE RULE hatch AS ON INSERT TO notes DO ALSO INSERT INTO seals DEFAULT VALUES",
+       "rule hatch on notes acts as velora"},
       {"CREATE VIEW door AS SELECT * FROM seals; GRANT INSERT ON door TO host", "INSERT on door is granted to host"},
       {"ALTER DEFAULT PRIVILEGES GRANT UPDATE ON TABLES TO host",
        "UPDATE on tables that velora makes is granted to ho"},
@@ -264,7 +269,7 @@ TEST_F(OnServer, ASchemaThatIsNotWhatItWasMadeIsFoundWhateverWasDoneToIt) {
   EXPECT_EQ(Tool("prepare --hosts host --config server"), 1) << "it makes no partitions any more";
   EXPECT_NE(said.find("for " + next + " is missing; a table that is none has its name"), std::string::npos) << said;
   EXPECT_EQ(Tool("check --config server"), 1);
-  for (const char* const repaired : {"INSERT on ", "DELETE on ", "CREATE on ", "EXECUTE on ", "on column "}) {
+  for (const char* const repaired : {"INSERT on ", "DELETE on ", "CREATE on ", "EXECUTE on function make", "on column "}) {
     EXPECT_EQ(said.find(repaired), std::string::npos) << said;
   }
 }

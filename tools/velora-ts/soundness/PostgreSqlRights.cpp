@@ -19,8 +19,8 @@ std::string RecordedTables() {
 }
 
 // Whatever is granted on what belongs to a store, each with what may be. A view of the owner's lets through what its
-// owner may do, wherever it stands, and so does a function; one that triggers alone can call is as good as these, and
-// those of another store are its own matter.
+// owner may do, wherever it stands, and so does a function, to triggers of any table without asking; those of another
+// store are its own matter.
 std::string Rights() {
   return R"(
     WITH store AS (
@@ -48,13 +48,13 @@ std::string Rights() {
       SELECT 'schema ' || nspname, nspowner, nspacl, false FROM store JOIN pg_namespace n ON n.oid = schema
       UNION ALL
       SELECT 'function ' || CAST(f.oid AS regprocedure) || ', which acts as ' || pg_get_userbyid(proowner), proowner,
-             COALESCE(proacl, acldefault('f', proowner)),
+             CASE WHEN prorettype = CAST('trigger' AS regtype) THEN acldefault('f', proowner)
+                  ELSE COALESCE(proacl, acldefault('f', proowner)) END,
              proname || '(' || pg_get_function_arguments(f.oid) || ')' = ANY ()" +
          Quoted(hostFunctions) +
          R"() AND pronamespace IN (SELECT relnamespace FROM pg_class WHERE relname = 'ts_schema')
       FROM store JOIN pg_proc f ON prosecdef AND (pronamespace = schema OR proowner = owner)
-      WHERE prorettype <> CAST('trigger' AS regtype)
-        AND NOT EXISTS (SELECT FROM pg_depend WHERE objid = f.oid AND deptype = 'e')),
+      WHERE NOT EXISTS (SELECT FROM pg_depend WHERE objid = f.oid AND deptype = 'e')),
     rights AS (
       SELECT object, owner, ofhosts, grantee, is_grantable AS passed, privilege_type AS privilege
       FROM objects, aclexplode(acl) WHERE grantee <> owner AND grantee <> (SELECT owner FROM store)),
@@ -71,6 +71,10 @@ constexpr const char* tooMuch = R"(
     WHERE NOT (privilege IN ('SELECT', 'USAGE') OR
                privilege IN ('INSERT', 'EXECUTE') AND ofhosts AND grantee <> 0 AND NOT passed)
     GROUP BY object, grantee, passed
+    UNION ALL
+    SELECT 'rule ' || rulename || ' on ' || CAST(CAST(c.oid AS regclass) AS text) || ' acts as ' || pg_get_userbyid(owner)
+    FROM store JOIN pg_class c ON relowner = owner AND relnamespace NOT IN (SELECT oid FROM catalogs)
+    JOIN pg_rewrite ON ev_class = c.oid AND rulename <> '_RETURN'
     UNION ALL
     SELECT privilege_type || ' on tables that ' || pg_get_userbyid(defaclrole) || ' makes is granted to ' ||
            CASE grantee WHEN 0 THEN 'everybody' ELSE pg_get_userbyid(grantee) END

@@ -113,7 +113,8 @@ Findings PostgreSqlSchemaFindings(const Store& store) {
   schema.Next();
   try {
     soci::session sql(soci::postgresql, Local::WithoutBlanks(store.Where()));
-    Local::Execute(sql, "SET client_min_messages = error; SET statement_timeout = '30s'; SET lock_timeout = '1s'");
+    Local::Execute(
+        sql, "SET client_min_messages = error; SET statement_timeout = '30s'; SET lock_timeout = '1s'; SET jit = off");
     findings.Add(CompareWithANewStore(sql, std::string(schema.Text(0)), store.SchemaVersion()));
   } catch (const soci::soci_error& reason) {
     findings.notCompared = "tables, views, functions and triggers with those of a new store: " + ReasonOf(reason);
