@@ -84,8 +84,8 @@ std::string SqliteWrongTypes(const StoredTable& table) {
   static const char* const names[] = {"integer", "text", "real"};
   std::string cases;
   for (const StoredColumn& column : table.columns) {
-    cases += " WHEN typeof(" + column.name + ") NOT IN ('null', '" + names[static_cast<int>(column.type)] +
-             "') THEN '" + column.name + "'";
+    cases += " WHEN " + column.name + " IS NOT NULL AND typeof(" + column.name + ") <> '" +
+             names[static_cast<int>(column.type)] + "' THEN '" + column.name + "'";
   }
   return "SELECT " + table.Key() + ", CASE" + cases + " END AS wrong FROM " + table.name + " WHERE wrong IS NOT NULL";
 }
