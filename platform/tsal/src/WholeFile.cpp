@@ -23,7 +23,7 @@ std::string ReadWholeFile(const std::string& path, std::uintmax_t limit) {
   }
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(Velora::System::OpenRegularFile(path), &std::fclose);
   if (!file) {
-    fail(std::generic_category().message(errno));
+    fail(std::generic_category().message(errno) + "; expected a regular file that can be read");
   }
   std::string content;
   std::array<char, 16384> block;
