@@ -103,6 +103,15 @@ TEST_F(OnlyAdded, NoStatementNumbersARowOutsideWhatSealsCover) {
   EXPECT_EQ(tables, 11);
 }
 
+TEST_F(OnlyAdded, NothingRefersToARowThatIsNotThere) {
+  Begin();
+  Run("DROP TRIGGER sessions_no_delete");
+  Run("DELETE FROM sessions WHERE session_id = (SELECT MAX(session_id) FROM sessions)");
+  const std::string before = Content();
+  ExpectError([] { SaveEvent(Event("of no session")); }, {"ts.db", "FOREIGN KEY"});
+  EXPECT_EQ(Content(), before);
+}
+
 TEST_F(OnlyAdded, AStoreOfTheFirstVersionIsBroughtUpOnceAndKeepsItsRows) {
   const std::string before = Content();
   Begin("new.db");

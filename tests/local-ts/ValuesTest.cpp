@@ -80,22 +80,27 @@ TEST_F(Values, NumbersKeepEveryBit) {
 TEST_F(Values, AnEventIsStoredWholeAndWithItsLinksOrNotAtAll) {
   Begin();
   const Tsid execution = Saved("node").Id;
-  const Tsid configuration =
-      SystemMethods::SaveInstrumentConfigWithResult("1", "2", "3", "4", "5", "6", "7", "8", "9").ConfigurationId;
+  const InstrumentEventConfigResult configuration =
+      SystemMethods::SaveInstrumentConfigWithResult("1", "2", "3", "4", "5", "6", "7", "8", "9");
+  EXPECT_EQ(Recorded("SELECT guid FROM sessions"), configuration.SessionId.GetGuid() + '\n');
   InstrumentEvent large = Event("large");
   for (std::int32_t position = 1; position <= 10'000; ++position) {
     large.Parameters.push_back(std::make_shared<InstrumentParameterInt>("same name", position));
   }
   SaveEvent(large, Tsid(), &execution);
-  SaveEvent(Event("small"), configuration);
+  InstrumentEvent small = Event("small");
+  small.TimeStamp = configuration.Time;
+  SaveEvent(small, configuration.ConfigurationId);
   large.Name = "with a hole";
   large.Parameters.back() = nullptr;
   ExpectError([&] { SaveEvent(large); }, {"with a hole", "position 10000"});
   large.TimeStamp = DateTimeOffset::FromMicroseconds(INT64_MAX);
   ExpectError([&] { SaveEvent(large); }, {"9223372036854775807", "years 0 to 9999"});
-  EXPECT_EQ(Recorded("SELECT name, execution_id, configuration_id, session_id FROM events JOIN sessions USING "
-                     "(session_id) WHERE at >= began_at AND at < '2100'"),
-            "large|1|NULL|1\nsmall|NULL|1|1\n");
+  EXPECT_EQ(
+      Recorded("SELECT name, execution_id, e.configuration_id, e.session_id, CASE WHEN at = saved_at THEN 'stated' "
+               "END FROM events e JOIN sessions USING (session_id) CROSS JOIN configurations WHERE at >= began_at "
+               "AND at < '2100' ORDER BY event_id"),
+      "large|1|NULL|1|NULL\nsmall|NULL|1|1|stated\n");
   EXPECT_EQ(Recorded("SELECT COUNT(*), SUM(CASE WHEN position = value_number THEN 1 END) FROM parameters"),
             "10000|10000\n");
   EXPECT_EQ(Recorded("SELECT configuration_text, text2, vendor_name, host_name, option_text, instrument_class, "
