@@ -239,6 +239,56 @@ TEST(Writer, SaysForWhomItWaitedInVain) {
   EXPECT_EQ(StoredRecords(folder / "ts.db"), told.acknowledged);
 }
 
+TEST(Files, OfTheLogThatAreDeletedAreMissedBeforeAnythingIsAcknowledged) {
+  static const struct {
+    const char* file;
+    bool inCommit;
+  } rows[] = {{"ts.db-wal", false}, {"ts.db-shm", false}, {"ts.db-wal", true}};
+  for (const auto& [file, inCommit] : rows) {
+    SCOPED_TRACE(std::string(file) + (inCommit ? " in a commit" : " before a record"));
+    const ScratchFolder folder;
+    PrepareFolder(folder.path);
+    FaultyFiles files;
+    Told told;
+    Recording host = Host(folder.path, "host", told);
+    for (int record = 0; record < 5; ++record) {
+      host.Next();
+    }
+    const auto remove = [path = folder / file] { fs::remove(path); };
+    if (inCommit) {
+      files.beforeSync = remove;
+    } else {
+      remove();
+    }
+    try {
+      host.Next();
+      ADD_FAILURE() << "acknowledged";
+    } catch (const TsError& error) {
+      EXPECT_NE(std::string(error.what()).find("was removed or replaced"), std::string::npos) << error.what();
+    }
+    files.beforeSync = [] {};
+    host.Next();
+    EXPECT_EQ(Compare(folder.path, told).text, "");  // closing the connection saved what was in the log
+  }
+}
+
+TEST(Files, OfTheLogThatOthersMadeAnewAreSpared) {
+  const ScratchFolder folder;
+  PrepareFolder(folder.path);
+  Told told;
+  Recording host = Host(folder.path, "host", told);
+  host.Next();
+  Query(folder / "ts.db", "PRAGMA wal_checkpoint");
+  host.Next();
+  fs::remove(folder / "ts.db-wal");
+  fs::remove(folder / "ts.db-shm");
+  EXPECT_EQ(
+      std::system(("sqlite3 '" + (folder / "ts.db").string() + "' \"INSERT INTO ts_schema VALUES (4, '')\"").c_str()),
+      0);
+  EXPECT_THROW(host.Next(), TsError);
+  EXPECT_EQ(Query(folder / "ts.db", "SELECT version FROM ts_schema"), "3\n4\n");
+}
+
 TEST(Files, AreReadableByOwnerAndGroupAtMost) {
   for (const auto& [mask, mode] : {std::pair<mode_t, mode_t>{0, 0640}, {022, 0640}, {027, 0640}, {077, 0600}}) {
     const ScratchFolder folder;

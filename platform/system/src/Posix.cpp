@@ -53,6 +53,11 @@ std::FILE* OpenRegularFile(const std::string& path) {
   return opened;
 }
 
+FileId IdOf(const std::string& path) {
+  struct stat file {};
+  return stat(path.c_str(), &file) == 0 ? FileId{file.st_dev, file.st_ino} : FileId{};
+}
+
 std::string ComputerName() {
   std::array<char, 257> buffer{};
   return gethostname(buffer.data(), buffer.size() - 1) == 0 && buffer[0] != '\0' ? buffer.data() : "unknown";

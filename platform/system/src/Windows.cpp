@@ -21,6 +21,8 @@ std::FILE* OpenRegularFile(const std::string& path) {
   return file;
 }
 
+FileId IdOf(const std::string& /*path*/) { return {1, 1}; }
+
 std::string ComputerName() {
   std::array<char, 256> buffer{};
   DWORD size = buffer.size();

@@ -41,6 +41,9 @@ class Session {
         CloseIdle();
       }
       throw connection->ErrorOf(reason);
+    } catch (const StoreReplaced&) {
+      CloseIdle();
+      throw;
     } catch (const TsError&) {
       if (connection->IsOutsideTransaction()) {
         Keep(std::move(connection));

@@ -82,14 +82,25 @@ int WaitForWriter(void* waited, int tries) {
   return 1;
 }
 
+// To the statement's end, past its one row: there the change is committed.
+std::string AskForWriteAheadLog(soci::session& sql) {
+  std::string mode;
+  soci::statement statement(sql);
+  statement.exchange(soci::into(mode));
+  statement.alloc();
+  statement.prepare("PRAGMA journal_mode = WAL");
+  statement.define_and_bind();
+  statement.execute(true);
+  statement.fetch();
+  return mode;
+}
+
 // Turning the write-ahead log on is the one statement that fails at once when another process is about to do the same.
 void TurnOnWriteAheadLog(soci::session& sql) {
   const auto deadline = std::chrono::steady_clock::now() + longestWait;
   for (;;) {
     try {
-      std::string mode;
-      Execute(sql, "PRAGMA journal_mode = WAL", soci::into(mode));
-      if (mode != "wal") {
+      if (const std::string mode = AskForWriteAheadLog(sql); mode != "wal") {
         throw soci::soci_error("the write-ahead log cannot be turned on; the journal stays '" + mode + "'");
       }
       return;
@@ -108,11 +119,12 @@ SqliteConnection::SqliteConnection(const std::string& file, Opening opening) : C
   Open(Sql(), file, opening);
   try {
     Configure();
-    const int version = StoredVersion();  // asked first: nothing is changed in a file that is none of ours
+    StoredVersion();  // asked first: nothing is changed in a file that is none of ours
     TurnOnWriteAheadLog(Sql());
-    if (version != schemaVersion) {
+    if (StoredVersion() != schemaVersion) {
       BringUp();
     }
+    files.emplace(HandleOf(Sql()), name);
   } catch (const soci::soci_error& reason) {
     throw ErrorOf(reason);
   }
@@ -128,7 +140,12 @@ void SqliteConnection::Configure() {
 // long it would wait.
 void SqliteConnection::Begin() { Execute(Sql(), "BEGIN IMMEDIATE"); }
 
-void SqliteConnection::Commit() { Execute(Sql(), "COMMIT"); }
+void SqliteConnection::Commit() {
+  Execute(Sql(), "COMMIT");
+  if (files) {
+    ExpectFilesInPlace();
+  }
+}
 
 long long SqliteConnection::NextKey(const std::string& table, const std::string& column) {
   long long key = 0;
@@ -145,12 +162,16 @@ void SqliteConnection::Insert(const Types::InstrumentEvent& event, long long ses
 }
 
 bool SqliteConnection::IsUsable() {
-  int moved = 0;
-  sqlite_api::sqlite3_file_control(HandleOf(Sql()), "main", SQLITE_FCNTL_HAS_MOVED, &moved);
-  if (moved != 0) {  // nobody would find what is written now
+  ExpectFilesInPlace();
+  return true;
+}
+
+// Nobody would find what is written elsewhere.
+void SqliteConnection::ExpectFilesInPlace() const {
+  if (!files->AreInPlace()) {
+    files->SpareOthers();
     throw StoreReplaced(name);
   }
-  return true;
 }
 
 bool SqliteConnection::IsOutsideTransaction() { return sqlite_api::sqlite3_get_autocommit(HandleOf(Sql())) != 0; }
@@ -158,7 +179,7 @@ bool SqliteConnection::IsOutsideTransaction() { return sqlite_api::sqlite3_get_a
 TsError SqliteConnection::ErrorOf(const soci::soci_error& reason) {
   if (IsBusy(reason)) {
     return TsError("TS database '" + name + "' was being written by " +
-                   Velora::System::LockerOf(name + "-shm", writeLock) + " for more than " +
+                   Velora::System::LockerOf(SharedMemoryOf(HandleOf(Sql())), writeLock) + " for more than " +
                    std::to_string(longestWait.count()) +
                    " seconds; expected it to finish: " + reason.get_error_message());
   }

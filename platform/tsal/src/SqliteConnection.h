@@ -2,6 +2,7 @@
 
 #include "Connection.h"
 #include "SqliteEvents.h"
+#include "SqliteFiles.h"
 
 #include <chrono>
 #include <optional>
@@ -30,8 +31,10 @@ class SqliteConnection : public Connection {
   void BringUpSchema(int from) override;
   void HoldSchema() override {}
   void Configure();
+  void ExpectFilesInPlace() const;
 
   std::chrono::microseconds waited{};  // for other writers, since the last time that none was in the way
+  std::optional<SqliteFiles> files;  // once they are all open
   std::optional<SqliteEvents> events;
 };
 

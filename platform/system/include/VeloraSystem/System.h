@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace Velora::System {
@@ -8,6 +9,16 @@ namespace Velora::System {
 /// a file gives up every lock that this process has on it. What is wrong shows when the file is opened. On Windows it
 /// does nothing: a file has the access list of its folder there.
 void MakeOwnFile(const std::string& path);
+
+/// Which file a path leads to, following links: another one for every file that is there or open at one time, and the
+/// default one for none. On Windows always the same one: a file stays there as long as it is open.
+struct FileId {
+  std::uint64_t device = 0;
+  std::uint64_t number = 0;
+
+  bool operator==(const FileId&) const = default;
+};
+FileId IdOf(const std::string& path);
 
 /// This computer's name, "unknown" when the system does not tell it.
 std::string ComputerName();
