@@ -142,6 +142,54 @@ TEST_F(Look, ExportsATimelineThatAgreesWithTheStore) {
       "3|2\n4|0|0|3662345678\n5|1|1000000|3662345678\n6|0|1500000|2000000\n=cmd()|1250000|-1+1|1\ne|3000000||0\n");
 }
 
+TEST_F(Look, ATreeTakesRoomInProportionToItsDepth) {
+  const auto bytesOf = [this](const std::string& levels) {
+    const std::string key = levels + "0000";
+    folder.Write("chain.sql", "WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < " + levels +
+                                  ") INSERT INTO executions SELECT " + key + " + i, 'chain-" + levels +
+                                  "-' || i, CASE WHEN i > 0 THEN " + key + " + i - 1 END, " + key +
+                                  ", 1, NULL, 'level ' || i, '', 5, '2026-11-27' FROM n");
+    EXPECT_EQ(Shell("sqlite3 -bail ts.db < chain.sql"), 0) << said;
+    EXPECT_EQ(Tool("show --tree chain-" + levels + "-0 | tee tree | tail -n 1"), 0) << said;
+    EXPECT_EQ(said.find(std::string(40, ' ') + levels + ": level " + levels + "  "), 0U) << said;
+    EXPECT_EQ(Shell("grep -c 'level .* no status' tree"), 0);
+    EXPECT_EQ(said, std::to_string(std::stoi(levels) + 1) + '\n');
+    return static_cast<double>(file_size(folder / "tree"));
+  };
+  const double of1500 = bytesOf("1500");
+  EXPECT_LT(bytesOf("3000") / of1500, 2.1);
+}
+
+TEST_F(Look, WhatIsTooLongOrTooWideIsRefusedWithItsLimit) {
+  const auto change = [this](const std::string& statement) {
+    folder.Write("change.sql", statement);
+    EXPECT_EQ(Shell("sqlite3 -bail ts.db < change.sql"), 0) << said;
+  };
+  change(
+      "INSERT INTO events VALUES (8, 1, 1, NULL, 'wide', '2026-11-25T04'); WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL "
+      "SELECT i + 1 FROM n WHERE i < 16373) INSERT INTO parameters SELECT 8, i, 'P' || i, 'int', NULL, i FROM n");
+  EXPECT_EQ(Tool("export 0ecba827 --format csv > csv && head -n 1 csv | tr -cd , | wc -c"), 0) << said;
+  EXPECT_EQ(said, "16383\n");
+  change("INSERT INTO parameters VALUES (8, 16374, 'One more', 'int', NULL, 1)");
+  EXPECT_EQ(Tool("export 0ecba827 --format csv > csv"), 3);
+  EXPECT_TRUE(Says("more names than a table has columns, at most 16384")) << said;
+  EXPECT_EQ(Tool("export 0ecba827 > jsonl"), 0) << said;
+
+  change(
+      "INSERT INTO events VALUES (9, 1, 5, NULL, 'long', '2026-11-26T10'); "
+      "INSERT INTO parameters VALUES (9, 7, 'P', 'text', printf('%.*c', 67108865, 'x'), NULL)");
+  for (const std::string verb : {"show --events", "show --events --json", "report", "export --format csv"}) {
+    EXPECT_EQ(Tool(verb + " ffffffff > long"), 3) << verb << ": " << said;
+    EXPECT_TRUE(Says("'value_text' of the row with position 7, event_id 9 has 67108865 bytes, and at most 67108864"))
+        << verb << ": " << said;
+  }
+  EXPECT_EQ(Tool("export ffffffff > long && grep -c x.*x long"), 0) << said;
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // which take memory of their own
+  EXPECT_EQ(Shell("ulimit -v 200000; '" VELORA_TS "' export ffffffff > long"), 3);
+  EXPECT_TRUE(Says("event_id 9 has 67108865 bytes, and there is not enough memory for them")) << said;
+#endif
+}
+
 TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
   create_directory(folder / "new");
   folder.Write("new/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");

@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <iostream>
+#include <new>
 #include <optional>
 #include <sstream>
 
@@ -156,6 +157,9 @@ class CommandLine {
 int main(int argc, char** argv) {
   try {
     return CommandLine().Run(argc, argv);
+  } catch (const std::bad_alloc&) {
+    Complain("there is not enough memory for that");
+    return Impossible;
   } catch (const std::exception& reason) {
     Complain(reason.what());
     return Impossible;

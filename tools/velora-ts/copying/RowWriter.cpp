@@ -48,7 +48,7 @@ class FileWriter : public RowWriter {
           values[at].number = rows.IsNull(column) ? 0 : rows.Number(column);
           break;
         case StoredColumn::Type::Text:
-          values[at].text = rows.Text(column);
+          values[at].text = rows.Whole(column);
       }
     }
     insert.execute(true);

@@ -3,8 +3,12 @@
 #include "reading/EventRows.h"
 #include "reading/Values.h"
 
+#include <TSAL/Error.h>
+
 #include <array>
 #include <map>
+
+using Quor::TolvaServices::TsError;
 
 // RFC 4180, with a mark in front by which spreadsheet programs know UTF-8: docs/velora-ts.md.
 
@@ -12,6 +16,7 @@ namespace {
 
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view lineEnd = "\r\n";
+constexpr std::size_t mostColumns = 16384;  // as many as spreadsheet programs take
 constexpr std::array fixedColumns = {"number", "at", "run", "execution", "node", "activity", "event"};
 
 // What a spreadsheet program would take for a formula has an apostrophe before it, and so that this one can be taken
@@ -51,6 +56,7 @@ class Csv {
     ForEachEvent([&](EventRows& events) {
       ForEachParameter(events, [&](const std::pair<std::string, int>& place) {
         if (places.emplace(place, places.size()).second) {
+          ExpectRoomForColumns();
           header += ',' + TextCell(UniqueName(taken, Readable(place.first), place.second));
         }
       });
@@ -81,6 +87,13 @@ class Csv {
   }
 
  private:
+  void ExpectRoomForColumns() const {
+    if (fixedColumns.size() + places.size() > mostColumns) {
+      throw TsError("the parameters have more names than a table has columns, at most " + std::to_string(mostColumns) +
+                    "; expected a run or a span of time with fewer, or export without --format, which has no columns");
+    }
+  }
+
   template <typename Visitor>
   void ForEachEvent(const Visitor& visit) {
     for (const Run& run : selection.runs) {

@@ -11,7 +11,6 @@
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
 
 using Velora::Text::Character;
 
@@ -42,7 +41,7 @@ std::size_t WidthOf(const Character& character) {
 
 }  // namespace
 
-Terminal::Terminal() : width(std::numeric_limits<std::size_t>::max()), colours(false) {
+Terminal::Terminal() {
   if (isatty(STDOUT_FILENO) != 0) {
     width = WidthOfTerminal();
     const char* const kind = std::getenv("TERM");

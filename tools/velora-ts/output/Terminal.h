@@ -3,6 +3,7 @@
 #include <VeloraText/Printable.h>
 
 #include <cstddef>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -10,8 +11,12 @@
 struct Terminal {
   Terminal();
 
-  std::size_t width;  ///< Columns of a line.
-  bool colours;
+  /// Whether lines have to be cut at all.
+  bool IsNarrow() const { return width < any; }
+
+  static constexpr std::size_t any = std::numeric_limits<std::size_t>::max();
+  std::size_t width = any;  ///< Columns of a line.
+  bool colours = false;
 };
 
 using Velora::Text::Printable;

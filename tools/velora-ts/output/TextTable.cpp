@@ -1,7 +1,6 @@
 #include "output/TextTable.h"
 
 #include "output/Output.h"
-#include "output/Terminal.h"
 
 #include <algorithm>
 #include <numeric>
@@ -11,6 +10,8 @@ namespace {
 constexpr const char* gap = "  ";
 constexpr std::size_t gapWidth = 2;
 constexpr std::size_t narrowest = 4;
+constexpr std::size_t mostKept = 1000;                        // rows, until their columns are as wide as they take
+constexpr std::size_t mostBytesKept = std::size_t{1} << 20U;  // of their texts
 
 std::string Padded(const std::string& text, std::size_t width, bool atRight, bool last) {
   const std::string blanks(width - std::min(width, WidthOf(text)), ' ');
@@ -25,7 +26,7 @@ std::vector<std::size_t> TextTable::Widths(std::size_t available) const {
   std::vector<std::size_t> widths;
   for (std::size_t column = 0; column < columns.size(); ++column) {
     std::size_t width = WidthOf(columns[column].title);
-    for (const std::vector<Cell>& row : rows) {
+    for (const std::vector<Cell>& row : first) {
       width = std::max(width, WidthOf(row[column].text));
     }
     widths.push_back(width);
@@ -54,26 +55,47 @@ std::vector<std::size_t> TextTable::Widths(std::size_t available) const {
   return widths;
 }
 
-void TextTable::Write() const {
-  const Terminal terminal;
-  const std::vector<std::size_t> widths = Widths(terminal.width);
-  const auto write = [&](const auto& textOf) {
-    std::string line;
-    for (std::size_t column = 0; column < columns.size() && (column == 0 || widths[column] > 0); ++column) {
-      const bool last = column + 1 == columns.size();
-      const Cell& cell = textOf(column);
-      const std::string text = Padded(Cut(cell.text, widths[column]), widths[column], columns[column].number, last);
-      line += column == 0 ? "" : gap;
-      line += cell.alarming && terminal.colours ? "\x1b[1;31m" + text + "\x1b[0m" : text;
-    }
-    WriteOut(line.erase(line.find_last_not_of(' ') + 1) + '\n');
-  };
+void TextTable::Add(const std::vector<Cell>& row) {
+  if (!widths.empty()) {
+    Write(row);
+    return;
+  }
+  for (const Cell& cell : row) {
+    bytes += cell.text.size();
+  }
+  first.push_back(row);
+  if (first.size() == mostKept || bytes > mostBytesKept) {
+    Begin();
+  }
+}
+
+void TextTable::Finish() {
+  if (widths.empty()) {
+    Begin();
+  }
+}
+
+void TextTable::Begin() {
+  widths = Widths(terminal.width);
   std::vector<Cell> titles;
   for (const Column& column : columns) {
     titles.push_back({column.title});
   }
-  write([&](std::size_t column) -> const Cell& { return titles[column]; });
-  for (const std::vector<Cell>& row : rows) {
-    write([&](std::size_t column) -> const Cell& { return row[column]; });
+  Write(titles);
+  for (const std::vector<Cell>& row : std::exchange(first, {})) {
+    Write(row);
   }
+}
+
+void TextTable::Write(const std::vector<Cell>& row) const {
+  std::string line;
+  for (std::size_t column = 0; column < columns.size() && (column == 0 || widths[column] > 0); ++column) {
+    const bool last = column + 1 == columns.size();
+    const Cell& cell = row[column];
+    const std::string shown = terminal.IsNarrow() ? Cut(cell.text, widths[column]) : cell.text;
+    const std::string text = Padded(shown, widths[column], columns[column].number, last);
+    line += column == 0 ? "" : gap;
+    line += cell.alarming && terminal.colours ? "\x1b[1;31m" + text + "\x1b[0m" : text;
+  }
+  WriteOut(line.erase(line.find_last_not_of(' ') + 1) + '\n');
 }

@@ -1,11 +1,14 @@
 #pragma once
 
+#include "output/Terminal.h"
+
 #include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
 
-/// Rows of cells, written as wide as the terminal allows.
+/// Rows of cells, written as wide as the terminal allows. Columns are as wide as the first rows take; what comes after
+/// these is written at once, so that a table of any length takes no more memory.
 class TextTable {
  public:
   struct Column {
@@ -20,12 +23,18 @@ class TextTable {
 
   explicit TextTable(std::vector<Column> columns) : columns(std::move(columns)) {}
 
-  void Add(std::vector<Cell> row) { rows.push_back(std::move(row)); }
-  void Write() const;
+  void Add(const std::vector<Cell>& row);
+  /// Writes what has not been written yet.
+  void Finish();
 
  private:
   std::vector<std::size_t> Widths(std::size_t available) const;
+  void Begin();
+  void Write(const std::vector<Cell>& row) const;
 
-  std::vector<Column> columns;
-  std::vector<std::vector<Cell>> rows;
+  const Terminal terminal;
+  const std::vector<Column> columns;
+  std::vector<std::vector<Cell>> first;  // rows, as long as they are kept
+  std::size_t bytes = 0;                 // of these
+  std::vector<std::size_t> widths;       // once they are written
 };

@@ -4,13 +4,46 @@
 #include "reading/Listener.h"
 #include "reading/Store.h"
 
+#include <TSAL/Error.h>
+
+#include <new>
+
+using Quor::TolvaServices::TsError;
+
 Rows::Rows(const Store& store, const std::string& question) : cursor(store.Reading().Prepare(question)) {
   if (questionListener) {
     questionListener(question);
   }
 }
 
+void Rows::ExpectShowable(int column) const {
+  if (const std::size_t bytes = Whole(column).size(); bytes > longestShown) {
+    throw TsError(PlaceOf(column) + " has " + std::to_string(bytes) + " bytes, and at most " +
+                  std::to_string(longestShown) + " can be shown; expected export without --format, which writes all");
+  }
+}
+
 void Rows::AppendValue(std::string& json, int column) const {
+  try {
+    Append(json, column);
+  } catch (const std::bad_alloc&) {
+    throw TsError(PlaceOf(column) + " has " + std::to_string(Whole(column).size()) +
+                  " bytes, and there is not enough memory for them");
+  }
+}
+
+std::string Rows::PlaceOf(int column) const {
+  std::string row;
+  for (int other = 0; other < Columns(); ++other) {
+    const std::string_view name = Name(other);
+    if (cursor->TypeOf(other) == Cursor::Type::Integer && name.find_first_of("_(") != 0) {
+      row += (row.empty() ? " of the row with " : ", ") + std::string(name) + ' ' + std::to_string(Integer(other));
+    }
+  }
+  return std::string("value '") + Name(column) + '\'' + row;
+}
+
+void Rows::Append(std::string& json, int column) const {
   switch (cursor->TypeOf(column)) {
     case Cursor::Type::Integer:
       json += std::to_string(Integer(column));
@@ -19,10 +52,10 @@ void Rows::AppendValue(std::string& json, int column) const {
       AppendNumber(json, Number(column));
       break;
     case Cursor::Type::Text:
-      AppendText(json, Text(column));
+      AppendText(json, Whole(column));
       break;
     case Cursor::Type::Blob:
-      AppendBlob(json, Text(column));
+      AppendBlob(json, Whole(column));
       break;
     case Cursor::Type::Null:
       json += "null";

@@ -11,6 +11,9 @@ class Store;
 /// A question to a store and its rows, in SQL that every database of a store takes.
 class Rows {
  public:
+  /// Bytes of a text. A longer one would take a verb that shows it too much memory.
+  static constexpr std::size_t longestShown = std::size_t{64} << 20U;
+
   Rows(const Store& store, const std::string& question);
 
   /// Asks from the beginning, with these values for ?1, ?2...
@@ -30,12 +33,24 @@ class Rows {
   }
   long long Integer(int column) const { return cursor->Integer(column); }
   double Number(int column) const { return cursor->Number(column); }
-  std::string_view Text(int column) const { return cursor->Text(column); }
+  /// A value to be shown. @throws TsError naming its row where it is longer than `longestShown`.
+  std::string_view Text(int column) const {
+    ExpectShowable(column);
+    return Whole(column);
+  }
+  /// The same of any length, for what copies or compares it.
+  std::string_view Whole(int column) const { return cursor->Text(column); }
+  void ExpectShowable(int column) const;
   int Columns() const { return cursor->Columns(); }
   const char* Name(int column) const { return cursor->Name(column); }
-  /// Appends a value as JSON, by the type that it is really stored with.
+  /// Appends a value of any length as JSON, by the type that it is really stored with.
+  /// @throws TsError naming its row where memory does not take it.
   void AppendValue(std::string& json, int column) const;
 
  private:
+  void Append(std::string& json, int column) const;
+  /// A value's column and row, in words.
+  std::string PlaceOf(int column) const;
+
   std::unique_ptr<Cursor> cursor;
 };

@@ -22,7 +22,8 @@ const std::string columns = "SELECT execution_id, guid, node, started_at FROM ex
 std::vector<Run> All(Rows& rows) {
   std::vector<Run> runs;
   while (rows.Next()) {
-    runs.push_back({rows.Integer(0), std::string(rows.Text(1)), std::string(rows.Text(2)), std::string(rows.Text(3))});
+    const auto text = [&rows](int column) { return std::string(rows.Whole(column)); };
+    runs.push_back({rows.Integer(0), text(1), text(2), text(3)});
   }
   return runs;
 }

@@ -38,11 +38,16 @@ void AppendParameterValue(std::string& json, const Rows& parameters) {
     parameters.AppendValue(json, Number);
     json += ']';
   } else if (parameters.IsNumber(Number) && ((number == 0 && !std::signbit(number)) || number == 1) &&
-             parameters.Text(Kind) == "bool") {
+             parameters.Whole(Kind) == "bool") {
     json += number == 0 ? "false" : "true";
   } else {
     parameters.AppendValue(json, hasText ? Text : Number);
   }
+}
+
+void ExpectShowable(const Rows& parameters) {
+  parameters.ExpectShowable(Name);
+  parameters.ExpectShowable(Text);
 }
 
 bool IsText(const Rows& parameters) {

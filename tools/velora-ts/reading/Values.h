@@ -19,6 +19,8 @@ std::string Shown(std::string_view stored);
 void AppendParameterValue(std::string& json, const Rows& parameters);
 /// The same as one reads it: a readable text, NaN by that name.
 std::string ValueInWords(const Rows& parameters);
+/// @throws TsError where it is too long to be shown.
+void ExpectShowable(const Rows& parameters);
 /// Whether it is a text to whoever recorded it, not a number that is kept as one.
 bool IsText(const Rows& parameters);
 /// The number that a text reads as, as 3.10 is kept as one to keep its digits; nothing for none that can be drawn.

@@ -6,6 +6,7 @@
 namespace {
 
 constexpr std::size_t batchValues = 100000;
+constexpr std::size_t batchBytes = std::size_t{16} << 20U;
 
 }  // namespace
 
@@ -40,11 +41,15 @@ void ReportEvents::AppendShapes(std::string& json) const {
 
 bool ReportEvents::Fill() {
   std::size_t values = 0;
-  while (values < batchValues && events.Next()) {
+  std::size_t bytes = 0;
+  while (values < batchValues && bytes < batchBytes && events.Next()) {
     progress.Add(1);
     if (kept.Keeps(events.Current())) {
       Add(events.Current());
       values += 3 + events.Current().readings.size();
+      for (const Reading& reading : events.Current().readings) {
+        bytes += reading.json.size();
+      }
     }
   }
   next = shapes.begin();

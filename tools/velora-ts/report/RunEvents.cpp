@@ -41,6 +41,7 @@ void RunEvents::AddReading(const Rows& parameter) {
   Reading& reading = event.readings.emplace_back();
   reading.name = parameter.Text(Name);
   reading.kind = parameter.Text(Kind);
+  ExpectShowable(parameter);
   if (!parameter.IsNull(ValueText)) {
     parameter.AppendValue(reading.json, ValueText);
     reading.number = NumberIn(parameter.Text(ValueText));

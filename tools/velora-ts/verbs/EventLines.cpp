@@ -60,6 +60,7 @@ std::string EventAsJson(EventRows& events) {
   add("node", Node);
   json += ",\"parameters\":[";
   for (const char* separator = "{\"name\":"; events.NextParameter(); separator = ",{\"name\":") {
+    ExpectShowable(events.Parameter());
     json += separator;
     events.Parameter().AppendValue(json, 1);
     json += ",\"kind\":";

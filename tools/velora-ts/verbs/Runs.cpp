@@ -46,7 +46,7 @@ void WriteTable(const Store& store, Rows& rows) {
                {ActivityInWords(root)},
                {Shown(root.node)}});
   }
-  table.Write();
+  table.Finish();
 }
 
 void WriteJson(const Store& store, Rows& rows) {

@@ -13,11 +13,18 @@
 #include "verbs/EventLines.h"
 #include "verbs/Verbs.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
 
-constexpr int firstFew = 3;  // parameters of an execution, where no columns are picked
+constexpr int firstFew = 3;        // parameters of an execution, where no columns are picked
+constexpr int deepestIndent = 20;  // levels; below them the level is a number
+
+std::string IndentOf(int depth) {
+  const std::string blanks(2 * static_cast<std::size_t>(std::min(depth, deepestIndent)), ' ');
+  return depth > deepestIndent ? blanks + std::to_string(depth) + ": " : blanks;
+}
 
 class Show {
  public:
@@ -28,11 +35,11 @@ class Show {
         execution(store, executionQuestion + std::string("WHERE e.execution_id = ?1")),
         children(store, "SELECT execution_id FROM executions WHERE parent_id = ?1 ORDER BY execution_id"),
         parameters(store,
-                   "SELECT p.position, p.name, p.kind, p.value_text, p.value_number FROM events v "
+                   "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM events v "
                    "JOIN parameters p ON p.event_id = v.event_id WHERE v.execution_id = ?1 "
                    "ORDER BY v.event_id, p.position LIMIT ?2"),
         picked(store,
-               "SELECT p.position, p.name, p.kind, p.value_text, p.value_number FROM events v "
+               "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM events v "
                "JOIN parameters p ON p.event_id = v.event_id WHERE v.execution_id = ?1 AND p.name = ?2 "
                "ORDER BY v.event_id DESC, p.position DESC LIMIT 1") {}
 
@@ -139,8 +146,7 @@ class Show {
     }
     TextTable table(columns);
     ForEachExecution([&](const Execution& one, int depth) {
-      const std::string indent(options.tree ? 2 * static_cast<std::size_t>(depth) : 0, ' ');
-      std::vector<TextTable::Cell> row{{indent + Shown(one.node)},
+      std::vector<TextTable::Cell> row{{(options.tree ? IndentOf(depth) : "") + Shown(one.node)},
                                        {ActivityInWords(one)},
                                        {StateInWords(one), IsRunning(one)},
                                        {LocalTime(one.startedAt, false)},
@@ -151,9 +157,9 @@ class Show {
       if (options.columns.empty()) {
         row.push_back({FirstFew(one)});
       }
-      table.Add(std::move(row));
+      table.Add(row);
     });
-    table.Write();
+    table.Finish();
   }
 
   /// Goes to what was recorded last under a name.
@@ -177,6 +183,7 @@ class Show {
       AppendText(json, name);
       json += ':';
       if (Pick(one, name)) {
+        ExpectShowable(picked);
         AppendParameterValue(json, picked);
       } else {
         json += "null";
