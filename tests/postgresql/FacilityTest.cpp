@@ -267,6 +267,54 @@ TEST_F(Facility, ASessionDoesNotGoOnInADatabaseThatWasMadeAnew) {
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM events", "dbname=lab"), "0");
 }
 
+TEST_F(Facility, TheOneStoreIsFoundWhateverARoleHasSetForItself) {
+  Sql("CREATE ROLE host LOGIN; CREATE EXTENSION pg_stat_statements");  // whose views are no tables of another program
+  Configure("dbname=postgres");
+  EXPECT_EQ(Shell("'" VELORA_TS "' prepare --hosts host"), 0) << said;
+  Configure("dbname=postgres user=host");
+  int sessions = 0;
+  for (const std::string statement :
+       {"CREATE SCHEMA host AUTHORIZATION host", "CREATE SCHEMA other; GRANT ALL ON SCHEMA other TO host",
+        "ALTER ROLE host SET search_path = other", "ALTER ROLE host IN DATABASE postgres SET search_path = ''",
+        "ALTER ROLE host SET default_transaction_read_only = on"}) {
+    Sql(statement);
+    EXPECT_EQ(ErrorOf(Begin), "") << statement;
+    EXPECT_EQ(Sql("SELECT COUNT(*) FROM public.sessions"), std::to_string(++sessions)) << statement;
+    EXPECT_EQ(Shell("'" VELORA_TS "' runs"), 0) << statement << said;
+  }
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM pg_class WHERE relname = 'ts_schema'"), "1");
+  Configure("dbname=postgres user=host options=-csearch_path=other");  // which the connection itself says
+  Begin();
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM other.sessions"), "1");
+}
+
+TEST_F(Facility, AServerThatTakesNoRecordsIsNotConnectable) {
+  Configure("dbname=postgres");
+  Begin();
+  const std::string standby = "touch '" + (server.folder / "data/standby.signal").string() + "'";
+  for (const auto& [statement, words] :
+       {std::pair("ALTER SYSTEM SET full_page_writes = off", "full_page_writes = off, and may lose"),
+        {"ALTER SYSTEM SET fsync = off", "fsync = off, and may lose"},
+        {"ALTER DATABASE postgres SET default_transaction_read_only = on",
+         "default_transaction_read_only = on; expected"},
+        {"SELECT 1", "a standby, which only reads; expected the primary"}}) {
+    Sql("ALTER SYSTEM RESET ALL", "dbname=template1");
+    Sql("ALTER DATABASE postgres RESET ALL", "dbname=template1");
+    Sql(statement);
+    Sql("SELECT pg_reload_conf()", "dbname=template1");
+    if (statement == "SELECT 1"s) {
+      EXPECT_EQ(Shell(standby), 0);
+      server.Crash();
+      server.Resume();
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));  // until it has read them
+    EXPECT_FALSE(TSInstance::IsConnectable()) << words;
+    EXPECT_NE(ErrorOf(Begin).find(words), std::string::npos) << ErrorOf(Begin);
+    EXPECT_EQ(Shell("'" VELORA_TS "' check"), 1);
+    EXPECT_NE(said.find(words), std::string::npos) << said;
+  }
+}
+
 TEST_F(Facility, AStoreOfTheFirstVersionOnServersIsRecordedIntoAsItIs) {
   EXPECT_EQ(Shell("psql -q -v ON_ERROR_STOP=1 -d postgres -f '" SOURCE "/tests/postgresql/version-2.sql'"), 0) << said;
   Configure("dbname=postgres");

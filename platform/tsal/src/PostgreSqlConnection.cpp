@@ -3,6 +3,7 @@
 #include "PostgreSqlEvent.h"
 #include "PostgreSqlSchema.h"
 #include "PostgreSqlSettings.h"
+#include "PostgreSqlStart.h"
 #include "Schema.h"
 #include "Statement.h"
 
@@ -64,12 +65,20 @@ void PostgreSqlConnection::Open() {
 void PostgreSqlConnection::Configure() {
   PQsetNoticeProcessor(
       Handle(), [](void*, const char*) {}, nullptr);  // which would write to the host's standard error
-  // A server that is set to lose what it acknowledged is told not to; one that is set to do more goes on doing so.
+  Execute(Sql(), findStore);
+  // A server that is set to lose what it acknowledged is told not to; one that is set to do more goes on doing so. A
+  // host that stops in the middle of a transaction gives up its locks in the end.
   Execute(Sql(),
           "SET statement_timeout = '4s'; SET lock_timeout = '4s'; SET default_transaction_isolation = 'read committed';"
+          "SET idle_in_transaction_session_timeout = '60s';"
           "SELECT set_config('synchronous_commit', 'on', false) WHERE current_setting('synchronous_commit') = 'off'");
   std::string encoding;
-  Execute(Sql(), "SELECT current_setting('server_encoding')", soci::into(encoding));
+  std::string whyNot;
+  Execute(Sql(), "SELECT current_setting('server_encoding'), (" + std::string(askWhyNot) + ")", soci::into(encoding),
+          soci::into(whyNot));
+  if (!whyNot.empty()) {
+    throw NotReachable("TS database '" + name + "' cannot be recorded into: " + whyNot);
+  }
   if (encoding != "UTF8") {
     throw TsError("TS database '" + name + "' has the encoding " + encoding + "; expected UTF8, which has every text");
   }
@@ -177,8 +186,10 @@ Connection::Contents PostgreSqlConnection::FindTables() {
   long long tables = 0;
   long long own = 0;
   Execute(Sql(),
-          "SELECT COUNT(*), COUNT(*) FILTER (WHERE relname = 'ts_schema') FROM pg_class "
-          "WHERE relkind IN ('r', 'p', 'v') AND relnamespace = to_regnamespace(quote_ident(current_schema()))",
+          "SELECT COUNT(*), COUNT(*) FILTER (WHERE relname = 'ts_schema') FROM pg_class c "
+          "WHERE relkind IN ('r', 'p', 'v') AND relnamespace = to_regnamespace(quote_ident(current_schema())) AND NOT "
+          "EXISTS (SELECT FROM pg_depend WHERE classid = CAST('pg_class' AS regclass) AND objid = c.oid "
+          "AND deptype = 'e')",  // which belong to extensions
           soci::into(tables), soci::into(own));
   return {tables != 0, own != 0};
 }

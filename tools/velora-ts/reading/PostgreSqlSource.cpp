@@ -1,6 +1,7 @@
 #include "reading/PostgreSqlSource.h"
 
 #include "PostgreSqlSettings.h"
+#include "PostgreSqlStart.h"
 
 #include <TSAL/Error.h>
 
@@ -126,6 +127,7 @@ PostgreSqlSource::PostgreSqlSource(const std::string& where, const std::string& 
   if (PQstatus(connection.get()) != CONNECTION_OK) {
     throw TsError("TS store '" + name + "' cannot be reached: " + OnOneLine(PQerrorMessage(connection.get())));
   }
+  Run(Local::findStore);
   Run("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
   Run("SET LOCAL cursor_tuple_fraction = 1; SET LOCAL jit = off");  // every answer is read to its end
   Run("SET LOCAL extra_float_digits = 1");                          // and numbers to theirs

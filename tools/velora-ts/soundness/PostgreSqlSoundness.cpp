@@ -21,11 +21,6 @@ constexpr const char* schemaOfStore =
     "SELECT quote_ident(nspname) FROM pg_namespace n JOIN pg_class c ON c.relnamespace = n.oid "
     "WHERE c.oid = to_regclass('ts_schema')";
 
-// Relations of the store that are not what their names mean to this connection.
-constexpr const char* hidden =
-    "SELECT CAST(c.oid AS regclass) FROM pg_class c JOIN pg_class t ON t.relnamespace = c.relnamespace "
-    "WHERE t.oid = to_regclass('ts_schema') AND c.relkind IN ('r', 'p', 'v') AND NOT pg_table_is_visible(c.oid)";
-
 // For the month of keys that are given out now and the next, as far as events have come: the one after these may wait
 // for the next day of a host, and a store without hosts needs none. Counted in months; keys never fall below a seal.
 constexpr const char* missingPartitions = R"(
@@ -106,9 +101,6 @@ std::vector<std::string> CompareWithANewStore(soci::session& sql, const std::str
 Findings PostgreSqlSchemaFindings(const Store& store) {
   Findings findings{RightsFindings(store), ""};
   findings.Add(MissingPartitions(store));
-  for (Rows rows(store, hidden); rows.Next();) {
-    findings.Add({std::string(rows.Text(0)) + " is hidden by another one of that name"});
-  }
   Rows schema(store, schemaOfStore);
   schema.Next();
   try {

@@ -1,3 +1,4 @@
+#include "PostgreSqlStart.h"
 #include "Schema.h"
 #include "Settings.h"
 #include "output/Output.h"
@@ -32,6 +33,17 @@ void SayHowMuch(const Store& store) {
   }
 }
 
+/// What keeps a server from taking records.
+std::string WhyNotRecorded(const Store& store) {
+  using namespace Quor::TolvaServices;
+  if (store.Kind() != Local::Database::Kind::PostgreSql) {
+    return "";
+  }
+  Rows answer(store, Local::askWhyNot);
+  answer.Next();
+  return std::string(answer.Text(0));
+}
+
 }  // namespace
 
 ExitCode Check(const std::string& folder) {
@@ -49,6 +61,10 @@ ExitCode Check(const std::string& folder) {
   Say("schema: version " + std::to_string(store.SchemaVersion()) +
       (older ? "; the next host that records brings it up" : ""));
   SayHowMuch(store);
+  if (const std::string why = WhyNotRecorded(store); !why.empty()) {
+    Say("finding: hosts record nothing: " + why);
+    result = Found;
+  }
   const Findings findings = SchemaFindings(store);
   for (const std::string& finding : findings.wrong) {
     Say("finding: " + finding);
