@@ -90,7 +90,8 @@ constexpr const char* parts = R"(
              'is none of TS''s, and may hide or refuse records'
       FROM relations r JOIN pg_policy ON polrelid = r.oid))";
 
-// Functions name their schema.
+// Functions name their schema. Of two indexes that are the same, while one is made anew, the valid one comes last and
+// counts.
 constexpr const char* answer = R"(
     SELECT COALESCE(replace(name, CAST(month AS text), 'YYYYMM'), name), COALESCE(CAST(month AS text), ''),
            COALESCE(replace(part, CAST(month AS text), 'YYYYMM'), part),
@@ -105,7 +106,8 @@ constexpr const char* answer = R"(
              array_to_string(proconfig, ' '), CASE WHEN proowner <> owner THEN pg_get_userbyid(proowner) END),
              '(^|[^\w"$])' || s.name || '(?=[.,''])', '\1SCHEMA', 'g'),
            '', ''
-    FROM store s JOIN pg_proc f ON pronamespace = s.oid JOIN pg_language l ON l.oid = prolang)";
+    FROM store s JOIN pg_proc f ON pronamespace = s.oid JOIN pg_language l ON l.oid = prolang
+    ORDER BY 4)";
 
 constexpr const char* anyMonth = "YYYYMM";
 

@@ -8,41 +8,39 @@ namespace Local = Quor::TolvaServices::Local;
 
 namespace {
 
-std::string Quoted(const char* names) { return std::string("string_to_array('") + names + "', ', ')"; }
-
-std::string RecordedTables() {
-  std::string names;
+// Names of the store's, for what follows.
+std::string Names() {
+  std::string recorded;
   for (const char* table : Local::recordedTables) {
-    names += (names.empty() ? "" : ", ") + std::string(table);
+    recorded += (recorded.empty() ? "" : ", ") + std::string(table);
   }
-  return Quoted(names.c_str());
+  const auto list = [](const std::string& names) { return "string_to_array('" + names + "', ', ')"; };
+  return "WITH names (recorded, host_tables, host_functions) AS (VALUES (" + list(recorded) + ", " + list(hostTables) +
+         ", " + list(hostFunctions) + ")),";
 }
 
-// Whatever is granted on what belongs to a store, each with what may be. A view of the owner's lets through what its
-// owner may do, wherever it stands, and so does a function, to triggers of any table without asking; those of another
-// store are its own matter.
-std::string Rights() {
-  return R"(
-    WITH store AS (
+// Whatever is granted on what belongs to a store, and whether hosts need it. A view of the owner's lets through what
+// its owner may do, wherever it stands, and so does a function, to triggers of any table without asking; those of
+// another store are its own matter.
+constexpr const char* rights = R"(
+    store AS (
       SELECT relnamespace AS schema, relowner AS owner FROM pg_class WHERE oid = to_regclass('ts_schema')),
     catalogs AS (
       SELECT oid FROM pg_namespace WHERE nspname IN ('pg_catalog', 'information_schema')),
-    recorded AS (
-      SELECT c.oid FROM store JOIN pg_class c ON relnamespace = schema AND relname = ANY ()" +
-         RecordedTables() + R"()),
-    relations AS (
-      SELECT c.oid, relname, relowner, relacl, relkind = 'S' AS numbers FROM store JOIN pg_class c ON
-             relnamespace = schema AND relkind IN ('S', 'v') OR relowner = owner AND relkind = 'v' AND relnamespace NOT IN (SELECT oid FROM catalogs)
-             OR c.oid IN (SELECT oid FROM recorded)
-             OR c.oid IN (SELECT inhrelid FROM pg_inherits WHERE inhparent IN (SELECT oid FROM recorded))),
-    objects AS (
-      SELECT CAST(CAST(oid AS regclass) AS text) AS object, relowner AS owner, relacl AS acl,
-             numbers OR oid IN (SELECT oid FROM recorded) AND relname = ANY ()" +
-         Quoted(hostTables) + R"() AS ofhosts FROM relations
+    tables AS (
+      SELECT c.oid, relname = ANY (host_tables) AS ofhosts
+      FROM names, store JOIN pg_class c ON relnamespace = schema WHERE relname = ANY (recorded)),
+    relations (oid, owner, acl, ofhosts) AS (
+      SELECT c.oid, relowner, relacl, relkind = 'S' OR COALESCE(t.ofhosts, false)
+      FROM store, pg_class c LEFT JOIN tables t ON t.oid = c.oid
+      WHERE t.oid IS NOT NULL
+         OR c.oid IN (SELECT inhrelid FROM pg_inherits WHERE inhparent IN (SELECT oid FROM tables))
+         OR relnamespace = schema AND relkind IN ('S', 'v')
+         OR relowner = store.owner AND relkind = 'v' AND relnamespace NOT IN (SELECT oid FROM catalogs)),
+    objects (object, owner, acl, ofhosts) AS (
+      SELECT CAST(CAST(oid AS regclass) AS text), owner, acl, ofhosts FROM relations
       UNION ALL
-      SELECT 'column ' || attname || ' of ' || CAST(r.oid AS regclass), relowner, attacl,
-             r.oid IN (SELECT oid FROM recorded) AND relname = ANY ()" +
-         Quoted(hostTables) + R"()
+      SELECT 'column ' || attname || ' of ' || CAST(r.oid AS regclass), owner, attacl, ofhosts
       FROM relations r JOIN pg_attribute ON attrelid = r.oid
       UNION ALL
       SELECT 'schema ' || nspname, nspowner, nspacl, false FROM store JOIN pg_namespace n ON n.oid = schema
@@ -50,10 +48,9 @@ std::string Rights() {
       SELECT 'function ' || CAST(f.oid AS regprocedure) || ', which acts as ' || pg_get_userbyid(proowner), proowner,
              CASE WHEN prorettype = CAST('trigger' AS regtype) THEN acldefault('f', proowner)
                   ELSE COALESCE(proacl, acldefault('f', proowner)) END,
-             proname || '(' || pg_get_function_arguments(f.oid) || ')' = ANY ()" +
-         Quoted(hostFunctions) +
-         R"() AND pronamespace IN (SELECT relnamespace FROM pg_class WHERE relname = 'ts_schema')
-      FROM store JOIN pg_proc f ON prosecdef AND (pronamespace = schema OR proowner = owner)
+             proname || '(' || pg_get_function_arguments(f.oid) || ')' = ANY (host_functions)
+             AND pronamespace IN (SELECT relnamespace FROM pg_class WHERE relname = 'ts_schema')
+      FROM names, store JOIN pg_proc f ON prosecdef AND (pronamespace = schema OR proowner = owner)
       WHERE NOT EXISTS (SELECT FROM pg_depend WHERE objid = f.oid AND deptype = 'e')),
     rights AS (
       SELECT object, owner, ofhosts, grantee, is_grantable AS passed, privilege_type AS privilege
@@ -61,7 +58,6 @@ std::string Rights() {
     hosts AS (
       SELECT DISTINCT grantee FROM rights WHERE privilege = 'INSERT' AND grantee <> 0)
     )";
-}
 
 constexpr const char* tooMuch = R"(
     SELECT string_agg(privilege, ', ' ORDER BY privilege) || ' on ' || object || ' is granted to ' ||
@@ -72,7 +68,7 @@ constexpr const char* tooMuch = R"(
                privilege IN ('INSERT', 'EXECUTE') AND ofhosts AND grantee <> 0 AND NOT passed)
     GROUP BY object, grantee, passed
     UNION ALL
-    SELECT 'rule ' || rulename || ' on ' || CAST(CAST(c.oid AS regclass) AS text) || ' acts as ' || pg_get_userbyid(owner)
+    SELECT 'rule ' || rulename || ' on ' || CAST(c.oid AS regclass) || ' acts as ' || pg_get_userbyid(owner)
     FROM store JOIN pg_class c ON relowner = owner AND relnamespace NOT IN (SELECT oid FROM catalogs)
     JOIN pg_rewrite ON ev_class = c.oid AND rulename <> '_RETURN'
     UNION ALL
@@ -119,7 +115,7 @@ constexpr const char* settable = R"(
 }  // namespace
 
 std::vector<std::string> RightsFindings(const Store& store) {
-  std::vector<std::string> questions = {Rights() + tooMuch, Rights() + tooMighty};
+  std::vector<std::string> questions = {Names() + rights + tooMuch, Names() + rights + tooMighty};
   Rows settings(store, "SELECT to_regclass('pg_catalog.pg_parameter_acl')");  // from PostgreSQL 15 on
   if (settings.Next() && !settings.IsNull(0)) {
     questions.emplace_back(settable);

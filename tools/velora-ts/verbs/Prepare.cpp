@@ -23,8 +23,8 @@ constexpr const char* names = R"(
       (SELECT string_agg(CAST(CAST(f.oid AS regprocedure) AS text), ', ') FROM pg_proc f WHERE proowner = owner
        AND pronamespace = s.oid AND prosecdef),
       r.oid = owner, pg_has_role(datdba, 'USAGE') AND datdba = owner
-    FROM pg_roles r, (SELECT relnamespace, relowner FROM pg_class WHERE oid = to_regclass('ts_schema')) t (schema, owner)
-    JOIN pg_namespace s ON s.oid = schema JOIN pg_database ON datname = current_database()
+    FROM pg_roles r, (SELECT relnamespace, relowner FROM pg_class WHERE oid = to_regclass('ts_schema'))
+      t (schema, owner) JOIN pg_namespace s ON s.oid = schema JOIN pg_database ON datname = current_database()
     WHERE rolname = :role)";
 
 // First whatever was given before is taken away, by an earlier version or by hand. Others keep what lets them read.
