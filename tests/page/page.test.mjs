@@ -4,7 +4,7 @@ import { readFileSync, rmSync } from 'node:fs';
 import { after, before, test } from 'node:test';
 
 import { afterDrawing, launch, openReport } from './browser.mjs';
-import { ask, hostile, hostileTexts, long, scratch, tiltSeries, unfinished } from './recordings.mjs';
+import { ask, deep, hostile, hostileTexts, long, scratch, tiltSeries, unfinished } from './recordings.mjs';
 
 let browser;
 before(async () => (browser = await launch()));
@@ -153,7 +153,7 @@ test('a run of markup, script, quotes and broken UTF-8', async () => {
   await page.click('#own-history');
   const shown = await page.$$eval('#table th button.open, #table h4 span, #table dt, #table dd', (elements) =>
     elements.map((element) => element.textContent));
-  for (const text of [node, below, event, value, name, braces, formula, '\\x41', 'a\\xff\\xc3(<u>', '\\x00\\xff',
+  for (const text of [node, below, event, value, name, braces, formula, '\\x41', 'a\\u61cb\\u202ec\\ue0041', 'a\\xff\\xc3(<u>', '\\x00\\xff',
     'NaN', 'inf']) {
     assert.ok(shown.includes(text), `${text} is shown: ${shown}`);
   }
@@ -171,6 +171,20 @@ test('a run of markup, script, quotes and broken UTF-8', async () => {
   assert.equal(await page.evaluate(() => window.bad), undefined);
   assert.ok(page.complaints.length >= 2, 'the policy holds scripts back');
   assert.deepEqual(page.complaints.filter((text) => !/Content Security Policy/.test(text)), []);
+});
+
+test('3,000 levels', async () => {
+  const { file } = deep(3000);
+  const page = await openReport(browser, file);
+  const { height } = await page.locator('#timeline .canvas').boundingBox();
+  assert.ok(height < 16384, `a canvas of ${height} pixels cannot be drawn`);
+  assert.deepEqual(await page.evaluate(() => timeline.lanes.slice(-1).map(({ label, total }) => [label, total])),
+    [['levels 23 to 3000', 2978]]);
+  const rows = await page.$$eval('#table th button.open', (buttons) =>
+    buttons.map((button) => [button.textContent, parseInt(button.style.marginLeft, 10)]));
+  assert.deepEqual([rows[0], rows[19], rows[20], rows[99]],
+    [['level 1', 0], ['level 20', 266], ['21: level 21', 266], ['100: level 100', 266]]);
+  assert.deepEqual(page.complaints, []);
 });
 
 test('100,000 events', async () => {

@@ -65,7 +65,7 @@ export const hostileTexts = {
 export function hostile() {
   const { name, braces, value, formula, event, below } = hostileTexts;
   const lines = [`[ZValue = <script>window.bad = 1</script>]`, `${name} = ${value}`, `${braces} = ${braces}`,
-    `Formula = ${formula}`, 'Escaped = \\x41', 'Twice = 1', 'Twice = 2', 'Bytes = a'];
+    `Formula = ${formula}`, 'Escaped = \\x41', 'Marks = a\u061cb\u202ec\u{e0041}', 'Twice = 1', 'Twice = 2', 'Bytes = a'];
   const content = Buffer.concat([Buffer.from(lines.join('\n')), Buffer.from([0xff, 0xc3, 0x28]), Buffer.from('<u>\n')]);
   const folder = record('hostile', '<img src=x onerror="window.bad = 1">.mdoc', content);
   const quoted = (text) => `'${text.replaceAll("'", "''")}'`;
@@ -76,6 +76,18 @@ export function hostile() {
     INSERT INTO events SELECT 900, 1, 900, NULL, ${quoted(event)}, started_at FROM executions WHERE execution_id = 1;
     INSERT INTO parameters VALUES (900, 1, '\\x00ff', 'double', NULL, 1.5),
       (900, 2, 'none', 'double', 'NaN:7ff8000000000000', NULL), (900, 3, 'much', 'double', NULL, 9e999);`);
+  return report(folder);
+}
+
+/** A run in which each execution but the last has one below it. */
+export function deep(levels) {
+  const folder = record('deep', 'sample.mdoc', sample());
+  write(folder, `
+    WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ${levels})
+      INSERT INTO executions SELECT 1000 + i, printf('ffffffff-0000-4000-8000-%012d', i),
+        CASE WHEN i > 0 THEN 999 + i END, 1000, 1, 1, 'level ' || i, '', 5, ${at('i / 100')} || '.000000Z' FROM n;
+    INSERT INTO statuses SELECT execution_id, execution_id, 1, 14, ${at(levels)} || '.000000Z' FROM executions
+      WHERE root_id = 1000;`);
   return report(folder);
 }
 

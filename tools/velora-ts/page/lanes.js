@@ -1,5 +1,5 @@
 // The lanes of the timeline: one for each level of the tree, in which what overlaps lies in sub-lanes, then one for
-// each kind of event.
+// each kind of event. What there is no room for shares the last lane.
 
 /** Distributes executions, sorted by their start, over as few sub-lanes as keep them apart. */
 function packed(recorded, executions, mostSubLanes) {
@@ -25,17 +25,22 @@ function levelName(recorded, executions, depth) {
   return [...counts].sort((a, b) => b[1] - a[1])[0][0];
 }
 
+function lastLevels(recorded, executions, depth) {
+  const deepest = executions.reduce((deep, at) => Math.max(deep, recorded.depth[at]), depth);
+  return deepest > depth ? `levels ${depth} to ${deepest}` : levelName(recorded, executions, depth);
+}
+
 function lanesOf(recorded, room) {
   const levels = [];
   for (let at = 0; at < recorded.count; ++at) {
-    (levels[recorded.depth[at]] ??= []).push(at);
+    (levels[Math.min(recorded.depth[at], room.levels - 1)] ??= []).push(at);
   }
   const lanes = levels.map((executions, depth) => {
     executions.sort((a, b) => recorded.started[a] - recorded.started[b] || a - b);
     const subLanes = packed(recorded, executions, room.subLanes);
     const height = subLanes.length > 4 ? 12 : 20;
     return {
-      label: levelName(recorded, executions, depth),
+      label: depth < room.levels - 1 ? levelName(recorded, executions, depth) : lastLevels(recorded, executions, depth),
       total: executions.length,
       subLanes,
       subHeight: height,

@@ -1,6 +1,7 @@
 // The table: a row for each execution below the run, with the columns that the reader picks.
 
 const rowsAtOnce = 100;
+const deepestIndent = 19; // levels of rows; below them the level is a number
 
 class Table {
   constructor(element, recorded) {
@@ -132,7 +133,11 @@ class Table {
         const button = show(make('button', 'open'), column.text(at) || '–');
         button.type = 'button';
         button.setAttribute('aria-expanded', isOpen);
-        button.style.marginLeft = `${(recorded.depth[at] - 1) * 14}px`;
+        const level = recorded.depth[at] - 1; // of the rows
+        button.style.marginLeft = `${Math.min(level, deepestIndent) * 14}px`;
+        if (level > deepestIndent) {
+          button.prepend(`${recorded.depth[at]}: `);
+        }
         cell.append(button);
       } else {
         show(cell, column.text(at) ?? '');

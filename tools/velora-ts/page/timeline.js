@@ -2,7 +2,7 @@
 // there is.
 
 const closest = 2;
-const rooms = { onScreen: { kinds: 40, subLanes: 16 }, onPaper: { kinds: 8, subLanes: 4 } };
+const rooms = { onScreen: { levels: 24, kinds: 40, subLanes: 16 }, onPaper: { levels: 12, kinds: 8, subLanes: 4 } };
 
 class Timeline {
   constructor(element, recorded, time, open) {
@@ -89,6 +89,7 @@ class Timeline {
       const place = { top: lane.top + index * lane.subHeight, height: lane.subHeight - 2 };
       const items = [];
       const narrow = [];
+      const covered = new Set(); // by one that looks the same
       for (const at of executions) {
         const [from, to] = [recorded.started[at], recorded.endOf(at)];
         if (to < time.from || from > time.to) {
@@ -96,7 +97,11 @@ class Timeline {
         }
         if (this.pixel(to) - this.pixel(from) < closest) {
           narrow.push({ ...place, type: 'execution', execution: at, from, to, at: from });
-        } else {
+          continue;
+        }
+        const look = [Math.round(this.pixel(from)), Math.round(this.pixel(to)), recorded.status[at]].join();
+        if (!covered.has(look)) {
+          covered.add(look);
           items.push({ ...place, type: 'execution', execution: at, from, to });
         }
       }
