@@ -263,6 +263,7 @@ TEST_F(OnServer, ASchemaThatIsNotWhatItWasMadeIsFoundWhateverWasDoneToIt) {
   for (const auto& [statement, words] : rows) {
     EXPECT_NE(said.find(words), std::string::npos) << statement << '\n' << said;
   }
+  EXPECT_EQ(said.find("events_no_change on events_"), std::string::npos) << "said of the table alone: " << said;
   EXPECT_EQ(Tool("prepare --hosts host --config server"), 1) << "it makes no partitions any more";
   EXPECT_NE(said.find("for " + next + " is missing; a table that is none has its name"), std::string::npos) << said;
   EXPECT_EQ(Tool("check --config server"), 1);

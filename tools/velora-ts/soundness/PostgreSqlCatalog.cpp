@@ -2,6 +2,9 @@
 
 #include <soci/soci.h>
 
+#include <set>
+#include <utility>
+
 namespace {
 
 // Partitions of months are described by what they have in common: with YYYYMM for their month.
@@ -129,22 +132,43 @@ const char* KindOf(const CatalogParts& parts) {
   return "";
 }
 
-void Compare(const CatalogEntry& entry, const CatalogParts& found, const CatalogParts& expected,
-             std::vector<std::string>& findings) {
-  for (const auto& [part, line] : expected) {
-    const auto same = found.find(part);
-    if (same == found.end()) {
-      findings.push_back(InWords(entry, part) + " is missing");
-    } else if (same->second.definition != line.definition) {
-      findings.push_back(InWords(entry, part) + " is not what it should be");
+class Comparison {
+ public:
+  void Compare(const CatalogEntry& entry, const CatalogParts& found, const CatalogParts& expected) {
+    const std::string parent = ParentOf(found);
+    for (const auto& [part, line] : expected) {
+      const auto same = found.find(part);
+      if (same == found.end()) {
+        Find(entry, parent, part, "is missing");
+      } else if (same->second.definition != line.definition) {
+        Find(entry, parent, part, "is not what it should be");
+      }
+    }
+    for (const auto& [part, line] : found) {
+      if (expected.count(part) == 0 && !line.foreign.empty()) {
+        Find(entry, parent, part, line.foreign);
+      }
     }
   }
-  for (const auto& [part, line] : found) {
-    if (expected.count(part) == 0 && !line.foreign.empty()) {
-      findings.push_back(InWords(entry, part) + ' ' + line.foreign);
+
+  /// What a table's partitions have from it is said of the table alone, which comes before them.
+  void Find(const CatalogEntry& entry, const std::string& parent, const std::string& part, const std::string& wrong) {
+    if (known.count({parent, part}) == 0) {
+      findings.push_back(InWords(entry, part) + ' ' + wrong);
     }
+    known.emplace(entry.relation, part);
   }
-}
+
+  static std::string ParentOf(const CatalogParts& parts) {
+    const auto table = parts.find("table");
+    return table == parts.end() ? "" : table->second.parent;
+  }
+
+  std::vector<std::string> findings;
+
+ private:
+  std::set<std::pair<std::string, std::string>> known;
+};
 
 }  // namespace
 
@@ -163,24 +187,24 @@ std::vector<std::string> Differences(const Catalog& found, const Catalog& expect
   for (const auto& [entry, parts] : expected) {
     kinds[entry.relation] = &parts;
   }
-  std::vector<std::string> findings;
+  Comparison comparison;
   for (const auto& [entry, parts] : expected) {
     const auto same = found.find(entry);
     const std::string kind = KindOf(parts);
     if (entry.month.empty() && (same == found.end() || KindOf(same->second) != kind)) {
-      findings.push_back(InWords(entry, kind) + " is missing");
+      comparison.Find(entry, "", kind, "is missing");
     }
   }
   for (const auto& [entry, parts] : found) {
     const auto kind = kinds.find(entry.relation);
     const std::string itself = KindOf(parts);
     if (kind == kinds.end()) {
-      if (!itself.empty() && !parts.at(itself).parent.empty() && kinds.count(parts.at(itself).parent) > 0) {
-        findings.push_back(InWords(entry, itself) + ' ' + parts.at(itself).foreign);
+      if (const std::string parent = Comparison::ParentOf(parts); !parent.empty() && kinds.count(parent) > 0) {
+        comparison.Find(entry, parent, itself, parts.at(itself).foreign);
       }
     } else if (itself == KindOf(*kind->second)) {
-      Compare(entry, parts, *kind->second, findings);
+      comparison.Compare(entry, parts, *kind->second);
     }
   }
-  return findings;
+  return comparison.findings;
 }
