@@ -1,6 +1,7 @@
 #include "MdocReader.h"
 
 #include <VeloraSystem/RegularFile.h>
+#include <VeloraText/Printable.h>
 
 #include <algorithm>
 #include <array>
@@ -21,13 +22,10 @@ std::string_view Trimmed(std::string_view text) {
                                          : text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// A line as a message shows it: its start, and nothing that a terminal would obey. It may come from any file, an image
-// given by mistake included.
+// A line as a message shows it: its start, without the zero bytes that would end the message. It may come from any
+// file, an image given by mistake included.
 std::string Shown(std::string_view text) {
-  std::string shown(text.substr(0, longestShown));
-  std::replace_if(
-      shown.begin(), shown.end(), [](unsigned char c) { return c < ' ' || c == 127; }, '?');
-  return "'" + shown + (text.size() > longestShown ? "...'" : "'");
+  return "'" + Velora::Text::Printable(text.substr(0, longestShown)) + (text.size() > longestShown ? "...'" : "'");
 }
 
 }  // namespace
