@@ -39,8 +39,8 @@ struct FaultKind {
 };
 
 /// A file system of SQLite's that passes every call on to the real one, counts them, and fails one when a test wants
-/// it. While it is in use, it is what SQLite opens files with. It never waits and never syncs: it keeps in memory what
-/// would be left without power.
+/// it. While it is in use, it is what SQLite opens files with. It never syncs: it keeps in memory what would be left
+/// without power. Nor does it sleep: it lets the steady clock jump, by a quarter more than it was asked for.
 class FaultyFiles {
  public:
   FaultyFiles();
@@ -67,7 +67,7 @@ class FaultyFiles {
   std::function<bool(const std::string& path)> syncs = [](const std::string&) { return true; };
   /// What is left of each file when the power goes.
   std::map<std::string, std::string> synced;
-  double secondsWaited = 0;
+  std::function<void()> afterSleep = [] {};
 
   /// For the calls themselves: a sync of a file, with which the folder of a new one is synced, and a deletion.
   void Keep(const std::string& path);

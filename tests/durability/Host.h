@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <utility>
@@ -38,6 +39,9 @@ class Host {
   ~Host() { Kill(); }
 
   std::size_t Acknowledged() const { return acknowledged; }
+  /// In seconds: its longest call, and what all its calls took of the processor; after its end.
+  double LongestCall() const { return longestCall; }
+  double ProcessorTime() const { return processorTime; }
 
   /// Ends the host with SIGKILL. @return whether that ended it, and not something before.
   bool Kill() {
@@ -59,6 +63,8 @@ class Host {
       if (line[0] == '?') {
         announced = line.substr(1);
         told.announced.insert(announced);
+      } else if (line[0] == '=') {
+        std::istringstream(line.substr(1)) >> longestCall >> processorTime;
       } else {
         told.acknowledged.insert(announced);
         ++acknowledged;
@@ -78,4 +84,6 @@ class Host {
   pid_t process = -1;
   std::thread listener;
   std::atomic<std::size_t> acknowledged = 0;
+  double longestCall = 0;
+  double processorTime = 0;
 };

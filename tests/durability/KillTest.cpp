@@ -1,5 +1,5 @@
 // kill-test [--seed N] KILLS: kills hosts while they record, each at a random moment, and looks at what they leave.
-// kill-test --together SECONDS: lets two hosts record into one file for that long.
+// kill-test --together SECONDS [--hosts N]: lets hosts record into one file for that long, each at full speed.
 
 #include "Host.h"
 #include "Recording.h"
@@ -7,11 +7,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <chrono>
+#include <deque>
 #include <iostream>
 #include <memory>
 #include <optional>
 #include <random>
+#include <vector>
 
 namespace {
 
@@ -89,20 +92,48 @@ bool KillMany(int kills, unsigned seed) {
   return all.text.empty();
 }
 
-bool RecordTogether(int seconds) {
+/// What hosts made that recorded into one file.
+struct Together {
+  Findings findings;
+  std::vector<std::size_t> records;  // of each host, from the fewest on
+  int failed = 0;
+  double longestCall = 0;    // in seconds
+  double processorTime = 0;  // for each record, in milliseconds
+};
+
+Together RecordTogether(int count, int seconds) {
   Store store;
-  Host a(store.folder.path, "a", seconds);
-  Host b(store.folder.path, "b", seconds);
-  const bool aFinished = a.Finish();
-  const bool finished = b.Finish() && aFinished;
-  store.Add(a.told);
-  store.Add(b.told);
-  const Findings findings = Compare(store.folder.path, store.told);
-  std::cerr << findings.text;
-  std::cout << "Two hosts into one file for " << seconds << " s: " << a.Acknowledged() << " and " << b.Acknowledged()
-            << " records, " << findings.lost << " lost, " << findings.half << " half there, "
-            << (finished ? "no host failed" : "a host failed") << '\n';
-  return finished && findings.text.empty() && a.Acknowledged() > 2 && b.Acknowledged() > 2;
+  std::deque<Host> hosts;
+  for (int number = 0; number < count; ++number) {
+    hosts.emplace_back(store.folder.path, "host" + std::to_string(number), seconds);
+  }
+  Together result;
+  for (Host& host : hosts) {
+    result.failed += host.Finish() ? 0 : 1;
+    result.records.push_back(host.Acknowledged());
+    result.longestCall = std::max(result.longestCall, host.LongestCall());
+    result.processorTime += host.ProcessorTime();
+    store.Add(host.told);
+  }
+  std::sort(result.records.begin(), result.records.end());
+  const std::size_t total = store.told.acknowledged.size();
+  result.processorTime *= 1e3 / static_cast<double>(total);
+  result.findings = Compare(store.folder.path, store.told);
+  std::cerr << result.findings.text;
+  std::cout << "Hosts into one file for " << seconds << " s: " << count << "\n  records: " << total << ", "
+            << result.records.front() << " to " << result.records.back() << " by each; " << result.findings.lost
+            << " lost, " << result.findings.half << " half there, " << result.failed
+            << " hosts failed\n  longest call: " << result.longestCall
+            << " s; processor time of a record: " << result.processorTime << " ms" << std::endl;
+  return result;
+}
+
+/// Whether hosts lose nothing, take turns, and use no processor while they wait: one alone does not wait.
+bool TakeTurns(int count, int seconds) {
+  const Together alone = RecordTogether(1, 1);
+  const Together together = RecordTogether(count, seconds);
+  return alone.failed + together.failed == 0 && (alone.findings.text + together.findings.text).empty() &&
+         together.records.front() > together.records.back() / 4 && together.processorTime < 3 * alone.processorTime;
 }
 
 }  // namespace
@@ -111,10 +142,13 @@ int main(int count, char** arguments) {
   CLI::App app("Kills hosts while they record, and looks at what they leave");
   int kills = 0;
   int seconds = 0;
+  int hosts = 2;
   unsigned seed = std::random_device()();
   auto* const killing = app.add_option("KILLS", kills, "How many hosts are killed")->check(CLI::PositiveNumber);
   app.add_option("--seed", seed, "Where the moments of the kills come from");
-  app.add_option("--together", seconds, "Let two hosts record for so many seconds instead")->excludes(killing);
+  auto* const together =
+      app.add_option("--together", seconds, "Let hosts record for so many seconds instead")->excludes(killing);
+  app.add_option("--hosts", hosts, "How many of them")->needs(together)->check(CLI::PositiveNumber);
   CLI11_PARSE(app, count, arguments);
-  return (seconds > 0 ? RecordTogether(seconds) : KillMany(kills, seed)) ? EXIT_SUCCESS : EXIT_FAILURE;
+  return (seconds > 0 ? TakeTurns(hosts, seconds) : KillMany(kills, seed)) ? EXIT_SUCCESS : EXIT_FAILURE;
 }

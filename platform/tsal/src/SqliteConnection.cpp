@@ -20,8 +20,6 @@
 namespace Quor::TolvaServices::Local {
 namespace {
 
-constexpr std::chrono::seconds longestWait{30};
-
 // The byte of the file of shared memory that SQLite locks for the one writer of its write-ahead log.
 constexpr unsigned writeLock = 120;
 
@@ -65,23 +63,6 @@ bool IsBusy(const soci::soci_error& error) {
   return sqlite != nullptr && (sqlite->result() & 0xFF) == SQLITE_BUSY;
 }
 
-// Called while another connection is writing. In short steps: between two records of a host at full speed there are
-// some microseconds, which SQLite's own steps of up to a tenth of a second would miss for seconds on end.
-int WaitForWriter(void* waited, int tries) {
-  constexpr int briefly = 100;  // microseconds
-  constexpr int longer = 1000;
-  auto& total = *static_cast<std::chrono::microseconds*>(waited);
-  if (tries == 0) {
-    total = {};
-  }
-  if (total >= longestWait) {
-    return 0;
-  }
-  sqlite_api::sqlite3_vfs* const system = sqlite_api::sqlite3_vfs_find(nullptr);
-  total += std::chrono::microseconds(system->xSleep(system, tries < 100 ? briefly : longer));
-  return 1;
-}
-
 // To the statement's end, past its one row: there the change is committed.
 std::string AskForWriteAheadLog(soci::session& sql) {
   std::string mode;
@@ -97,7 +78,7 @@ std::string AskForWriteAheadLog(soci::session& sql) {
 
 // Turning the write-ahead log on is the one statement that fails at once when another process is about to do the same.
 void TurnOnWriteAheadLog(soci::session& sql) {
-  const auto deadline = std::chrono::steady_clock::now() + longestWait;
+  const auto deadline = std::chrono::steady_clock::now() + SqliteWaiting::longest;
   for (;;) {
     try {
       if (const std::string mode = AskForWriteAheadLog(sql); mode != "wal") {
@@ -131,20 +112,29 @@ SqliteConnection::SqliteConnection(const std::string& file, Opening opening) : C
 }
 
 void SqliteConnection::Configure() {
-  sqlite_api::sqlite3_busy_handler(HandleOf(Sql()), &WaitForWriter, &waited);
+  waiting.Serve(HandleOf(Sql()));
   Execute(Sql(), "PRAGMA foreign_keys = ON");
   Execute(Sql(), "PRAGMA synchronous = FULL");  // a commit is on the disk when it returns
 }
 
 // As a writer, since a reader that turns into one halfway fails at once when another has written meanwhile, however
 // long it would wait.
-void SqliteConnection::Begin() { Execute(Sql(), "BEGIN IMMEDIATE"); }
+void SqliteConnection::Begin() {
+  waiting.TakeTurn(name);
+  Execute(Sql(), "BEGIN IMMEDIATE");
+}
 
 void SqliteConnection::Commit() {
   Execute(Sql(), "COMMIT");
+  waiting.EndTurn();
   if (files) {
     ExpectFilesInPlace();
   }
+}
+
+void SqliteConnection::Rollback() {
+  Connection::Rollback();
+  waiting.EndTurn();
 }
 
 long long SqliteConnection::NextKey(const std::string& table, const std::string& column) {
@@ -180,7 +170,7 @@ TsError SqliteConnection::ErrorOf(const soci::soci_error& reason) {
   if (IsBusy(reason)) {
     return TsError("TS database '" + name + "' was being written by " +
                    Velora::System::LockerOf(SharedMemoryOf(HandleOf(Sql())), writeLock) + " for more than " +
-                   std::to_string(longestWait.count()) +
+                   std::to_string(SqliteWaiting::longest.count()) +
                    " seconds; expected it to finish: " + reason.get_error_message());
   }
   // Without the statement and its values, which can be as long as what was to be recorded.

@@ -3,8 +3,8 @@
 #include "Connection.h"
 #include "SqliteEvents.h"
 #include "SqliteFiles.h"
+#include "SqliteWaiting.h"
 
-#include <chrono>
 #include <optional>
 #include <string>
 
@@ -18,6 +18,7 @@ class SqliteConnection : public Connection {
 
   void Begin() override;
   void Commit() override;
+  void Rollback() override;
   long long NextKey(const std::string& table, const std::string& column) override;
   void HoldActivities() override {}  // a transaction holds the whole file
   void Insert(const Types::InstrumentEvent& event, long long session, std::optional<long long> execution,
@@ -33,7 +34,7 @@ class SqliteConnection : public Connection {
   void Configure();
   void ExpectFilesInPlace() const;
 
-  std::chrono::microseconds waited{};  // for other writers, since the last time that none was in the way
+  SqliteWaiting waiting;
   std::optional<SqliteFiles> files;  // once they are all open
   std::optional<SqliteEvents> events;
 };
