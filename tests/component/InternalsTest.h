@@ -15,8 +15,7 @@ struct SystemCalls {
   bool moduleIsFound = true;
   std::wstring moduleFile = System::Path("/opt/lab/lib.so").wstring();  // empty: the call fails
   std::string hostName = "scope";                                       // empty: the call fails
-  std::size_t furtherBytes = 0;                // more than there are characters, of a text made narrow
-  std::recursive_mutex* unlockable = nullptr;  // cannot be taken
+  std::size_t furtherBytes = 0;  // more than there are characters, of a text made narrow
 };
 extern SystemCalls systemCalls;
 

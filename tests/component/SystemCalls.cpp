@@ -3,7 +3,6 @@
 #include <windows.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdlib>
 
 SystemCalls systemCalls;
@@ -49,12 +48,6 @@ errno_t __wrap_wcstombs_s(std::size_t* written, char* destination, std::size_t s
   const errno_t code = __real_wcstombs_s(written, destination, size, source, count);
   *written += systemCalls.furtherBytes;
   return code;
-}
-
-int __real_pthread_mutex_lock(pthread_mutex_t* mutex);
-int __wrap_pthread_mutex_lock(pthread_mutex_t* mutex) {
-  const bool isRefused = systemCalls.unlockable != nullptr && systemCalls.unlockable->native_handle() == mutex;
-  return isRefused ? EAGAIN : __real_pthread_mutex_lock(mutex);
 }
 #endif
 }
