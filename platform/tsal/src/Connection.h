@@ -54,6 +54,10 @@ class Connection {
   virtual void Insert(const Types::InstrumentEvent& event, long long session, std::optional<long long> execution,
                       std::optional<long long> configuration) = 0;
 
+  /// Begins and ends the time within which an operation ends, where a network could hold it up for ever.
+  virtual void StartOperation() {}
+  virtual void EndOperation() {}
+
   /// Whether the next operation can use it after some time without one; otherwise it is to be closed.
   /// @throws StoreReplaced where its store is no longer the one that others find.
   virtual bool IsUsable() = 0;

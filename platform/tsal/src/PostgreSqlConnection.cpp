@@ -1,6 +1,7 @@
 #include "PostgreSqlConnection.h"
 
 #include "PostgreSqlEvent.h"
+#include "PostgreSqlQuestion.h"
 #include "PostgreSqlSchema.h"
 #include "PostgreSqlSettings.h"
 #include "PostgreSqlStart.h"
@@ -17,11 +18,18 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr std::chrono::milliseconds longestOperation{4500};  // whatever the network does
+constexpr std::chrono::seconds longestBringUp{40};
 constexpr std::chrono::seconds longestDoubt{2};  // how long a commit without an answer is asked after
 
 // Keys of the locks that transactions of all hosts share; "TS" in front, since a database has one set of them.
 constexpr const char* schemaLock = "SELECT pg_advisory_xact_lock(21587, 1)";
 constexpr const char* activitiesLock = "SELECT pg_advisory_xact_lock(21587, 2)";
+
+// Which server that is: the number that its cluster was made with, and the line of its history, which is another one
+// after a standby took its place.
+constexpr const char* identity =
+    "(CAST(system_identifier AS text) || '/' || left(pg_walfile_name(pg_current_wal_insert_lsn()), 8))";
 
 // On one line, and without the words that the database layer puts before it.
 std::string ReasonOf(const soci::soci_error& error) {
@@ -44,11 +52,14 @@ PostgreSqlConnection::PostgreSqlConnection(const std::string& connection, Openin
     : Connection(NameOf(connection), opening), connection(WithoutBlanks(connection)) {
   Open();
   try {
+    LimitTo(longestOperation);
     Configure();
     if (StoredVersion() != schemaVersion) {
+      LimitTo(longestBringUp);
       BringUp();
     }
     MakePartitions();
+    EndOperation();
   } catch (const soci::soci_error& reason) {
     throw ErrorOf(reason);
   }
@@ -82,6 +93,7 @@ void PostgreSqlConnection::Configure() {
   if (encoding != "UTF8") {
     throw TsError("TS database '" + name + "' has the encoding " + encoding + "; expected UTF8, which has every text");
   }
+  Execute(Sql(), "SELECT " + std::string(identity) + " FROM pg_control_system()", soci::into(server));
 }
 
 // The number of the transaction tells later whether it was committed, should the answer to that be lost. Partitions are
@@ -104,32 +116,37 @@ void PostgreSqlConnection::Commit() {
   }
 }
 
-// The lost connection's server process may still be at the commit, so it is asked after until there is an answer. A
-// server that crashed gives out again the numbers of which nothing had reached its disk: then "committed" may be said
-// of another's transaction. It begins anew with a checkpoint, so there has been none since this one began.
+// The lost connection's server process may still be at the commit, so it is asked after until there is an answer. That
+// counts from the very server only: one that took its place may lack the commit. One that crashed gives out again the
+// numbers of which nothing had reached its disk: then "committed" may be said of another's transaction. It begins anew
+// with a checkpoint, so there has been none since this one began.
 bool PostgreSqlConnection::WasCommitted() {
+  static const std::string question =
+      "SELECT CASE WHEN " + std::string(identity) +
+      " <> $1 THEN 'unknown' WHEN pg_xact_status(CAST($2 AS xid8)) = 'committed' AND checkpoint_lsn >= CAST($3 AS "
+      "pg_lsn) THEN 'unknown' ELSE COALESCE(pg_xact_status(CAST($2 AS xid8)), 'forgotten') END "
+      "FROM pg_control_system(), pg_control_checkpoint()";
+  const auto text = [](const char* value) { return std::string(value == nullptr ? "" : value); };
+  const std::string there =
+      WithAddress(connection, text(PQhost(Handle())), text(PQhostaddr(Handle())), text(PQport(Handle())));
   for (const Clock::time_point end = Clock::now() + longestDoubt; Clock::now() < end;) {
-    try {
-      soci::session other(soci::postgresql, connection);
-      std::string status;
-      int meansThisOne = 0;
-      Execute(
-          other,
-          "SELECT COALESCE(pg_xact_status(CAST(:number AS xid8)), ''), CAST(checkpoint_lsn < CAST(:logged AS pg_lsn) "
-          "AS integer) FROM pg_control_checkpoint()",
-          soci::use(transaction), soci::use(logged), soci::into(status), soci::into(meansThisOne));
-      if (status == "committed" && meansThisOne == 0) {
-        break;
-      }
-      if (status != "in progress") {
-        return status == "committed";
-      }
-    } catch (const soci::soci_error&) {
-      // It may be starting again.
+    const std::string status = AskUntil(end, there, question, {server, transaction, logged});
+    if (status == "unknown") {
+      break;
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    if (!status.empty() && status != "in progress") {
+      return status == "committed";
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // it may be starting again
   }
   throw TsError("TS database '" + name + "' was lost while it stored a record: the record may be there, or not");
+}
+
+void PostgreSqlConnection::StartOperation() { LimitTo(longestOperation); }
+
+void PostgreSqlConnection::LimitTo(std::chrono::milliseconds longest) {
+  deadline.reset();
+  deadline = std::make_unique<SocketDeadline>(PQsocket(Handle()), longest);
 }
 
 // The lock before the number: who seals waits for it, and then no lower number can appear any more.
@@ -170,7 +187,9 @@ bool PostgreSqlConnection::IsLost() { return PQstatus(Handle()) != CONNECTION_OK
 
 TsError PostgreSqlConnection::ErrorOf(const soci::soci_error& reason) {
   if (IsLost()) {
-    return TsError("TS database '" + name + "' was lost before this record was stored: " + ReasonOf(reason));
+    const bool silent = deadline && deadline->HasPassed();
+    return TsError("TS database '" + name + "' was lost before this record was stored: " +
+                   (silent ? "it gave no answer in time" : ReasonOf(reason)));
   }
   if (StateOf(reason) == "42501") {
     return TsError("TS database '" + name + "' does not let this role do that: " + ReasonOf(reason) +

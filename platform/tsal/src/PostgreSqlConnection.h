@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Connection.h"
+#include "SocketDeadline.h"
 
 #include <chrono>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -22,6 +24,8 @@ class PostgreSqlConnection : public Connection {
   void HoldActivities() override;
   void Insert(const Types::InstrumentEvent& event, long long session, std::optional<long long> execution,
               std::optional<long long> configuration) override;
+  void StartOperation() override;
+  void EndOperation() override { deadline.reset(); }
   bool IsUsable() override;
   bool IsOutsideTransaction() override;
   bool IsLost() override;
@@ -36,12 +40,15 @@ class PostgreSqlConnection : public Connection {
   /// Partitions for the months to come: from then on once a day, so that a host that runs for months finds its own.
   void MakePartitions();
   bool WasCommitted();
+  void LimitTo(std::chrono::milliseconds longest);
   pg_conn* Handle();
 
   std::string connection;
+  std::string server;       // its cluster, and the line of its history
   std::string transaction;  // the server's number of the transaction that is open,
   std::string logged;       // and what of its log was on its disk when that began
   std::chrono::steady_clock::time_point partitionsDue = std::chrono::steady_clock::time_point::max();
+  std::unique_ptr<SocketDeadline> deadline;
 };
 
 }  // namespace Quor::TolvaServices::Local

@@ -36,6 +36,17 @@ void AppendEscaped(std::string& uri, const std::string& value) {
   }
 }
 
+std::string ToUri(const std::map<std::string, std::string>& options) {
+  std::string uri = "postgresql://";
+  char separator = '?';
+  for (const auto& [keyword, value] : options) {
+    uri += separator + keyword + '=';
+    AppendEscaped(uri, value);
+    separator = '&';
+  }
+  return uri;
+}
+
 // A password with an "@" or a "/" that is not escaped ends a part of a URI too early: its rest would stand in errors.
 bool IsTornPassword(std::map<std::string, std::string>& options) {
   return options["host"].find('@') != std::string::npos ||
@@ -60,14 +71,16 @@ std::string WithoutBlanks(const std::string& text) {
     }
   }
   options["client_encoding"] = "UTF8";
-  std::string uri = "postgresql://";
-  char separator = '?';
-  for (const auto& [keyword, value] : options) {
-    uri += separator + keyword + '=';
-    AppendEscaped(uri, value);
-    separator = '&';
-  }
-  return uri;
+  return ToUri(options);
+}
+
+std::string WithAddress(const std::string& connection, const std::string& host, const std::string& address,
+                        const std::string& port) {
+  std::map<std::string, std::string> options = Options(PQconninfoParse(connection.c_str(), nullptr));
+  options["host"] = host;
+  options["hostaddr"] = address;
+  options["port"] = port;
+  return ToUri(options);
 }
 
 std::string NameOf(const std::string& text) {

@@ -11,6 +11,10 @@ bool IsPostgreSqlConnection(const std::string& text);
 /// not answer, where neither the text nor the environment says it.
 std::string WithoutBlanks(const std::string& text);
 
+/// The same connection, from WithoutBlanks, to the one server that it led to.
+std::string WithAddress(const std::string& connection, const std::string& host, const std::string& address,
+                        const std::string& port);
+
 /// Which database that is, in words and without a password: "velora on db.example".
 std::string NameOf(const std::string& text);
 

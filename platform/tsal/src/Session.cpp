@@ -59,6 +59,7 @@ std::unique_ptr<Connection> Session::TakeIdle() {
 // Another store can be where this one was, and have another host's session in the same row.
 std::unique_ptr<Connection> Session::Connect() {
   std::unique_ptr<Connection> connection = OpenConnection(database, Opening::ExpectsStore);
+  connection->StartOperation();
   long long found = 0;
   try {
     Execute(connection->Sql(), "SELECT COUNT(*) FROM sessions WHERE session_id = :row AND guid = :guid", soci::use(row),
@@ -73,6 +74,7 @@ std::unique_ptr<Connection> Session::Connect() {
 }
 
 void Session::Keep(std::unique_ptr<Connection> connection) noexcept {
+  connection->EndOperation();
   try {
     const std::lock_guard lock(mutex);
     idle.push_back(std::move(connection));

@@ -32,6 +32,7 @@ class Session {
  private:
   template <typename Operation>
   auto RunOn(std::unique_ptr<Connection> connection, const Operation& operation) {
+    connection->StartOperation();
     try {
       auto result = operation(*connection);
       Keep(std::move(connection));
