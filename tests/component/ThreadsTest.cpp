@@ -14,6 +14,7 @@
 #include <optional>
 #include <system_error>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace Quor::Velora::Infra::TsLogging {
@@ -118,24 +119,25 @@ class Exhausted {
  public:
   explicit Exhausted(std::recursive_mutex& mutex) : mutex(mutex) {
     mutex.lock();
-    Count(UINT_MAX);
+    before = std::exchange(Count(), UINT_MAX);
   }
   Exhausted(const Exhausted&) = delete;
   Exhausted& operator=(const Exhausted&) = delete;
   ~Exhausted() {
-    Count(1);
+    Count() = before;
     mutex.unlock();
   }
 #ifdef __GLIBC__
   static constexpr bool isKnown = true;
-  void Count(unsigned int count) { mutex.native_handle()->__data.__count = count; }
+  unsigned int& Count() { return mutex.native_handle()->__data.__count; }
 #else
   static constexpr bool isKnown = false;
-  void Count(unsigned int /*count*/) {}
+  unsigned int& Count() { return before; }
 #endif
 
  private:
   std::recursive_mutex& mutex;
+  unsigned int before = 0;
 };
 
 TEST_F(Threads, ReadAndFillASlotUnderItsLockAndRaiseWhenItCannotBeTaken) {
@@ -173,6 +175,7 @@ TEST_F(Threads, ReadAndFillASlotUnderItsLockAndRaiseWhenItCannotBeTaken) {
     if (Exhausted::isKnown) {
       factorySlot.reset();
       const auto before = std::pair(instanceSlot, currentGateway);
+      const std::lock_guard first(instanceMutex);  // in the order of the two
       const Exhausted exhausted(row.mutex);
       EXPECT_THROW(row.operate(), std::system_error);
       EXPECT_TRUE(before == std::pair(instanceSlot, currentGateway) && factorySlot.expired()) << "something changed";
