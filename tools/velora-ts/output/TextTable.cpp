@@ -22,8 +22,7 @@ std::string Padded(const std::string& text, std::size_t width, bool atRight, boo
 
 // Takes from the widest yielding column until all fit, then from any; what there is no room for even then is cut off at
 // the right.
-std::vector<std::size_t> TextTable::Widths(std::size_t available) const {
-  std::vector<std::size_t> widths;
+void TextTable::Fit() {
   for (std::size_t column = 0; column < columns.size(); ++column) {
     std::size_t width = WidthOf(columns[column].title);
     for (const std::vector<Cell>& row : first) {
@@ -33,7 +32,7 @@ std::vector<std::size_t> TextTable::Widths(std::size_t available) const {
   }
   std::size_t total = std::accumulate(widths.begin(), widths.end(), gapWidth * (columns.size() - 1));
   for (const bool any : {false, true}) {
-    while (total > available) {
+    while (total > terminal.width) {
       std::size_t* widest = nullptr;
       for (std::size_t column = 0; column < columns.size(); ++column) {
         if ((any || columns[column].yielding) && (widest == nullptr || widths[column] > *widest)) {
@@ -47,12 +46,11 @@ std::vector<std::size_t> TextTable::Widths(std::size_t available) const {
       --total;
     }
   }
-  std::size_t left = available;
+  std::size_t left = terminal.width;
   for (std::size_t& width : widths) {
     width = std::min(width, left);
     left -= std::min(left, width + gapWidth);
   }
-  return widths;
 }
 
 void TextTable::Add(const std::vector<Cell>& row) {
@@ -76,7 +74,7 @@ void TextTable::Finish() {
 }
 
 void TextTable::Begin() {
-  widths = Widths(terminal.width);
+  Fit();
   std::vector<Cell> titles;
   for (const Column& column : columns) {
     titles.push_back({column.title});

@@ -28,7 +28,7 @@ class TextTable {
   void Finish();
 
  private:
-  std::vector<std::size_t> Widths(std::size_t available) const;
+  void Fit();
   void Begin();
   void Write(const std::vector<Cell>& row) const;
 

@@ -16,11 +16,9 @@ Rows::Rows(const Store& store, const std::string& question) : cursor(store.Readi
   }
 }
 
-void Rows::ExpectShowable(int column) const {
-  if (const std::size_t bytes = Whole(column).size(); bytes > longestShown) {
-    throw TsError(PlaceOf(column) + " has " + std::to_string(bytes) + " bytes, and at most " +
-                  std::to_string(longestShown) + " can be shown; expected export without --format, which writes all");
-  }
+void Rows::Refuse(int column) const {
+  throw TsError(PlaceOf(column) + " has " + std::to_string(Whole(column).size()) + " bytes, and at most " +
+                std::to_string(longestShown) + " can be shown; expected export without --format, which writes all");
 }
 
 void Rows::AppendValue(std::string& json, int column) const {

@@ -35,12 +35,15 @@ class Rows {
   double Number(int column) const { return cursor->Number(column); }
   /// A value to be shown. @throws TsError naming its row where it is longer than `longestShown`.
   std::string_view Text(int column) const {
-    ExpectShowable(column);
-    return Whole(column);
+    const std::string_view text = Whole(column);
+    if (text.size() > longestShown) {
+      Refuse(column);
+    }
+    return text;
   }
   /// The same of any length, for what copies or compares it.
   std::string_view Whole(int column) const { return cursor->Text(column); }
-  void ExpectShowable(int column) const;
+  void ExpectShowable(int column) const { static_cast<void>(Text(column)); }
   int Columns() const { return cursor->Columns(); }
   const char* Name(int column) const { return cursor->Name(column); }
   /// Appends a value of any length as JSON, by the type that it is really stored with.
@@ -49,6 +52,7 @@ class Rows {
 
  private:
   void Append(std::string& json, int column) const;
+  [[noreturn]] void Refuse(int column) const;
   /// A value's column and row, in words.
   std::string PlaceOf(int column) const;
 
