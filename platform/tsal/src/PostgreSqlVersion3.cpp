@@ -15,11 +15,9 @@ constexpr const char* locks = R"(
     BEGIN
       LOOP
         BEGIN
-          LOCK TABLE events, parameters IN SHARE ROW EXCLUSIVE MODE;
-          LOCK TABLE activities IN ACCESS EXCLUSIVE MODE;
-          LOCK TABLE executions, statuses IN SHARE ROW EXCLUSIVE MODE;
-          LOCK TABLE activity_versions IN ACCESS EXCLUSIVE MODE;
-          LOCK TABLE configurations, registrations, sessions, seals, ts_schema IN SHARE ROW EXCLUSIVE MODE;
+          LOCK TABLE activity_versions, activities IN ACCESS EXCLUSIVE MODE;
+          LOCK TABLE events, parameters, executions, statuses, configurations, registrations, sessions, seals, ts_schema
+            IN SHARE ROW EXCLUSIVE MODE;
           RETURN;
         EXCEPTION WHEN lock_not_available THEN
           IF clock_timestamp() > patience THEN RAISE; END IF;
