@@ -156,6 +156,8 @@ TEST_F(Facility, AHostsRoleSlipsNothingUnderASeal) {
         "SELECT nextval('event_numbers'); " + add + taken + ", 99, 'forged', 'int', NULL, 1)",
         add + Sql("SELECT MAX(event_id) FROM events") + ", 1, 'forged', 'int', NULL, 1)",
         "INSERT INTO events VALUES (" + taken + " - 1, 1, 1, NULL, 'forged', '2026')",
+        "INSERT INTO events VALUES (next_event_id() + 10000000000, 1, 1, NULL, 'too early', '2026')"s,
+        "SELECT nextval('statuses_status_id_seq'); " + addStatus + "9007199254740991, 1, 1, 6, '2026')",
         addStatus + "2, 1, 1, 6, '2026')", addStatus + "-9223372036854775808, 1, 1, 6, '2026')",
         addStatus + "0, 1, 1, 6, '2026')", addStatus + "9007199254740993, 1, 1, 6, '2026')",
         "INSERT INTO events (session_id, name, at) VALUES (1, 'new', '2026'); " + add + Sql("SELECT event_month()") +

@@ -195,9 +195,6 @@ TsError PostgreSqlConnection::ErrorOf(const soci::soci_error& reason) {
     return TsError("TS database '" + name + "' does not let this role do that: " + ReasonOf(reason) +
                    "; expected its owner to run 'velora-ts prepare --hosts ROLE'");
   }
-  if (StateOf(reason) == "23514") {
-    partitionsDue = {};  // there is none for a row
-  }
   return TsError("TS database '" + name + "': " + ReasonOf(reason));
 }
 

@@ -131,7 +131,7 @@ constexpr const char* partitions = R"(
 constexpr const char* refusals = R"(
     CREATE FUNCTION refuse_row() RETURNS trigger LANGUAGE plpgsql AS $$
     BEGIN
-      RAISE EXCEPTION 'rows of % have keys from 1 on, and none below those that are sealed', TG_ARGV[0];
+      RAISE EXCEPTION 'rows of % have the next number, from 1 on, and none below those that are sealed', TG_ARGV[0];
     END $$;
     CREATE FUNCTION refuse_parameters() RETURNS trigger LANGUAGE plpgsql AS $$
     DECLARE
@@ -168,14 +168,24 @@ constexpr Numbered numbered[] = {
     {"seals", "seal_id", "seal"},
 };
 
+// Whether a number is not the one that this session has taken last. One from far ahead, once sealed, would have all
+// others refused; so would an event of a month to come.
+std::string IsNotItsOwn(const Numbered& rows) {
+  if (rows.table == std::string("events")) {
+    return "NEW.event_id % 10000000000 <> currval(CAST('event_numbers' AS regclass)) OR "
+           "NEW.event_id / 10000000000 > event_month()";
+  }
+  return std::string("NEW.") + rows.key + " <> currval(CAST('" + rows.table + "_" + rows.key + "_seq' AS regclass))";
+}
+
 // Who may delete rows copies sealed ones from another store, and is no host.
 std::string RefuseSlippedIn(const Numbered& rows) {
   const std::string table = rows.table;
   const std::string key = std::string("NEW.") + rows.key;
   return "CREATE TRIGGER " + table + "_in_order BEFORE INSERT ON " + table + " FOR EACH ROW WHEN (" + key +
          " NOT BETWEEN 1 AND " + std::to_string(highestKey) + " OR (NOT has_table_privilege(CAST('" + table +
-         "' AS regclass), 'DELETE') AND " + key + " <= sealed_number('" + rows.kind +
-         "'))) EXECUTE FUNCTION refuse_row('" + table + "');";
+         "' AS regclass), 'DELETE') AND (" + key + " <= sealed_number('" + rows.kind + "') OR " + IsNotItsOwn(rows) +
+         "))) EXECUTE FUNCTION refuse_row('" + table + "');";
 }
 
 // A function that names a table takes that of its own schema, whatever the session's path. One with its owner's rights
