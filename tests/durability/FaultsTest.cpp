@@ -252,12 +252,13 @@ TEST(Writer, IsWaitedForThirtySecondsAndThenNamed) {
 }
 
 TEST(Files, OfTheLogThatAreDeletedAreMissedBeforeAnythingIsAcknowledged) {
-  static const struct {
-    const char* file;
-    bool inCommit;
-  } rows[] = {{"ts.db-wal", false}, {"ts.db-shm", false}, {"ts.db-wal", true}};
-  for (const auto& [file, inCommit] : rows) {
-    SCOPED_TRACE(std::string(file) + (inCommit ? " in a commit" : " before a record"));
+  const std::string inTurn = "while the host waits for its turn", inCommit = "in a commit";
+  const std::pair<const char*, std::string> rows[] = {{"ts.db-wal", "before a record"},
+                                                      {"ts.db-shm", "before a record"},
+                                                      {"ts.db-wal", inTurn},
+                                                      {"ts.db-wal", inCommit}};
+  for (const auto& [file, when] : rows) {
+    SCOPED_TRACE(file + (" " + when));
     const ScratchFolder folder;
     PrepareFolder(folder.path);
     FaultyFiles files;
@@ -267,7 +268,16 @@ TEST(Files, OfTheLogThatAreDeletedAreMissedBeforeAnythingIsAcknowledged) {
       host.Next();
     }
     const auto remove = [path = folder / file] { fs::remove(path); };
-    if (inCommit) {
+    soci::session slow;
+    if (when == inTurn) {
+      slow.open(soci::sqlite3, "dbname=" + (folder / "ts.db").string());
+      slow << "BEGIN IMMEDIATE";
+      files.afterSleep = [&] {
+        remove();
+        slow.close();
+        files.afterSleep = [] {};
+      };
+    } else if (when == inCommit) {
       files.beforeSync = remove;
     } else {
       remove();
@@ -281,6 +291,9 @@ TEST(Files, OfTheLogThatAreDeletedAreMissedBeforeAnythingIsAcknowledged) {
     files.beforeSync = [] {};
     host.Next();
     EXPECT_EQ(Compare(folder.path, told).text, "");  // closing the connection saved what was in the log
+    if (when != inCommit) {
+      EXPECT_EQ(StoredRecords(folder / "ts.db"), told.acknowledged) << "what raised was stored";
+    }
   }
 }
 

@@ -124,12 +124,12 @@ void SqliteConnection::Begin() {
   Execute(Sql(), "BEGIN IMMEDIATE");
 }
 
+// Looked at before, since what raises is to have stored nothing; and after, since what is acknowledged is to be found.
 void SqliteConnection::Commit() {
+  ExpectFilesInPlace();
   Execute(Sql(), "COMMIT");
   waiting.EndTurn();
-  if (files) {
-    ExpectFilesInPlace();
-  }
+  ExpectFilesInPlace();
 }
 
 void SqliteConnection::Rollback() {
@@ -158,7 +158,7 @@ bool SqliteConnection::IsUsable() {
 
 // Nobody would find what is written elsewhere.
 void SqliteConnection::ExpectFilesInPlace() const {
-  if (!files->AreInPlace()) {
+  if (files && !files->AreInPlace()) {
     files->SpareOthers();
     throw StoreReplaced(name);
   }
