@@ -59,7 +59,7 @@ PostgreSqlConnection::PostgreSqlConnection(const std::string& connection, Openin
       BringUp();
     }
     MakePartitions();
-    EndOperation();
+    deadline.reset();
   } catch (const soci::soci_error& reason) {
     throw ErrorOf(reason);
   }
