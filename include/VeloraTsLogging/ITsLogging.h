@@ -82,11 +82,16 @@ class ITsLogging {
       /// Slot 8. Adds a 32-bit signed integer parameter; otherwise as slot 6.
       virtual void AddInstrumentEventParameter(const std::string& node, const std::string& parameter,
                                                std::int32_t value) = 0;,
-      /// Slot 9. Adds a text parameter; otherwise as slot 6. Mind that a string literal is no std::string: given as
-      /// it stands, it would be taken for a boolean.
+      /// Slot 9. Adds a text parameter; otherwise as slot 6.
       virtual void AddInstrumentEventParameter(const std::string& node, const std::string& parameter,
                                                const std::string& value) = 0;))
   // clang-format on
+
+  /// The same for a text that ends with a zero byte, a string literal for example, which a compiler would otherwise
+  /// take for a boolean. It stands in this header alone and has no slot.
+  void AddInstrumentEventParameter(const std::string& node, const std::string& parameter, const char* value) {
+    AddInstrumentEventParameter(node, parameter, std::string(value));
+  }
 };
 
 }  // namespace Quor::Velora::Infra::TsLogging

@@ -31,6 +31,7 @@ TEST_F(Events, AreBuiltWithoutTsAndSentWithEveryParameterInItsOrder) {
   };
   add(oddText, oddText, "string", oddText, oddText);
   add(oddText, std::string(), "string", "", "");
+  add("t", "a literal", "string", "a literal", "a literal");
   add("i", std::int32_t{-5}, "int", "-5", "-5");
   add("i", std::numeric_limits<std::int32_t>::min(), "int", "-2147483648", "-2147483648");
   add("d", 0.1, "double", "0.1", "0.10000000000000001");

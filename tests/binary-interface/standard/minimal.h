@@ -16,6 +16,7 @@ T&& move(T& value);
 class string {
  public:
   string();
+  string(const char*);
   string(const string&);
   ~string();
   string& operator=(const string&);
