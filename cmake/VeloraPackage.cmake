@@ -27,13 +27,19 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/veloratslogging.pc DESTINATION ${CMAKE
 add_custom_target(uninstall
   ${CMAKE_COMMAND} -D manifest=${CMAKE_BINARY_DIR}/install_manifest.txt -P ${CMAKE_CURRENT_LIST_DIR}/Uninstall.cmake)
 
-# What a Windows computer needs beside: the compiler's run-time libraries, PostgreSQL's client, the licences, and
-# settings to begin with.
+# The files that a host needs, to begin with.
+if(WIN32)
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples/first-host/settings DESTINATION .)
+else()
+  install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples/first-host/settings
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/veloratslogging)
+endif()
+
+# What a Windows computer needs beside: the compiler's run-time libraries, PostgreSQL's client, and the licences.
 if(MINGW)
   install(DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/ DESTINATION ${CMAKE_INSTALL_BINDIR}
     FILES_MATCHING PATTERN "lib*.dll")
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/build/windows-dependencies/licences DESTINATION .)
-  install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples/record-tilt-series/settings DESTINATION .)
   install(FILES THIRD-PARTY.md README.md docs/windows.md DESTINATION .)
   set(CPACK_GENERATOR ZIP)
   set(CPACK_PACKAGE_FILE_NAME VeloraTsLogging-${PROJECT_VERSION}-windows-x86_64)

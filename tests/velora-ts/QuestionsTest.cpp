@@ -35,6 +35,7 @@ const std::map<std::string, Verb> verbs = {
     {"backup", {"it copies every page"}},
     {"check", {"it counts every table"}},
     {"copy", {"it copies every row"}},
+    {"init", {"it opens no store"}},
     {"prepare", {"it reads no records"}},
     {"seal", {"it seals every run that is finished"}},
     {"verify", {"it compares every record with its seal"}},

@@ -27,6 +27,7 @@ class CommandLine {
         "usage, 3 the store could not be read or written, 4 nothing that is sealed was changed, but not all is "
         "sealed.\n\"velora-ts VERB --help\" has an example for each verb; "
         "\"man velora-ts\" says more.");
+    AddInit();
     AddCheck();
     AddPrepare();
     look.emplace([this](auto&... words) { return Add(words...); }, [this] { return Database(); }, result);
@@ -66,6 +67,15 @@ class CommandLine {
     Velora::Text::WriteLines(std::cout, help.str());
     Velora::Text::WriteLines(std::cerr, complaint.str());
     return asked ? Done : WrongUsage;
+  }
+
+  void AddInit() {
+    CLI::App* const verb = app.add_subcommand(
+        "init", "Writes the three files that a host needs into FOLDER, commented, and overwrites nothing.");
+    verb->add_option("FOLDER", folder, "The folder that hosts will run in; it is made if it is not there")->required();
+    verb->add_option("--instrument", instrument, "Name of the instrument in the records. Default: the computer's name");
+    verb->footer("Example:\n  velora-ts init /data/scope-7 --instrument \"Scope 7\"");
+    verb->callback([this] { result = Init(folder, instrument); });
   }
 
   void AddCheck() {
@@ -148,7 +158,7 @@ class CommandLine {
 
   CLI::App app;
   std::optional<LookCommands> look;
-  std::string folder, target, hosts, run, since, until, file, format = "jsonl";
+  std::string folder, instrument, target, hosts, run, since, until, file, format = "jsonl";
   ExitCode result = Done;
 };
 

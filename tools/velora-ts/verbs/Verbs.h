@@ -14,6 +14,9 @@ enum ExitCode {
   Unsealed = 4,    ///< What is sealed is as it was, but not all is sealed, or could be compared.
 };
 
+/// Writes the three files that a host needs into a folder; a file that is there stays as it is.
+/// @param instrument its name in the records; empty for the computer's.
+ExitCode Init(const std::string& folder, const std::string& instrument);
 /// Makes a store or brings it up, and lets a role of the server record in it where one is named.
 ExitCode Prepare(const Quor::TolvaServices::Local::Database& database, const std::string& hosts);
 /// Says whether hosts can record, and what the store holds.

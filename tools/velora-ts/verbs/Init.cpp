@@ -1,0 +1,81 @@
+#include "verbs/InitialSettings.h"
+#include "verbs/Verbs.h"
+
+#include <TSAL/Error.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <string>
+#include <system_error>
+
+namespace fs = std::filesystem;
+using Quor::TolvaServices::TsError;
+
+namespace {
+
+std::string AsAttribute(const std::string& value) {
+  std::string escaped;
+  for (const char character : value) {
+    switch (character) {
+      case '&':
+        escaped += "&amp;";
+        break;
+      case '<':
+        escaped += "&lt;";
+        break;
+      case '"':
+        escaped += "&quot;";
+        break;
+      default:
+        escaped += character;
+    }
+  }
+  return escaped;
+}
+
+std::string NamedFor(std::string_view settings, const std::string& instrument) {
+  static constexpr std::string_view root = "<TSAL>";
+  std::string named(settings);
+  return named.replace(named.find(root), root.size(), "<TSAL Instrument=\"" + AsAttribute(instrument) + "\">");
+}
+
+/// Writes a file unless there is one of that name. @return whether it was written.
+bool WriteNew(const fs::path& file, std::string_view content) {
+  const std::unique_ptr<std::FILE, decltype(&std::fclose)> made(std::fopen(file.c_str(), "wbx"), &std::fclose);
+  if (!made && errno == EEXIST) {
+    return false;
+  }
+  if (!made || std::fwrite(content.data(), 1, content.size(), made.get()) != content.size() ||
+      std::fflush(made.get()) != 0) {
+    throw TsError("file '" + file.string() + "' cannot be written: " + std::system_category().message(errno));
+  }
+  return true;
+}
+
+}  // namespace
+
+ExitCode Init(const std::string& folder, const std::string& instrument) {
+  std::error_code failed;
+  fs::create_directories(folder, failed);
+  if (failed) {
+    throw TsError("folder '" + folder + "' cannot be made: " + failed.message());
+  }
+  ExitCode result = Done;
+  for (const InitialFile& file : initialFiles) {
+    const bool isNamed = &file == initialFiles.data() && !instrument.empty();
+    const fs::path path = fs::path(folder) / file.name;
+    if (WriteNew(path, isNamed ? NamedFor(file.content, instrument) : std::string(file.content))) {
+      std::cout << "written: " << path.string() << '\n';
+    } else {
+      std::cout << "kept as it is: " << path.string() << '\n';
+      result = isNamed ? Found : result;
+    }
+  }
+  if (result == Found) {
+    std::cerr << "the instrument was not named: write the attribute Instrument into the element TSAL of the file\n";
+  }
+  return result;
+}

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+/// A file that a host needs, as it is to begin with.
+struct InitialFile {
+  const char* name;
+  std::string_view content;
+};
+
+/// The first is TSAL.config, whose root element is "<TSAL>" without attributes.
+extern const std::array<InitialFile, 3> initialFiles;
