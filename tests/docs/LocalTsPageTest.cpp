@@ -61,6 +61,27 @@ TEST_F(LocalTsPage, NamesEveryTableAndColumnAndNoOther) {
   EXPECT_EQ(described, existing);
 }
 
+TEST(FiveCalls, LeaveTheRowsThatThePageShows) {
+  const ScratchFolder folder;
+  const TestStore store(folder / "ts.db");
+  store.Make();
+  std::filesystem::copy(FIRST_SETTINGS, folder.path, std::filesystem::copy_options::recursive);
+  folder.Write("TSAL.config", "<TSAL><Database " + store.Attributes("ts.db") + "/></TSAL>");
+  const std::string command = "cd '" + folder.path.string() + "' && VELORA_LOG_FILE=log '" FIVE_CALLS "'";
+  EXPECT_EQ(std::system(command.c_str()), 0);
+  const std::string page = ContentOf(LOCAL_TS_PAGE);
+  int tables = 0;
+  for (const std::smatch& shown : Matches(page, std::regex(R"(\n\| (\w+) \| ([^\n]+) \|\n[|-]+((\n\| \|[^\n]+)+))"))) {
+    std::string rows = std::regex_replace(shown[3].str(), std::regex(R"(\n\| \| (.*) \|)"), "$1\n");
+    rows = std::regex_replace(std::regex_replace(rows, std::regex(R"( \| )"), "\\|"), std::regex("…"), "[^|]+");
+    const std::string columns = std::regex_replace(shown[2].str(), std::regex(R"( \| )"), ", ");
+    const std::string stored = Query(folder / "ts.db", "SELECT " + columns + " FROM " + shown[1].str() + " ORDER BY 1");
+    EXPECT_TRUE(std::regex_match(stored, std::regex(rows))) << shown[1] << ": " << stored << "shown as\n" << rows;
+    ++tables;
+  }
+  EXPECT_EQ(tables, 4);
+}
+
 struct Question {
   int rows;
   const char* firstAnswer;  // a pattern

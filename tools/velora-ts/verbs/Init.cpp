@@ -1,3 +1,4 @@
+#include "output/Output.h"
 #include "verbs/InitialSettings.h"
 #include "verbs/Verbs.h"
 
@@ -6,7 +7,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -68,14 +68,14 @@ ExitCode Init(const std::string& folder, const std::string& instrument) {
     const bool isNamed = &file == initialFiles.data() && !instrument.empty();
     const fs::path path = fs::path(folder) / file.name;
     if (WriteNew(path, isNamed ? NamedFor(file.content, instrument) : std::string(file.content))) {
-      std::cout << "written: " << path.string() << '\n';
+      Say("written: " + path.string());
     } else {
-      std::cout << "kept as it is: " << path.string() << '\n';
+      Say("kept as it is: " + path.string());
       result = isNamed ? Found : result;
     }
   }
   if (result == Found) {
-    std::cerr << "the instrument was not named: write the attribute Instrument into the element TSAL of the file\n";
+    Complain("the instrument was not named: write the attribute Instrument into the element TSAL of the file");
   }
   return result;
 }
