@@ -28,6 +28,12 @@ const SharedName setTolvaServicesInstance = Named("SetTolvaServicesInstance");
 const SharedName updateActivityExecution = Named("UpdateActivityExecution");
 }  // namespace Operation
 
+#ifdef VELORA_TS_LOGGING_ONE_THREAD
+std::atomic<std::thread::id> threadInside;
+std::atomic<const TracedName*> operationInside = nullptr;
+int operationsInside = 0;
+#endif
+
 std::recursive_mutex instanceMutex;
 std::recursive_mutex gatewayMutex;
 std::atomic<bool> tsSupported = false;

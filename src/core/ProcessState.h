@@ -10,6 +10,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <thread>
 
 // All state of the component, which is the state of the process. No other file has a mutable object of static storage.
 // Lock order: instanceMutex before gatewayMutex.
@@ -52,5 +53,12 @@ extern ActivityVersionMap activityVersions;   // written by registration and by 
 extern std::map<std::string, TolvaServices::Types::InstrumentEvent> pendingInstrumentEvents;  // the event operations
 extern std::string parentActivityExecGuid;  // the parent execution; read by every creation
 extern TolvaServices::Types::InstrumentEventConfigResult instrumentConfigResult;  // written by each configuration save
+
+#ifdef VELORA_TS_LOGGING_ONE_THREAD
+// Written by the scopes of the thread that is inside, which the first of them guards the others by.
+extern std::atomic<std::thread::id> threadInside;
+extern std::atomic<const TracedName*> operationInside;  // the outermost
+extern int operationsInside;
+#endif
 
 }  // namespace Quor::Velora::Infra::TsLogging

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/OneThread.h"
 #include "core/TracedName.h"
 
 #include <VeloraInfraLogging/Logger.h>
@@ -19,7 +20,10 @@ class TraceScope {
   /// @param sharedSource,sharedName constants of the process, and the scope's own until it closes: a process that ends
   ///        during an operation gives up its constants first.
   TraceScope(SharedSource sharedSource, SharedName sharedName)
-      : logger(Logging::Logger::GetInstance()), source(std::move(sharedSource)), functionName(std::move(sharedName)) {
+      : oneThread(*sharedName),
+        logger(Logging::Logger::GetInstance()),
+        source(std::move(sharedSource)),
+        functionName(std::move(sharedName)) {
     WriteInfo(functionName->entryLine);
   }
   TraceScope(const TraceScope&) = delete;
@@ -38,7 +42,8 @@ class TraceScope {
   void WriteError(const std::string& message) const { logger->WriteError(*source, message); }
 
  private:
-  // The logger is released last.
+  [[no_unique_address]] OneThread oneThread;
+  // The logger is released last of what the scope holds.
   std::shared_ptr<Logging::Logger> logger;
   SharedSource source;
   SharedName functionName;

@@ -16,6 +16,9 @@ using Words = std::vector<std::string>;
 
 class RecordTiltSeries : public testing::Test {
  protected:
+  // The hosts load the library that would end one that is inside on two threads at once.
+  RecordTiltSeries() { setenv("LD_LIBRARY_PATH", VELORA_LIBRARY_FOLDER, 1); }
+
   /// Runs a command of the shell in the scratch folder, expects its exit code and the words, and gives what it said.
   std::string Run(const std::string& command, int exitCode, const Words& words = {}) const {
     const std::string line = "cd '" + folder.path.string() + "' && " + command + " > output 2>&1 < /dev/null";
