@@ -67,7 +67,7 @@ BENCHMARK(Parameters)->Name("parameters")->Arg(4)->Arg(100)->Arg(1'000)->Arg(10'
 void Execution(benchmark::State& state) {
   ComponentWay way;
   Repeat(state, [&] {
-    way.logging->CreateActivityExecution("Section", "ZValue 17", "a section of a tilt series");
+    static_cast<void>(way.logging->CreateActivityExecution("Section", "ZValue 17", "a section of a tilt series"));
     way.logging->UpdateActivityExecution("01234567-89ab-4def-8123-456789abcdef");
   });
 }

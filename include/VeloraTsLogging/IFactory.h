@@ -47,7 +47,7 @@ class IFactory {
 
 /// The factory that is alive, or a new one when nobody holds one. The library keeps no factory alive: the caller owns
 /// what it gets. The slot behind it has no lock: not to be called while another thread calls SetFactory.
-VELORA_TS_LOGGING_API std::shared_ptr<IFactory> GetFactory();
+[[nodiscard]] VELORA_TS_LOGGING_API std::shared_ptr<IFactory> GetFactory();
 
 /// Puts a host's logging object in the place of the component's; CreateTsLogging then returns it, after the usual
 /// bring-up. The object replaced is released before this returns; its destructor already finds the new one.

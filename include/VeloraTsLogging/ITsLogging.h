@@ -38,16 +38,19 @@ class ITsLogging {
     /// @param node where it runs, in the host's own terms.
     /// @param description free text. An execution with an empty one is not linked to by later children that find it
     ///        through the process-wide parent.
-    /// @return the new execution's guid; empty when TS cannot be used, is not present, or no parent was given.
+    /// @return the new execution's guid, the only handle to it: without it the execution can never be done. Empty when
+    ///         TS cannot be used, is not present, or no parent was given.
     /// @throws what TS raises, for a parent that it does not know among other things; then nothing was created.
-    virtual std::string CreateActivityExecution(const std::string& parentActivityGuid,
-                                                const std::string& regActivityVersionName, const std::string& node,
-                                                const std::string& description) = 0;,
+    [[nodiscard]] virtual std::string CreateActivityExecution(const std::string& parentActivityGuid,
+                                                              const std::string& regActivityVersionName,
+                                                              const std::string& node,
+                                                              const std::string& description) = 0;,
     /// Slot 2. Creates an execution as a child of the process-wide parent, or at the top when no parent was set.
     /// Parameters, result and failures are those of slot 1. The process-wide parent is the one that a managed host
     /// sets; it is read once, at the start.
-    virtual std::string CreateActivityExecution(const std::string& regActivityVersionName, const std::string& node,
-                                                const std::string& description) = 0;)
+    [[nodiscard]] virtual std::string CreateActivityExecution(const std::string& regActivityVersionName,
+                                                              const std::string& node,
+                                                              const std::string& description) = 0;)
   // clang-format on
 
   /// Slot 3. Says that an execution is done: stamps it with status 14 and the current time. Can be repeated.

@@ -47,7 +47,7 @@ class VELORA_TS_LOGGING_API ITsLoggingConfigurator {
 };
 
 /// A new configurator, owned by the caller. May be called from any thread.
-VELORA_TS_LOGGING_API std::shared_ptr<ITsLoggingConfigurator> GetTsLoggingConfigurator();
+[[nodiscard]] VELORA_TS_LOGGING_API std::shared_ptr<ITsLoggingConfigurator> GetTsLoggingConfigurator();
 
 }  // namespace Quor::Velora::Unmanaged
 

@@ -21,7 +21,7 @@ TEST_F(Faults, OfAnyTypeAfterThePresenceQuestionMeanThatTsIsNotAvailable) {
     At("TSAL IsConnectable", raise);
     const auto logging = library->Create("i");
     EXPECT_NE(Journal().find(notSupported), std::string::npos);
-    logging->CreateActivityExecution("v", "n", "d");
+    static_cast<void>(logging->CreateActivityExecution("v", "n", "d"));
     EXPECT_EQ(Journal(), Scope("CreateActivityExecution", cannotCreate));
   }
 }

@@ -56,7 +56,7 @@ TEST_F(Parent, StaysUntilAnotherWasSaved) {
   const auto logging = library->Create("i");
   const auto parentOfANewExecution = [&] {
     Journal();
-    logging->CreateActivityExecution("v", "n", "d");
+    static_cast<void>(logging->CreateActivityExecution("v", "n", "d"));
     const std::string journal = Journal();
     const std::size_t at = journal.find(" parent ") + 8;
     return journal.substr(at, journal.find(',', at) - at);

@@ -35,8 +35,9 @@ class Reentry : public ComponentTest {
   const std::vector<Action> actions = {
       {"CreateTsLogging", [this] { library->Create("i"); }},
       {"SetParentActivityExec", [this] { SetParent(); }},
-      {"CreateActivityExecution, parent", [this] { logging->CreateActivityExecution("p", "v", "n", "d"); }},
-      {"CreateActivityExecution", [this] { logging->CreateActivityExecution("v", "n", "d"); }},
+      {"CreateActivityExecution, parent",
+       [this] { static_cast<void>(logging->CreateActivityExecution("p", "v", "n", "d")); }},
+      {"CreateActivityExecution", [this] { static_cast<void>(logging->CreateActivityExecution("v", "n", "d")); }},
       {"UpdateActivityExecution", [this] { logging->UpdateActivityExecution("g"); }},
       {"SaveInstrumentEvent", [this] { logging->SaveInstrumentEvent("A", "g"); }},
       {"SetFactory, logging", [this] { library->SetLogging(nullptr, logging); }},
