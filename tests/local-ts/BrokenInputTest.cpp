@@ -79,20 +79,25 @@ TEST_F(BrokenInput, ADatabaseThatCannotBeRecordedInIsNamedAndStaysAsItIs) {
   const bool ordinary = System::GiveUpRights();  // nothing is read-only for a superuser
   folder.Write("text.db", std::string(4096, 'x'));
   soci::session(soci::sqlite3, "dbname=" + (folder / "other.db").string()) << "CREATE TABLE microscopes (name)";
-  for (const char* database : {"newer.db", "reading.db", "hidden.db", "good.db"}) {
+  create_directory(folder / "shut");
+  for (const char* database : {"newer.db", "reading.db", "hidden.db", "shut/ts.db", "good.db"}) {
     Begin(database);
   }
+  EXPECT_TRUE(TSInstance::IsConnectable());
+  EXPECT_EQ(WhyNotAvailable(), "");
   soci::session(soci::sqlite3, "dbname=" + (folder / "newer.db").string()) << "INSERT INTO ts_schema VALUES (99, '')";
   permissions(folder / "reading.db", fs::perms{0444});
   permissions(folder / "hidden.db", fs::perms{0});
+  permissions(folder / "shut", fs::perms{0555});
   for (const auto& [database, words] : {std::pair("no/such/folder.db", "cannot be opened"),
                                         {"hidden.db", "cannot be opened"},
                                         {"reading.db", "can only be read; expected"},
+                                        {"shut/ts.db", "expected a folder that is there, and the right to write"},
                                         {"text.db", "not a database"},
                                         {"other.db", "tables of another program; expected"},
                                         {"newer.db", "version 99; expected version 3 at most: a newer program"}}) {
     Configure(database);
-    if (!ordinary && (database == "hidden.db"s || database == "reading.db"s)) {
+    if (!ordinary && (database == "hidden.db"s || database == "reading.db"s || database == "shut/ts.db"s)) {
       continue;
     }
     const std::string before = ContentOf(folder / database);
@@ -100,11 +105,12 @@ TEST_F(BrokenInput, ADatabaseThatCannotBeRecordedInIsNamedAndStaysAsItIs) {
     const auto ask = [&] { connectable = TSInstance::IsConnectable(); };
     words == "cannot be opened"s ? ask() : ExpectError(ask, {words});
     EXPECT_FALSE(connectable) << database;
+    EXPECT_NE(WhyNotAvailable().find(words), std::string::npos) << WhyNotAvailable();
     ExpectError([] { TSInstance::BeginSession(); }, {"'" + (folder / database).string() + "'", words});
     EXPECT_EQ(ContentOf(folder / database), before);
     SaveEvent(Event(database));  // into the session that began before
   }
-  EXPECT_EQ(Recorded("SELECT COUNT(*) FROM events", "good.db"), ordinary ? "6\n" : "4\n");
+  EXPECT_EQ(Recorded("SELECT COUNT(*) FROM events", "good.db"), ordinary ? "7\n" : "4\n");
   System::TakeRightsBack();
   if (!ordinary) {
     GTEST_SKIP() << "only the files without rights: no ordinary user's can be taken on here";

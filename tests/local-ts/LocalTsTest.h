@@ -4,6 +4,7 @@
 #include "support/ScratchFolder.h"
 
 #include <TSAL/Methods.h>
+#include <TSAL/Reason.h>
 
 #include <gtest/gtest.h>
 

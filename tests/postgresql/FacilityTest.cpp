@@ -2,8 +2,11 @@
 
 #include "Server.h"
 #include "durability/Recording.h"
+#include "support/HostFiles.h"
 #include "support/Shell.h"
 #include "support/System.h"
+
+#include <TSAL/Reason.h>
 
 #include <functional>
 #include <thread>
@@ -20,6 +23,7 @@ class Facility : public PostgreSql {
   void Configure(const std::string& connection, const std::string& instrument = "Scope") const {
     folder.Write("TSAL.config", "<TSAL Instrument='" + instrument + "'><Database Backend='postgresql' Connection='" +
                                     connection + "'/></TSAL>");
+    WriteHostFiles(folder, "");
     TSInstance::SetTsalPath(folder.path.string());
   }
   static std::string ErrorOf(const std::function<void()>& action) {
@@ -311,6 +315,7 @@ TEST_F(Facility, AServerThatTakesNoRecordsIsNotConnectable) {
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(200));  // until it has read them
     EXPECT_FALSE(TSInstance::IsConnectable()) << words;
+    EXPECT_NE(WhyNotAvailable().find(words), std::string::npos) << WhyNotAvailable();
     EXPECT_NE(ErrorOf(Begin).find(words), std::string::npos) << ErrorOf(Begin);
     EXPECT_EQ(Shell("'" VELORA_TS "' check"), 1);
     EXPECT_NE(said.find(words), std::string::npos) << said;

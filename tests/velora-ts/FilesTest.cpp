@@ -43,7 +43,7 @@ TEST_F(Files, WhatMustFirstBeRolledBackIsNotRead) {
                   "\"UPDATE parameters SET name = printf('%9000s', 'half done')\" "
                   "'.shell cp ts.db ts.db-journal away' ROLLBACK; rm ts.db; ln -s away/ts.db"),
             0);
-  for (const char* verb : {"check", "runs", "verify", "backup copy.db"}) {
+  for (const char* verb : {"show last", "runs", "verify", "backup copy.db"}) {
     EXPECT_EQ(Tool(verb), 3) << verb;
     EXPECT_TRUE(Says("away/ts.db-journal'; expected one who may write there to open it first")) << verb << said;
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/HostFiles.h"
 #include "support/Query.h"
 #include "support/ScratchFolder.h"
 #include "support/Shell.h"
@@ -16,6 +17,7 @@ class ToolTest : public testing::Test {
  protected:
   ToolTest() {
     folder.Write("TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");
+    WriteHostFiles(folder, "");
     EXPECT_EQ(Shell("sqlite3 ts.db 'PRAGMA journal_mode=WAL' '.read " SOURCE "/tests/local-ts/version-1.sql'"), 0);
   }
 

@@ -13,14 +13,12 @@ using std::string_literals::operator""s;
 using VeloraTs = ToolTest;
 
 TEST_F(VeloraTs, AnswersWithACodeAndWords) {
-  folder.Write("broken/TSAL.config", "");
-  create_directory(folder / "broken");
+  for (const char* const name : {"broken", "empty", "other", "waiting"}) {
+    create_directory(folder / name);
+  }
   folder.Write("broken/TSAL.config", "<TSAL>\n<Server/></TSAL>");
-  create_directory(folder / "empty");
   folder.Write("empty/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='none.db'/></TSAL>");
-  create_directory(folder / "other");
   folder.Write("other/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='other.db'/></TSAL>");
-  create_directory(folder / "waiting");
   folder.Write("waiting/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='fifo'/></TSAL>");
   ASSERT_EQ(Shell("sqlite3 other/other.db 'CREATE TABLE microscopes (name)' && mkfifo waiting/fifo"), 0);
   const std::string guid = Query(folder / "ts.db", "SELECT guid FROM executions LIMIT 1").substr(0, 36);
@@ -33,13 +31,13 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
     int code;
     std::string words;
   } rows[] = {
-      {"check", 0, "schema: version 1; the next host"},
+      {"check", 0, "the next host that records brings the store up from version 1"},
       {"check", 0, "4 executions, 6 statuses, 3 events, 6 parameters"},
-      {"check --config broken", 3, "broken/TSAL.config', line 2: unknown element 'Server'"},
-      {"check --config nowhere", 3, "No such file"},
-      {"check --config empty", 3, "there is no TS store"},
-      {"check --config other", 3, "is no TS store; expected"},
-      {"check --config waiting", 3, "/waiting/fifo' is a FIFO; expected a regular file"},
+      {"runs --config broken", 3, "broken/TSAL.config', line 2: unknown element 'Server'"},
+      {"runs --config nowhere", 3, "No such file"},
+      {"runs --config empty", 3, "there is no TS store"},
+      {"runs --config other", 3, "is no TS store; expected"},
+      {"runs --config waiting", 3, "/waiting/fifo' is a FIFO; expected a regular file"},
       {"check", 0, "last: run ffffffff-0000-4000-8000-000000000000 \"grid.mdoc\" of 2026-11-26"},
       {"export last", 0, "\"number\":4,\"guid\":\"ffffffff"},
       {"export " + guid, 0, "\"guid\":\"" + guid},
@@ -75,6 +73,7 @@ TEST_F(VeloraTs, NothingThatItSaysSteersATerminal) {
   static const std::string steering = "\x1b[2J\u009B\u061C\u202E\u2066\u200B\U000E0041\xFF";
   const auto store = [this](const std::string& name, const std::string& statements) {
     create_directory(folder / name);
+    WriteHostFiles(folder, name + "/");
     folder.Write(name + "/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='../" + name + ".db'/></TSAL>");
     folder.Write("statements", statements);
     EXPECT_EQ(Shell("cp ts.db " + name + ".db && sqlite3 " + name + ".db < statements"), 0) << said;
@@ -84,6 +83,7 @@ TEST_F(VeloraTs, NothingThatItSaysSteersATerminal) {
   store("malformed", "PRAGMA writable_schema = ON; INSERT INTO sqlite_master VALUES ('table', '" + steering +
                          "', 'x', 3, 'CREATE TABLE x');");
   create_directory(folder / "setting");
+  WriteHostFiles(folder, "setting/");
   folder.Write("setting/TSAL.config", "<TSAL><Database Backend='\u009B\u202E' Connection='x'/></TSAL>");
   for (const std::string& arguments :
        {"verify --config foreign"s, "check --config foreign"s, "check --config malformed"s, "check --config setting"s,
@@ -142,7 +142,7 @@ TEST_F(VeloraTs, ReadingChangesNothingAndWaitsForNobody) {
   };
   const auto closed = files();
   EXPECT_EQ(closed.count("ts.db-wal"), 0U);
-  for (const char* verb : {"check", "export last", "verify; [ $? -eq 4 ]"}) {
+  for (const char* verb : {"runs", "export last", "verify; [ $? -eq 4 ]"}) {
     EXPECT_EQ(Tool(verb), 0) << said;
   }
   EXPECT_EQ(files(), closed);
@@ -150,7 +150,7 @@ TEST_F(VeloraTs, ReadingChangesNothingAndWaitsForNobody) {
   host << "BEGIN IMMEDIATE";
   host << "INSERT INTO events VALUES (4, 1, 1, NULL, 'not yet there', '')";
   auto open = files();
-  for (const char* verb : {"check", "export last", "verify; [ $? -eq 4 ]"}) {
+  for (const char* verb : {"runs", "export last", "verify; [ $? -eq 4 ]"}) {
     EXPECT_EQ(Tool("--version && timeout 3 '" VELORA_TS "' " + std::string(verb)), 0) << said;
     EXPECT_FALSE(Says("not yet there"));
   }

@@ -79,9 +79,20 @@ class CommandLine {
   }
 
   void AddCheck() {
-    Add("check", "Says whether hosts can record, with which schema, and how much is recorded.",
-        "check --config /data/titan")
-        ->callback([this] { result = Check(folder); });
+    CLI::App* const verb = Add("check",
+                               "Does what the start of a host does, takes it back, and says for each step whether it "
+                               "holds; then what the store holds. FOLDER is the host's current directory.",
+                               "check --config /data/scope-7");
+    verb->add_option("--library", start.library,
+                     "File of the TS logging library that the host loads; its folder is looked into as well. Default: "
+                     "the one that was installed with this program");
+    verb->add_option("--activities", start.activities, "Name of the host's activities file. Default: activities.xml");
+    verb->add_option("--configuration", start.configuration,
+                     "Name of its instrument configuration. Default: instrument.xml");
+    verb->callback([this] {
+      start.folder = folder;
+      result = Check(start);
+    });
   }
 
   void AddPrepare() {
@@ -158,6 +169,7 @@ class CommandLine {
 
   CLI::App app;
   std::optional<LookCommands> look;
+  HostStart start{"", LibraryBesideProgram()};
   std::string folder, instrument, target, hosts, run, since, until, file, format = "jsonl";
   ExitCode result = Done;
 };

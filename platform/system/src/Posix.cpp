@@ -11,8 +11,10 @@
 
 #include <array>
 #include <cerrno>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <system_error>
 #include <utility>
 
 namespace Velora::System {
@@ -61,6 +63,15 @@ std::FILE* OpenRegularFile(const std::string& path) {
 FileId IdOf(const std::string& path) {
   struct stat file {};
   return stat(path.c_str(), &file) == 0 ? FileId{file.st_dev, file.st_ino} : FileId{};
+}
+
+bool TakesNewFiles(const std::string& folder) {
+  return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+std::string ProgramFolder() {
+  std::error_code unknown;
+  return std::filesystem::read_symlink("/proc/self/exe", unknown).parent_path();
 }
 
 std::string ComputerName() {

@@ -9,6 +9,7 @@
 
 #include <array>
 #include <cerrno>
+#include <string>
 #include <utility>
 
 namespace Velora::System {
@@ -26,6 +27,20 @@ std::FILE* OpenRegularFile(const std::string& path) {
 }
 
 FileId IdOf(const std::string& /*path*/) { return {1, 1}; }
+
+// Only the attempt tells: rights are those of lists, groups and shares.
+bool TakesNewFiles(const std::string& folder) {
+  const std::string file = folder + "\\velora-" + std::to_string(GetCurrentProcessId()) + ".tmp";
+  const HANDLE made =
+      CreateFileA(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  return made != INVALID_HANDLE_VALUE && CloseHandle(made) != 0;
+}
+
+std::string ProgramFolder() {
+  std::string path(32768, '\0');
+  path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
+  return path.substr(0, path.find_last_of('\\') + 1);
+}
 
 std::string ComputerName() {
   std::array<char, 256> buffer{};

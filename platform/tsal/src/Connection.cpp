@@ -33,11 +33,18 @@ void Connection::Rollback() { Execute(sql, "ROLLBACK"); }
 
 void Connection::BringUp() {
   Transaction transaction(*this);
-  HoldSchema();
-  if (const int version = StoredVersion(); version != schemaVersion) {  // another process may have been first
-    BringUpSchema(version);
+  if (BringUpWithin() != schemaVersion) {  // another process may have been first
     transaction.Commit();
   }
+}
+
+int Connection::BringUpWithin() {
+  HoldSchema();
+  const int version = StoredVersion();
+  if (version != schemaVersion) {
+    BringUpSchema(version);
+  }
+  return version;
 }
 
 std::unique_ptr<Connection> OpenConnection(const Database& database, Opening opening) {

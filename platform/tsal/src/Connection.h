@@ -28,8 +28,12 @@ class StoreReplaced : public TsError {
                 "' was removed or replaced since the session began; expected it to stay until the next session") {}
 };
 
-/// Whether a connection makes the store where there is none yet.
-enum class Opening { MakesStore, ExpectsStore };
+/// What a connection does where there is no store yet, or one of an earlier version.
+enum class Opening {
+  MakesStore,    ///< Makes it, or brings it up.
+  ExpectsStore,  ///< Raises where there is none.
+  Tries,         ///< Changes nothing: what records is to bring it up within its own transaction.
+};
 
 /// One connection to a store, used by one operation at a time, and what the databases do each in its own way.
 class Connection {
@@ -42,6 +46,12 @@ class Connection {
 
   soci::session& Sql() { return sql; }
   const std::string& Name() const { return name; }
+
+  /// Makes what is missing of a store, or brings one of an earlier version up, within a transaction.
+  /// @return the version that it had; 0 for none.
+  int BringUpWithin();
+  /// Makes what the rows of these months need beside the tables.
+  virtual void MakeRoom() {}
 
   virtual void Begin() = 0;
   virtual void Commit() = 0;
@@ -82,13 +92,13 @@ class Connection {
   };
 
   const std::string name;
+  const Opening opening;
 
  private:
   virtual Contents FindTables() = 0;
   virtual void BringUpSchema(int from) = 0;
   virtual void HoldSchema() = 0;
 
-  const Opening opening;
   soci::session sql;
 };
 

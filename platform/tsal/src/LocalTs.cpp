@@ -8,6 +8,7 @@ namespace {
 
 std::mutex stateMutex;
 std::string settingsFolder;               // guarded by stateMutex
+std::string reasonNotAvailable;           // guarded by stateMutex
 std::shared_ptr<Session> currentSession;  // guarded by stateMutex
 
 }  // namespace
@@ -24,6 +25,16 @@ Settings CurrentSettings() {
     folder = settingsFolder;
   }
   return ReadSettings(folder);
+}
+
+void SetReason(const std::string& reason) {
+  const std::lock_guard lock(stateMutex);
+  reasonNotAvailable = reason;
+}
+
+std::string Reason() {
+  const std::lock_guard lock(stateMutex);
+  return reasonNotAvailable;
 }
 
 std::shared_ptr<Session> BeginSession(const std::string& text1, const std::string& text2, const std::string& text3) {

@@ -7,13 +7,18 @@
 #include <memory>
 #include <string>
 
-// The state of the local TS, which is the state of the process: the folder of the settings and the session begun last.
+// The state of the local TS, which is the state of the process: the folder of the settings, the session begun last, and
+// why TS was not available last.
 // Safe to use from several threads.
 
 namespace Quor::TolvaServices::Local {
 
 void SetSettingsFolder(const std::string& folder);
 Settings CurrentSettings();
+
+/// Why TS was last found not to be available; empty when it was.
+void SetReason(const std::string& reason);
+std::string Reason();
 
 /// Begins a session; the one begun before stays the current one when that raises.
 std::shared_ptr<Session> BeginSession(const std::string& text1, const std::string& text2, const std::string& text3);

@@ -6,6 +6,7 @@
 #include "WholeFile.h"
 
 #include <TSAL/Methods.h>
+#include <TSAL/Reason.h>
 
 #include <cstdlib>
 #include <string_view>
@@ -19,16 +20,23 @@ namespace Types {
 
 bool TSInstance::IsTsServicePresent() {
   const char* const service = std::getenv("TSAL_SERVICE");
-  return service == nullptr || std::string_view(service) != "absent";
+  const bool absent = service != nullptr && std::string_view(service) == "absent";
+  Local::SetReason(absent ? "the environment variable TSAL_SERVICE is 'absent', so TS counts as not installed; unset it"
+                          : "");
+  return !absent;
 }
 
 bool TSInstance::IsConnectable() {
-  const Local::Settings settings = Local::CurrentSettings();
   try {
-    Local::OpenConnection(settings.database);
+    Local::OpenConnection(Local::CurrentSettings().database);
+    Local::SetReason("");
     return true;
-  } catch (const Local::NotReachable&) {
+  } catch (const Local::NotReachable& reason) {
+    Local::SetReason(reason.what());
     return false;
+  } catch (const std::exception& reason) {
+    Local::SetReason(reason.what());
+    throw;
   }
 }
 
@@ -95,6 +103,8 @@ Types::InstrumentEventConfigResult SystemMethods::SaveInstrumentConfigWithResult
 }
 
 }  // namespace Methods
+
+std::string WhyNotAvailable() { return Local::Reason(); }
 
 std::string Utils::TypeUtils::ReadAllTextFromFile(const std::string& path) { return Local::ReadWholeFile(path); }
 

@@ -54,11 +54,17 @@ PostgreSqlConnection::PostgreSqlConnection(const std::string& connection, Openin
   try {
     LimitTo(longestOperation);
     Configure();
-    if (StoredVersion() != schemaVersion) {
+    const int version = StoredVersion();
+    if (version != schemaVersion) {
       LimitTo(longestBringUp);
+    }
+    if (opening == Opening::Tries) {
+      return;
+    }
+    if (version != schemaVersion) {
       BringUp();
     }
-    MakePartitions();
+    PostgreSqlConnection::MakeRoom();
     deadline.reset();
   } catch (const soci::soci_error& reason) {
     throw ErrorOf(reason);
@@ -100,7 +106,7 @@ void PostgreSqlConnection::Configure() {
 // made before it, in a transaction of their own: one that holds locks could wait for a host that waits for it.
 void PostgreSqlConnection::Begin() {
   if (Clock::now() >= partitionsDue) {
-    MakePartitions();
+    MakeRoom();
   }
   Execute(Sql(), "BEGIN; SELECT CAST(pg_current_xact_id() AS text), CAST(pg_current_wal_flush_lsn() AS text)",
           soci::into(transaction), soci::into(logged));
@@ -171,7 +177,7 @@ void PostgreSqlConnection::Insert(const Types::InstrumentEvent& event, long long
   InsertEvent(Sql(), event, session, execution, configuration);
 }
 
-void PostgreSqlConnection::MakePartitions() {
+void PostgreSqlConnection::MakeRoom() {
   Execute(Sql(), "SELECT make_partitions()");
   partitionsDue = Clock::now() + std::chrono::hours(24);
 }

@@ -18,6 +18,8 @@ class PostgreSqlConnection : public Connection {
   /// @param connection what PostgreSQL's client library takes.
   PostgreSqlConnection(const std::string& connection, Opening opening);
 
+  /// Partitions for the months to come: from then on once a day, so that a host that runs for months finds its own.
+  void MakeRoom() override;
   void Begin() override;
   void Commit() override;
   long long NextKey(const std::string& table, const std::string& column) override;
@@ -37,8 +39,6 @@ class PostgreSqlConnection : public Connection {
   void HoldSchema() override;
   void Open();
   void Configure();
-  /// Partitions for the months to come: from then on once a day, so that a host that runs for months finds its own.
-  void MakePartitions();
   bool WasCommitted();
   void LimitTo(std::chrono::milliseconds longest);
   pg_conn* Handle();

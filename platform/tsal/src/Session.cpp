@@ -11,22 +11,28 @@
 
 namespace Quor::TolvaServices::Local {
 
+long long InsertSession(Connection& connection, const std::string& guid, const std::string& instrument,
+                        const std::array<std::string, 3>& texts) {
+  const long long key = connection.NextKey("sessions", "session_id");
+  const std::string storedInstrument = ToStoredText(instrument);
+  const std::string host = ToStoredText(Velora::System::ComputerName());
+  const std::string now = ToStoredTime({});
+  const std::string text1 = ToStoredText(texts[0]);
+  const std::string text2 = ToStoredText(texts[1]);
+  const std::string text3 = ToStoredText(texts[2]);
+  Execute(connection.Sql(),
+          "INSERT INTO sessions (session_id, guid, instrument, host, began_at, text1, text2, text3) "
+          "VALUES (:key, :guid, :instrument, :host, :began, :text1, :text2, :text3)",
+          soci::use(key), soci::use(guid), soci::use(storedInstrument), soci::use(host), soci::use(now),
+          soci::use(text1), soci::use(text2), soci::use(text3));
+  return key;
+}
+
 Session::Session(const Settings& settings, const std::string& text1, const std::string& text2, const std::string& text3)
     : database(settings.database), guid(NewGuid()) {
   row = RunOn(OpenConnection(database), [&](Connection& connection) {
     Transaction transaction(connection);
-    const long long key = connection.NextKey("sessions", "session_id");
-    const std::string instrument = ToStoredText(settings.instrument);
-    const std::string host = ToStoredText(Velora::System::ComputerName());
-    const std::string now = ToStoredTime({});
-    const std::string stored1 = ToStoredText(text1);
-    const std::string stored2 = ToStoredText(text2);
-    const std::string stored3 = ToStoredText(text3);
-    Execute(connection.Sql(),
-            "INSERT INTO sessions (session_id, guid, instrument, host, began_at, text1, text2, text3) "
-            "VALUES (:key, :guid, :instrument, :host, :began, :text1, :text2, :text3)",
-            soci::use(key), soci::use(guid), soci::use(instrument), soci::use(host), soci::use(now), soci::use(stored1),
-            soci::use(stored2), soci::use(stored3));
+    const long long key = InsertSession(connection, guid, settings.instrument, {text1, text2, text3});
     transaction.Commit();
     return key;
   });

@@ -3,12 +3,17 @@
 #include "Connection.h"
 #include "Settings.h"
 
+#include <array>
 #include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
 
 namespace Quor::TolvaServices::Local {
+
+/// Inserts the row of a session, within a transaction. @return its key.
+long long InsertSession(Connection& connection, const std::string& guid, const std::string& instrument,
+                        const std::array<std::string, 3>& texts);
 
 /// A session of the local TS: the database that it began with, and its row there.
 ///

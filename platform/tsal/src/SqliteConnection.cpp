@@ -23,6 +23,9 @@ namespace {
 // The byte of the file of shared memory that SQLite locks for the one writer of its write-ahead log.
 constexpr unsigned writeLock = 120;
 
+constexpr const char* rightsExpected =
+    "; expected a folder that is there, and the right to write the file and that folder, since a log is kept beside it";
+
 sqlite_api::sqlite3* HandleOf(soci::session& sql) {
   return static_cast<soci::sqlite3_session_backend*>(sql.get_backend())->conn_;
 }
@@ -49,7 +52,8 @@ void Open(soci::session& sql, const std::string& database, Opening opening) {
     throw std::bad_alloc();
   }
   if (result != SQLITE_OK) {
-    throw NotReachable("TS database '" + database + "' cannot be opened: " + sqlite_api::sqlite3_errmsg(opened.get()));
+    throw NotReachable("TS database '" + database + "' cannot be opened: " + sqlite_api::sqlite3_errmsg(opened.get()) +
+                       rightsExpected);
   }
   if (sqlite_api::sqlite3_db_readonly(opened.get(), "main") != 0) {
     throw TsError("TS database '" + database + "' can only be read; expected a file that may be written");
@@ -58,10 +62,12 @@ void Open(soci::session& sql, const std::string& database, Opening opening) {
   opened.reset(std::exchange(backend->conn_, opened.release()));
 }
 
-bool IsBusy(const soci::soci_error& error) {
+int CodeOf(const soci::soci_error& error) {
   const auto* const sqlite = dynamic_cast<const soci::sqlite3_soci_error*>(&error);
-  return sqlite != nullptr && (sqlite->result() & 0xFF) == SQLITE_BUSY;
+  return sqlite == nullptr ? SQLITE_ERROR : sqlite->result() & 0xFF;
 }
+
+bool IsBusy(const soci::soci_error& error) { return CodeOf(error) == SQLITE_BUSY; }
 
 // To the statement's end, past its one row: there the change is committed.
 std::string AskForWriteAheadLog(soci::session& sql) {
@@ -101,6 +107,9 @@ SqliteConnection::SqliteConnection(const std::string& file, Opening opening) : C
   try {
     Configure();
     StoredVersion();  // asked first: nothing is changed in a file that is none of ours
+    if (opening == Opening::Tries) {
+      return;
+    }
     TurnOnWriteAheadLog(Sql());
     if (StoredVersion() != schemaVersion) {
       BringUp();
@@ -174,7 +183,8 @@ TsError SqliteConnection::ErrorOf(const soci::soci_error& reason) {
                    " seconds; expected it to finish: " + reason.get_error_message());
   }
   // Without the statement and its values, which can be as long as what was to be recorded.
-  return TsError("TS database '" + name + "': " + reason.get_error_message());
+  const bool lacksRights = CodeOf(reason) == SQLITE_CANTOPEN || CodeOf(reason) == SQLITE_READONLY;
+  return TsError("TS database '" + name + "': " + reason.get_error_message() + (lacksRights ? rightsExpected : ""));
 }
 
 Connection::Contents SqliteConnection::FindTables() {

@@ -1,18 +1,20 @@
-#include "PostgreSqlStart.h"
-#include "Schema.h"
 #include "Settings.h"
+#include "host-check/SettingsOfHost.h"
 #include "output/Output.h"
+#include "reading/Mistakes.h"
 #include "reading/Rows.h"
 #include "reading/Runs.h"
 #include "reading/Store.h"
 #include "soundness/Soundness.h"
 #include "verbs/Verbs.h"
 
-#include <TSAL/Methods.h>
+#include <TSAL/Error.h>
 
 #include <string>
 
 namespace {
+
+using namespace Quor::TolvaServices;
 
 void SayHowMuch(const Store& store) {
   std::string records;
@@ -33,46 +35,39 @@ void SayHowMuch(const Store& store) {
   }
 }
 
-/// What keeps a server from taking records.
-std::string WhyNotRecorded(const Store& store) {
-  using namespace Quor::TolvaServices;
-  if (store.Kind() != Local::Database::Kind::PostgreSql) {
-    return "";
-  }
-  Rows answer(store, Local::askWhyNot);
-  answer.Next();
-  return std::string(answer.Text(0));
-}
-
-}  // namespace
-
-ExitCode Check(const std::string& folder) {
-  using namespace Quor::TolvaServices;
-  ExitCode result = Done;
-  const Local::Settings settings = Local::ReadSettings(folder);
-  Say("instrument: " + settings.instrument);
-  if (!Types::TSInstance::IsTsServicePresent()) {
-    Say("finding: the variable TSAL_SERVICE is 'absent'; hosts that have it so record nothing");
-    result = Found;
-  }
-  const Store store(settings.database);
+/// What a store that is there holds. @return whether nothing is wrong with it.
+bool SayWhatIsThere(const Local::Database& database) {
+  const Store store(database);
   Say("store: " + store.Name());
-  const bool older = store.SchemaVersion() < Local::schemaVersion;
-  Say("schema: version " + std::to_string(store.SchemaVersion()) +
-      (older ? "; the next host that records brings it up" : ""));
+  Say("schema: version " + std::to_string(store.SchemaVersion()));
   SayHowMuch(store);
-  if (const std::string why = WhyNotRecorded(store); !why.empty()) {
-    Say("finding: hosts record nothing: " + why);
-    result = Found;
-  }
   const Findings findings = SchemaFindings(store);
   for (const std::string& finding : findings.wrong) {
     Say("finding: " + finding);
-    result = Found;
   }
   if (!findings.notCompared.empty()) {
     Say("not compared: " + findings.notCompared);
   }
+  for (const std::string& mistake : LikelyMistakes(store)) {
+    Say("mind: " + mistake);
+  }
   store.ExpectUntouched();
-  return result;
+  return findings.wrong.empty();
+}
+
+}  // namespace
+
+ExitCode Check(const HostStart& start) {
+  const HostOutcome host = CheckHost(start, [](const HostStep& step) { Say(InWords(step)); });
+  bool isSound = true;
+  try {
+    if (host.hasStore || !host.records) {  // what a host cannot use can be read all the same, as a rule
+      isSound = SayWhatIsThere(Local::ReadSettings(FolderOfSettings(start).string()).database);
+    }
+  } catch (const TsError&) {
+    if (host.records) {
+      throw;
+    }
+  }
+  return host.records && isSound ? Done : Found;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Settings.h"
+#include "host-check/HostCheck.h"
 
 #include <string>
 #include <vector>
@@ -19,8 +20,8 @@ enum ExitCode {
 ExitCode Init(const std::string& folder, const std::string& instrument);
 /// Makes a store or brings it up, and lets a role of the server record in it where one is named.
 ExitCode Prepare(const Quor::TolvaServices::Local::Database& database, const std::string& hosts);
-/// Says whether hosts can record, and what the store holds.
-ExitCode Check(const std::string& folder);
+/// Says whether a host that starts like that would record, and what the store holds.
+ExitCode Check(const HostStart& start);
 /// Writes a run to standard output: "jsonl", its canonical form, "csv" or "trace".
 ExitCode ExportRun(const Quor::TolvaServices::Local::Database& database, const std::string& name,
                    const std::string& format);

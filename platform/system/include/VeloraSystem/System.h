@@ -20,6 +20,12 @@ struct FileId {
 };
 FileId IdOf(const std::string& path);
 
+/// Whether this process may make files in a folder. Makes none that stays.
+bool TakesNewFiles(const std::string& folder);
+
+/// The folder of this process's program; empty when the system does not tell it.
+std::string ProgramFolder();
+
 /// This computer's name, "unknown" when the system does not tell it.
 std::string ComputerName();
 

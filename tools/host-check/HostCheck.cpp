@@ -1,0 +1,133 @@
+#include "host-check/HostCheck.h"
+
+#include "ActivitiesFile.h"
+#include "Settings.h"
+#include "StoredTime.h"
+#include "Trial.h"
+#include "WholeFile.h"
+#include "host-check/SettingsOfHost.h"
+
+#include <TSAL/Methods.h>
+
+#include <filesystem>
+#include <optional>
+
+namespace fs = std::filesystem;
+namespace Local = Quor::TolvaServices::Local;
+using Quor::TolvaServices::Types::TSInstance;
+
+namespace {
+
+constexpr std::uintmax_t littleRoom = 1'000'000'000;  // bytes; a long run with many parameters takes that much
+
+std::string Megabytes(std::uintmax_t bytes) { return std::to_string(bytes / 1'000'000) + " MB"; }
+
+class HostCheck {
+ public:
+  HostCheck(const HostStart& start, const std::function<void(const HostStep&)>& tell) : start(start), tell(tell) {}
+
+  HostOutcome Run() {
+    AskForService();
+    Try([this] {
+      folder = FolderOfSettings(start);
+      return "settings: TSAL.config and " + start.activities + " in '" + folder.string() + "'";
+    });
+    if (!folder.empty()) {
+      Try([this] { return ReadSettings(); });
+      Try([this] { return ReadActivities(); });
+      Try([this] { return ReadConfiguration(); });
+    }
+    if (settings) {
+      Try([this] { return TryDatabase(); });
+    }
+    return outcome;
+  }
+
+ private:
+  template <typename Work>
+  void Try(const Work& work) {
+    try {
+      tell({HostStep::Outcome::Holds, work()});
+    } catch (const std::exception& reason) {
+      Prevent(reason.what());
+    }
+  }
+  void Prevent(const std::string& reason) {
+    outcome.records = false;
+    tell({HostStep::Outcome::Prevents, reason});
+  }
+  void Mind(const std::string& what) { tell({HostStep::Outcome::Mind, what}); }
+
+  void AskForService() {
+    if (TSInstance::IsTsServicePresent()) {
+      tell({HostStep::Outcome::Holds, "service: present"});
+    } else {
+      Prevent("the environment variable TSAL_SERVICE is 'absent', so TS counts as not installed; unset it");
+    }
+  }
+
+  std::string ReadSettings() {
+    settings = Local::ReadSettings(folder.string());
+    return "TSAL.config: records of the instrument '" + settings->instrument + "'";
+  }
+
+  std::string ReadActivities() {
+    std::string names;
+    for (const auto& version : Local::ReadActivitiesFile((folder / start.activities).string())) {
+      names += (names.empty() ? "" : ", ") + version.Name + ' ' + version.Version;
+    }
+    if (names.empty()) {
+      Mind(start.activities + " has no activity version: executions will have none");
+    }
+    return start.activities + ": " + (names.empty() ? "none" : names);
+  }
+
+  std::string ReadConfiguration() {
+    const std::size_t size = Local::ReadWholeFile((folder / start.configuration).string()).size();
+    return start.configuration + ": " + std::to_string(size) + " bytes";
+  }
+
+  std::string TryDatabase() {
+    const Local::Trial trial = Local::TryToRecord(*settings);
+    outcome.hasStore = trial.version > 0;
+    if (settings->database.kind == Local::Database::Kind::Sqlite) {
+      LookAtRoom();
+    }
+    const std::string now = Local::ToStoredTime({});
+    if (!trial.newest.empty() && now < trial.newest) {
+      Mind("the clock of this computer is at " + now + ", before the newest session of the store, " + trial.newest);
+    }
+    return "database: " + trial.words;
+  }
+
+  void LookAtRoom() {
+    std::error_code unknown;
+    const fs::space_info space = fs::space(fs::path(settings->database.where).parent_path(), unknown);
+    if (!unknown && space.available < littleRoom) {
+      Mind("the disk of '" + settings->database.where + "' has " + Megabytes(space.available) + " left");
+    }
+  }
+
+  const HostStart& start;
+  const std::function<void(const HostStep&)>& tell;
+  fs::path folder;
+  std::optional<Local::Settings> settings;
+  HostOutcome outcome;
+};
+
+}  // namespace
+
+std::string InWords(const HostStep& step) {
+  switch (step.outcome) {
+    case HostStep::Outcome::Holds:
+      return "ok: " + step.words;
+    case HostStep::Outcome::Mind:
+      return "mind: " + step.words;
+    default:
+      return "finding: " + step.words;
+  }
+}
+
+HostOutcome CheckHost(const HostStart& start, const std::function<void(const HostStep&)>& tell) {
+  return HostCheck(start, tell).Run();
+}

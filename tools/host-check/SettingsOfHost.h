@@ -1,0 +1,9 @@
+#pragma once
+
+#include "host-check/HostCheck.h"
+
+#include <filesystem>
+
+/// The folder from which a host takes its files: its current directory, else that of the library.
+/// @throws TsError when neither has both TSAL.config and the activities file, and says what each lacks.
+std::filesystem::path FolderOfSettings(const HostStart& start);

@@ -1,0 +1,81 @@
+#include "reading/Mistakes.h"
+
+#include "reading/Rows.h"
+#include "reading/Values.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+namespace {
+
+#define NEWEST "WITH newest AS (SELECT event_id, execution_id, name, at FROM events ORDER BY event_id DESC LIMIT 1000) "
+
+struct Kind {
+  const char* question;  // how many, and one of them
+  const char* words;
+};
+
+constexpr Kind kinds[] = {
+    {NEWEST "SELECT COUNT(*), MIN(event_id) FROM newest WHERE name = ''",
+     "events without a name: one was saved, or given a parameter, that was never created; the first has the number "},
+    {NEWEST "SELECT COUNT(*), MIN(name) FROM newest v WHERE EXISTS (SELECT 1 FROM statuses s WHERE s.execution_id = "
+            "v.execution_id AND s.code = 4) AND EXISTS (SELECT 1 FROM statuses s WHERE s.execution_id = v.execution_id "
+            "AND s.code = 14 AND s.at < v.at)",
+     "events of an execution that was done before, for example "},
+    {NEWEST "SELECT COUNT(DISTINCT e.execution_id), MIN(e.node) FROM newest v JOIN executions e ON e.execution_id = "
+            "v.execution_id WHERE e.version_id IS NULL",
+     "executions without an activity version: the activities file has none of the name that was given; for example the "
+     "execution of node "},
+    {NEWEST "SELECT COUNT(DISTINCT e.execution_id), MIN(e.node) FROM newest v JOIN executions e ON e.execution_id = "
+            "v.execution_id WHERE e.parent_id IS NULL AND e.kind <> 5",
+     "executions that were to have a parent and have none: the parent has no description; for example the execution of "
+     "node "},
+};
+
+constexpr const char* namesInUse[] = {
+    NEWEST "SELECT DISTINCT name FROM newest",
+    NEWEST "SELECT DISTINCT p.name FROM newest v JOIN parameters p ON p.event_id = v.event_id"};
+
+#undef NEWEST
+
+std::string InSmallLetters(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(), [](char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+  });
+  return text;
+}
+
+/// Names that are the same but for small and capital letters.
+std::vector<std::string> Twins(const Store& store, const char* question) {
+  std::map<std::string, std::set<std::string>> spellings;
+  for (Rows rows(store, question); rows.Next();) {
+    const std::string name = Readable(rows.Text(0));
+    spellings[InSmallLetters(name)].insert(name);
+  }
+  std::vector<std::string> twins;
+  for (const auto& [small, names] : spellings) {
+    if (names.size() > 1) {
+      twins.push_back("'" + *names.begin() + "' and '" + *std::next(names.begin()) + "'");
+    }
+  }
+  return twins;
+}
+
+}  // namespace
+
+std::vector<std::string> LikelyMistakes(const Store& store) {
+  std::vector<std::string> mistakes;
+  for (const auto& [question, words] : kinds) {
+    Rows rows(store, question);
+    if (rows.Next() && rows.Integer(0) > 0) {
+      mistakes.push_back(std::string(rows.Text(0)) + ' ' + words + '\'' + Readable(rows.Text(1)) + '\'');
+    }
+  }
+  for (const char* question : namesInUse) {
+    for (const std::string& twins : Twins(store, question)) {
+      mistakes.push_back("two names that differ in small and capital letters only: " + twins);
+    }
+  }
+  return mistakes;
+}

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+class Store;
+
+/// What looks like a mistake of a host in the newest thousand events and their executions, one line each. TS takes all of
+/// it, so nobody hears of it otherwise.
+std::vector<std::string> LikelyMistakes(const Store& store);
