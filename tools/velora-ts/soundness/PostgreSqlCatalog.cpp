@@ -32,7 +32,7 @@ constexpr const char* relations = R"(
 // Each with what is wrong where no store has such a thing. Names of indexes and constraints are free. Triggers that
 // check foreign keys are numbered by the server, so they are counted; those of tables that refer to a store do not
 // count.
-constexpr const char* parts = R"(
+constexpr const char* linesOfParts = R"(
     lines (oid, part, definition, harm) AS (
       SELECT oid, kind, concat_ws(' ', relpersistence, relkind), 'is none of TS''s, and its rows appear in ' || parent
       FROM relations WHERE kind = 'table'
@@ -174,7 +174,7 @@ class Comparison {
 
 Catalog ReadCatalog(soci::session& sql) {
   Catalog catalog;
-  const soci::rowset<soci::row> rows = (sql.prepare << std::string(relations) + parts + answer);
+  const soci::rowset<soci::row> rows = (sql.prepare << std::string(relations) + linesOfParts + answer);
   for (const soci::row& row : rows) {
     const auto text = [&row](std::size_t column) { return row.get<std::string>(column); };
     catalog[{text(0), text(1)}][text(2)] = {text(3), text(4), text(5)};

@@ -14,7 +14,7 @@ using Quor::TolvaServices::TsError;
 namespace {
 
 // What belongs to the store, as statements name it.
-constexpr const char* names = R"(
+constexpr const char* askNames = R"(
     SELECT quote_ident(rolname), quote_ident(nspname), quote_ident(current_database()),
       (SELECT string_agg(CAST(CAST(c.oid AS regclass) AS text), ', ') FROM pg_class c WHERE relowner = owner
        AND relnamespace = s.oid AND relkind IN ('r', 'p', 'v')),
@@ -63,7 +63,7 @@ void Grant(Local::Connection& connection, const std::string& role) {
   Names names = {{"tables of hosts", hostTables}, {"functions of hosts", hostFunctions}};
   int ownsStore = 0;
   int ownsDatabase = 0;
-  if (!Local::Execute(connection.Sql(), ::names, soci::use(role), soci::into(names["role"]),
+  if (!Local::Execute(connection.Sql(), askNames, soci::use(role), soci::into(names["role"]),
                       soci::into(names["schema"]), soci::into(names["database"]), soci::into(names["tables"]),
                       soci::into(names["sequences"]), soci::into(names["functions"]), soci::into(ownsStore),
                       soci::into(ownsDatabase))) {
