@@ -86,20 +86,21 @@ TEST_F(Mistakes, AreNamedWhereNoOperationRefusesThem) {
   BringUp();
   EXPECT_EQ(Tool("check"), 0);
   EXPECT_EQ(said.find("mind: "), said.rfind("mind: ")) << "the activities file: " << said;
-  ASSERT_EQ(
-      Shell("sqlite3 ts.db \"INSERT INTO executions VALUES (4, 'g4', NULL, 4, 1, NULL, 'stray', '', 0, '2026-11-26');"
-            "INSERT INTO statuses VALUES (7, 4, 1, 4, '2026-11-26T01'), (8, 4, 1, 14, '2026-11-26T02');"
-            "INSERT INTO events VALUES (4, 1, 4, 1, '', '2026-11-26T01'), (5, 1, 4, 1, 'late', '2026-11-26T03'),"
-            "(6, 1, 4, 1, 'LATE', '2026-11-26T01');"
-            "INSERT INTO parameters VALUES (4, 1, 'Dose', 'int', NULL, 1), (5, 1, 'dose', 'int', NULL, 1)\""),
-      0)
+  ASSERT_EQ(Shell("sqlite3 ts.db \"INSERT INTO executions VALUES (4, 'g4', NULL, 4, 1, NULL, 'stray', '', 0, "
+                  "'2026-11-26'), (5, 'g5', 4, 4, 1, NULL, 'without an event', '', 0, '2026');"
+                  "INSERT INTO statuses VALUES (7, 4, 1, 4, '2026-11-26T01'), (8, 4, 1, 14, '2026-11-26T02');"
+                  "INSERT INTO events VALUES (4, 1, 4, 1, '', '2026-11-26T01'), (5, 1, 4, 1, 'late', '2026-11-26T03'),"
+                  "(6, 1, 4, 1, 'LATE', '2026-11-26T01');"
+                  "INSERT INTO parameters VALUES (4, 1, 'Dose', 'int', NULL, 1), (5, 1, 'dose', 'int', NULL, 1)\""),
+            0)
       << said;
   EXPECT_EQ(Tool("check"), 0) << said;
   for (const char* const words :
-       {"mind: 1 events without a name: ", "mind: 1 events of an execution that was done before, for example 'late'",
-        "mind: 1 executions without an activity version: ", "execution of node 'stray'",
-        "mind: 1 executions that were to have a parent and have none: ", "letters only: 'LATE' and 'late'",
-        "letters only: 'Dose' and 'dose'"}) {
+       {"mind: 1 of the newest 1000 events have no name: ",
+        "mind: 1 of the newest 1000 events belong to an execution that was done before, for example 'late'",
+        "mind: 2 of the newest 1000 executions have no activity version: ", "execution of node 'stray'",
+        "mind: 1 of the newest 1000 executions were to have a parent and have none: ",
+        "letters only: 'LATE' and 'late'", "letters only: 'Dose' and 'dose'"}) {
     EXPECT_TRUE(Says(words)) << words << '\n' << said;
   }
 }

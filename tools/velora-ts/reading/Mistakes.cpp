@@ -10,6 +10,9 @@
 namespace {
 
 #define NEWEST "WITH newest AS (SELECT event_id, execution_id, name, at FROM events ORDER BY event_id DESC LIMIT 1000) "
+#define OF_NEWEST_EXECUTIONS                                                                   \
+  "SELECT COUNT(*), MIN(node) FROM (SELECT node, version_id, parent_id, kind FROM executions " \
+  "ORDER BY execution_id DESC LIMIT 1000) AS newest "
 
 struct Kind {
   const char* question;  // how many, and one of them
@@ -18,19 +21,20 @@ struct Kind {
 
 constexpr Kind kinds[] = {
     {NEWEST "SELECT COUNT(*), MIN(event_id) FROM newest WHERE name = ''",
-     "events without a name: one was saved, or given a parameter, that was never created; the first has the number "},
+     "of the newest 1000 events have no name: one was saved, or given a parameter, that was never created; the first "
+     "is "
+     "number "},
     {NEWEST "SELECT COUNT(*), MIN(name) FROM newest v WHERE EXISTS (SELECT 1 FROM statuses s WHERE s.execution_id = "
             "v.execution_id AND s.code = 4) AND EXISTS (SELECT 1 FROM statuses s WHERE s.execution_id = v.execution_id "
             "AND s.code = 14 AND s.at < v.at)",
-     "events of an execution that was done before, for example "},
-    {NEWEST "SELECT COUNT(DISTINCT e.execution_id), MIN(e.node) FROM newest v JOIN executions e ON e.execution_id = "
-            "v.execution_id WHERE e.version_id IS NULL",
-     "executions without an activity version: the activities file has none of the name that was given; for example the "
+     "of the newest 1000 events belong to an execution that was done before, for example "},
+    {OF_NEWEST_EXECUTIONS "WHERE version_id IS NULL",
+     "of the newest 1000 executions have no activity version: the activities file had none of the name that the host "
+     "gave; for example the execution of node "},
+    {OF_NEWEST_EXECUTIONS "WHERE parent_id IS NULL AND kind <> 5",
+     "of the newest 1000 executions were to have a parent and have none: the parent has no description; for example "
+     "the "
      "execution of node "},
-    {NEWEST "SELECT COUNT(DISTINCT e.execution_id), MIN(e.node) FROM newest v JOIN executions e ON e.execution_id = "
-            "v.execution_id WHERE e.parent_id IS NULL AND e.kind <> 5",
-     "executions that were to have a parent and have none: the parent has no description; for example the execution of "
-     "node "},
 };
 
 constexpr const char* namesInUse[] = {
@@ -38,6 +42,7 @@ constexpr const char* namesInUse[] = {
     NEWEST "SELECT DISTINCT p.name FROM newest v JOIN parameters p ON p.event_id = v.event_id"};
 
 #undef NEWEST
+#undef OF_NEWEST_EXECUTIONS
 
 std::string InSmallLetters(std::string text) {
   std::transform(text.begin(), text.end(), text.begin(), [](char letter) {

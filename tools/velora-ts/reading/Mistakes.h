@@ -5,6 +5,6 @@
 
 class Store;
 
-/// What looks like a mistake of a host in the newest thousand events and their executions, one line each. TS takes all
-/// of it, so nobody hears of it otherwise.
+/// What looks like a mistake of a host in the newest thousand events and executions, one line each. TS takes all of it,
+/// so nobody hears of it otherwise.
 std::vector<std::string> LikelyMistakes(const Store& store);
