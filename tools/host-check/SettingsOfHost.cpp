@@ -27,14 +27,14 @@ std::string LibraryBesideProgram() {
 }
 
 fs::path FolderOfSettings(const HostStart& start) {
-  const fs::path here = start.folder.empty() ? fs::current_path() : fs::absolute(start.folder);
+  fs::path here = start.folder.empty() ? fs::current_path() : fs::absolute(start.folder);
   const std::string lackingHere = LackingIn(here, start.activities);
   if (lackingHere.empty()) {
     return here;
   }
   std::string reason = "the current directory '" + here.string() + "' lacks " + lackingHere;
   if (!start.library.empty()) {
-    const fs::path root = fs::weakly_canonical(start.library).parent_path();
+    fs::path root = fs::weakly_canonical(start.library).parent_path();
     const std::string lackingThere = LackingIn(root, start.activities);
     if (lackingThere.empty()) {
       return root;
