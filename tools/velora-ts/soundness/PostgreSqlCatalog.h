@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace soci {
@@ -19,7 +20,10 @@ struct CatalogLine {
 struct CatalogEntry {
   std::string relation;
   std::string month;
-  auto operator<=>(const CatalogEntry&) const = default;
+
+  bool operator<(const CatalogEntry& other) const {
+    return std::tie(relation, month) < std::tie(other.relation, other.month);
+  }
 };
 
 /// What stands in the catalogs of each relation of a schema: "table", "column name of", "trigger x on"...
