@@ -30,8 +30,9 @@ int Failed(const std::string& what) {
 
 int main() {
   // The component only asks whether these two are there before it begins a session; the gateway reads neither.
-  std::ofstream("TSAL.config");
-  std::ofstream("activities.xml");
+  for (const char* const name : {"TSAL.config", "activities.xml"}) {
+    const std::ofstream file(name);
+  }
 
   const auto gateway = std::make_shared<RecordingGateway>(std::set<std::string>{"Hole", "Exposure"});
   SetFactory(GetFactory(), gateway);
