@@ -30,7 +30,7 @@ TEST_F(BringUp, FilesAreNamedAsTheyWereGivenOrBehindTheDataRoot) {
     const std::filesystem::path& place;
     std::string activities, instrument, before;
   };
-  const Row rows[] = {{dataRoot, cutOff, std::filesystem::path(oddText).string(), root},
+  const Row rows[] = {{dataRoot, cutOff, oddText, root},
                       {dataRoot, roundabout, roundabout, root},
                       {dataRoot, absolute, absolute, ""},
                       {current, roundabout, roundabout, ""},
@@ -43,11 +43,13 @@ TEST_F(BringUp, FilesAreNamedAsTheyWereGivenOrBehindTheDataRoot) {
     std::ofstream(row.place / "own.xml");
     EmptySlots();
     library->CreateWith(row.instrument, row.activities);
-    const std::string path = row.place == current ? "" : root;
-    EXPECT_EQ(Journal(),
-              Scope("CreateTsLoggingSession", Check(root, "TSAL SetTsalPath('" + path + "')"), DataRootLines(root),
-                    SessionLines(Registration(row.before + row.activities), row.before + row.instrument)) +
-                  Scope("GetInstance", Check(root)));
+    const bool here = row.place == current;
+    // Behind the data root it becomes a path and a text again, which on Windows need not have the same letters.
+    const std::string instrument = here ? row.instrument : std::filesystem::path(row.instrument).string();
+    EXPECT_EQ(Journal(), Scope("CreateTsLoggingSession", Check(root, "TSAL SetTsalPath('" + (here ? "" : root) + "')"),
+                               DataRootLines(root),
+                               SessionLines(Registration(row.before + row.activities), row.before + instrument)) +
+                             Scope("GetInstance", Check(root)));
   }
 }
 
