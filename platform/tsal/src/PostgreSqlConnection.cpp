@@ -75,7 +75,8 @@ void PostgreSqlConnection::Open() {
   try {
     Sql().open(soci::postgresql, connection);
   } catch (const soci::soci_error& reason) {
-    throw NotReachable("TS database '" + name + "' cannot be reached: " + ReasonOf(reason));
+    throw NotReachable("TS database '" + name + "' cannot be reached: " + ReasonOf(reason) +
+                       "; expected a server there that runs and lets this user in");
   }
 }
 

@@ -67,6 +67,18 @@ int CodeOf(const soci::soci_error& error) {
   return sqlite == nullptr ? SQLITE_ERROR : sqlite->result() & 0xFF;
 }
 
+const char* ExpectedAfter(int code) {
+  switch (code) {
+    case SQLITE_CANTOPEN:
+    case SQLITE_READONLY:
+      return rightsExpected;
+    case SQLITE_NOTADB:
+      return "; expected a file of SQLite, or none yet";
+    default:
+      return "";
+  }
+}
+
 bool IsBusy(const soci::soci_error& error) { return CodeOf(error) == SQLITE_BUSY; }
 
 // To the statement's end, past its one row: there the change is committed.
@@ -183,8 +195,7 @@ TsError SqliteConnection::ErrorOf(const soci::soci_error& reason) {
                    " seconds; expected it to finish: " + reason.get_error_message());
   }
   // Without the statement and its values, which can be as long as what was to be recorded.
-  const bool lacksRights = CodeOf(reason) == SQLITE_CANTOPEN || CodeOf(reason) == SQLITE_READONLY;
-  return TsError("TS database '" + name + "': " + reason.get_error_message() + (lacksRights ? rightsExpected : ""));
+  return TsError("TS database '" + name + "': " + reason.get_error_message() + ExpectedAfter(CodeOf(reason)));
 }
 
 Connection::Contents SqliteConnection::FindTables() {
