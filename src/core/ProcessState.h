@@ -55,7 +55,7 @@ extern std::string parentActivityExecGuid;  // the parent execution; read by eve
 extern TolvaServices::Types::InstrumentEventConfigResult instrumentConfigResult;  // written by each configuration save
 
 #ifdef VELORA_TS_LOGGING_ONE_THREAD
-// Written by the scopes of the thread that is inside, which the first of them guards the others by.
+// The first is taken by the thread that comes in, which alone writes the other two.
 extern std::atomic<std::thread::id> threadInside;
 extern std::atomic<const TracedName*> operationInside;  // the outermost
 extern int operationsInside;

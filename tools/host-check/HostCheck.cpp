@@ -8,6 +8,7 @@
 #include "host-check/SettingsOfHost.h"
 
 #include <TSAL/Methods.h>
+#include <TSAL/Reason.h>
 
 #include <filesystem>
 #include <optional>
@@ -62,7 +63,7 @@ class HostCheck {
     if (TSInstance::IsTsServicePresent()) {
       tell({HostStep::Outcome::Holds, "service: present"});
     } else {
-      Prevent("the environment variable TSAL_SERVICE is 'absent', so TS counts as not installed; unset it");
+      Prevent(Quor::TolvaServices::WhyNotAvailable());
     }
   }
 

@@ -21,7 +21,8 @@ void ExpectRoomFor(const fs::path& file) {
   const std::string folder = file.parent_path().string();
   std::error_code unknown;
   if (!fs::is_directory(folder, unknown)) {
-    throw TsError("TS database '" + file.string() + "' cannot be made: there is no folder '" + folder + "'");
+    throw TsError("TS database '" + file.string() + "' cannot be made: there is no folder '" + folder +
+                  "'; expected one");
   }
   if (!Velora::System::TakesNewFiles(folder)) {
     throw TsError("TS database '" + file.string() + "' cannot be made or written: no file can be made in the folder '" +
