@@ -15,6 +15,7 @@
 namespace {
 
 using Quor::TolvaServices::Local::Database;
+using namespace Velora::Ts;
 using Call = std::function<ExitCode(const Database&)>;
 
 struct Verb {

@@ -13,6 +13,8 @@
 #include <filesystem>
 #include <optional>
 
+namespace Velora::HostCheck {
+
 namespace fs = std::filesystem;
 namespace Local = Quor::TolvaServices::Local;
 using Quor::TolvaServices::Types::TSInstance;
@@ -132,3 +134,5 @@ std::string InWords(const HostStep& step) {
 HostOutcome CheckHost(const HostStart& start, const std::function<void(const HostStep&)>& tell) {
   return HostCheck(start, tell).Run();
 }
+
+}  // namespace Velora::HostCheck

@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 
+namespace Velora::HostCheck {
+
 /// What a host is started with, as far as it decides whether the host can record.
 struct HostStart {
   std::string folder;                            ///< Its current directory.
@@ -37,3 +39,5 @@ struct HostOutcome {
 /// Does what the start of a host does, step by step, and takes it back: nothing is made, brought up or left behind.
 /// @param tell hears each step when it is done.
 HostOutcome CheckHost(const HostStart& start, const std::function<void(const HostStep&)>& tell);
+
+}  // namespace Velora::HostCheck

@@ -3,6 +3,8 @@
 #include <TSAL/Error.h>
 #include <VeloraSystem/System.h>
 
+namespace Velora::HostCheck {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -43,3 +45,5 @@ fs::path FolderOfSettings(const HostStart& start) {
   }
   throw Quor::TolvaServices::TsError(reason + "; expected both files in one folder: \"velora-ts init\" writes them");
 }
+
+}  // namespace Velora::HostCheck

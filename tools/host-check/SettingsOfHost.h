@@ -4,6 +4,10 @@
 
 #include <filesystem>
 
+namespace Velora::HostCheck {
+
 /// The folder from which a host takes its files: its current directory, else that of the library.
 /// @throws TsError when neither has both TSAL.config and the activities file, and says what each lacks.
 std::filesystem::path FolderOfSettings(const HostStart& start);
+
+}  // namespace Velora::HostCheck

@@ -13,6 +13,7 @@
 namespace {
 
 using Velora::Text::WriteLine;
+using namespace Velora::HostCheck;
 
 enum ExitCode { Usable = 0, Failed = 1, NotUsable = 3 };
 

@@ -6,6 +6,8 @@
 
 #include <regex>
 
+namespace Velora::Ts {
+
 std::string TimeOf(const std::string& text) {
   static const std::regex form(R"((\d{4}-\d\d-\d\d(T([01]\d|2[0-3])(:[0-5]\d(:[0-5]\d(\.\d{1,6})?)?)?)?)Z?)");
   std::smatch parts;
@@ -59,3 +61,5 @@ void LookCommands::AddTail(CLI::App& verb) {
   verb.add_option("RUN", run, "The run to follow");
   verb.callback([this] { result = Tail(database(), run); });
 }
+
+}  // namespace Velora::Ts

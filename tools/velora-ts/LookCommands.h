@@ -8,6 +8,8 @@ namespace CLI {
 class App;
 }
 
+namespace Velora::Ts {
+
 /// The command lines of the verbs that show what was recorded.
 class LookCommands {
  public:
@@ -36,3 +38,5 @@ class LookCommands {
 /// The beginning of a time as the store has it; how it compares with one does not depend on how much of it is given.
 /// @throws CLI::ValidationError
 std::string TimeOf(const std::string& text);
+
+}  // namespace Velora::Ts

@@ -15,6 +15,8 @@
 #include <optional>
 #include <sstream>
 
+namespace Velora::Ts {
+
 namespace {
 
 class CommandLine {
@@ -169,21 +171,23 @@ class CommandLine {
 
   CLI::App app;
   std::optional<LookCommands> look;
-  HostStart start{"", LibraryBesideProgram()};
+  HostCheck::HostStart start{"", HostCheck::LibraryBesideProgram()};
   std::string folder, instrument, target, hosts, run, since, until, file, format = "jsonl";
   ExitCode result = Done;
 };
 
 }  // namespace
 
+}  // namespace Velora::Ts
+
 int main(int argc, char** argv) {
   try {
-    return CommandLine().Run(argc, argv);
+    return Velora::Ts::CommandLine().Run(argc, argv);
   } catch (const std::bad_alloc&) {
-    Complain("there is not enough memory for that");
-    return Impossible;
+    Velora::Ts::Complain("there is not enough memory for that");
+    return Velora::Ts::Impossible;
   } catch (const std::exception& reason) {
-    Complain(reason.what());
-    return Impossible;
+    Velora::Ts::Complain(reason.what());
+    return Velora::Ts::Impossible;
   }
 }

@@ -8,6 +8,8 @@
 #include <cmath>
 #include <deque>
 
+namespace Velora::Ts {
+
 namespace Local = Quor::TolvaServices::Local;
 
 namespace {
@@ -125,3 +127,5 @@ std::unique_ptr<RowWriter> MakeRowWriter(Local::Connection& connection, bool onS
   }
   return std::make_unique<FileWriter>(connection.Sql(), table);
 }
+
+}  // namespace Velora::Ts

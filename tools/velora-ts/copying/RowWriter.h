@@ -4,11 +4,13 @@
 
 #include <memory>
 
-class Rows;
-
 namespace Quor::TolvaServices::Local {
 class Connection;
 }
+
+namespace Velora::Ts {
+
+class Rows;
 
 /// Inserts rows into a table as they were read from another store's. To be used in a transaction.
 class RowWriter {
@@ -26,3 +28,5 @@ class RowWriter {
 
 std::unique_ptr<RowWriter> MakeRowWriter(Quor::TolvaServices::Local::Connection& connection, bool onServer,
                                          const StoredTable& table);
+
+}  // namespace Velora::Ts

@@ -2,6 +2,8 @@
 
 #include <initializer_list>
 
+namespace Velora::Ts {
+
 namespace {
 
 StoredTable Make(const std::string& name, std::initializer_list<const char*> integers,
@@ -59,3 +61,5 @@ const StoredTable& ParameterTable() {
   }();
   return table;
 }
+
+}  // namespace Velora::Ts

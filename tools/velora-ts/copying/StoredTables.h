@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 /// A column of a store, by what its values are bound as.
 struct StoredColumn {
   enum class Type { Integer, Text, Number };
@@ -26,3 +28,5 @@ struct StoredTable {
 const std::vector<StoredTable>& TablesBeforeEvents();
 const StoredTable& EventTable();
 const StoredTable& ParameterTable();
+
+}  // namespace Velora::Ts

@@ -8,6 +8,8 @@
 #include <array>
 #include <map>
 
+namespace Velora::Ts {
+
 using Quor::TolvaServices::TsError;
 
 // RFC 4180, with a mark in front by which spreadsheet programs know UTF-8: docs/velora-ts.md.
@@ -132,3 +134,5 @@ void WriteCsv(const Store& store, const Selection& selection, const Step& step) 
   csv.FindColumns();
   csv.Write(step);
 }
+
+}  // namespace Velora::Ts

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+namespace Velora::Ts {
+
 /// What is exported.
 struct Selection {
   std::vector<Run> runs;
@@ -21,3 +23,5 @@ using Step = std::function<void()>;
 void WriteCsv(const Store& store, const Selection& selection, const Step& step);
 /// Trace events: what ran when, for timeline viewers.
 void WriteTrace(const Store& store, const Selection& selection, const Step& step);
+
+}  // namespace Velora::Ts

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+namespace Velora::Ts {
+
 // The trace-event format: an execution is an asynchronous pair, so that those that overlap stand beside each other; a
 // run is a process of its own.
 
@@ -129,3 +131,5 @@ class Trace {
 void WriteTrace(const Store& store, const Selection& selection, const Step& step) {
   Trace(store, step).Write(selection);
 }
+
+}  // namespace Velora::Ts

@@ -13,6 +13,8 @@
 #include <system_error>
 #include <utility>
 
+namespace Velora::Ts {
+
 namespace {
 
 std::string RandomDigits() {
@@ -85,3 +87,5 @@ void FreshFile::Fail() const {
   throw Quor::TolvaServices::TsError("file '" + target +
                                      "' cannot be written: " + std::system_category().message(errno));
 }
+
+}  // namespace Velora::Ts

@@ -4,6 +4,8 @@
 
 #include <sys/types.h>
 
+namespace Velora::Ts {
+
 /// A file that gets its name when it is whole. Until then it lies beside that, under a name that nobody can know
 /// before; what a killed program leaves there ends in ".part", and is in nobody's way.
 class FreshFile {
@@ -31,3 +33,5 @@ class FreshFile {
   std::string path;
   int file = -1;
 };
+
+}  // namespace Velora::Ts

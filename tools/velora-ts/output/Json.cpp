@@ -1,5 +1,7 @@
 #include "output/Json.h"
 
+namespace Velora::Ts {
+
 void AppendBlob(std::string& json, std::string_view bytes) {
   json += "{\"blob\":\"";
   for (const char byte : bytes) {
@@ -7,3 +9,5 @@ void AppendBlob(std::string& json, std::string_view bytes) {
   }
   json += "\"}";
 }
+
+}  // namespace Velora::Ts

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace Velora::Ts {
+
 // The JSON of docs/record-format.md.
 
 using Quor::TolvaServices::Local::AppendHex;
@@ -14,3 +16,5 @@ using Quor::TolvaServices::Local::AppendText;
 
 /// What the store should not hold at all: {"blob":"..."}, in hexadecimal digits.
 void AppendBlob(std::string& json, std::string_view bytes);
+
+}  // namespace Velora::Ts

@@ -12,6 +12,8 @@
 #include <iostream>
 #include <system_error>
 
+namespace Velora::Ts {
+
 namespace {
 
 [[noreturn]] void Fail() {
@@ -46,3 +48,5 @@ void FlushOut() {
     Fail();
   }
 }
+
+}  // namespace Velora::Ts

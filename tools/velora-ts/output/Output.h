@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+namespace Velora::Ts {
+
 // Everything that the program writes goes through here.
 
 /// A line for a person to read, on standard output: no text in it steers a terminal. @throws TsError when it takes no
@@ -15,3 +17,5 @@ void WriteOut(std::string_view text);
 /// The same for a format that has texts as they were recorded: on a terminal, without what would steer it.
 void WriteData(std::string_view text);
 void FlushOut();
+
+}  // namespace Velora::Ts

@@ -6,6 +6,8 @@
 #include <iostream>
 #include <utility>
 
+namespace Velora::Ts {
+
 Progress::Progress(std::string doing, long long total)
     : terminal(isatty(STDERR_FILENO) != 0), doing(std::move(doing)), total(total) {}
 
@@ -28,3 +30,5 @@ void Progress::Show(long long now) {
   }
   std::cerr << "\x1b[K" << std::flush;
 }
+
+}  // namespace Velora::Ts

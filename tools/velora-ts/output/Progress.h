@@ -3,6 +3,8 @@
 #include <chrono>
 #include <string>
 
+namespace Velora::Ts {
+
 /// What is being done and how far it is, on a terminal, once it has taken longer than a second. Takes itself off again.
 class Progress {
  public:
@@ -23,3 +25,5 @@ class Progress {
   bool shown = false;
   std::chrono::steady_clock::time_point next = std::chrono::steady_clock::now() + std::chrono::seconds(1);
 };
+
+}  // namespace Velora::Ts

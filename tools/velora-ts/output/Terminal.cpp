@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace Velora::Ts {
+
 using Velora::Text::Character;
 
 namespace {
@@ -75,3 +77,5 @@ std::string Cut(std::string_view printable, std::size_t width) {
   }
   return std::string(printable.substr(0, kept)) + (width > 0 ? "\u2026" : "");
 }
+
+}  // namespace Velora::Ts

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+namespace Velora::Ts {
+
 /// What standard output is good for: a pipe or a file takes lines of any length, and no colours.
 struct Terminal {
   Terminal();
@@ -25,3 +27,5 @@ using Velora::Text::Printable;
 std::size_t WidthOf(std::string_view printable);
 /// Its beginning and an ellipsis where it is wider than that.
 std::string Cut(std::string_view printable, std::size_t width);
+
+}  // namespace Velora::Ts

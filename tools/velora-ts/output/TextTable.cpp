@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <numeric>
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr const char* gap = "  ";
@@ -97,3 +99,5 @@ void TextTable::Write(const std::vector<Cell>& row) const {
   }
   WriteOut(line.erase(line.find_last_not_of(' ') + 1) + '\n');
 }
+
+}  // namespace Velora::Ts

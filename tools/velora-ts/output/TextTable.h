@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+namespace Velora::Ts {
+
 /// Rows of cells, written as wide as the terminal allows. Columns are as wide as the first rows take; what comes after
 /// these is written at once, so that a table of any length takes no more memory.
 class TextTable {
@@ -38,3 +40,5 @@ class TextTable {
   std::size_t bytes = 0;                 // of these
   std::vector<std::size_t> widths;       // once they are written
 };
+
+}  // namespace Velora::Ts

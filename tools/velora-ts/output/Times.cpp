@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <ctime>
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr std::string_view earliest = "0000-01-01T00:00:00.000000";
@@ -83,3 +85,5 @@ std::string Duration(double seconds, bool fractions) {
                    all / 1000 % 60) +
          (fractions ? Formatted(".%03lld", all % 1000) : "");
 }
+
+}  // namespace Velora::Ts

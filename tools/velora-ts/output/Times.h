@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace Velora::Ts {
+
 /// A time as it is stored, or its beginning, in microseconds since 1970; nothing for what only another program can have
 /// stored.
 std::optional<long long> Microseconds(std::string_view stored);
@@ -15,3 +17,5 @@ std::string LocalTime(std::string_view stored, bool fractions);
 std::optional<double> SecondsBetween(std::string_view from, std::string_view to);
 /// Hours, minutes and seconds. @param fractions whether to show milliseconds.
 std::string Duration(double seconds, bool fractions);
+
+}  // namespace Velora::Ts

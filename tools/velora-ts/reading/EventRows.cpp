@@ -1,5 +1,7 @@
 #include "reading/EventRows.h"
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr int eventColumn = 5;
@@ -25,3 +27,5 @@ bool EventRows::NextParameter() {
   }
   return onParameter = more && parameters.Integer(eventColumn) == events.Integer(0);
 }
+
+}  // namespace Velora::Ts

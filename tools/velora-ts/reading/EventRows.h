@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace Velora::Ts {
+
 /// Events, and the parameters of each. They are two questions side by side, since one for the parameters of every event
 /// would take a server too long, and one for both would bring an event's columns again with each parameter.
 class EventRows {
@@ -38,3 +40,5 @@ class EventRows {
   bool more = false;         // whether `parameters` stands on one
   bool onParameter = false;  // whether that is one of this event, and was given away
 };
+
+}  // namespace Velora::Ts

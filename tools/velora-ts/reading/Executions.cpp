@@ -5,6 +5,8 @@
 #include "reading/Rows.h"
 #include "reading/Values.h"
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr long long running = 4;
@@ -68,3 +70,5 @@ std::string JsonMembers(const Execution& execution) {
   }
   return json;
 }
+
+}  // namespace Velora::Ts

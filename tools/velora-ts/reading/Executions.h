@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+namespace Velora::Ts {
+
 class Rows;
 
 /// An execution as the verbs show it.
@@ -38,3 +40,5 @@ std::optional<double> SecondsOf(const Execution& execution);
 std::string DurationInWords(const Execution& execution, bool fractions);
 /// Members of a JSON object, without its braces.
 std::string JsonMembers(const Execution& execution);
+
+}  // namespace Velora::Ts

@@ -7,6 +7,8 @@
 #include <map>
 #include <set>
 
+namespace Velora::Ts {
+
 namespace {
 
 #define NEWEST "WITH newest AS (SELECT event_id, execution_id, name, at FROM events ORDER BY event_id DESC LIMIT 1000) "
@@ -84,3 +86,5 @@ std::vector<std::string> LikelyMistakes(const Store& store) {
   }
   return mistakes;
 }
+
+}  // namespace Velora::Ts

@@ -10,6 +10,8 @@
 #include <regex>
 #include <utility>
 
+namespace Velora::Ts {
+
 using Quor::TolvaServices::TsError;
 namespace Local = Quor::TolvaServices::Local;
 
@@ -170,3 +172,5 @@ std::string PostgreSqlSource::Quoted(const std::string& value) const {
   }
   return quoted.get();
 }
+
+}  // namespace Velora::Ts

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+namespace Velora::Ts {
+
 /// A database of a PostgreSQL server.
 class PostgreSqlSource : public Source {
  public:
@@ -31,3 +33,5 @@ class PostgreSqlSource : public Source {
   std::string closing;
   int cursors = 0;
 };
+
+}  // namespace Velora::Ts

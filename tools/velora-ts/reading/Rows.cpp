@@ -8,6 +8,8 @@
 
 #include <new>
 
+namespace Velora::Ts {
+
 using Quor::TolvaServices::TsError;
 
 Rows::Rows(const Store& store, const std::string& question) : cursor(store.Reading().Prepare(question)) {
@@ -59,3 +61,5 @@ void Rows::Append(std::string& json, int column) const {
       json += "null";
   }
 }
+
+}  // namespace Velora::Ts

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace Velora::Ts {
+
 class Store;
 
 /// A question to a store and its rows, in SQL that every database of a store takes.
@@ -58,3 +60,5 @@ class Rows {
 
   std::unique_ptr<Cursor> cursor;
 };
+
+}  // namespace Velora::Ts

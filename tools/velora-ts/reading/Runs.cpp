@@ -13,6 +13,8 @@
 #include <limits>
 #include <utility>
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr std::size_t shortGuid = 8;
@@ -123,3 +125,5 @@ std::string LastRecorded(const Store& store, const Run& run) {
   }
   return last;
 }
+
+}  // namespace Velora::Ts

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 class Store;
 
 /// A run: a topmost execution, with everything below it.
@@ -42,3 +44,5 @@ bool IsUnfinished(const Store& store, const Run& run);
 
 /// The time of the last status or event of a run.
 std::string LastRecorded(const Store& store, const Run& run);
+
+}  // namespace Velora::Ts

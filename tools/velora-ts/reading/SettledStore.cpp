@@ -3,6 +3,8 @@
 #include "Connection.h"
 #include "Statement.h"
 
+namespace Velora::Ts {
+
 namespace Local = Quor::TolvaServices::Local;
 
 // On a server a number is taken before its row can be seen. So what is under way is let finish first, and more is held
@@ -24,3 +26,5 @@ Store SettledStore(const Store::Database& database) {
     throw connection->ErrorOf(reason);
   }
 }
+
+}  // namespace Velora::Ts

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace Velora::Ts {
+
 /// A question to a database and its answer, row by row.
 class Cursor {
  public:
@@ -45,3 +47,5 @@ class Source {
   /// @throws TsError when what was read may be a mixture, since hosts began to write while it was read.
   virtual void ExpectUntouched() const = 0;
 };
+
+}  // namespace Velora::Ts

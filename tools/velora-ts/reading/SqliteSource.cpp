@@ -9,6 +9,8 @@
 #include <new>
 #include <system_error>
 
+namespace Velora::Ts {
+
 using Quor::TolvaServices::TsError;
 
 namespace {
@@ -188,3 +190,5 @@ void SqliteSource::ExpectUntouched() const {
     throw TsError("TS store '" + path + "' was closed and began to be written while it was read; once more, please");
   }
 }
+
+}  // namespace Velora::Ts

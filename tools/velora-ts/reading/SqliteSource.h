@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <string>
 
+namespace Velora::Ts {
+
 /// A file of SQLite.
 class SqliteSource : public Source {
  public:
@@ -29,3 +31,5 @@ class SqliteSource : public Source {
   std::filesystem::file_time_type written;
   std::unique_ptr<sqlite3, decltype(&sqlite3_close)> handle{nullptr, &sqlite3_close};
 };
+
+}  // namespace Velora::Ts

@@ -8,6 +8,8 @@
 
 #include <TSAL/Error.h>
 
+namespace Velora::Ts {
+
 namespace Local = Quor::TolvaServices::Local;
 using Quor::TolvaServices::TsError;
 
@@ -39,3 +41,5 @@ Store::Store(const Database& database, const std::string& snapshot)
                   "; expected version " + std::to_string(Local::schemaVersion) + " at most");
   }
 }
+
+}  // namespace Velora::Ts

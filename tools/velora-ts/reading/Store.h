@@ -6,6 +6,8 @@
 #include <memory>
 #include <string>
 
+namespace Velora::Ts {
+
 /// A store opened for reading: one state of it, as it was at the opening.
 class Store {
  public:
@@ -31,3 +33,5 @@ class Store {
   const std::unique_ptr<Source> source;
   int schemaVersion = 0;
 };
+
+}  // namespace Velora::Ts

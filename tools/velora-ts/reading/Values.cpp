@@ -7,6 +7,8 @@
 #include <charconv>
 #include <cmath>
 
+namespace Velora::Ts {
+
 namespace {
 
 enum Column { Position, Name, Kind, Text, Number };
@@ -91,3 +93,5 @@ std::string UniqueName(std::set<std::string>& taken, const std::string& name, in
   }
   return unique;
 }
+
+}  // namespace Velora::Ts

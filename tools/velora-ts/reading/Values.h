@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+namespace Velora::Ts {
+
 // The parameters of events, and how their values are shown.
 
 /// A text as it was given to be recorded; U+FFFD for a byte that is no part of a character, and for a zero.
@@ -31,3 +33,5 @@ std::string ParameterInWords(const Rows& parameters);
 /// A name as it was given for the first time, and with a number behind it for another one.
 /// @param occurrence the number to begin with.
 std::string UniqueName(std::set<std::string>& taken, const std::string& name, int occurrence = 1);
+
+}  // namespace Velora::Ts

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <regex>
 
+namespace Velora::Ts {
+
 using Quor::TolvaServices::TsError;
 
 namespace {
@@ -44,3 +46,5 @@ std::string AnchorFinding(const Anchor& anchor, const std::vector<Seal>& seals) 
   }
   return seal->ownHash == anchor.hash ? "" : name + " is not that of the anchor: the seals were computed anew";
 }
+
+}  // namespace Velora::Ts

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 /// Where the chain of seals ended, kept in a file away from the store: "seal 12 HASH".
 struct Anchor {
   long long number = 0;  ///< 0, and a hash of zeros, before the first seal.
@@ -19,3 +21,5 @@ void WriteAnchor(const std::string& file, const Anchor& anchor);
 
 /// What a chain of seals lacks or has otherwise than the anchor says; empty when it goes on from there.
 std::string AnchorFinding(const Anchor& anchor, const std::vector<Seal>& seals);
+
+}  // namespace Velora::Ts

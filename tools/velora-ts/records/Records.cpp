@@ -8,6 +8,8 @@
 
 #include <utility>
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr int format = 1;
@@ -229,3 +231,5 @@ void Records::AppendParameter(const Rows& parameters) {
   AppendParameterValue(line, parameters);
   line += '}';
 }
+
+}  // namespace Velora::Ts

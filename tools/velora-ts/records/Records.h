@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+namespace Velora::Ts {
+
 class Store;
 
 // The canonical form of what was recorded: docs/record-format.md. Keep the two together.
@@ -88,3 +90,5 @@ class Records {
   Rows executions, statuses;
   EventRows events;
 };
+
+}  // namespace Velora::Ts

@@ -7,6 +7,8 @@
 
 #include <charconv>
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr const char* question =
@@ -147,3 +149,5 @@ std::string LineOf(const Seal& seal, const std::string& sealedAt, long long sche
   AppendText(line, tool);
   return line + "}\n";
 }
+
+}  // namespace Velora::Ts

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 class Store;
 
 // The seals of a store: docs/integrity.md.
@@ -53,3 +55,5 @@ bool HasMoreOfNoRun(const Store& store, const Sealed& sealed);
 /// The line of JSON that a seal's hash is made of.
 /// @param sealedAt,schema,tool the columns that nothing else is done with.
 std::string LineOf(const Seal& seal, const std::string& sealedAt, long long schema, const std::string& tool);
+
+}  // namespace Velora::Ts

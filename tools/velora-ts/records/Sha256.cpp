@@ -6,6 +6,8 @@
 
 #include <array>
 
+namespace Velora::Ts {
+
 namespace {
 
 void Expect(int result) {
@@ -33,3 +35,5 @@ std::string Sha256::Finish() {
 }
 
 void Sha256::Begin() { Expect(EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr)); }
+
+}  // namespace Velora::Ts

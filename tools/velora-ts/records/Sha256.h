@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace Velora::Ts {
+
 /// SHA-256 of what is added to it, piece by piece.
 class Sha256 {
  public:
@@ -20,3 +22,5 @@ class Sha256 {
 
   std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context{EVP_MD_CTX_new(), &EVP_MD_CTX_free};
 };
+
+}  // namespace Velora::Ts

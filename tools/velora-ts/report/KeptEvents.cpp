@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <limits>
 
+namespace Velora::Ts {
+
 KeptEvents::KeptEvents(const Store& store, long long root) {
   Count(store, root);
   if (!binned.empty()) {
@@ -137,3 +139,5 @@ std::size_t KeptEvents::SliceOf(long long at) const {
   const auto slice = static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) * sliceCount);
   return std::min(slice, sliceCount - 1);
 }
+
+}  // namespace Velora::Ts

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 /// Which events of a run a page holds: all of them, but of a kind that has more than a plot can draw those that have
 /// the lowest or the highest value of any parameter within one of the slices of the run's time, and the newest with
 /// each parameter of each execution.
@@ -51,3 +53,5 @@ class KeptEvents {
   long long ofBinnedKinds = 0;
   std::vector<long long> kept;  // of the binned kinds, ascending
 };
+
+}  // namespace Velora::Ts

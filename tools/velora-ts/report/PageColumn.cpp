@@ -5,6 +5,8 @@
 #include <bit>
 #include <cstdint>
 
+namespace Velora::Ts {
+
 void PageColumn::AddWhole(std::optional<long long> value) {
   if (!value || *value - whole != difference) {
     EndRepetition();
@@ -65,3 +67,5 @@ void PageColumn::EndRepetition() {
     Add(text);
   }
 }
+
+}  // namespace Velora::Ts

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace Velora::Ts {
+
 /// A column of the page's data, as JSON. What repeats or grows little takes little room; `data.js` reads it.
 class PageColumn {
  public:
@@ -32,3 +34,5 @@ class PageColumn {
   std::string last;
   std::vector<double> numbers;
 };
+
+}  // namespace Velora::Ts

@@ -12,6 +12,8 @@
 
 #include <TSAL/Types.h>
 
+namespace Velora::Ts {
+
 namespace {
 
 using Sink = std::function<void(std::string_view)>;
@@ -125,3 +127,5 @@ class Writer {
 void WriteReportData(const Store& store, const Run& run, const KeptEvents& kept, const Sink& write) {
   Writer(store, run, kept, write).Write();
 }
+
+}  // namespace Velora::Ts

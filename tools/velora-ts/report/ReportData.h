@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace Velora::Ts {
+
 class KeptEvents;
 class Store;
 struct Run;
@@ -12,3 +14,5 @@ struct Run;
 /// what `PageColumn` says of its kinds holds. `page/data.js` reads it: keep the two together.
 void WriteReportData(const Store& store, const Run& run, const KeptEvents& kept,
                      const std::function<void(std::string_view piece)>& write);
+
+}  // namespace Velora::Ts

@@ -3,6 +3,8 @@
 #include "output/Json.h"
 #include "report/KeptEvents.h"
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr std::size_t batchValues = 100000;
@@ -102,3 +104,5 @@ void ReportEvents::Move(Shape& shape, std::string& json) {
   json += "]}";
   shape.rows = 0;
 }
+
+}  // namespace Velora::Ts

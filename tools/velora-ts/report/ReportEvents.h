@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 class KeptEvents;
 
 /// The events of a run as columns of the page's data: those of one shape, that is of one name and with parameters of
@@ -45,3 +47,5 @@ class ReportEvents {
   std::map<std::string, Shape> shapes;
   std::map<std::string, Shape>::iterator next = shapes.end();  // to be moved
 };
+
+}  // namespace Velora::Ts

@@ -3,6 +3,8 @@
 #include "output/Json.h"
 #include "output/Times.h"
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr std::size_t batchRows = 10000;
@@ -87,3 +89,5 @@ void ReportExecutions::AddStatuses(long long execution, std::optional<long long>
   } while (more && rows.Integer(Number) == execution);
   statuses.AddText(codes + '"');
 }
+
+}  // namespace Velora::Ts

@@ -6,6 +6,8 @@
 #include <set>
 #include <string>
 
+namespace Velora::Ts {
+
 /// The executions of a run with their statuses, as columns of the page's data.
 class ReportExecutions {
  public:
@@ -30,3 +32,5 @@ class ReportExecutions {
   PageColumn statuses, statusAt;  // the codes of each execution, and the times of all statuses since its start
   std::set<long long> sessions, versions;
 };
+
+}  // namespace Velora::Ts

@@ -4,6 +4,8 @@
 #include "output/Times.h"
 #include "reading/Values.h"
 
+namespace Velora::Ts {
+
 namespace {
 
 enum EventColumn { Number, Execution, EventName, At, Configuration };
@@ -53,3 +55,5 @@ void RunEvents::AddReading(const Rows& parameter) {
     reading.json = "null";
   }
 }
+
+}  // namespace Velora::Ts

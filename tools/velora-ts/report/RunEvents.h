@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 /// A parameter of an event.
 struct Reading {
   std::string name;
@@ -43,3 +45,5 @@ class RunEvents {
   Event event;
   std::set<long long> configurations;
 };
+
+}  // namespace Velora::Ts

@@ -5,6 +5,8 @@
 #include <soci/soci.h>
 #include <soci/sqlite3/soci-sqlite3.h>
 
+namespace Velora::Ts {
+
 std::map<std::string, std::string> ExpectedSchema(int version) {
   soci::session sql(soci::sqlite3, ":memory:");
   Quor::TolvaServices::Local::BringUpSqliteSchema(sql, 0, version);
@@ -15,3 +17,5 @@ std::map<std::string, std::string> ExpectedSchema(int version) {
   }
   return expected;
 }
+
+}  // namespace Velora::Ts

@@ -3,6 +3,8 @@
 #include <map>
 #include <string>
 
+namespace Velora::Ts {
+
 /// All objects of a database: what each is and is called, and, after the table that it belongs to, the statement that
 /// made it. No name is left out, and no kind, which SQLite reads in any case of letters.
 inline constexpr const char* schemaObjects =
@@ -10,3 +12,5 @@ inline constexpr const char* schemaObjects =
 
 /// What a store of a version holds of them.
 std::map<std::string, std::string> ExpectedSchema(int version);
+
+}  // namespace Velora::Ts

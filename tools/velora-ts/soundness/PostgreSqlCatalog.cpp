@@ -5,6 +5,8 @@
 #include <set>
 #include <utility>
 
+namespace Velora::Ts {
+
 namespace {
 
 // Partitions of months are described by what they have in common: with YYYYMM for their month.
@@ -208,3 +210,5 @@ std::vector<std::string> Differences(const Catalog& found, const Catalog& expect
   }
   return comparison.findings;
 }
+
+}  // namespace Velora::Ts

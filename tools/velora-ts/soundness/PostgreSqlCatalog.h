@@ -9,6 +9,8 @@ namespace soci {
 class session;
 }
 
+namespace Velora::Ts {
+
 /// One thing that a server's catalogs say of a schema.
 struct CatalogLine {
   std::string definition;
@@ -35,3 +37,5 @@ Catalog ReadCatalog(soci::session& sql);
 
 /// What a store lacks of another, has otherwise, or has beyond it and should not; months may be missing.
 std::vector<std::string> Differences(const Catalog& found, const Catalog& expected);
+
+}  // namespace Velora::Ts

@@ -4,6 +4,8 @@
 #include "reading/Rows.h"
 #include "reading/Store.h"
 
+namespace Velora::Ts {
+
 namespace Local = Quor::TolvaServices::Local;
 
 namespace {
@@ -128,3 +130,5 @@ std::vector<std::string> RightsFindings(const Store& store) {
   }
   return findings;
 }
+
+}  // namespace Velora::Ts

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 class Store;
 
 /// The tables into which the role of the hosts adds rows, and what it calls with the rights of the store's owner. It
@@ -13,3 +15,5 @@ inline constexpr const char* hostFunctions = "make_partitions()";
 
 /// Rights in a store on a server that go beyond those with which a role of hosts records, or anybody reads.
 std::vector<std::string> RightsFindings(const Store& store);
+
+}  // namespace Velora::Ts

@@ -13,6 +13,8 @@
 #include <random>
 #include <regex>
 
+namespace Velora::Ts {
+
 namespace Local = Quor::TolvaServices::Local;
 
 namespace {
@@ -132,3 +134,5 @@ std::vector<std::string> PostgreSqlDamageFindings(const Store& store) {
   }
   return findings;
 }
+
+}  // namespace Velora::Ts

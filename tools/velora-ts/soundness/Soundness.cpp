@@ -10,6 +10,8 @@
 
 #include <utility>
 
+namespace Velora::Ts {
+
 using Quor::TolvaServices::Local::highestKey;
 
 namespace {
@@ -77,3 +79,5 @@ std::vector<std::string> ValueFindings(const Store& store) {
   }
   return findings;
 }
+
+}  // namespace Velora::Ts

@@ -3,6 +3,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 class Store;
 
 // What is wrong with a store whatever was recorded, one line each.
@@ -21,3 +23,5 @@ Findings SchemaFindings(const Store& store);
 std::vector<std::string> DamageFindings(const Store& store);
 /// Values that no TS writes: numbers of rows that are none, and types that a column is not for.
 std::vector<std::string> ValueFindings(const Store& store);
+
+}  // namespace Velora::Ts

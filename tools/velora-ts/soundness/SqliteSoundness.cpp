@@ -11,6 +11,8 @@
 #include <set>
 #include <utility>
 
+namespace Velora::Ts {
+
 namespace {
 
 // What ANALYZE adds, which steers how questions are answered, and no more.
@@ -89,3 +91,5 @@ std::string SqliteWrongTypes(const StoredTable& table) {
   }
   return "SELECT " + table.Key() + ", CASE" + cases + " END AS wrong FROM " + table.name + " WHERE wrong IS NOT NULL";
 }
+
+}  // namespace Velora::Ts

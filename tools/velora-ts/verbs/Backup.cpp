@@ -13,6 +13,8 @@
 #include <filesystem>
 #include <system_error>
 
+namespace Velora::Ts {
+
 using Quor::TolvaServices::TsError;
 
 namespace {
@@ -81,3 +83,5 @@ ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std:
       " executions, " + std::to_string(highest[Events]) + " events");
   return Done;
 }
+
+}  // namespace Velora::Ts

@@ -12,8 +12,11 @@
 
 #include <string>
 
+namespace Velora::Ts {
+
 namespace {
 
+using namespace HostCheck;
 using namespace Quor::TolvaServices;
 
 void SayHowMuch(const Store& store) {
@@ -57,7 +60,7 @@ bool SayWhatIsThere(const Local::Database& database) {
 
 }  // namespace
 
-ExitCode Check(const HostStart& start) {
+ExitCode Check(const HostCheck::HostStart& start) {
   const HostOutcome host = CheckHost(start, [](const HostStep& step) { Say(InWords(step)); });
   bool isSound = true;
   try {
@@ -71,3 +74,5 @@ ExitCode Check(const HostStart& start) {
   }
   return host.records && isSound ? Done : Found;
 }
+
+}  // namespace Velora::Ts

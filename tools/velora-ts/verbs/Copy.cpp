@@ -19,6 +19,8 @@
 
 #include <optional>
 
+namespace Velora::Ts {
+
 namespace Local = Quor::TolvaServices::Local;
 using Quor::TolvaServices::TsError;
 
@@ -254,3 +256,5 @@ ExitCode CopyStore(const Local::Database& source, const Local::Database& target)
       " events, " + std::to_string(content.counts[Parameters]) + " parameters, hash " + content.hash);
   return Done;
 }
+
+}  // namespace Velora::Ts

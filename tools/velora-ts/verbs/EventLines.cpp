@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+namespace Velora::Ts {
+
 namespace {
 
 enum Column { Number, At, Name, Guid, Node };
@@ -71,3 +73,5 @@ std::string EventAsJson(EventRows& events) {
   }
   return json + "]}";
 }
+
+}  // namespace Velora::Ts

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace Velora::Ts {
+
 class EventRows;
 class Store;
 
@@ -26,3 +28,5 @@ class EventLines {
 };
 
 std::string EventAsJson(EventRows& events);
+
+}  // namespace Velora::Ts

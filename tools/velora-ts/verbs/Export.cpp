@@ -5,6 +5,8 @@
 #include "records/Records.h"
 #include "verbs/Verbs.h"
 
+namespace Velora::Ts {
+
 using Quor::TolvaServices::Local::Database;
 
 namespace {
@@ -45,3 +47,5 @@ ExitCode ExportSpan(const Database& database, const std::string& since, const st
   const std::string before = until.empty() ? "9999-12-31T24" : until;
   return Export(store, {RunsBetween(store, since, before), std::pair(since, before)}, format);
 }
+
+}  // namespace Velora::Ts

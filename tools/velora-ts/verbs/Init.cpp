@@ -11,6 +11,8 @@
 #include <string>
 #include <system_error>
 
+namespace Velora::Ts {
+
 namespace fs = std::filesystem;
 using Quor::TolvaServices::TsError;
 
@@ -79,3 +81,5 @@ ExitCode Init(const std::string& folder, const std::string& instrument) {
   }
   return result;
 }
+
+}  // namespace Velora::Ts

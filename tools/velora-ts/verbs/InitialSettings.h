@@ -3,6 +3,8 @@
 #include <array>
 #include <string_view>
 
+namespace Velora::Ts {
+
 /// A file that a host needs, as it is to begin with.
 struct InitialFile {
   const char* name;
@@ -11,3 +13,5 @@ struct InitialFile {
 
 /// The first is TSAL.config, whose root element is "<TSAL>" without attributes.
 extern const std::array<InitialFile, 3> initialFiles;
+
+}  // namespace Velora::Ts

@@ -8,6 +8,8 @@
 
 #include <map>
 
+namespace Velora::Ts {
+
 namespace Local = Quor::TolvaServices::Local;
 using Quor::TolvaServices::TsError;
 
@@ -114,3 +116,5 @@ ExitCode Prepare(const Local::Database& database, const std::string& hosts) {
   Say("the store is ready" + (hosts.empty() ? "" : " for the role " + hosts));
   return Done;
 }
+
+}  // namespace Velora::Ts

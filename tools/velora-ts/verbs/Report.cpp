@@ -17,6 +17,8 @@
 #include <optional>
 #include <system_error>
 
+namespace Velora::Ts {
+
 namespace {
 
 /// The file of a page: complete under its name, or not there at all.
@@ -154,3 +156,5 @@ ExitCode Report(const Store::Database& database, const std::string& name, const 
            " bytes");
   return Done;
 }
+
+}  // namespace Velora::Ts

@@ -10,6 +10,8 @@
 #include "reading/Values.h"
 #include "verbs/Verbs.h"
 
+namespace Velora::Ts {
+
 namespace {
 
 // Along the index by parent and time, until there are enough. PostgreSQL takes the order from the index only where all
@@ -72,3 +74,5 @@ ExitCode ListRuns(const Quor::TolvaServices::Local::Database& database, const Ru
   store.ExpectUntouched();
   return Done;
 }
+
+}  // namespace Velora::Ts

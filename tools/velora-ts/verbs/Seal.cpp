@@ -16,6 +16,8 @@
 
 #include <filesystem>
 
+namespace Velora::Ts {
+
 using namespace Quor::TolvaServices;
 
 namespace {
@@ -144,3 +146,5 @@ ExitCode SealRuns(const Local::Database& database, const std::string& anchorFile
     throw connection->ErrorOf(reason);
   }
 }
+
+}  // namespace Velora::Ts

@@ -16,6 +16,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace Velora::Ts {
+
 namespace {
 
 constexpr int firstFew = 3;        // parameters of an execution, where no columns are picked
@@ -213,3 +215,5 @@ ExitCode ShowRun(const Quor::TolvaServices::Local::Database& database, const std
   store.ExpectUntouched();
   return Done;
 }
+
+}  // namespace Velora::Ts

@@ -15,6 +15,8 @@
 #include <thread>
 #include <utility>
 
+namespace Velora::Ts {
+
 using Quor::TolvaServices::TsError;
 using Quor::TolvaServices::Local::Database;
 
@@ -116,3 +118,5 @@ ExitCode Tail(const Database& database, const std::string& name) {
   }
   return Done;
 }
+
+}  // namespace Velora::Ts

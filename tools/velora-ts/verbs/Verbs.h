@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace Velora::Ts {
+
 /// What the program answers a script.
 enum ExitCode {
   Done = 0,        ///< Nothing to complain of.
@@ -21,7 +23,7 @@ ExitCode Init(const std::string& folder, const std::string& instrument);
 /// Makes a store or brings it up, and lets a role of the server record in it where one is named.
 ExitCode Prepare(const Quor::TolvaServices::Local::Database& database, const std::string& hosts);
 /// Says whether a host that starts like that would record, and what the store holds.
-ExitCode Check(const HostStart& start);
+ExitCode Check(const HostCheck::HostStart& start);
 /// Writes a run to standard output: "jsonl", its canonical form, "csv" or "trace".
 ExitCode ExportRun(const Quor::TolvaServices::Local::Database& database, const std::string& name,
                    const std::string& format);
@@ -60,3 +62,5 @@ ExitCode ShowRun(const Quor::TolvaServices::Local::Database& database, const std
                  const ShowOptions& options);
 /// Writes the events of a run, the newest without a name, until it is finished.
 ExitCode Tail(const Quor::TolvaServices::Local::Database& database, const std::string& name);
+
+}  // namespace Velora::Ts

@@ -12,6 +12,8 @@
 #include <algorithm>
 #include <numeric>
 
+namespace Velora::Ts {
+
 namespace {
 
 class Verifier {
@@ -141,3 +143,5 @@ ExitCode Verify(const Quor::TolvaServices::Local::Database& database, const std:
   store.ExpectUntouched();
   return verifier.Finish();
 }
+
+}  // namespace Velora::Ts
