@@ -1,10 +1,10 @@
 #include "activities/ActivityRegistration.h"
 #include "activities/ActivityStatus.h"
-#include "core/ComposeLine.h"
-#include "core/ProcessState.h"
-#include "core/TraceScope.h"
-#include "core/TsLogging.h"
 #include "gateway/CurrentGateway.h"
+#include "state/ProcessState.h"
+#include "state/TsLogging.h"
+#include "trace/ComposeLine.h"
+#include "trace/TraceScope.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 

@@ -1,8 +1,8 @@
 #include "activities/ActivityRegistration.h"
 
-#include "core/ProcessState.h"
-#include "core/TsLogging.h"
 #include "gateway/CurrentGateway.h"
+#include "state/ProcessState.h"
+#include "state/TsLogging.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 

@@ -2,8 +2,8 @@
 
 #include "activities/ActivityRegistration.h"
 #include "activities/ActivityStatus.h"
-#include "core/ProcessState.h"
 #include "gateway/CurrentGateway.h"
+#include "state/ProcessState.h"
 
 #include <utility>
 

@@ -1,8 +1,8 @@
-#include "core/ComposeLine.h"
-#include "core/ProcessState.h"
-#include "core/TraceScope.h"
-#include "core/TsLogging.h"
 #include "gateway/CurrentGateway.h"
+#include "state/ProcessState.h"
+#include "state/TsLogging.h"
+#include "trace/ComposeLine.h"
+#include "trace/TraceScope.h"
 
 #include <utility>
 

@@ -1,5 +1,5 @@
-#include "core/ProcessState.h"
-#include "core/TsLogging.h"
+#include "state/ProcessState.h"
+#include "state/TsLogging.h"
 
 #include <VeloraTsLogging/IFactory.h>
 

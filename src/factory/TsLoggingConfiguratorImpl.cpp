@@ -1,6 +1,6 @@
 #include "factory/TsLoggingConfiguratorImpl.h"
 
-#include "core/TsLogging.h"
+#include "state/TsLogging.h"
 
 namespace Quor::Velora::Unmanaged {
 

@@ -1,7 +1,7 @@
 #include "gateway/CurrentGateway.h"
 
-#include "core/ProcessState.h"
 #include "gateway/TolvaServicesClass.h"
+#include "state/ProcessState.h"
 
 #include <mutex>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "instrument/InstrumentConfiguration.h"
 
-#include "core/ProcessState.h"
 #include "gateway/CurrentGateway.h"
+#include "state/ProcessState.h"
 
 #include <windows.h>
 

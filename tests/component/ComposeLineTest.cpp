@@ -1,6 +1,6 @@
 // Numbers in lines are what a string stream makes of them at that moment.
 
-#include "core/ComposeLine.h"
+#include "trace/ComposeLine.h"
 
 #include <gtest/gtest.h>
 

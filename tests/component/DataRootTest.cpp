@@ -1,7 +1,7 @@
 // From the system's wide path of the library's file to the narrow path of its folder.
 
 #include "InternalsTest.h"
-#include "core/DataRootDirectory.h"
+#include "bringup/DataRootDirectory.h"
 
 #include <typeinfo>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/ProcessState.h"
-#include "core/TsLogging.h"
+#include "state/ProcessState.h"
+#include "state/TsLogging.h"
 #include "support/Lines.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 
 #include "InternalsTest.h"
 #include "Memory.h"
-#include "core/SessionStart.h"
+#include "bringup/TsSession.h"
 #include "instrument/InstrumentConfiguration.h"
 #include "support/HostObjects.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/TracedName.h"
+#include "trace/TracedName.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 

@@ -1,7 +1,7 @@
-#include "core/SessionStart.h"
+#include "bringup/TsSession.h"
 
-#include "core/ProcessState.h"
 #include "gateway/CurrentGateway.h"
+#include "state/ProcessState.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 namespace {

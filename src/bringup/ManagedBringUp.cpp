@@ -1,9 +1,9 @@
 #include "activities/ParentExecution.h"
-#include "core/ProcessState.h"
-#include "core/SessionStart.h"
-#include "core/SettingsSearch.h"
-#include "core/TraceScope.h"
-#include "core/TsLogging.h"
+#include "bringup/SettingsSearch.h"
+#include "bringup/TsSession.h"
+#include "state/ProcessState.h"
+#include "state/TsLogging.h"
+#include "trace/TraceScope.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 

@@ -1,9 +1,9 @@
-#include "core/DataRootDirectory.h"
+#include "bringup/DataRootDirectory.h"
 
-#include "core/ComposeLine.h"
-#include "core/ProcessState.h"
-#include "core/TraceScope.h"
-#include "core/TsLogging.h"
+#include "state/ProcessState.h"
+#include "state/TsLogging.h"
+#include "trace/ComposeLine.h"
+#include "trace/TraceScope.h"
 
 #include <windows.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/OneThread.h"
-#include "core/TracedName.h"
+#include "trace/OneThread.h"
+#include "trace/TracedName.h"
 
 #include <VeloraInfraLogging/Logger.h>
 

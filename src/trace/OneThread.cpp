@@ -1,6 +1,6 @@
-#include "core/OneThread.h"
+#include "trace/OneThread.h"
 
-#include "core/ProcessState.h"
+#include "state/ProcessState.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-#include "core/ProcessState.h"
+#include "state/ProcessState.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 

@@ -8,7 +8,7 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// The component's logging object. It has no data: all state is the process's (core/ProcessState.h).
+/// The component's logging object. It has no data: all state is the process's (state/ProcessState.h).
 class TsLogging final : public ITsLogging {
  public:
   /// The object in the slot; when the slot is empty, a new one, checked before it is handed out.

@@ -1,7 +1,7 @@
-#include "core/ProcessState.h"
-#include "core/TraceScope.h"
-#include "core/TsLogging.h"
 #include "gateway/CurrentGateway.h"
+#include "state/ProcessState.h"
+#include "state/TsLogging.h"
+#include "trace/TraceScope.h"
 
 #include <mutex>
 #include <utility>

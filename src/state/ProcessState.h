@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/TracedName.h"
+#include "trace/TracedName.h"
 
 #include <TSAL/Types.h>
 #include <VeloraTsLogging/IFactory.h>

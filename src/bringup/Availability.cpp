@@ -1,8 +1,8 @@
-#include "core/ProcessState.h"
-#include "core/SettingsSearch.h"
-#include "core/TraceScope.h"
-#include "core/TsLogging.h"
+#include "bringup/SettingsSearch.h"
 #include "gateway/CurrentGateway.h"
+#include "state/ProcessState.h"
+#include "state/TsLogging.h"
+#include "trace/TraceScope.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 namespace {

@@ -1,8 +1,8 @@
-#include "core/SettingsSearch.h"
+#include "bringup/SettingsSearch.h"
 
-#include "core/ProcessState.h"
-#include "core/TraceScope.h"
 #include "gateway/CurrentGateway.h"
+#include "state/ProcessState.h"
+#include "trace/TraceScope.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 namespace {

@@ -1,4 +1,4 @@
-#include "core/ComposeLine.h"
+#include "trace/ComposeLine.h"
 
 #include <array>
 #include <cfenv>
