@@ -13,7 +13,7 @@ struct Range {
 };
 
 // Controls, the marks that turn the direction of a line or break it, and those without a width. The page of a run has
-// the same in page/text.js.
+// the same in page/view/text.js.
 constexpr Range steering[] = {{0x00, 0x1F},     {0x7F, 0x9F},     {0x061C, 0x061C}, {0x200B, 0x200F},  {0x2028, 0x202E},
                               {0x2060, 0x206F}, {0xFEFF, 0xFEFF}, {0xFFFD, 0xFFFD}, {0xE0000, 0xE007F}};
 
