@@ -13,7 +13,7 @@ CREATE TABLE sessions (
          text1      TEXT NOT NULL,
          text2      TEXT NOT NULL,
          text3      TEXT NOT NULL);
-INSERT INTO sessions VALUES(1,'bb4ad8cb-384c-4179-8a22-5d8e807a0783','titan-pc','titan-pc','2026-11-25T03:30:11.534763Z','','','');
+INSERT INTO sessions VALUES(1,'bb4ad8cb-384c-4179-8a22-5d8e807a0783','veldmar-pc','veldmar-pc','2026-11-25T03:30:11.534763Z','','','');
 CREATE TABLE activities (
          activity_id INTEGER PRIMARY KEY,
          guid        TEXT NOT NULL UNIQUE,
@@ -56,7 +56,7 @@ CREATE TABLE configurations (
          model_name         TEXT NOT NULL,
          text8              TEXT NOT NULL,
          text9              TEXT NOT NULL);
-INSERT INTO configurations VALUES(1,'ca181d9f-0e8d-4c77-a3d4-246c31fb1b5e',1,'2026-11-25T03:30:11.560401Z',replace('<?xml version="1.0" encoding="UTF-8"?>\n<!-- Kept with the record as it stands: write down here what a reader should know of the instrument in ten years. -->\n<Instrument>\n  <Note>Recorded from .mdoc files after the acquisition; the instrument is the one that the files name.</Note>\n</Instrument>\n','\n',char(10)),'','Brantor Scientific','titan-pc','','TEM','','','');
+INSERT INTO configurations VALUES(1,'ca181d9f-0e8d-4c77-a3d4-246c31fb1b5e',1,'2026-11-25T03:30:11.560401Z',replace('<?xml version="1.0" encoding="UTF-8"?>\n<!-- Kept with the record as it stands: write down here what a reader should know of the instrument in ten years. -->\n<Instrument>\n  <Note>Recorded from .mdoc files after the acquisition; the instrument is the one that the files name.</Note>\n</Instrument>\n','\n',char(10)),'','Brantor Scientific','veldmar-pc','','TEM','','','');
 CREATE TABLE executions (
          execution_id INTEGER PRIMARY KEY,
          guid         TEXT NOT NULL UNIQUE,

@@ -11,7 +11,7 @@ await page.evaluate(() => {
   document.getElementById('subtitle').textContent = '/data/sample.mdoc';
   const terms = [...document.querySelectorAll('#facts dt')];
   terms.find((term) => term.textContent === 'Instrument').nextSibling.textContent =
-    'Titan 3, recorded by titan-control';
+    'Veldmar 3, recorded by veldmar-control';
 });
 await page.screenshot({ path: process.argv[2] });
 await browser.close();

@@ -52,11 +52,11 @@ TEST_F(Look, ShowsWhatThereIs) {
     std::string shown;  // a pattern
   } rows[] = {
       {"runs", 0,
-       "run +started +duration +state[^\n]*\nffffffff  2026-11-26 15:30:00\\+05:30 +UNFINISHED  titan-pc +"
+       "run +started +duration +state[^\n]*\nffffffff  2026-11-26 15:30:00\\+05:30 +UNFINISHED  veldmar-pc +"
        "TiltSeries 1.0  ␛\\[2J<b>\uFFFD\n0ecba827  2026-11-25 09:00:11\\+05:30 +0:00:00  done  [^\n]*\n"
        "eeeeeeee  [^\n]* no status [^\n]*\n"},
       {"runs --unfinished --limit 5", 0, "[^\n]*\nffffffff[^\n]*\n"},
-      {"runs --since 2026-11-25T03:30:12 --instrument titan-pc --activity TiltSeries", 0, "[^\n]*\nffffffff[^\n]*\n"},
+      {"runs --since 2026-11-25T03:30:12 --instrument veldmar-pc --activity TiltSeries", 0, "[^\n]*\nffffffff[^\n]*\n"},
       {"runs --activity 'Tilt series acquisition' --limit 1", 0, "[^\n]*\nffffffff[^\n]*\n"},
       {"runs --instrument other", 0, "run [^\n]*\n"},
       {"runs --since 2026-02-30", 2, "[^]*expected UTC[^]*"},

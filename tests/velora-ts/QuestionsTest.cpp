@@ -45,7 +45,7 @@ const std::map<std::string, Verb> verbs = {
      {nullptr,
       {[](const Database& database) { return ListRuns(database, {}); },
        [](const Database& database) {
-         return ListRuns(database, {"2026", "titan-pc", "TiltSeries", true, true, 1});
+         return ListRuns(database, {"2026", "veldmar-pc", "TiltSeries", true, true, 1});
        }}}},
     {"show",
      {nullptr,

@@ -10,7 +10,7 @@ namespace {
 
 // After the run of the first version: another in a session of its own, and an event of no run.
 constexpr const char* secondRun = R"(
-INSERT INTO sessions VALUES (2, 'session-2', 'Titan', 'pc', '2026-11-26T08', 'one', 'two', 'three');
+INSERT INTO sessions VALUES (2, 'session-2', 'Veldmar', 'pc', '2026-11-26T08', 'one', 'two', 'three');
 INSERT INTO registrations VALUES (2, 2, 'a.xml', '2026-11-26T08'), (2, 3, 'b.xml', '2026-11-26T08');
 INSERT INTO configurations VALUES (2, 'config-2', 2, '2026-11-26T08', 'c', '', 'v', 'h', 'o', 'TEM', 'm', '', '');
 INSERT INTO executions VALUES (4, 'run-2', NULL, 4, 2, 2, 'second', 'd', 5, '2026-11-26T09'),
@@ -316,7 +316,7 @@ TEST_F(Seals, WhatIsNotFinishedWaitsAndLateRowsGetASealOfTheirOwn) {
 }
 
 TEST_F(Seals, AStoreOfTheSecondVersionVerifiesBeforeAndAfterItIsBroughtUp) {
-  folder.Write("anchor", "seal 4 23071cc5b239cde8ab794e353ceac58486b1c104c783acfbb897973b60538246\n");
+  folder.Write("anchor", "seal 4 70b9248bd03d4313638ec52257d81e40c22d1e622490cdba63242a39fda5c109\n");
   EXPECT_EQ(Shell("rm ts.db*; sqlite3 ts.db 'PRAGMA journal_mode = WAL' '.read " SOURCE
                   "/tests/local-ts/version-1.sql' '.read " SOURCE "/tests/local-ts/version-2.sql'; cp ts.db old.db"),
             0);

@@ -140,7 +140,7 @@ class CommandLine {
 
   void AddBackup() {
     CLI::App* const verb = Add("backup", "Copies the store to FILE while hosts record, and checks the copy.",
-                               "backup /backup/titan-2026-11-24.db");
+                               "backup /backup/veldmar-2026-11-24.db");
     verb->add_option("FILE", file, "A file that is not there yet")->required();
     verb->callback([this] { result = Backup(Database(), file); });
   }
@@ -150,21 +150,21 @@ class CommandLine {
         "copy", "Copies a store into another database, file or server, or goes on with a copy that was interrupted.");
     verb->add_option("FROM", folder, "Folder with the TSAL.config of the store to copy")->required();
     verb->add_option("TO", target, "Folder with that of an empty store, or of an earlier copy")->required();
-    verb->footer("Example:\n  velora-ts copy /data/titan /data/facility");
+    verb->footer("Example:\n  velora-ts copy /data/veldmar /data/facility");
     verb->callback(
         [this] { result = CopyStore(Database(), Quor::TolvaServices::Local::ReadSettings(target).database); });
   }
 
   void AddSeal() {
     CLI::App* const verb = Add("seal", "Seals every finished run, so that verify finds what is changed later.",
-                               "seal --anchor /safe/titan.anchor");
+                               "seal --anchor /safe/veldmar.anchor");
     verb->add_option("--anchor", file, "Write the newest hash to this file, to be kept away from the store");
     verb->callback([this] { result = SealRuns(Database(), file); });
   }
 
   void AddVerify() {
     CLI::App* const verb =
-        Add("verify", "Names each run that is missing, altered or not sealed.", "verify --anchor /safe/titan.anchor");
+        Add("verify", "Names each run that is missing, altered or not sealed.", "verify --anchor /safe/veldmar.anchor");
     verb->add_option("--anchor", file, "Compare the seals with this file, which seal --anchor wrote");
     verb->callback([this] { result = Verify(Database(), file); });
   }
