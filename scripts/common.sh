@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What the scripts share. Sourced from the project's root.
 
 # quietly TEXT LOG COMMAND...: says TEXT, keeps the command's output in LOG, and shows its end only when it fails.
