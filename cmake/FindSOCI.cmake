@@ -1,6 +1,6 @@
 # Finds SOCI, which Debian ships without a CMake package; on Windows its libraries have a version in their names.
-# Components are back ends: sqlite3, postgresql. Each gives a target SOCI::<component>, which stands on its database's own
-# library (SQLite3, PostgreSQL: to be found beside); the core is SOCI::core.
+# Components are back ends: sqlite3, postgresql. Each gives a target SOCI::<component>, which needs the library of its
+# database (call find_package for SQLite3 or PostgreSQL too); the core is SOCI::core.
 
 find_path(SOCI_INCLUDE_DIR soci/soci.h)
 find_library(SOCI_core_LIBRARY NAMES soci_core soci_core_4_0)

@@ -14,9 +14,10 @@ INSERT INTO sessions VALUES (2, 'session-2', 'Veldmar', 'pc', '2026-11-26T08', '
 INSERT INTO registrations VALUES (2, 2, 'a.xml', '2026-11-26T08'), (2, 3, 'b.xml', '2026-11-26T08');
 INSERT INTO configurations VALUES (2, 'config-2', 2, '2026-11-26T08', 'c', '', 'v', 'h', 'o', 'TEM', 'm', '', '');
 INSERT INTO executions VALUES (4, 'run-2', NULL, 4, 2, 2, 'second', 'd', 5, '2026-11-26T09'),
-  (5, 'step-2', 4, 4, 2, NULL, 'step', '', 0, '2026-11-26T10'), (6, 'step-3', 4, 4, 2, NULL, 'stop', '', 0, '2026-11-26T11');
-INSERT INTO statuses VALUES (7, 4, 2, 4, '2026-11-26T09'), (8, 5, 2, 4, '2026-11-26T10'), (9, 5, 2, 14, '2026-11-26T11'),
-  (10, 4, 2, 14, '2026-11-26T12'), (11, 6, 2, 15, '2026-11-26T12');
+  (5, 'step-2', 4, 4, 2, NULL, 'step', '', 0, '2026-11-26T10'),
+  (6, 'step-3', 4, 4, 2, NULL, 'stop', '', 0, '2026-11-26T11');
+INSERT INTO statuses VALUES (7, 4, 2, 4, '2026-11-26T09'), (8, 5, 2, 4, '2026-11-26T10'),
+  (9, 5, 2, 14, '2026-11-26T11'), (10, 4, 2, 14, '2026-11-26T12'), (11, 6, 2, 15, '2026-11-26T12');
 INSERT INTO events VALUES (4, 2, 4, 2, 'e', '2026-11-26T09'), (5, 2, 5, 2, 'e', '2026-11-26T10'),
   (6, 2, NULL, NULL, 'of no run', '2026-11-26T11');
 INSERT INTO parameters VALUES (4, 1, 'Angle', 'double', NULL, 1.5), (4, 2, 'N', 'double', 'NaN:7ff8000000000000', NULL),
