@@ -87,7 +87,7 @@ ActivityExecutionRequest CreateUnderGivenParent(const std::string& parentActivit
 
 std::string TsLogging::CreateActivityExecution(const std::string& regActivityVersionName, const std::string& node,
                                                const std::string& description) {
-  const TraceScope scope(sourceName, Operation::createActivityExecution);
+  const TraceScope scope(traceSource, Operation::createActivityExecution);
   if (!IsTsSupported()) {
     scope.WriteError(serverNotAvailable);
     return {};
@@ -101,7 +101,7 @@ std::string TsLogging::CreateActivityExecution(const std::string& regActivityVer
 std::string TsLogging::CreateActivityExecution(const std::string& parentActivityGuid,
                                                const std::string& regActivityVersionName, const std::string& node,
                                                const std::string& description) {
-  const TraceScope scope(sourceName, Operation::createActivityExecution);
+  const TraceScope scope(traceSource, Operation::createActivityExecution);
   if (!IsTsSupported()) {
     scope.WriteError(serverNotAvailable);
     return {};
@@ -116,7 +116,7 @@ std::string TsLogging::CreateActivityExecution(const std::string& parentActivity
 }
 
 void TsLogging::UpdateActivityExecution(const std::string& guid) {
-  const TraceScope scope(sourceName, Operation::updateActivityExecution);
+  const TraceScope scope(traceSource, Operation::updateActivityExecution);
   if (!IsTsSupported()) {
     return;
   }

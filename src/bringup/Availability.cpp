@@ -17,7 +17,7 @@ bool IsTsConnectable(const TraceScope& scope, const std::string& activitiesFile)
 }  // namespace
 
 bool TsLogging::CheckTsServiceAvailability(const std::string& activitiesFile) {
-  const TraceScope scope(sourceName, Operation::checkTsServiceAvailability);
+  const TraceScope scope(traceSource, Operation::checkTsServiceAvailability);
   bool usable = GetTolvaServicesClass()->IsTsServicePresent();
   if (usable) {
     try {
@@ -29,7 +29,5 @@ bool TsLogging::CheckTsServiceAvailability(const std::string& activitiesFile) {
   tsSupported = usable;
   return usable;
 }
-
-bool TsLogging::IsTsSupported() { return tsSupported; }
 
 }  // namespace Quor::Velora::Infra::TsLogging

@@ -73,7 +73,7 @@ std::string ToNarrowString(const wchar_t* text) {
 }
 
 std::filesystem::path TsLogging::GetDataRootDirectory() {
-  const TraceScope scope(sourceName, Operation::getDataRootDirectory);
+  const TraceScope scope(traceSource, Operation::getDataRootDirectory);
   const std::string folder = ToNarrowString(GetModuleDirectory().c_str());
   scope.WriteInfo(ComposeLine("dataRootDirectory path: ", folder));
   return folder;

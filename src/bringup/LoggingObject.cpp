@@ -9,7 +9,7 @@
 namespace Quor::Velora::Infra::TsLogging {
 
 std::shared_ptr<ITsLogging> TsLogging::GetInstance() {
-  const TraceScope scope(sourceName, Operation::getInstance);
+  const TraceScope scope(traceSource, Operation::getInstance);
   const std::lock_guard lock(instanceMutex);
   if (!instanceSlot) {
     instanceSlot = std::make_shared<TsLogging>();
@@ -29,14 +29,14 @@ void TsLogging::CreateInstanceIfNone() {
 }
 
 void TsLogging::SetInstance(std::shared_ptr<ITsLogging> instance) {
-  const TraceScope scope(sourceName, Operation::setInstance);
+  const TraceScope scope(traceSource, Operation::setInstance);
   const std::lock_guard lock(instanceMutex);
   // A move assignment swaps before it releases: the old object goes under the lock, and finds the new one in place.
   instanceSlot = std::move(instance);
 }
 
 void TsLogging::SetTolvaServicesInstance(std::shared_ptr<ITolvaServicesClass> gateway) {
-  const TraceScope scope(sourceName, Operation::setTolvaServicesInstance);
+  const TraceScope scope(traceSource, Operation::setTolvaServicesInstance);
   const std::lock_guard lock(instanceMutex);
   SetTolvaServicesClass(std::move(gateway));
 }

@@ -10,7 +10,7 @@ namespace Quor::Velora::Infra::TsLogging {
 std::string TsLogging::SetParentActivityExec(const std::string& node, const std::string& sessionArg1,
                                              const std::string& sessionArg2, const std::string& sessionArg3,
                                              const std::string& activitiesFile) {
-  const TraceScope scope(sourceName, Operation::setParentActivityExec);
+  const TraceScope scope(traceSource, Operation::setParentActivityExec);
   std::string parentBefore = parentActivityExecGuid;
   if (!CheckTsServiceAvailability(activitiesFile)) {
     scope.WriteError(tsNotSupported);

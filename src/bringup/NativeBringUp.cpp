@@ -9,7 +9,7 @@
 namespace Quor::Velora::Infra::TsLogging {
 
 void TsLogging::CreateTsLoggingSession(const std::string& instrumentConfigFile, const std::string& activitiesFile) {
-  const TraceScope scope(sourceName, Operation::createTsLoggingSession);
+  const TraceScope scope(traceSource, Operation::createTsLoggingSession);
   if (!CheckTsServiceAvailability(activitiesFile)) {
     return;
   }

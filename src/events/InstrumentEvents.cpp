@@ -21,7 +21,7 @@ namespace {
 // The four typed operations, which differ in the kind of parameter and the opening of its value alone.
 template <typename Parameter, typename Value>
 void AddParameter(const std::string& node, const std::string& parameter, const char* valueOpening, const Value& value) {
-  const TraceScope scope(sourceName, Operation::addInstrumentEventParameter);
+  const TraceScope scope(traceSource, Operation::addInstrumentEventParameter);
   if (!TsLogging::IsTsSupported()) {
     return;
   }
@@ -34,7 +34,7 @@ void AddParameter(const std::string& node, const std::string& parameter, const c
 }  // namespace
 
 void TsLogging::CreateInstrumentEvent(const std::string& name) {
-  const TraceScope scope(sourceName, Operation::createInstrumentEvent);
+  const TraceScope scope(traceSource, Operation::createInstrumentEvent);
   if (!IsTsSupported()) {
     return;
   }
@@ -46,7 +46,7 @@ void TsLogging::CreateInstrumentEvent(const std::string& name) {
 }
 
 void TsLogging::SaveInstrumentEvent(const std::string& node, const std::string& activityTsidGuid) {
-  const TraceScope scope(sourceName, Operation::saveInstrumentEvent);
+  const TraceScope scope(traceSource, Operation::saveInstrumentEvent);
   if (!IsTsSupported()) {
     return;
   }

@@ -5,7 +5,7 @@ namespace Quor::Velora::Infra::TsLogging {
 // The order counts. Objects of one file are destroyed in reverse: what a destructor of a host's object may still use
 // when it calls back in while the library unloads stands before the release of such objects.
 
-const SharedSource sourceName = std::make_shared<const std::wstring>(L"Velora.TsLogging");
+const SharedSource traceSource = std::make_shared<TraceSource>(L"Velora.TsLogging");
 const std::string settingsFileName = "TSAL.config";
 const std::string defaultActivitiesFile = "activities.xml";
 
@@ -27,12 +27,6 @@ const SharedName setParentActivityExec = Named("SetParentActivityExec");
 const SharedName setTolvaServicesInstance = Named("SetTolvaServicesInstance");
 const SharedName updateActivityExecution = Named("UpdateActivityExecution");
 }  // namespace Operation
-
-#ifdef VELORA_TS_LOGGING_ONE_THREAD
-std::atomic<std::thread::id> threadInside;
-std::atomic<const TracedName*> operationInside = nullptr;
-int operationsInside = 0;
-#endif
 
 std::recursive_mutex instanceMutex;
 std::recursive_mutex gatewayMutex;

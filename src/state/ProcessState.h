@@ -1,5 +1,6 @@
 #pragma once
 
+#include "trace/TraceSource.h"
 #include "trace/TracedName.h"
 
 #include <TSAL/Types.h>
@@ -10,15 +11,14 @@
 #include <memory>
 #include <mutex>
 #include <string>
-#include <thread>
 
 // All state of the component, which is the state of the process. No other file has a mutable object of static storage.
 // Lock order: instanceMutex before gatewayMutex.
 
 namespace Quor::Velora::Infra::TsLogging {
 
-// Constants.
-extern const SharedSource sourceName;            // under which every line is written
+// Constants. With VELORA_TS_LOGGING_ONE_THREAD, what traceSource points to also says which thread is inside.
+extern const SharedSource traceSource;           // under which every line is written
 extern const std::string settingsFileName;       // what TSAL reads
 extern const std::string defaultActivitiesFile;  // where a caller names none
 
@@ -53,12 +53,5 @@ extern ActivityVersionMap activityVersions;   // written by registration and by 
 extern std::map<std::string, TolvaServices::Types::InstrumentEvent> pendingInstrumentEvents;  // the event operations
 extern std::string parentActivityExecGuid;  // the parent execution; read by every creation
 extern TolvaServices::Types::InstrumentEventConfigResult instrumentConfigResult;  // written by each configuration save
-
-#ifdef VELORA_TS_LOGGING_ONE_THREAD
-// The first is taken by the thread that comes in, which alone writes the other two.
-extern std::atomic<std::thread::id> threadInside;
-extern std::atomic<const TracedName*> operationInside;  // the outermost
-extern int operationsInside;
-#endif
 
 }  // namespace Quor::Velora::Infra::TsLogging

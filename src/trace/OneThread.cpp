@@ -1,9 +1,8 @@
 #include "trace/OneThread.h"
 
-#include "state/ProcessState.h"
-
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 namespace Quor::Velora::Infra::TsLogging {
 namespace {
@@ -14,25 +13,25 @@ const char* NameOf(const TracedName* operation) {
 
 }  // namespace
 
-OneThread::OneThread(const TracedName& operation) {
+OneThread::OneThread(SharedSource sharedSource, const TracedName& operation) : source(std::move(sharedSource)) {
   const std::thread::id self = std::this_thread::get_id();
   std::thread::id nobody;
-  if (threadInside != self && !threadInside.compare_exchange_strong(nobody, self)) {
+  if (source->threadInside != self && !source->threadInside.compare_exchange_strong(nobody, self)) {
     static_cast<void>(std::fprintf(stderr,
                                    "VeloraTsLogging: %s was called while another thread was inside %s; a host runs one "
                                    "operation at a time: docs/hosts.md, Threads\n",
-                                   NameOf(&operation), NameOf(operationInside)));
+                                   NameOf(&operation), NameOf(source->operationInside)));
     std::abort();
   }
-  if (operationsInside++ == 0) {
-    operationInside = &operation;
+  if (source->operationsInside++ == 0) {
+    source->operationInside = &operation;
   }
 }
 
 OneThread::~OneThread() {
-  if (--operationsInside == 0) {
-    operationInside = nullptr;
-    threadInside = std::thread::id();
+  if (--source->operationsInside == 0) {
+    source->operationInside = nullptr;
+    source->threadInside = std::thread::id();
   }
 }
 

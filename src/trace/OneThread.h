@@ -1,23 +1,27 @@
 #pragma once
 
+#include "trace/TraceSource.h"
 #include "trace/TracedName.h"
 
 namespace Quor::Velora::Infra::TsLogging {
 
 #ifdef VELORA_TS_LOGGING_ONE_THREAD
-/// In the build for tests of hosts: while an operation runs, one on another thread ends the process with a line that
-/// names both, where the tables that they share might only be damaged.
+/// In the build for tests of hosts: while an operation runs, an operation on another thread ends the process with a
+/// line that names both. In the shipped build it would damage the tables that both use, mostly without a sign of it.
 class OneThread {
  public:
-  explicit OneThread(const TracedName& operation);
+  OneThread(SharedSource sharedSource, const TracedName& operation);
   OneThread(const OneThread&) = delete;
   OneThread& operator=(const OneThread&) = delete;
   ~OneThread();
+
+ private:
+  SharedSource source;
 };
 #else
 class OneThread {
  public:
-  explicit OneThread(const TracedName& /*operation*/) {}
+  OneThread(const SharedSource& /*sharedSource*/, const TracedName& /*operation*/) {}
 };
 #endif
 

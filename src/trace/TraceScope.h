@@ -1,6 +1,7 @@
 #pragma once
 
 #include "trace/OneThread.h"
+#include "trace/TraceSource.h"
 #include "trace/TracedName.h"
 
 #include <VeloraInfraLogging/Logger.h>
@@ -20,7 +21,7 @@ class TraceScope {
   /// @param sharedSource,sharedName constants of the process, and the scope's own until it closes: a process that ends
   ///        during an operation gives up its constants first.
   TraceScope(SharedSource sharedSource, SharedName sharedName)
-      : oneThread(*sharedName),
+      : oneThread(sharedSource, *sharedName),
         logger(Logging::Logger::GetInstance()),
         source(std::move(sharedSource)),
         functionName(std::move(sharedName)) {
@@ -37,9 +38,9 @@ class TraceScope {
     }
   }
 
-  void WriteInfo(const std::string& message) const { logger->WriteInfo(*source, message); }
-  void WriteWarning(const std::string& message) const { logger->WriteWarning(*source, message); }
-  void WriteError(const std::string& message) const { logger->WriteError(*source, message); }
+  void WriteInfo(const std::string& message) const { logger->WriteInfo(source->name, message); }
+  void WriteWarning(const std::string& message) const { logger->WriteWarning(source->name, message); }
+  void WriteError(const std::string& message) const { logger->WriteError(source->name, message); }
 
  private:
   [[no_unique_address]] OneThread oneThread;

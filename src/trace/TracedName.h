@@ -16,8 +16,7 @@ struct TracedName {
   const std::string exitLine;
 };
 
-// What the process and its scopes share: the source of the lines, and a name.
-using SharedSource = std::shared_ptr<const std::wstring>;
+/// Shared by the process and its scopes: a scope can outlive the process's constants.
 using SharedName = std::shared_ptr<const TracedName>;
 
 }  // namespace Quor::Velora::Infra::TsLogging
