@@ -58,11 +58,11 @@ rows = [
     ("call of four threads to call of one", 4 * ratio("threads/threads:4", "threads/threads:1"), None),
 ]
 
-print(f"{'What':48} {'Ratio':>8} {'Wanted':>8} {'p99 of both, µs':>20}")
-for what, value, wanted in rows:
-    print(f"{what:48} {value:8.2f} {wanted or '':>8}")
-for what, (one, other, wanted) in writes.items():
+print(f"{'What':48} {'Ratio':>8} {'Target':>8} {'p99 of both, µs':>20}")
+for what, value, target in rows:
+    print(f"{what:48} {value:8.2f} {target or '':>8}")
+for what, (one, other, target) in writes.items():
     both = f"{percentile(one):.1f}, {percentile(other):.1f}"
-    print(f"{what:48} {ratio(one, other):8.2f} {wanted or '':>8} {both:>20}")
+    print(f"{what:48} {ratio(one, other):8.2f} {target or '':>8} {both:>20}")
 for name in ("event/component", "execution", "bring-up", "save/ts"):
     print(f"{name}: {cost(name) / 1000:.2f} µs")
