@@ -1,36 +1,26 @@
 // Every question that a verb asks is answered by an index, as the database itself plans it.
 
+#include "CommandLine.h"
 #include "ToolTest.h"
 #include "reading/EventRows.h"
 #include "reading/Listener.h"
 #include "reading/Store.h"
 #include "verbs/EventLines.h"
-#include "verbs/Verbs.h"
 
-#include <functional>
+#include <iterator>
 #include <map>
 #include <regex>
 #include <set>
+#include <sstream>
 
 namespace {
 
-using Quor::TolvaServices::Local::Database;
 using namespace Velora::Ts;
-using Call = std::function<ExitCode(const Database&)>;
 
 struct Verb {
   const char* readsAllBecause = nullptr;
-  std::vector<Call> calls{};
+  std::vector<std::string> arguments{};  // of each command line to try
 };
-
-std::vector<Call> Exports() {
-  std::vector<Call> calls;
-  for (const char* format : {"jsonl", "csv", "trace"}) {
-    calls.emplace_back([=](const Database& database) { return ExportRun(database, "last", format); });
-    calls.emplace_back([=](const Database& database) { return ExportSpan(database, "2026", "", format); });
-  }
-  return calls;
-}
 
 const std::map<std::string, Verb> verbs = {
     {"backup", {"it copies every page"}},
@@ -40,47 +30,43 @@ const std::map<std::string, Verb> verbs = {
     {"prepare", {"it reads no records"}},
     {"seal", {"it seals every run that is finished"}},
     {"verify", {"it compares every record with its seal"}},
-    {"export", {nullptr, Exports()}},
+    {"export",
+     {nullptr,
+      {"last", "last --format csv", "last --format trace", "--since 2026-01-01", "--since 2026-01-01 --format csv",
+       "--since 2026-01-01 --format trace"}}},
     {"runs",
-     {nullptr,
-      {[](const Database& database) { return ListRuns(database, {}); },
-       [](const Database& database) {
-         return ListRuns(database, {"2026", "veldmar-pc", "TiltSeries", true, true, 1});
-       }}}},
-    {"show",
-     {nullptr,
-      {[](const Database& database) {
-         return ShowRun(database, "last", {true, true, {}, false});
-       },
-       [](const Database& database) {
-         return ShowRun(database, "0ecba827", {false, true, {"TiltAngle"}, true});
-       },
-       [](const Database& database) { return ShowRun(database, "grid.mdoc", {}); }}}},
-    {"report", {nullptr, {[](const Database& database) { return Report(database, "last", "/dev/null"); }}}},
-    {"tail",
-     {nullptr,
-      {[](const Database& database) { return Tail(database, ""); },
-       [](const Database& database) {  // what it asks from its second look on
-         EventsOfRunSince(Store(database), 0, 0);
-         return Done;
-       }}}},
+     {nullptr, {"", "--since 2026-01-01 --instrument Scope --activity TiltSeries --unfinished --json --limit 1"}}},
+    {"show", {nullptr, {"last --tree --events", "0ecba827 --events --columns TiltAngle --json", "grid.mdoc"}}},
+    {"report", {nullptr, {"last -o /dev/null"}}},
+    {"tail", {nullptr, {""}}},
 };
 
 class Questions : public ToolTest {
  protected:
-  /// The store that is asked: the file, or a copy of it on a server.
-  Database Asked() const {
-    const Database file{Database::Kind::Sqlite, folder / "ts.db"};
+  /// Does within this process what the program does. @return its exit code.
+  static int Execute(const std::string& command) {
+    std::istringstream words("velora-ts " + command);
+    const std::vector<std::string> given{std::istream_iterator<std::string>(words), {}};
+    std::vector<const char*> pointers;
+    for (const std::string& word : given) {
+      pointers.push_back(word.c_str());
+    }
+    testing::internal::CaptureStdout();
+    const int result = RunCommandLine(static_cast<int>(pointers.size()), pointers.data());
+    testing::internal::GetCapturedStdout();
+    return result;
+  }
+  /// The folder with the settings of the store that is asked: the file, or a copy of it on a server.
+  std::string Asked() const {
     if (!TestStore::OnServer()) {
-      return file;
+      return folder.path.string();
     }
     const TestStore store(folder / "ts.db");
     store.Make();
-    const Database server{Database::Kind::PostgreSql, store.Connection()};
-    testing::internal::CaptureStdout();
-    EXPECT_EQ(CopyStore(file, server), Done);
-    testing::internal::GetCapturedStdout();
-    return server;
+    create_directory(folder / "server");
+    folder.Write("server/TSAL.config", "<TSAL><Database " + store.Attributes("") + "/></TSAL>");
+    EXPECT_EQ(Execute("copy " + folder.path.string() + ' ' + (folder / "server").string()), Done);
+    return (folder / "server").string();
   }
   std::string Plan(const std::string& question) const {
     if (!TestStore::OnServer()) {
@@ -100,19 +86,19 @@ TEST_F(Questions, AreAnsweredByIndexes) {
   for (std::sregex_iterator at(said.begin(), said.end(), line), end; at != end; ++at) {
     EXPECT_EQ(verbs.count((*at)[1]), 1U) << "what does " << (*at)[1] << " ask?";
   }
-  const Database asked = Asked();
+  const std::string asked = Asked();
   std::set<std::string> questions;
+  questionListener = [&](const std::string& question) { questions.insert(question); };
+  EventsOfRunSince(Store(Quor::TolvaServices::Local::ReadSettings(asked).database), 0,
+                   0);  // tail's, once it has looked
   for (const auto& [name, verb] : verbs) {
     const std::size_t before = questions.size();
-    questionListener = [&](const std::string& question) { questions.insert(question); };
-    for (const Call& call : verb.calls) {
-      testing::internal::CaptureStdout();
-      EXPECT_EQ(call(asked), Done) << name;
-      testing::internal::GetCapturedStdout();
+    for (const std::string& arguments : verb.arguments) {
+      EXPECT_EQ(Execute(name + " --config " + asked + ' ' + arguments), Done) << name << ' ' << arguments;
     }
-    questionListener = nullptr;
     EXPECT_TRUE(verb.readsAllBecause != nullptr || questions.size() > before) << name;
   }
+  questionListener = nullptr;
   for (const std::string& question : questions) {
     const std::string plan = Plan(question);
     EXPECT_FALSE(std::regex_search(plan, std::regex("SCAN (?!CONSTANT|ts_schema|sqlite_)|Seq Scan on (?!ts_schema)")))

@@ -5,7 +5,7 @@
 #include "reading/Store.h"
 #include "records/Records.h"
 #include "soundness/Soundness.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
 
 #include <TSAL/Error.h>
 
@@ -60,28 +60,42 @@ void ExpectSound(const Store& store, const Store& copy) {
   }
 }
 
+class BackupVerb : public StoreVerb {
+ public:
+  explicit BackupVerb(Options& options) : StoreVerb(options) {
+    options.AddRequiredText("FILE", file, "A file that is not there yet");
+  }
+
+  ExitCode Execute() override {
+    const Store store(Database());
+    if (store.Kind() == Store::Database::Kind::PostgreSql) {
+      Complain("a server's own tools copy what is on it: pg_dump --format=custom --file='" + file +
+               "' for this database (docs/postgresql.md), pg_basebackup for the whole server; velora-ts copy makes a "
+               "file of SQLite");
+      return WrongUsage;
+    }
+    if (std::error_code unknown; std::filesystem::exists(std::filesystem::symlink_status(file, unknown))) {
+      throw TsError("file '" + file + "' cannot be written: " + std::system_category().message(EEXIST));
+    }
+    const Numbers highest = HighestNumbers(store);
+    FreshFile fresh(file, ownerAndGroup);
+    Copy(store, fresh.Path());
+    store.ExpectUntouched();
+    ExpectSound(store, Store({Store::Database::Kind::Sqlite, fresh.Path()}));
+    fresh.TakeName(FreshFile::Existing::Keep);
+    Say("store '" + store.Name() + "' copied to '" + file + "' and checked: " + std::to_string(highest[Executions]) +
+        " executions, " + std::to_string(highest[Events]) + " events");
+    return Done;
+  }
+
+ private:
+  std::string file;
+};
+
 }  // namespace
 
-ExitCode Backup(const Quor::TolvaServices::Local::Database& database, const std::string& file) {
-  const Store store(database);
-  if (store.Kind() == Store::Database::Kind::PostgreSql) {
-    Complain("a server's own tools copy what is on it: pg_dump --format=custom --file='" + file +
-             "' for this database (docs/postgresql.md), pg_basebackup for the whole server; velora-ts copy makes a "
-             "file of SQLite");
-    return WrongUsage;
-  }
-  if (std::error_code unknown; std::filesystem::exists(std::filesystem::symlink_status(file, unknown))) {
-    throw TsError("file '" + file + "' cannot be written: " + std::system_category().message(EEXIST));
-  }
-  const Numbers highest = HighestNumbers(store);
-  FreshFile fresh(file, ownerAndGroup);
-  Copy(store, fresh.Path());
-  store.ExpectUntouched();
-  ExpectSound(store, Store({Quor::TolvaServices::Local::Database::Kind::Sqlite, fresh.Path()}));
-  fresh.TakeName(FreshFile::Existing::Keep);
-  Say("store '" + store.Name() + "' copied to '" + file + "' and checked: " + std::to_string(highest[Executions]) +
-      " executions, " + std::to_string(highest[Events]) + " events");
-  return Done;
-}
+extern const Registration registeredBackup = {"backup",
+                                              "Copies the store to FILE while hosts record, and checks the copy.",
+                                              "backup /backup/veldmar-2026-11-24.db", &Make<BackupVerb>};
 
 }  // namespace Velora::Ts

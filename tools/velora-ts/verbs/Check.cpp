@@ -6,7 +6,7 @@
 #include "reading/Runs.h"
 #include "reading/Store.h"
 #include "soundness/Soundness.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
 
 #include <TSAL/Error.h>
 
@@ -58,21 +58,43 @@ bool SayWhatIsThere(const Local::Database& database) {
   return findings.wrong.empty();
 }
 
+class CheckVerb : public StoreVerb {
+ public:
+  explicit CheckVerb(Options& options) : StoreVerb(options) {
+    options.AddText("--library", start.library,
+                    "File of the TS logging library that the host loads; its folder is looked into as well. Default: "
+                    "the one that was installed with this program");
+    options.AddText("--activities", start.activities, "Name of the host's activities file. Default: activities.xml");
+    options.AddText("--configuration", start.configuration,
+                    "Name of its instrument configuration. Default: instrument.xml");
+  }
+
+  ExitCode Execute() override {
+    start.folder = Folder();
+    const HostOutcome host = CheckHost(start, [](const HostStep& step) { Say(InWords(step)); });
+    bool isSound = true;
+    try {
+      if (host.hasStore || !host.records) {  // what a host cannot use can be read all the same, as a rule
+        isSound = SayWhatIsThere(Local::ReadSettings(FolderOfSettings(start).string()).database);
+      }
+    } catch (const TsError&) {
+      if (host.records) {
+        throw;
+      }
+    }
+    return host.records && isSound ? Done : Found;
+  }
+
+ private:
+  HostStart start{"", LibraryBesideProgram()};
+};
+
 }  // namespace
 
-ExitCode Check(const HostCheck::HostStart& start) {
-  const HostOutcome host = CheckHost(start, [](const HostStep& step) { Say(InWords(step)); });
-  bool isSound = true;
-  try {
-    if (host.hasStore || !host.records) {  // what a host cannot use can be read all the same, as a rule
-      isSound = SayWhatIsThere(Local::ReadSettings(FolderOfSettings(start).string()).database);
-    }
-  } catch (const TsError&) {
-    if (host.records) {
-      throw;
-    }
-  }
-  return host.records && isSound ? Done : Found;
-}
+extern const Registration registeredCheck = {
+    "check",
+    "Does what the start of a host does, takes it back, and says for each step whether it holds; then what the store "
+    "holds. FOLDER is the host's current directory.",
+    "check --config /data/scope-7", &Make<CheckVerb>};
 
 }  // namespace Velora::Ts

@@ -13,7 +13,7 @@
 #include "records/Seals.h"
 #include "records/Sha256.h"
 #include "soundness/Soundness.h"
-#include "verbs/Verbs.h"
+#include "verbs/Verb.h"
 
 #include <TSAL/Error.h>
 
@@ -220,27 +220,8 @@ class Copier {
   long long lastMonth = 0;
 };
 
-}  // namespace
-
-ExitCode CopyStore(const Local::Database& source, const Local::Database& target) {
-  if (const Store seen(source); seen.SchemaVersion() != Local::schemaVersion) {
-    throw TsError("TS store '" + seen.Name() + "' has a schema of version " + std::to_string(seen.SchemaVersion()) +
-                  "; expected version " + std::to_string(Local::schemaVersion) + ": run velora-ts prepare first");
-  }
-  const Store from = SettledStore(source);  // so that the next copy can go on behind it
-  if (const auto findings = ValueFindings(from); !findings.empty()) {
-    throw TsError("'" + from.Name() + "' cannot be copied as it is: " + findings.front() + "; see velora-ts verify");
-  }
-  const auto connection = Local::OpenConnection(target);
-  try {
-    Copier copier(from, *connection, target);
-    copier.TakeOverHistory();
-    ExpectBeginning(from, Store(target));
-    copier.Copy();
-  } catch (const soci::soci_error& reason) {
-    throw connection->ErrorOf(reason);
-  }
-  const Store copy(target);
+/// Whether a copy holds what the store of which it was made holds; says so.
+ExitCode Compare(const Store& from, const Store& copy) {
   const Numbers upTo = HighestNumbers(from);
   Progress progress("Comparing records", 0);
   const Content content = ContentOf(from, upTo, progress);
@@ -256,5 +237,50 @@ ExitCode CopyStore(const Local::Database& source, const Local::Database& target)
       " events, " + std::to_string(content.counts[Parameters]) + " parameters, hash " + content.hash);
   return Done;
 }
+
+class CopyVerb : public Verb {
+ public:
+  explicit CopyVerb(Options& options) {
+    options.AddRequiredText("FROM", from, "Folder with the TSAL.config of the store to copy");
+    options.AddRequiredText("TO", to, "Folder with that of an empty store, or of an earlier copy");
+  }
+
+  ExitCode Execute() override {
+    const Local::Database source = Local::ReadSettings(from).database;
+    const Local::Database target = Local::ReadSettings(to).database;
+    if (const Store seen(source); seen.SchemaVersion() != Local::schemaVersion) {
+      throw TsError("TS store '" + seen.Name() + "' has a schema of version " + std::to_string(seen.SchemaVersion()) +
+                    "; expected version " + std::to_string(Local::schemaVersion) + ": run velora-ts prepare first");
+    }
+    const Store settled = SettledStore(source);  // so that the next copy can go on behind it
+    if (const auto findings = ValueFindings(settled); !findings.empty()) {
+      throw TsError("'" + settled.Name() + "' cannot be copied as it is: " + findings.front() +
+                    "; see velora-ts verify");
+    }
+    Copy(settled, target);
+    return Compare(settled, Store(target));
+  }
+
+ private:
+  static void Copy(const Store& store, const Local::Database& target) {
+    const auto connection = Local::OpenConnection(target);
+    try {
+      Copier copier(store, *connection, target);
+      copier.TakeOverHistory();
+      ExpectBeginning(store, Store(target));
+      copier.Copy();
+    } catch (const soci::soci_error& reason) {
+      throw connection->ErrorOf(reason);
+    }
+  }
+
+  std::string from, to;
+};
+
+}  // namespace
+
+extern const Registration registeredCopy = {
+    "copy", "Copies a store into another database, file or server, or goes on with a copy that was interrupted.",
+    "copy /data/veldmar /data/facility", &Make<CopyVerb>};
 
 }  // namespace Velora::Ts

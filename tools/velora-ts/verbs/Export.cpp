@@ -3,11 +3,10 @@
 #include "output/Progress.h"
 #include "reading/Store.h"
 #include "records/Records.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
+#include "verbs/TimeArgument.h"
 
 namespace Velora::Ts {
-
-using Quor::TolvaServices::Local::Database;
 
 namespace {
 
@@ -24,28 +23,58 @@ void WriteRecords(const Store& store, const Selection& selection, const Step& st
   }
 }
 
-ExitCode Export(const Store& store, const Selection& selection, const std::string& format) {
-  Progress progress("Exporting records", 0);
-  const auto write = format == "csv" ? &WriteCsv : format == "trace" ? &WriteTrace : &WriteRecords;
-  write(store, selection, [&] { progress.Add(1); });
-  FlushOut();
-  store.ExpectUntouched();
-  return Done;
-}
+class ExportVerb : public StoreVerb {
+ public:
+  explicit ExportVerb(Options& options) : StoreVerb(options) {
+    options.AddText("RUN", name, "The run to export");
+    options.AddText("--since", since, "Export runs that started then or later; UTC");
+    options.AddText("--until", until, "... and before");
+    options.AddChoice("--format", format, {"jsonl", "csv", "trace"},
+                      "jsonl, the canonical form; csv, a row for each event; or trace, for timeline viewers");
+    options.Exclude("--since", "RUN");
+    options.Require("--until", "--since");
+  }
+
+  ExitCode Execute() override {
+    if (name.empty() == since.empty()) {
+      throw UsageError("RUN or --since is required");
+    }
+    return name.empty() ? ExportSpan() : ExportRun();
+  }
+
+ private:
+  ExitCode ExportRun() const {
+    const Store store(Database());
+    const std::optional<Run> run = TheRunNamed(store, name);
+    return run ? Export(store, {{*run}, std::nullopt}) : Found;
+  }
+
+  ExitCode ExportSpan() const {
+    const std::string from = TimeArgument(since);
+    const std::string before = until.empty() ? "9999-12-31T24" : TimeArgument(until);
+    const Store store(Database());
+    return Export(store, {RunsBetween(store, from, before), std::pair(from, before)});
+  }
+
+  ExitCode Export(const Store& store, const Selection& selection) const {
+    Progress progress("Exporting records", 0);
+    const auto write = format == "csv" ? &WriteCsv : format == "trace" ? &WriteTrace : &WriteRecords;
+    write(store, selection, [&] { progress.Add(1); });
+    FlushOut();
+    store.ExpectUntouched();
+    return Done;
+  }
+
+  std::string name, since, until, format = "jsonl";
+};
 
 }  // namespace
 
-ExitCode ExportRun(const Database& database, const std::string& name, const std::string& format) {
-  const Store store(database);
-  const std::optional<Run> run = TheRunNamed(store, name);
-  return run ? Export(store, {{*run}, std::nullopt}, format) : Found;
-}
-
-ExitCode ExportSpan(const Database& database, const std::string& since, const std::string& until,
-                    const std::string& format) {
-  const Store store(database);
-  const std::string before = until.empty() ? "9999-12-31T24" : until;
-  return Export(store, {RunsBetween(store, since, before), std::pair(since, before)}, format);
-}
+extern const Registration registeredExport = {
+    "export",
+    "Writes what was recorded to standard output. RUN is a guid, the first letters of one, \"last\" for the one "
+    "recorded last, or a node that only one run has.",
+    "export last > run.jsonl\n  velora-ts export --since 2026-11-24 --until 2026-12-01 --format csv > november.csv",
+    &Make<ExportVerb>};
 
 }  // namespace Velora::Ts

@@ -1,6 +1,6 @@
 #include "output/Output.h"
 #include "verbs/InitialSettings.h"
-#include "verbs/Verbs.h"
+#include "verbs/Verb.h"
 
 #include <TSAL/Error.h>
 
@@ -57,29 +57,44 @@ bool WriteNew(const fs::path& file, std::string_view content) {
   return true;
 }
 
+class InitVerb : public Verb {
+ public:
+  explicit InitVerb(Options& options) {
+    options.AddRequiredText("FOLDER", folder, "The folder that hosts will run in; it is made if it is not there");
+    options.AddText("--instrument", instrument, "Name of the instrument in the records. Default: the computer's name");
+  }
+
+  ExitCode Execute() override {
+    std::error_code failed;
+    fs::create_directories(folder, failed);
+    if (failed) {
+      throw TsError("folder '" + folder + "' cannot be made: " + failed.message());
+    }
+    ExitCode result = Done;
+    for (const InitialFile& file : initialFiles) {
+      const bool isNamed = &file == initialFiles.data() && !instrument.empty();
+      const fs::path path = fs::path(folder) / file.name;
+      if (WriteNew(path, isNamed ? NamedFor(file.content, instrument) : std::string(file.content))) {
+        Say("written: " + path.string());
+      } else {
+        Say("kept as it is: " + path.string());
+        result = isNamed ? Found : result;
+      }
+    }
+    if (result == Found) {
+      Complain("the instrument was not named: write the attribute Instrument into the element TSAL of the file");
+    }
+    return result;
+  }
+
+ private:
+  std::string folder, instrument;
+};
+
 }  // namespace
 
-ExitCode Init(const std::string& folder, const std::string& instrument) {
-  std::error_code failed;
-  fs::create_directories(folder, failed);
-  if (failed) {
-    throw TsError("folder '" + folder + "' cannot be made: " + failed.message());
-  }
-  ExitCode result = Done;
-  for (const InitialFile& file : initialFiles) {
-    const bool isNamed = &file == initialFiles.data() && !instrument.empty();
-    const fs::path path = fs::path(folder) / file.name;
-    if (WriteNew(path, isNamed ? NamedFor(file.content, instrument) : std::string(file.content))) {
-      Say("written: " + path.string());
-    } else {
-      Say("kept as it is: " + path.string());
-      result = isNamed ? Found : result;
-    }
-  }
-  if (result == Found) {
-    Complain("the instrument was not named: write the attribute Instrument into the element TSAL of the file");
-  }
-  return result;
-}
+extern const Registration registeredInit = {
+    "init", "Writes the three files that a host needs into FOLDER, commented, and overwrites nothing.",
+    "init /data/scope-7 --instrument \"Scope 7\"", &Make<InitVerb>};
 
 }  // namespace Velora::Ts

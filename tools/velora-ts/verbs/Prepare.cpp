@@ -4,7 +4,7 @@
 #include "reading/Store.h"
 #include "soundness/PostgreSqlRights.h"
 #include "soundness/PostgreSqlSoundness.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
 
 #include <map>
 
@@ -94,27 +94,42 @@ ExitCode SayWhatIsMissing(const Local::Database& database) {
   return result;
 }
 
+class PrepareVerb : public StoreVerb {
+ public:
+  explicit PrepareVerb(Options& options) : StoreVerb(options) {
+    options.AddText("--hosts", hosts, "Let this role of the PostgreSQL server record, and nothing else");
+  }
+
+  ExitCode Execute() override {
+    const Local::Database database = Database();
+    const bool onServer = database.kind == Local::Database::Kind::PostgreSql;
+    if (!hosts.empty() && !onServer) {
+      Complain("a store in a file has no roles; who may record is said by the rights on the file");
+      return WrongUsage;
+    }
+    const auto connection = Local::OpenConnection(database);
+    try {
+      if (!hosts.empty()) {
+        Grant(*connection, hosts);
+      }
+    } catch (const soci::soci_error& reason) {
+      throw connection->ErrorOf(reason);
+    }
+    if (onServer && SayWhatIsMissing(database) == Found) {
+      return Found;
+    }
+    Say("the store is ready" + (hosts.empty() ? "" : " for the role " + hosts));
+    return Done;
+  }
+
+ private:
+  std::string hosts;
+};
+
 }  // namespace
 
-ExitCode Prepare(const Local::Database& database, const std::string& hosts) {
-  const bool onServer = database.kind == Local::Database::Kind::PostgreSql;
-  if (!hosts.empty() && !onServer) {
-    Complain("a store in a file has no roles; who may record is said by the rights on the file");
-    return WrongUsage;
-  }
-  const auto connection = Local::OpenConnection(database);
-  try {
-    if (!hosts.empty()) {
-      Grant(*connection, hosts);
-    }
-  } catch (const soci::soci_error& reason) {
-    throw connection->ErrorOf(reason);
-  }
-  if (onServer && SayWhatIsMissing(database) == Found) {
-    return Found;
-  }
-  Say("the store is ready" + (hosts.empty() ? "" : " for the role " + hosts));
-  return Done;
-}
+extern const Registration registeredPrepare = {
+    "prepare", "Makes the store or brings it up to this version. Run as the owner of a server's database.",
+    "prepare --hosts microscopes", &Make<PrepareVerb>};
 
 }  // namespace Velora::Ts

@@ -6,7 +6,7 @@
 #include "report/KeptEvents.h"
 #include "report/PageParts.h"
 #include "report/ReportData.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
 
 #include <TSAL/Error.h>
 
@@ -138,23 +138,39 @@ void WritePage(PageFile& page, const Store& store, const Run& run, const KeptEve
   page.Write(rest);
 }
 
+class ReportVerb : public StoreVerb {
+ public:
+  explicit ReportVerb(Options& options) : StoreVerb(options) {
+    options.AddRequiredText("RUN", name, "The run to show");
+    options.AddText("-o,--output", file, "Where to write. Default: run-GUID.html, with the first letters of the guid");
+  }
+
+  ExitCode Execute() override {
+    const Store store(Database());
+    const std::optional<Run> run = TheRunNamed(store, name);
+    if (!run) {
+      return Found;
+    }
+    const std::string path = file.empty() ? "run-" + run->guid.substr(0, 8) + ".html" : file;
+    const KeptEvents kept(store, run->root);
+    PageFile page(path);
+    WritePage(page, store, *run, kept);
+    store.ExpectUntouched();
+    page.Finish();
+    Complain(InWords(*run) + ": " + kept.InWords() + ", written to '" + path + "', " + std::to_string(page.Bytes()) +
+             " bytes");
+    return Done;
+  }
+
+ private:
+  std::string name, file;
+};
+
 }  // namespace
 
-ExitCode Report(const Store::Database& database, const std::string& name, const std::string& file) {
-  const Store store(database);
-  const std::optional<Run> run = TheRunNamed(store, name);
-  if (!run) {
-    return Found;
-  }
-  const std::string path = file.empty() ? "run-" + run->guid.substr(0, 8) + ".html" : file;
-  const KeptEvents kept(store, run->root);
-  PageFile page(path);
-  WritePage(page, store, *run, kept);
-  store.ExpectUntouched();
-  page.Finish();
-  Complain(InWords(*run) + ": " + kept.InWords() + ", written to '" + path + "', " + std::to_string(page.Bytes()) +
-           " bytes");
-  return Done;
-}
+extern const Registration registeredReport = {
+    "report",
+    "Writes a page that shows a run, with all it needs in one file, for any browser. RUN is named as for export.",
+    "report last -o run.html", &Make<ReportVerb>};
 
 }  // namespace Velora::Ts

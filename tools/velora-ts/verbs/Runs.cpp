@@ -8,11 +8,19 @@
 #include "reading/Rows.h"
 #include "reading/Store.h"
 #include "reading/Values.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
+#include "verbs/TimeArgument.h"
 
 namespace Velora::Ts {
 
 namespace {
+
+/// Which runs to list; an empty text leaves it open.
+struct RunFilter {
+  std::string since, instrument, activity;
+  bool unfinished = false;  ///< Only those that did not finish.
+  long long limit = 50;
+};
 
 // Along the index by parent and time, until there are enough. PostgreSQL takes the order from the index only where all
 // of its columns are named.
@@ -62,17 +70,38 @@ void WriteJson(const Store& store, Rows& rows) {
   WriteData(*separator == '[' ? "[]\n" : "\n]\n");
 }
 
+class RunsVerb : public StoreVerb {
+ public:
+  explicit RunsVerb(Options& options) : StoreVerb(options) {
+    options.AddText("--instrument", filter.instrument, "Only those of this instrument");
+    options.AddText("--since", filter.since, "Only those that started then or later; UTC");
+    options.AddText("--activity", filter.activity, "Only those of this activity, or version of one");
+    options.AddFlag("--unfinished", filter.unfinished, "Only those of which something did not finish");
+    options.AddCount("--limit", filter.limit, "How many at most. Default: 50");
+    options.AddFlag("--json", json, "As a JSON array; times in UTC");
+  }
+
+  ExitCode Execute() override {
+    const std::string since = filter.since.empty() ? "" : TimeArgument(filter.since);
+    const Store store(Database());
+    Rows rows(store, QuestionOf(filter));
+    using Quor::TolvaServices::Local::ToStoredText;
+    rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit);
+    json ? WriteJson(store, rows) : WriteTable(store, rows);
+    FlushOut();
+    store.ExpectUntouched();
+    return Done;
+  }
+
+ private:
+  RunFilter filter;
+  bool json = false;
+};
+
 }  // namespace
 
-ExitCode ListRuns(const Quor::TolvaServices::Local::Database& database, const RunFilter& filter) {
-  const Store store(database);
-  Rows rows(store, QuestionOf(filter));
-  using Quor::TolvaServices::Local::ToStoredText;
-  rows.Ask(filter.since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit);
-  filter.json ? WriteJson(store, rows) : WriteTable(store, rows);
-  FlushOut();
-  store.ExpectUntouched();
-  return Done;
-}
+extern const Registration registeredRuns = {"runs",
+                                            "Lists runs, the newest first. What did not finish is marked UNFINISHED.",
+                                            "runs --since 2026-11-24 --unfinished", &Make<RunsVerb>};
 
 }  // namespace Velora::Ts

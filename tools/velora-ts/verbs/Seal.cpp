@@ -10,7 +10,7 @@
 #include "records/Anchor.h"
 #include "records/Seals.h"
 #include "records/Sha256.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
 
 #include <TSAL/Error.h>
 
@@ -135,16 +135,31 @@ ExitCode SealWith(Local::Connection& connection, const Store& store, const std::
   return Done;
 }
 
+class SealVerb : public StoreVerb {
+ public:
+  explicit SealVerb(Options& options) : StoreVerb(options) {
+    options.AddText("--anchor", anchorFile, "Write the newest hash to this file, to be kept away from the store");
+  }
+
+  ExitCode Execute() override {
+    const Local::Database database = Database();
+    static_cast<void>(Store(database));                       // which must be there: a connection would make one
+    const auto connection = Local::OpenConnection(database);  // brings it up
+    try {
+      return SealWith(*connection, SettledStore(database), anchorFile);
+    } catch (const soci::soci_error& reason) {
+      throw connection->ErrorOf(reason);
+    }
+  }
+
+ private:
+  std::string anchorFile;
+};
+
 }  // namespace
 
-ExitCode SealRuns(const Local::Database& database, const std::string& anchorFile) {
-  static_cast<void>(Store(database));                       // which must be there: a connection would make one
-  const auto connection = Local::OpenConnection(database);  // brings it up
-  try {
-    return SealWith(*connection, SettledStore(database), anchorFile);
-  } catch (const soci::soci_error& reason) {
-    throw connection->ErrorOf(reason);
-  }
-}
+extern const Registration registeredSeal = {"seal",
+                                            "Seals every finished run, so that verify finds what is changed later.",
+                                            "seal --anchor /safe/veldmar.anchor", &Make<SealVerb>};
 
 }  // namespace Velora::Ts

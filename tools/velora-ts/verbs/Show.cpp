@@ -11,7 +11,7 @@
 #include "reading/Store.h"
 #include "reading/Values.h"
 #include "verbs/EventLines.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
 
 #include <algorithm>
 #include <utility>
@@ -27,6 +27,12 @@ std::string IndentOf(int depth) {
   const std::string blanks(2 * static_cast<std::size_t>(std::min(depth, deepestIndent)), ' ');
   return depth > deepestIndent ? blanks + std::to_string(depth) + ": " : blanks;
 }
+
+struct ShowOptions {
+  bool tree = false;                 ///< Everything below the run in place of its children.
+  bool events = false;               ///< Its events as well.
+  std::vector<std::string> columns;  ///< Parameters to show of each execution.
+};
 
 class Show {
  public:
@@ -200,20 +206,43 @@ class Show {
   Rows execution, children, parameters, picked;
 };
 
+class ShowVerb : public StoreVerb {
+ public:
+  explicit ShowVerb(Options& options) : StoreVerb(options) {
+    options.AddRequiredText("RUN", name, "The run to show");
+    options.AddFlag("--tree", chosen.tree, "Everything below the run, not only its children");
+    options.AddFlag("--events", chosen.events, "Its events too, one after the other");
+    options.AddList("--columns", chosen.columns,
+                    "Parameters to show of each execution, separated by commas; of several values the last. Default: "
+                    "its first three parameters");
+    options.AddFlag("--json", json, "As a JSON object; times in UTC");
+  }
+
+  ExitCode Execute() override {
+    const Store store(Database());
+    const std::optional<Run> run = TheRunNamed(store, name);
+    if (!run) {
+      return Found;
+    }
+    Show show(store, *run, chosen);
+    json ? show.AsJson() : show.InWords();
+    FlushOut();
+    store.ExpectUntouched();
+    return Done;
+  }
+
+ private:
+  std::string name;
+  ShowOptions chosen;
+  bool json = false;
+};
+
 }  // namespace
 
-ExitCode ShowRun(const Quor::TolvaServices::Local::Database& database, const std::string& name,
-                 const ShowOptions& options) {
-  const Store store(database);
-  const std::optional<Run> run = TheRunNamed(store, name);
-  if (!run) {
-    return Found;
-  }
-  Show show(store, *run, options);
-  options.json ? show.AsJson() : show.InWords();
-  FlushOut();
-  store.ExpectUntouched();
-  return Done;
-}
+extern const Registration registeredShow = {
+    "show",
+    "Shows a run: its head and a row for each execution below it. RUN is what export takes, or the first letters that "
+    "runs shows.",
+    "show last --columns TiltAngle,ExposureDose,Defocus", &Make<ShowVerb>};
 
 }  // namespace Velora::Ts

@@ -5,7 +5,7 @@
 #include "reading/Runs.h"
 #include "reading/Store.h"
 #include "verbs/EventLines.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
 
 #include <TSAL/Error.h>
 
@@ -98,25 +98,40 @@ class Follower {
   EventLines lines;
 };
 
+class TailVerb : public StoreVerb {
+ public:
+  explicit TailVerb(Options& options) : StoreVerb(options) { options.AddText("RUN", name, "The run to follow"); }
+
+  ExitCode Execute() override {
+    const Store::Database database = Database();
+    const std::optional<Run> run = RunToFollow(database, name);
+    if (!run) {
+      return Found;
+    }
+    Complain("following " + InWords(*run) + " until it is finished; Ctrl-C ends that sooner");
+    Follower follower(*run);
+    State state = follower.Look(Store(database));
+    while (state == State::Running) {
+      std::this_thread::sleep_for(betweenLooks);
+      state = follower.Look(Store(database));
+    }
+    if (state == State::WithoutStatus) {
+      Complain("this run has no status, so nothing says whether more will come");
+      return Found;
+    }
+    return Done;
+  }
+
+ private:
+  std::string name;
+};
+
 }  // namespace
 
-ExitCode Tail(const Database& database, const std::string& name) {
-  const std::optional<Run> run = RunToFollow(database, name);
-  if (!run) {
-    return Found;
-  }
-  Complain("following " + InWords(*run) + " until it is finished; Ctrl-C ends that sooner");
-  Follower follower(*run);
-  State state = follower.Look(Store(database));
-  while (state == State::Running) {
-    std::this_thread::sleep_for(betweenLooks);
-    state = follower.Look(Store(database));
-  }
-  if (state == State::WithoutStatus) {
-    Complain("this run has no status, so nothing says whether more will come");
-    return Found;
-  }
-  return Done;
-}
+extern const Registration registeredTail = {
+    "tail",
+    "Writes a run's events, one a line, while they are recorded, until the run is finished. Without RUN it takes the "
+    "one recorded last, and waits where there is none.",
+    "tail", &Make<TailVerb>};
 
 }  // namespace Velora::Ts

@@ -7,7 +7,7 @@
 #include "records/Seals.h"
 #include "records/Sha256.h"
 #include "soundness/Soundness.h"
-#include "verbs/Verbs.h"
+#include "verbs/StoreVerb.h"
 
 #include <algorithm>
 #include <numeric>
@@ -121,27 +121,40 @@ class Verifier {
   bool allCompared = true;
 };
 
+class VerifyVerb : public StoreVerb {
+ public:
+  explicit VerifyVerb(Options& options) : StoreVerb(options) {
+    options.AddText("--anchor", anchorFile, "Compare the seals with this file, which seal --anchor wrote");
+  }
+
+  ExitCode Execute() override {
+    const Store store(Database());
+    const std::vector<Seal> seals = ReadSeals(store);
+    Verifier verifier(store, seals);
+    const Findings ofSchema = SchemaFindings(store);
+    verifier.Report(ofSchema.wrong);
+    verifier.NoteWhatIsNotCompared(ofSchema.notCompared);
+    verifier.Report(DamageFindings(store));
+    verifier.Report(ValueFindings(store));
+    verifier.Report(ChainFindings(seals));
+    if (!anchorFile.empty()) {
+      if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), seals); !finding.empty()) {
+        verifier.Report({finding});
+      }
+    }
+    verifier.CompareContents();
+    verifier.FindWhatIsNotSealed();
+    store.ExpectUntouched();
+    return verifier.Finish();
+  }
+
+ private:
+  std::string anchorFile;
+};
+
 }  // namespace
 
-ExitCode Verify(const Quor::TolvaServices::Local::Database& database, const std::string& anchorFile) {
-  const Store store(database);
-  const std::vector<Seal> seals = ReadSeals(store);
-  Verifier verifier(store, seals);
-  const Findings ofSchema = SchemaFindings(store);
-  verifier.Report(ofSchema.wrong);
-  verifier.NoteWhatIsNotCompared(ofSchema.notCompared);
-  verifier.Report(DamageFindings(store));
-  verifier.Report(ValueFindings(store));
-  verifier.Report(ChainFindings(seals));
-  if (!anchorFile.empty()) {
-    if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), seals); !finding.empty()) {
-      verifier.Report({finding});
-    }
-  }
-  verifier.CompareContents();
-  verifier.FindWhatIsNotSealed();
-  store.ExpectUntouched();
-  return verifier.Finish();
-}
+extern const Registration registeredVerify = {"verify", "Names each run that is missing, altered or not sealed.",
+                                              "verify --anchor /safe/veldmar.anchor", &Make<VerifyVerb>};
 
 }  // namespace Velora::Ts
