@@ -2,10 +2,10 @@
 
 #include "CommandLine.h"
 #include "ToolTest.h"
+#include "reading/EventLines.h"
 #include "reading/EventRows.h"
 #include "reading/Listener.h"
 #include "reading/Store.h"
-#include "verbs/EventLines.h"
 
 #include <iterator>
 #include <map>

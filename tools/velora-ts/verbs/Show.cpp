@@ -4,13 +4,13 @@
 #include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
+#include "reading/EventLines.h"
 #include "reading/EventRows.h"
 #include "reading/Executions.h"
 #include "reading/Rows.h"
 #include "reading/Runs.h"
 #include "reading/Store.h"
 #include "reading/Values.h"
-#include "verbs/EventLines.h"
 #include "verbs/StoreVerb.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 #include "output/Output.h"
+#include "reading/EventLines.h"
 #include "reading/EventRows.h"
 #include "reading/Executions.h"
 #include "reading/Rows.h"
 #include "reading/Runs.h"
 #include "reading/Store.h"
-#include "verbs/EventLines.h"
 #include "verbs/StoreVerb.h"
 
 #include <TSAL/Error.h>

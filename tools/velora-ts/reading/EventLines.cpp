@@ -1,4 +1,4 @@
-#include "verbs/EventLines.h"
+#include "reading/EventLines.h"
 
 #include "output/Json.h"
 #include "output/Output.h"
