@@ -1,7 +1,9 @@
-#include "exporting/Selection.h"
+#include "exporting/UniqueName.h"
+#include "exporting/Writers.h"
 #include "output/Output.h"
 #include "reading/EventRows.h"
-#include "reading/Values.h"
+#include "reading/ParameterValue.h"
+#include "reading/RecordedText.h"
 
 #include <TSAL/Error.h>
 

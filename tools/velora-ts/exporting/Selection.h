@@ -13,15 +13,11 @@ namespace Velora::Ts {
 /// What is exported.
 struct Selection {
   std::vector<Run> runs;
-  std::optional<std::pair<std::string, std::string>> ofNoRun;  ///< Events of no run from a time on, before another.
+  /// Events that belong to no run: those from the first time on and before the second.
+  std::optional<std::pair<std::string, std::string>> ofNoRun;
 };
 
-/// Told of each record that has been written.
+/// Called after each record that has been written, to show how far the export is.
 using Step = std::function<void()>;
-
-/// Comma-separated values: a row for each event, a column for each parameter.
-void WriteCsv(const Store& store, const Selection& selection, const Step& step);
-/// Trace events: what ran when, for timeline viewers.
-void WriteTrace(const Store& store, const Selection& selection, const Step& step);
 
 }  // namespace Velora::Ts

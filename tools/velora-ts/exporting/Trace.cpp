@@ -1,11 +1,13 @@
-#include "exporting/Selection.h"
+#include "exporting/UniqueName.h"
+#include "exporting/Writers.h"
 #include "output/Json.h"
 #include "output/Output.h"
 #include "output/Times.h"
 #include "reading/EventRows.h"
 #include "reading/Executions.h"
+#include "reading/ParameterValue.h"
+#include "reading/RecordedText.h"
 #include "reading/Rows.h"
-#include "reading/Values.h"
 
 #include <algorithm>
 

@@ -4,7 +4,8 @@
 #include "output/Output.h"
 #include "output/Times.h"
 #include "reading/EventRows.h"
-#include "reading/Values.h"
+#include "reading/ParameterValue.h"
+#include "reading/RecordedText.h"
 
 #include <algorithm>
 

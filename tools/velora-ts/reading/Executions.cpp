@@ -2,8 +2,8 @@
 
 #include "output/Json.h"
 #include "output/Times.h"
+#include "reading/RecordedText.h"
 #include "reading/Rows.h"
-#include "reading/Values.h"
 
 namespace Velora::Ts {
 

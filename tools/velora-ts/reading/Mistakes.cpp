@@ -1,7 +1,7 @@
 #include "reading/Mistakes.h"
 
+#include "reading/RecordedText.h"
 #include "reading/Rows.h"
-#include "reading/Values.h"
 
 #include <algorithm>
 #include <map>

@@ -4,9 +4,9 @@
 #include "output/Json.h"
 #include "output/Output.h"
 #include "output/Terminal.h"
+#include "reading/RecordedText.h"
 #include "reading/Rows.h"
 #include "reading/Store.h"
-#include "reading/Values.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,8 +1,8 @@
 #include "records/Records.h"
 
 #include "output/Json.h"
+#include "reading/ParameterValue.h"
 #include "reading/Store.h"
-#include "reading/Values.h"
 
 #include <TSAL/Error.h>
 

@@ -2,7 +2,8 @@
 
 #include "output/Json.h"
 #include "output/Times.h"
-#include "reading/Values.h"
+#include "reading/ParameterValue.h"
+#include "reading/RecordedText.h"
 
 namespace Velora::Ts {
 

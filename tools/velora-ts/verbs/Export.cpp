@@ -1,27 +1,13 @@
-#include "exporting/Selection.h"
+#include "exporting/Writers.h"
 #include "output/Output.h"
 #include "output/Progress.h"
 #include "reading/Store.h"
-#include "records/Records.h"
 #include "verbs/StoreVerb.h"
 #include "verbs/TimeArgument.h"
 
 namespace Velora::Ts {
 
 namespace {
-
-void WriteRecords(const Store& store, const Selection& selection, const Step& step) {
-  Records records(store, HighestNumbers(store), [&](std::string_view line) {
-    WriteData(line);
-    step();
-  });
-  for (const Run& run : selection.runs) {
-    records.WriteRun(run.root);
-  }
-  if (selection.ofNoRun) {
-    records.WriteEventsOfNoRun(selection.ofNoRun->first, selection.ofNoRun->second);
-  }
-}
 
 class ExportVerb : public StoreVerb {
  public:

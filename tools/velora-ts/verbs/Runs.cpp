@@ -5,9 +5,9 @@
 #include "output/TextTable.h"
 #include "output/Times.h"
 #include "reading/Executions.h"
+#include "reading/RecordedText.h"
 #include "reading/Rows.h"
 #include "reading/Store.h"
-#include "reading/Values.h"
 #include "verbs/StoreVerb.h"
 #include "verbs/TimeArgument.h"
 

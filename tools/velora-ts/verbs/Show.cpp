@@ -7,10 +7,11 @@
 #include "reading/EventLines.h"
 #include "reading/EventRows.h"
 #include "reading/Executions.h"
+#include "reading/ParameterValue.h"
+#include "reading/RecordedText.h"
 #include "reading/Rows.h"
 #include "reading/Runs.h"
 #include "reading/Store.h"
-#include "reading/Values.h"
 #include "verbs/StoreVerb.h"
 
 #include <algorithm>
