@@ -3,7 +3,7 @@
 #include <windows.h>
 
 extern "C" {
-/// Cuts the last element off a path, with the separator before it; the root keeps its separator.
-/// @return not 0 when something was cut off.
+/// Removes the last element of a path and the separator before it. The root keeps its separator.
+/// @return not 0 if something was removed.
 BOOL PathRemoveFileSpecW(wchar_t* path);
 }

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-// VELORA_INFRA_LOGGING_BUILD is defined by the build of the library alone.
+// Only the build of the library defines VELORA_INFRA_LOGGING_BUILD.
 #if defined(_WIN32) && defined(VELORA_INFRA_LOGGING_BUILD)
 #define VELORA_INFRA_LOGGING_API __declspec(dllexport)
 #elif defined(_WIN32)
@@ -14,20 +14,22 @@
 
 namespace Quor::Velora::Infra::Logging {
 
-/// The host application's logger. All operations may be called from several threads at once; a line is written whole.
+/// The logger of the host application. All operations can be called from several threads at once; lines are not mixed.
 class VELORA_INFRA_LOGGING_API Logger {
  public:
-  /// The logger of the process, never empty. A holder keeps it usable for as long as it holds it.
+  /// The logger of the process. Never null. It can be used as long as somebody holds the pointer.
   static std::shared_ptr<Logger> GetInstance();
 
   virtual ~Logger();
 
-  /// Write one line each, at the level that the name says. The line is out when the operation returns.
-  /// @param source who writes.
+  /// Writes a line with the level "info". It is written when the operation returns.
+  /// @param source the program or library that writes.
   /// @param message the text; any bytes.
-  /// @throws std::runtime_error when the line cannot be written, naming where it should have gone.
+  /// @throws std::runtime_error if the line cannot be written; its text names the file or stream.
   virtual void WriteInfo(const std::wstring& source, const std::string& message) = 0;
+  /// Writes a line with the level "warning", as WriteInfo does.
   virtual void WriteWarning(const std::wstring& source, const std::string& message) = 0;
+  /// Writes a line with the level "error", as WriteInfo does.
   virtual void WriteError(const std::wstring& source, const std::string& message) = 0;
 
  protected:

@@ -6,12 +6,12 @@
 
 namespace Velora::System {
 
-/// What a path leads to, links followed, where that is no regular file: "a FIFO", for example. Empty for a regular file
-/// and for what is not there.
+/// The kind of the object that a path leads to, with links followed: "a FIFO", for example. Empty if it is a regular
+/// file or does not exist.
 std::string KindOfNoFile(const std::filesystem::path& path);
 
-/// Opens a regular file for reading, and never waits, as opening a FIFO would.
-/// @return null, with errno set, when it cannot be opened or is none.
+/// Opens a regular file for reading. It never waits, as the opening of a FIFO would.
+/// @return null, with errno set, if the path cannot be opened or is not a regular file.
 std::FILE* OpenRegularFile(const std::string& path);
 
 }  // namespace Velora::System

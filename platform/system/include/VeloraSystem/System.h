@@ -5,32 +5,33 @@
 
 namespace Velora::System {
 
-/// Makes an empty file that owner and group can read, where there is none yet. Made without being opened, since closing
-/// a file gives up every lock that this process has on it. What is wrong shows when the file is opened. On Windows it
-/// does nothing: a file has the access list of its folder there.
+/// Makes an empty file that owner and group can read, if the file does not exist. It does not open the file, because
+/// closing a file releases every lock that this process has on it. It reports no error: the later opening of the file
+/// does. On Windows it does nothing, because a file gets the access list of its folder there.
 void MakeOwnFile(const std::string& path);
 
-/// Which file a path leads to, following links: another one for every file that is there or open at one time, and the
-/// default one for none. On Windows always the same one: a file stays there as long as it is open.
+/// The identity of a file. All files that exist or are open at one time have different identities. On Windows all files
+/// have the same identity: a file cannot be deleted there while it is open.
 struct FileId {
   std::uint64_t device = 0;
   std::uint64_t number = 0;
 
   bool operator==(const FileId&) const = default;
 };
+/// The identity of the file that a path leads to, with links followed. Default-constructed if there is no file.
 FileId IdOf(const std::string& path);
 
-/// Whether this process may make files in a folder. Makes none that stays.
+/// Whether this process can make files in a folder. It leaves no file there.
 bool TakesNewFiles(const std::string& folder);
 
-/// The folder of this process's program; empty when the system does not tell it.
+/// The folder of the program of this process; empty if the system does not tell it.
 std::string ProgramFolder();
 
-/// This computer's name, "unknown" when the system does not tell it.
+/// The name of this computer; "unknown" if the system does not tell it.
 std::string ComputerName();
 
-/// Which process, in words, has locked a byte of a file for writing: "process 4711 (recorder)", "another thread of this
-/// process", or, where the system does not tell, "another process or thread".
+/// Describes the process that has locked a byte of a file for writing: "process 4711 (recorder)", "another thread of
+/// this process", or, if the system does not tell it, "another process or thread".
 std::string LockerOf(const std::string& path, unsigned byte);
 
 }  // namespace Velora::System

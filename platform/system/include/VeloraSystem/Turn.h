@@ -6,21 +6,24 @@
 
 namespace Velora::System {
 
-/// A turn at a file that many threads and processes want to write: each gets it after those that asked before, and
-/// waits without using the processor. It ends with the object, or with the process, however that ends.
+/// A turn in the queue for a file that several threads and processes write. They get their turns in the order in which
+/// they asked, and wait without using processor time. A turn ends with the object, or with the process, also if that is
+/// killed.
 ///
-/// It is a courtesy and no lock. Only those of one user stand in one queue, and a turn that does not end in time, or a
-/// system without such queues, leaves everybody without one. So what a file needs to stay whole is locked besides.
+/// A turn is not a lock. Only the processes of one user share a queue, and if a turn does not end in time, or the
+/// system has no such queues, the others continue without a turn. So the file must be locked as well.
 class Turn {
  public:
-  /// Waits for the turn, at most so long.
+  /// Waits for the turn.
+  /// @param file the file; each file has a queue of its own.
+  /// @param longest the time after which it continues without the turn.
   Turn(const std::string& file, std::chrono::milliseconds longest);
   Turn(const Turn&) = delete;
   Turn& operator=(const Turn&) = delete;
-  /// To be called in the thread that waited.
+  /// Ends the turn. Must run in the thread that waited for it.
   ~Turn();
 
-  /// Whether it came.
+  /// Whether this object has the turn.
   bool IsOurs() const { return ours; }
 
  private:

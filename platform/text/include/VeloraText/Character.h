@@ -5,11 +5,11 @@
 
 namespace Velora::Text {
 
-/// Length of the UTF-8 sequence at the start of `rest`; 0 when there is no valid one. Neither overlong forms nor
-/// surrogates nor points above U+10FFFF are valid.
+/// The length of the UTF-8 sequence at the start of `rest`; 0 if there is no valid sequence. Overlong forms, surrogates
+/// and code points above U+10FFFF are not valid.
 std::size_t SequenceLength(std::string_view rest);
 
-/// The character at the start of a text, and the bytes that it takes; one byte that is part of none counts as U+FFFD.
+/// The character at the start of a text, and its length in bytes. A byte that is part of no character counts as U+FFFD.
 struct Character {
   explicit Character(std::string_view text);
 

@@ -4,19 +4,19 @@
 #include <string>
 #include <string_view>
 
-// What a program says may have texts in it that come from a file, a database or a command line. On a terminal some
-// characters would do something: move what stands there, turn it round, or hide in it.
+// The output of a program can contain texts from a file, a database or a command line. Some characters control a
+// terminal: they move or overwrite what it shows, reverse its direction, or are invisible.
 
 namespace Velora::Text {
 
-/// A text as it can be shown on one line: a sign stands in the place of what would steer a terminal or is not to be
-/// seen, and of a byte that is no part of a character.
+/// A text in a form that can be shown on one line. A symbol replaces each character that would control a terminal or is
+/// invisible, and each byte that is part of no character.
 std::string Printable(std::string_view text);
 
-/// Writes a line for a person to read.
+/// Writes a text, made printable, and a line break.
 void WriteLine(std::ostream& stream, std::string_view text);
 
-/// The same for a text of our own that has several lines; each is printable.
+/// Writes a text of several lines. Each line is made printable; the line breaks between them stay.
 void WriteLines(std::ostream& stream, std::string_view text);
 
 }  // namespace Velora::Text

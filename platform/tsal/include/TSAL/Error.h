@@ -7,8 +7,8 @@
 
 namespace Quor::TolvaServices {
 
-/// What every operation of TSAL raises when it cannot do what it was asked: which thing, what is wrong with it, what
-/// was expected. Nothing that was acknowledged before is lost.
+/// The exception of all operations of TSAL. Its text names the database or file, what is wrong, and what was expected.
+/// Nothing that was acknowledged before is lost.
 class TSAL_API TsError : public std::runtime_error {
  public:
   explicit TsError(const std::string& what);

@@ -1,6 +1,6 @@
 #pragma once
 
-// TSAL_BUILD is defined by the build of the library alone.
+// Only the build of the library defines TSAL_BUILD.
 #if defined(_WIN32) && defined(TSAL_BUILD)
 #define TSAL_API __declspec(dllexport)
 #elif defined(_WIN32)

@@ -4,13 +4,12 @@
 
 #include <string>
 
-// Of the local TS alone: a vendor's TSAL says this in its own way.
+// Only the local TS has this header: a vendor's TSAL reports its reasons in its own way.
 
 namespace Quor::TolvaServices {
 
-/// Why TS cannot be used: what was behind the last answer of this process that the service is not present or not
-/// connectable, and what to do. Empty when the last answer was yes, or none was asked for. May be called from any
-/// thread.
+/// Why TS cannot be used: the reason for which IsTsServicePresent or IsConnectable last answered no in this process,
+/// and what to do. Empty if the last answer was yes, or if neither was called. Can be called from any thread.
 TSAL_API std::string WhyNotAvailable();
 
 }  // namespace Quor::TolvaServices

@@ -9,21 +9,20 @@
 #include <variant>
 #include <vector>
 
-// The TS records. They are values: whoever holds one owns it, and TSAL keeps no reference to any of them. A field said
-// to be TSAL's own is carried along by a host that copies the record, and neither set nor read by it.
+// The TS records. They are values: their holder owns them, and TSAL keeps no reference to them. A field that is marked
+// as TSAL's own is copied with the record; a host neither sets nor reads it.
 
 namespace Quor::TolvaServices::Types {
 
 /// The identity of something that TS stores: a guid as text, or unset.
 class Tsid {
  public:
-  /// Unset: the empty text.
+  /// An identity that is unset: its text is empty.
   Tsid() = default;
-  /// @param guid the guid as text. It is looked at by the operation that it is given to, which refuses one that is
-  /// none.
+  /// @param guid the guid as text. The constructor does not check it; each operation refuses a text that is not a guid.
   explicit Tsid(std::string guid) : guid_(std::move(guid)) {}
 
-  /// The guid's text, empty when unset.
+  /// The text of the guid; empty if the identity is unset.
   std::string GetGuid() const { return guid_; }
 
   friend bool operator==(const Tsid& a, const Tsid& b) { return a.guid_ == b.guid_; }
@@ -33,24 +32,26 @@ class Tsid {
   std::string guid_;
 };
 
-/// A time stamp: a point in time with microseconds, or, when default-constructed, no time stated.
+/// A time stamp: a point in time with microseconds. A default-constructed one means that no time is stated.
 class DateTimeOffset {
  public:
-  /// No time stated: what is stored with it carries the time at which it was stored. Differs from every Now().
+  /// No time is stated: a record is then stored with the time at which it is saved. Differs from every Now().
   DateTimeOffset() = default;
 
   /// The current time of the system's clock.
   TSAL_API static DateTimeOffset Now();
 
-  /// @param microseconds since 1970-01-01T00:00:00 UTC, leap seconds not counted.
+  /// The time stamp of a point in time.
+  /// @param microseconds since 1970-01-01T00:00:00 UTC, without leap seconds.
   static DateTimeOffset FromMicroseconds(std::int64_t microseconds) {
     DateTimeOffset time;
     time.microseconds_ = microseconds;
     return time;
   }
 
+  /// Whether a time is stated.
   bool IsStated() const { return microseconds_ != notStated; }
-  /// Microseconds since 1970-01-01T00:00:00 UTC; without meaning when no time is stated.
+  /// Microseconds since 1970-01-01T00:00:00 UTC. Meaningless if no time is stated.
   std::int64_t Microseconds() const { return microseconds_; }
 
   friend bool operator==(const DateTimeOffset& a, const DateTimeOffset& b) {
@@ -64,23 +65,25 @@ class DateTimeOffset {
   std::int64_t microseconds_ = notStated;
 };
 
-/// A TS session. The session stays open whether or not a handle to it is held.
+/// Refers to a TS session. The session stays open, also if nobody holds a handle to it.
 class SessionHandle {
  public:
-  /// Stands for the session begun last, wherever an operation asks for a session.
+  /// Means the session that was begun last, in every operation that takes a session.
   TSAL_API static const SessionHandle Empty;
 
   SessionHandle() = default;
-  /// @param session what TSAL knows the session by.
+  /// A handle to a session.
+  /// @param session the object by which TSAL identifies the session.
   explicit SessionHandle(std::shared_ptr<void> session) : session_(std::move(session)) {}
 
+  /// The object by which TSAL identifies the session; null in a default-constructed handle.
   const std::shared_ptr<void>& Session() const { return session_; }
 
  private:
   std::shared_ptr<void> session_;
 };
 
-// How each kind of event parameter travels to the server.
+// The form in which each type of event parameter is sent to the server.
 struct ns1__InstrumentParameterString {
   std::string Name;
   std::string Value;
@@ -100,11 +103,11 @@ struct ns1__InstrumentParameterBoolean {
 using ns1__InstrumentParameter = std::variant<ns1__InstrumentParameterString, ns1__InstrumentParameterInt,
                                               ns1__InstrumentParameterDouble, ns1__InstrumentParameterBoolean>;
 
-/// One typed parameter of an instrument event. Moving one copies its name and moves its value.
+/// A typed parameter of an instrument event. If a parameter is moved, its name is copied and its value is moved.
 class TSAL_API InstrumentParameterBase {
  public:
   virtual ~InstrumentParameterBase();
-  /// The parameter as it travels to the server. Called by TSAL alone.
+  /// The parameter in the form in which it is sent to the server. Only TSAL calls it.
   virtual ns1__InstrumentParameter ToGsoap() const = 0;
 
   std::string Name;
@@ -115,6 +118,7 @@ class TSAL_API InstrumentParameterBase {
   InstrumentParameterBase& operator=(const InstrumentParameterBase&) = default;
 };
 
+/// A parameter whose value is a text.
 class TSAL_API InstrumentParameterString final : public InstrumentParameterBase {
  public:
   InstrumentParameterString(std::string name, std::string value);
@@ -124,6 +128,7 @@ class TSAL_API InstrumentParameterString final : public InstrumentParameterBase 
   std::shared_ptr<void> Own;  ///< TSAL's own.
 };
 
+/// A parameter whose value is a whole number.
 class TSAL_API InstrumentParameterInt final : public InstrumentParameterBase {
  public:
   InstrumentParameterInt(std::string name, std::int32_t value);
@@ -133,6 +138,7 @@ class TSAL_API InstrumentParameterInt final : public InstrumentParameterBase {
   std::shared_ptr<void> Own;  ///< TSAL's own.
 };
 
+/// A parameter whose value is a double.
 class TSAL_API InstrumentParameterDouble final : public InstrumentParameterBase {
  public:
   InstrumentParameterDouble(std::string name, double value);
@@ -142,6 +148,7 @@ class TSAL_API InstrumentParameterDouble final : public InstrumentParameterBase 
   std::shared_ptr<void> Own;  ///< TSAL's own.
 };
 
+/// A parameter whose value is true or false.
 class TSAL_API InstrumentParameterBoolean final : public InstrumentParameterBase {
  public:
   InstrumentParameterBoolean(std::string name, bool value);
@@ -151,16 +158,16 @@ class TSAL_API InstrumentParameterBoolean final : public InstrumentParameterBase
   std::shared_ptr<void> Own;  ///< TSAL's own.
 };
 
-/// Something that happened at the instrument. A copy shares its parameters with the record that it was copied from.
+/// An event at the instrument. A copy shares its parameters with the original.
 struct InstrumentEvent {
   std::string Name;
-  DateTimeOffset TimeStamp;  ///< When it happened; not stated means when it was saved.
+  DateTimeOffset TimeStamp;  ///< When it happened. Not stated: when it was saved.
   std::vector<std::shared_ptr<InstrumentParameterBase>> Parameters;  ///< In the order in which they were added.
   std::shared_ptr<void> Own1;                                        ///< TSAL's own.
   std::shared_ptr<void> Own2;                                        ///< TSAL's own.
 };
 
-/// What activities, their versions and their executions have in common.
+/// The common base of activities, activity versions and activity executions.
 class TSAL_API Element {
  public:
   Element() = default;
@@ -175,7 +182,7 @@ class TSAL_API Element {
   std::string Name;  ///< TSAL's own.
 };
 
-/// An activity that TS knows.
+/// A registered activity.
 class TSAL_API Activity : public Element {
  public:
   Activity() = default;
@@ -186,13 +193,13 @@ class TSAL_API Activity : public Element {
   ~Activity() override;
 };
 
-/// How an activity version travels to the server.
+/// The form in which an activity version is sent to the server.
 struct ns1__ActivityVersion {
   std::string Guid, Name, Version, Description;
   std::string ActivityGuid, ActivityName, ActivityDescription;
 };
 
-/// One registered version of an activity. A default one has an unset Id and stands for no version.
+/// A registered version of an activity. A default-constructed one has an unset Id and means no version.
 class TSAL_API ActivityVersion : public Element {
  public:
   ActivityVersion() = default;
@@ -201,24 +208,25 @@ class TSAL_API ActivityVersion : public Element {
   ActivityVersion& operator=(const ActivityVersion&) = default;
   ActivityVersion& operator=(ActivityVersion&&) = default;
   ~ActivityVersion() override;
-  /// The version as it travels to the server. Called by TSAL alone.
+  /// The version in the form in which it is sent to the server. Only TSAL calls it.
   virtual ns1__ActivityVersion ToGsoap() const;
 
   std::string Version;       ///< TSAL's own.
-  Types::Activity Activity;  ///< TSAL's own: what this is a version of.
+  Types::Activity Activity;  ///< TSAL's own: the activity of this version.
 };
 
 namespace Enums {
-/// How far an execution is. TS has more values than are named here and stores any.
+/// The status of an execution. TS has more values than these two, and stores any value.
 enum class ActivityExecStatus : std::int32_t {
   Running = 4,
   Done = 14,
 };
 }  // namespace Enums
 
-/// A status and since when the execution has it.
+/// A status of an execution, and the time from which the execution has it.
 struct ActivityExecutionStatus {
   ActivityExecutionStatus() = default;
+  /// A status from a given time on.
   ActivityExecutionStatus(Enums::ActivityExecStatus code, const DateTimeOffset& time) : Code(code), Time(time) {}
 
   Enums::ActivityExecStatus Code{};
@@ -235,18 +243,18 @@ class TSAL_API ActivityExecution : public Element {
   ActivityExecution& operator=(ActivityExecution&&) = default;
   ~ActivityExecution() override;
 
-  std::string Node;  ///< Where it runs, in the host's own terms.
+  std::string Node;  ///< Where it runs, in the words of the host.
   ActivityExecutionStatus Status;
-  Types::ActivityVersion ActivityVersion;  ///< The version that it runs.
+  Types::ActivityVersion ActivityVersion;  ///< The activity version that runs.
   std::int32_t Kind = 0;
-  const ActivityExecution* Parent = nullptr;  ///< Not owned; null when not stated.
+  const ActivityExecution* Parent = nullptr;  ///< Not owned; null if it is not stated.
 };
 
-/// What TS answers when an instrument configuration was stored.
+/// The answer of TS to a stored instrument configuration.
 struct InstrumentEventConfigResult {
   std::string Text;                 ///< TSAL's own.
-  Tsid ConfigurationId;             ///< The stored configuration, as events refer to it.
-  Tsid SessionId;                   ///< TSAL's own: the session that it was stored in.
+  Tsid ConfigurationId;             ///< The identity of the stored configuration, to which events refer.
+  Tsid SessionId;                   ///< TSAL's own: the session of the configuration.
   DateTimeOffset Time;              ///< TSAL's own: when it was stored.
   std::shared_ptr<void> Reference;  ///< TSAL's own.
 };
