@@ -2,6 +2,7 @@
 
 #include "Connection.h"
 #include "Statement.h"
+#include "store/schema/Tables.h"
 
 namespace Velora::Ts {
 
@@ -18,8 +19,8 @@ Store SettledStore(const Store::Database& database) {
     const Local::Transaction held(*connection);
     std::string snapshot;
     Local::Execute(connection->Sql(),
-                   "LOCK TABLE sessions, activities, activity_versions, registrations, configurations, executions, "
-                   "statuses, events, parameters IN SHARE MODE; SELECT pg_export_snapshot()",
+                   "LOCK TABLE " + Velora::Store::Listed(Velora::Store::HostTables()) +
+                       " IN SHARE MODE; SELECT pg_export_snapshot()",
                    soci::into(snapshot));
     return Store(database, snapshot);
   } catch (const soci::soci_error& reason) {

@@ -1,24 +1,22 @@
 #include "soundness/PostgreSqlRights.h"
 
-#include "PostgreSqlSchema.h"
 #include "reading/Rows.h"
 #include "reading/Store.h"
+#include "store/schema/Tables.h"
 
 namespace Velora::Ts {
-
-namespace Local = Quor::TolvaServices::Local;
 
 namespace {
 
 // Names of the store's, for what follows.
 std::string Names() {
-  std::string recorded;
-  for (const char* table : Local::recordedTables) {
-    recorded += (recorded.empty() ? "" : ", ") + std::string(table);
+  std::vector<std::string> recorded;
+  for (const Velora::Store::Table& table : Velora::Store::Tables()) {
+    recorded.push_back(table.name);
   }
   const auto list = [](const std::string& names) { return "string_to_array('" + names + "', ', ')"; };
-  return "WITH names (recorded, host_tables, host_functions) AS (VALUES (" + list(recorded) + ", " + list(hostTables) +
-         ", " + list(hostFunctions) + ")),";
+  return "WITH names (recorded, host_tables, host_functions) AS (VALUES (" + list(Velora::Store::Listed(recorded)) +
+         ", " + list(Velora::Store::Listed(Velora::Store::HostTables())) + ", " + list(hostFunctions) + ")),";
 }
 
 // Whatever is granted on what belongs to a store, and whether hosts need it. A view of the owner's lets through what

@@ -1,18 +1,18 @@
 #include "soundness/Soundness.h"
 
-#include "Schema.h"
 #include "copying/StoredTables.h"
 #include "reading/Rows.h"
 #include "reading/Store.h"
 #include "records/Seals.h"
 #include "soundness/PostgreSqlSoundness.h"
 #include "soundness/SqliteSoundness.h"
+#include "store/schema/Table.h"
 
 #include <utility>
 
 namespace Velora::Ts {
 
-using Quor::TolvaServices::Local::highestKey;
+using Velora::Store::highestKey;
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include "reading/Store.h"
 #include "soundness/PostgreSqlRights.h"
 #include "soundness/PostgreSqlSoundness.h"
+#include "store/schema/Tables.h"
 #include "verbs/StoreVerb.h"
 
 #include <map>
@@ -62,7 +63,8 @@ std::string Filled(std::string statement, const Names& names) {
 }
 
 void Grant(Local::Connection& connection, const std::string& role) {
-  Names names = {{"tables of hosts", hostTables}, {"functions of hosts", hostFunctions}};
+  Names names = {{"tables of hosts", Velora::Store::Listed(Velora::Store::HostTables())},
+                 {"functions of hosts", hostFunctions}};
   int ownsStore = 0;
   int ownsDatabase = 0;
   if (!Local::Execute(connection.Sql(), askNames, soci::use(role), soci::into(names["role"]),

@@ -1,13 +1,75 @@
-#include "PostgreSqlVersion3.h"
+#include "store/schema/ServerStatements.h"
 
-#include "Schema.h"
+namespace Velora::Store::Server {
 
-namespace Quor::TolvaServices::Local {
-namespace {
+namespace Version2 {
 
-// What follows locks every table. Here they are taken in the order in which hosts do, as far as these have one: each is
+// An event's key begins with the month of its saving, 202611, by which events and parameters are partitioned. Ten
+// digits that count upwards follow: it stays below 2^53, up to which every program reads a number exactly.
+const char* const eventNumbers = R"(
+    CREATE SEQUENCE event_numbers MAXVALUE 9999999999 CYCLE;
+    CREATE FUNCTION next_event_id() RETURNS bigint LANGUAGE sql AS $$
+         SELECT CAST(to_char(clock_timestamp() AT TIME ZONE 'UTC', 'YYYYMM') AS bigint) * 10000000000
+                + nextval('event_numbers') $$;
+    ALTER FUNCTION next_event_id() SET search_path = {schema}, pg_temp)";
+
+const char* const refuseChange = R"(
+    CREATE FUNCTION refuse_change() RETURNS trigger LANGUAGE plpgsql AS
+    $$ BEGIN RAISE EXCEPTION 'rows of % are only ever added', TG_ARGV[0]; END $$)";
+
+// With its owner's rights, so that a host that may only add rows has its partitions made too. A partition is made on
+// its own and then attached: made in place, it would wait for every reader, and every host for it. The next months' can
+// wait when somebody is in the way; this month's cannot. What comes out of a file of SQLite has keys without a month.
+// The first are made here, so that of many hosts that begin at once none has to wait for another that makes them.
+const char* const partitions = R"(
+    CREATE FUNCTION make_partition(month bigint) RETURNS void LANGUAGE plpgsql SECURITY DEFINER AS $$
+       DECLARE
+         parent text;
+         partition text;
+       BEGIN
+         PERFORM pg_advisory_xact_lock(21587, 3);
+         FOREACH parent IN ARRAY ARRAY['events', 'parameters'] LOOP
+           partition := parent || '_' || CAST(month AS text);
+           CONTINUE WHEN to_regclass(partition) IS NOT NULL;
+           EXECUTE pg_catalog.format('CREATE TABLE %I (LIKE %I INCLUDING ALL)', partition, parent);
+           EXECUTE pg_catalog.format('ALTER TABLE %I ATTACH PARTITION %I FOR VALUES FROM (%s) TO (%s)', parent, partition,
+                          month * 10000000000, (month + 1) * 10000000000);
+           EXECUTE pg_catalog.format('CREATE TRIGGER %I BEFORE TRUNCATE ON %I EXECUTE FUNCTION refuse_change(%L)',
+                          partition || '_no_truncate', partition, parent);
+         END LOOP;
+       END $$;
+    CREATE FUNCTION make_partitions() RETURNS void LANGUAGE plpgsql SECURITY DEFINER AS $$
+       DECLARE
+         month text;
+       BEGIN
+         FOR ahead IN 0..2 LOOP
+           month := to_char(now() AT TIME ZONE 'UTC' + make_interval(months => ahead), 'YYYYMM');
+           CONTINUE WHEN to_regclass('parameters_' || month) IS NOT NULL;
+           BEGIN
+             PERFORM make_partition(CAST(month AS bigint));
+           EXCEPTION WHEN lock_not_available THEN
+             IF ahead = 0 THEN RAISE; END IF;
+           END;
+         END LOOP;
+       END $$;
+    REVOKE EXECUTE ON FUNCTION make_partition(bigint), make_partitions() FROM PUBLIC;
+    ALTER FUNCTION make_partition(bigint) SET search_path = {schema}, pg_temp;
+    ALTER FUNCTION make_partitions() SET search_path = {schema}, pg_temp;
+    ALTER FUNCTION make_partitions() SET lock_timeout = '1s';
+    CREATE TABLE events_copied PARTITION OF events FOR VALUES FROM (MINVALUE) TO (2000010000000000);
+    CREATE TABLE parameters_copied PARTITION OF parameters FOR VALUES FROM (MINVALUE) TO (2000010000000000);
+    CREATE TRIGGER events_copied_no_truncate BEFORE TRUNCATE ON events_copied EXECUTE FUNCTION refuse_change('events');
+    CREATE TRIGGER parameters_copied_no_truncate BEFORE TRUNCATE ON parameters_copied
+    EXECUTE FUNCTION refuse_change('parameters');
+    SELECT make_partitions())";
+
+}  // namespace Version2
+
+namespace Version3 {
+
+// The rest locks every table. Here they are taken in the order in which hosts do, as far as these have one: each is
 // waited for too shortly to hold hosts up, and all are tried again.
-constexpr const char* locks = R"(
+const char* const locks = R"(
     SET LOCAL lock_timeout = '200ms';
     DO $$
     DECLARE
@@ -25,11 +87,11 @@ constexpr const char* locks = R"(
         PERFORM pg_sleep(0.05 + random() * 0.1);
       END LOOP;
     END $$;
-    SET LOCAL lock_timeout = '30s';)";
+    SET LOCAL lock_timeout = '30s')";
 
 // Times are counted in whole microseconds, since a cast would fail for a text that is no time, or of the year 0, and
 // the whole view with it. The days are those of the Julian day number.
-constexpr const char* durations = R"(
+const char* const microseconds = R"(
     CREATE FUNCTION microseconds(at text) RETURNS bigint LANGUAGE sql IMMUTABLE
     RETURN CASE WHEN at ~ ('^[0-9]{4}-(0[1-9]|1[0-2])-(0[1-9]|[12][0-9]|3[01])'
                            || 'T([01][0-9]|2[0-3]):[0-5][0-9]:[0-5][0-9]\.[0-9]{6}Z$') THEN
@@ -38,27 +100,16 @@ constexpr const char* durations = R"(
        - (3 * ((CAST(substr(at, 1, 4) AS bigint) + 4900 + (CAST(substr(at, 6, 2) AS bigint) - 14) / 12) / 100)) / 4
        + CAST(substr(at, 9, 2) AS bigint)) * 86400
        + CAST(substr(at, 12, 2) AS bigint) * 3600 + CAST(substr(at, 15, 2) AS bigint) * 60
-       + CAST(substr(at, 18, 2) AS bigint)) * 1000000 + CAST(substr(at, 21, 6) AS bigint) END;
-    CREATE OR REPLACE VIEW durations AS
-       SELECT e.execution_id,
-              (microseconds(s.at) - microseconds(e.started_at) + CASE WHEN s.at < e.started_at THEN -500 ELSE 500 END)
-              / 1000 / CAST(1000 AS double precision) AS seconds
-       FROM executions e
-       CROSS JOIN LATERAL (SELECT at FROM statuses WHERE execution_id = e.execution_id
-                           ORDER BY status_id DESC LIMIT 1) s;)";
+       + CAST(substr(at, 18, 2) AS bigint)) * 1000000 + CAST(substr(at, 21, 6) AS bigint) END)";
 
 // A server that keeps to FIPS has no md5().
-constexpr const char* digests = R"(
+const char* const textDigest = R"(
     CREATE FUNCTION text_digest(text text) RETURNS bytea LANGUAGE sql IMMUTABLE
-    RETURN sha256(convert_to(text, 'UTF8'));
-    DROP INDEX activities_once, activity_versions_once;
-    CREATE UNIQUE INDEX activities_once ON activities (text_digest(name), text_digest(description));
-    CREATE UNIQUE INDEX activity_versions_once ON activity_versions
-      (activity_id, text_digest(name), text_digest(version), text_digest(description));)";
+    RETURN sha256(convert_to(text, 'UTF8')))";
 
 // The month of an event's key is the clock's, or that of the newest seal where the clock was ahead when that was made:
 // a key below a sealed one would look as if it had been slipped in.
-constexpr const char* keys = R"(
+const char* const keys = R"(
     CREATE FUNCTION sealed_number(kind text) RETURNS bigint LANGUAGE plpgsql STABLE AS $$
     BEGIN
       RETURN (SELECT CAST(substring(up_to FROM '"' || kind || '":([0-9]{1,16})[,}]') AS bigint)
@@ -68,13 +119,14 @@ constexpr const char* keys = R"(
     RETURN GREATEST(CAST(to_char(clock_timestamp() AT TIME ZONE 'UTC', 'YYYYMM') AS bigint),
                     sealed_number('event') / 10000000000);
     CREATE OR REPLACE FUNCTION next_event_id() RETURNS bigint LANGUAGE sql
-    RETURN event_month() * 10000000000 + nextval('event_numbers');)";
+    RETURN event_month() * 10000000000 + nextval('event_numbers');
+    ALTER FUNCTION sealed_number(text) SET search_path = {schema}, pg_temp)";
 
 // With its owner's rights, so that a host that may only add rows has its partitions made too. A partition is made on
 // its own and then attached: made in place, it would wait for every reader, and every host for it. The tables that
 // attaching locks are locked before, in the order in which hosts do; behind one that waits for a lock every host waits,
 // so it waits shortly. ts_schema is what two that make partitions wait for: a role of hosts cannot lock that.
-constexpr const char* partitions = R"(
+const char* const partitions = R"(
     CREATE FUNCTION has_partitions(month bigint) RETURNS boolean LANGUAGE sql STABLE
     RETURN (SELECT COUNT(*) = 2 FROM pg_inherits i JOIN pg_class c ON c.oid = i.inhrelid
             WHERE (i.inhparent = CAST('events' AS regclass) AND c.relname = 'events_' || month)
@@ -126,9 +178,14 @@ constexpr const char* partitions = R"(
         END;
       END LOOP;
     END $$;
-    REVOKE EXECUTE ON FUNCTION attach_partitions(bigint) FROM PUBLIC;)";
+    REVOKE EXECUTE ON FUNCTION attach_partitions(bigint) FROM PUBLIC;
+    ALTER FUNCTION attach_partitions(bigint) SET search_path = {schema}, pg_temp;
+    ALTER FUNCTION make_partition(bigint) SET search_path = {schema}, pg_temp;
+    ALTER FUNCTION make_partitions() SET search_path = {schema}, pg_temp;
+    ALTER FUNCTION attach_partitions(bigint) SET lock_timeout = '100ms';
+    ALTER FUNCTION attach_partitions(bigint) SET default_tablespace = '')";
 
-constexpr const char* refusals = R"(
+const char* const refusals = R"(
     CREATE FUNCTION refuse_row() RETURNS trigger LANGUAGE plpgsql AS $$
     BEGIN
       RAISE EXCEPTION 'rows of % have the next number, from 1 on, and none below those that are sealed', TG_ARGV[0];
@@ -147,68 +204,9 @@ constexpr const char* refusals = R"(
     END $$;
     CREATE TRIGGER parameters_with_event AFTER INSERT ON parameters REFERENCING NEW TABLE AS added
     FOR EACH STATEMENT WHEN (NOT has_table_privilege(CAST('parameters' AS regclass), 'DELETE'))
-    EXECUTE FUNCTION refuse_parameters();)";
+    EXECUTE FUNCTION refuse_parameters();
+    ALTER FUNCTION refuse_parameters() SET search_path = {schema}, pg_temp)";
 
-struct Numbered {
-  const char* table;
-  const char* key;
-  const char* kind;  // as seals call it
-};
+}  // namespace Version3
 
-constexpr Numbered numbered[] = {
-    {"ts_schema", "rowid", "schema"},
-    {"sessions", "session_id", "session"},
-    {"activities", "activity_id", "activity"},
-    {"activity_versions", "version_id", "version"},
-    {"registrations", "rowid", "registration"},
-    {"configurations", "configuration_id", "configuration"},
-    {"executions", "execution_id", "execution"},
-    {"statuses", "status_id", "status"},
-    {"events", "event_id", "event"},
-    {"seals", "seal_id", "seal"},
-};
-
-// Whether a number is not the one that this session has taken last. One from far ahead, once sealed, would have all
-// others refused; so would an event of a month to come.
-std::string IsNotItsOwn(const Numbered& rows) {
-  if (rows.table == std::string("events")) {
-    return "NEW.event_id % 10000000000 <> currval(CAST('event_numbers' AS regclass)) OR "
-           "NEW.event_id / 10000000000 > event_month()";
-  }
-  return std::string("NEW.") + rows.key + " <> currval(CAST('" + rows.table + "_" + rows.key + "_seq' AS regclass))";
-}
-
-// Who may delete rows copies sealed ones from another store, and is no host.
-std::string RefuseSlippedIn(const Numbered& rows) {
-  const std::string table = rows.table;
-  const std::string key = std::string("NEW.") + rows.key;
-  return "CREATE TRIGGER " + table + "_in_order BEFORE INSERT ON " + table + " FOR EACH ROW WHEN (" + key +
-         " NOT BETWEEN 1 AND " + std::to_string(highestKey) + " OR (NOT has_table_privilege(CAST('" + table +
-         "' AS regclass), 'DELETE') AND (" + key + " <= sealed_number('" + rows.kind + "') OR " + IsNotItsOwn(rows) +
-         "))) EXECUTE FUNCTION refuse_row('" + table + "');";
-}
-
-// A function that names a table takes that of its own schema, whatever the session's path. One with its owner's rights
-// makes a table where its owner would.
-std::string TieTo(const std::string& schema) {
-  std::string statements;
-  for (const char* function : {"sealed_number(text)", "refuse_parameters()", "attach_partitions(bigint)",
-                               "make_partition(bigint)", "make_partitions()"}) {
-    statements += std::string("ALTER FUNCTION ") + function + " SET search_path = " + schema + ", pg_temp;";
-  }
-  return statements +
-         "ALTER FUNCTION attach_partitions(bigint) SET lock_timeout = '100ms';"
-         "ALTER FUNCTION attach_partitions(bigint) SET default_tablespace = '';";
-}
-
-}  // namespace
-
-std::string PostgreSqlVersion3(const std::string& schema) {
-  std::string statements = std::string(locks) + durations + digests + keys + partitions + refusals;
-  for (const Numbered& rows : numbered) {
-    statements += RefuseSlippedIn(rows);
-  }
-  return statements + TieTo(schema);
-}
-
-}  // namespace Quor::TolvaServices::Local
+}  // namespace Velora::Store::Server

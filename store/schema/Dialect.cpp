@@ -1,0 +1,48 @@
+#include "store/schema/Dialect.h"
+
+#include <algorithm>
+
+namespace Velora::Store {
+namespace {
+
+// The layout is part of every store: SQLite keeps a statement as it was given, and verify compares it.
+constexpr const char* margin = "         ";
+
+std::string LimitsOf(const Column& column) {
+  if (column.type == Type::Key) {
+    return "";
+  }
+  return std::string(column.mayBeNull ? "" : " NOT NULL") + (column.isUnique ? " UNIQUE" : "") +
+         (column.refersTo.empty() ? "" : " REFERENCES " + column.refersTo);
+}
+
+}  // namespace
+
+void Dialect::Make(const Table& table) {
+  std::size_t width = 0;
+  for (const Column& column : table.columns) {
+    width = std::max(width, column.name.size());
+  }
+  std::string lines;
+  const auto add = [&lines](const std::string& line) { lines += (lines.empty() ? "\n" : ",\n") + (margin + line); };
+  for (const Column& column : table.columns) {
+    if (const std::string type = TypeOf(table, column); !type.empty()) {
+      add(column.name + std::string(width + 1 - column.name.size(), ' ') + type + LimitsOf(column));
+    }
+  }
+  if (!table.primaryKey.empty()) {
+    add("PRIMARY KEY (" + Listed(table.primaryKey) + ')');
+  }
+  if (const std::string unique = UniqueTogether(table); !unique.empty()) {
+    add(unique);
+  }
+  Add("CREATE TABLE " + table.name + " (" + lines + ')' + EndOf(table));
+  MakeUnique(table);
+  for (const Index& index : table.indexes) {
+    Add("CREATE INDEX " + index.name + " ON " + table.name + " (" + Listed(index.columns) + ')');
+  }
+}
+
+void Dialect::Make(const View& view) { Add("CREATE VIEW " + view.name + " AS\n       " + DefinitionOf(view)); }
+
+}  // namespace Velora::Store

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "store/schema/Dialect.h"
+
+namespace Velora::Store {
+
+class PostgreSqlDialect : public Dialect {
+ public:
+  /// @param schema the name of the database's schema, quoted.
+  explicit PostgreSqlDialect(std::string schema) : schema(std::move(schema)) {}
+
+  void Replace(const View& view) override;
+  void KeepRows(const Table& table) override;
+  void NumberRows(const Table& table) override;
+  void OnServer(const std::string& statements) override;
+
+ protected:
+  std::string TypeOf(const Table& table, const Column& column) const override;
+  const std::string& DefinitionOf(const View& view) const override;
+  std::string UniqueTogether(const Table& /*table*/) const override { return ""; }
+  void MakeUnique(const Table& table) override;
+  std::string EndOf(const Table& table) const override;
+
+ private:
+  const std::string schema;
+};
+
+/// The index by which columns are unique together, if there are any. An index takes no text above a third of a page, so
+/// it has the digests of texts.
+/// @param digest the function that makes them.
+std::string UniqueIndex(const Table& table, const std::string& digest);
+
+}  // namespace Velora::Store

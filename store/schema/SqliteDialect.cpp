@@ -1,0 +1,82 @@
+#include "store/schema/SqliteDialect.h"
+
+namespace Velora::Store {
+namespace {
+
+std::string SameAsNew(const std::vector<std::string>& columns) {
+  std::string same;
+  for (const std::string& column : columns) {
+    same += (same.empty() ? "" : " AND ") + column + " = NEW." + column;
+  }
+  return same;
+}
+
+/// The rows whose place a new one would take. Its key is -1 until SQLite has chosen one.
+std::string InTheWay(const Table& table) {
+  std::vector<std::string> ways = {table.primaryKey.empty()
+                                       ? SameAsNew({table.Key()}) + " AND NEW." + table.Key() + " > 0"
+                                       : SameAsNew(table.primaryKey)};
+  for (const Column& column : table.columns) {
+    if (column.isUnique) {
+      ways.push_back(SameAsNew({column.name}));
+    }
+  }
+  if (!table.uniqueTogether.empty()) {
+    ways.push_back(SameAsNew(table.uniqueTogether));
+  }
+  std::string any;
+  for (const std::string& way : ways) {
+    const bool apart = ways.size() > 1 && way.find(" AND ") != std::string::npos;
+    any += (any.empty() ? "" : " OR ") + (apart ? '(' + way + ')' : way);
+  }
+  return any;
+}
+
+}  // namespace
+
+void SqliteDialect::Replace(const View& view) {
+  Add("DROP VIEW " + view.name);
+  Make(view);
+}
+
+// The third is for INSERT OR REPLACE, which deletes the rows that are in its way and asks no trigger about it.
+void SqliteDialect::KeepRows(const Table& table) {
+  AddTrigger(table, "update", "UPDATE ON " + table.name);
+  AddTrigger(table, "delete", "DELETE ON " + table.name);
+  AddTrigger(
+      table, "replace",
+      "INSERT ON " + table.name + " WHEN EXISTS (SELECT 1 FROM " + table.name + " WHERE " + InTheWay(table) + ")");
+}
+
+void SqliteDialect::AddTrigger(const Table& table, const std::string& action, const std::string& when) {
+  Add("CREATE TRIGGER " + table.name + "_no_" + action + " BEFORE " + when + " BEGIN SELECT RAISE(ABORT, 'rows of " +
+      table.name + " are only ever added'); END");
+}
+
+// Asked after the insertion, since SQLite may choose the key during it. Only a position can be no whole number.
+void SqliteDialect::NumberRows(const Table& table) {
+  const std::string number = "NEW." + table.Number();
+  const std::string highest = std::to_string(highestKey);
+  Add("CREATE TRIGGER " + table.name + "_numbers AFTER INSERT ON " + table.name + " WHEN " + number +
+      " NOT BETWEEN 1 AND " + highest + " OR typeof(" + number + ") <> 'integer' BEGIN SELECT RAISE(ABORT, 'rows of " +
+      table.name + " are numbered from 1 to " + highest + "'); END");
+}
+
+std::string SqliteDialect::TypeOf(const Table& /*table*/, const Column& column) const {
+  switch (column.type) {
+    case Type::Key:
+      return column.name == undeclaredKey ? "" : "INTEGER PRIMARY KEY";
+    case Type::Integer:
+      return "INTEGER";
+    case Type::Number:
+      return "REAL";
+    default:
+      return "TEXT";
+  }
+}
+
+std::string SqliteDialect::UniqueTogether(const Table& table) const {
+  return table.uniqueTogether.empty() ? "" : "UNIQUE (" + Listed(table.uniqueTogether) + ')';
+}
+
+}  // namespace Velora::Store

@@ -1,0 +1,81 @@
+#include "store/schema/Versions.h"
+
+#include "store/schema/PostgreSqlDialect.h"
+#include "store/schema/ServerStatements.h"
+#include "store/schema/SqliteDialect.h"
+
+namespace Velora::Store {
+namespace {
+
+void First(Dialect& to) {
+  to.OnServer(Server::Version2::eventNumbers);
+  for (const Table& table : TablesOf(1)) {
+    to.Make(table);
+  }
+  to.Make(Views::ExecutionStates());
+  to.Make(Views::Unfinished());
+  to.Make(Views::Readings());
+}
+
+void Second(Dialect& to) {
+  to.Make(TableNamed("seals"));
+  to.Make(Views::DurationsOfVersion2());
+  to.OnServer(Server::Version2::refuseChange);
+  for (const Table& table : TablesOf(2)) {
+    to.KeepRows(table);
+  }
+  to.OnServer(Server::Version2::partitions);
+}
+
+void Third(Dialect& to) {
+  to.OnServer(Server::Version3::locks);
+  to.OnServer(Server::Version3::microseconds);
+  to.Replace(Views::Durations());
+  to.OnServer(Server::Version3::textDigest);
+  for (const Table& table : TablesOf(3)) {
+    if (!table.uniqueTogether.empty()) {
+      to.OnServer("DROP INDEX " + table.name + "_once; " + UniqueIndex(table, "text_digest"));
+    }
+  }
+  to.OnServer(Server::Version3::keys);
+  to.OnServer(Server::Version3::partitions);
+  to.OnServer(Server::Version3::refusals);
+  for (const Table& table : TablesOf(3)) {
+    to.NumberRows(table);
+  }
+}
+
+struct Version {
+  int number;
+  void (*bring)(Dialect&);
+};
+
+constexpr Version versions[] = {{1, First}, {2, Second}, {3, Third}};
+
+void Write(Dialect& dialect, int from, int to) {
+  for (const auto& [number, bring] : versions) {
+    if (number > from && number <= to) {
+      bring(dialect);
+    }
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> SqliteSchema(int from, int to) {
+  SqliteDialect dialect;
+  Write(dialect, from, to);
+  return dialect.Statements();
+}
+
+std::string PostgreSqlSchema(const std::string& schema, int from, int to) {
+  PostgreSqlDialect dialect(schema);
+  Write(dialect, from, to);
+  std::string statements;
+  for (const std::string& statement : dialect.Statements()) {
+    statements += statement + ";\n";
+  }
+  return statements;
+}
+
+}  // namespace Velora::Store
