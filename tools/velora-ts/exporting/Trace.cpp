@@ -27,7 +27,7 @@ class Trace {
   Trace(const Store& store, const Step& step)
       : store(store),
         step(step),
-        executions(store, (executionQuestion + std::string("WHERE e.root_id = ?1 ORDER BY e.execution_id")).c_str()),
+        executions(QueryExecutions(store, "WHERE e.root_id = ?1 ORDER BY e.execution_id")),
         events(store, eventColumns, "events v", "v.execution_id = ?1") {}
 
   void Write(const Selection& selection) {

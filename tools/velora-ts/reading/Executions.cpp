@@ -3,7 +3,6 @@
 #include "output/Json.h"
 #include "output/Times.h"
 #include "reading/RecordedText.h"
-#include "reading/Rows.h"
 
 namespace Velora::Ts {
 
@@ -12,7 +11,17 @@ namespace {
 constexpr long long running = 4;
 constexpr long long done = 14;
 
+constexpr const char* columnsAndTables =
+    "SELECT e.execution_id, e.guid, e.node, e.description, e.started_at, n.instrument, n.host, v.name, v.version, "
+    "(SELECT code FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1), "
+    "(SELECT at FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1) "
+    "FROM executions e LEFT JOIN sessions n ON n.session_id = e.session_id "
+    "LEFT JOIN activity_versions v ON v.version_id = e.version_id "
+    "LEFT JOIN activities a ON a.activity_id = v.activity_id ";
+
 }  // namespace
+
+Rows QueryExecutions(const Store& store, const std::string& condition) { return {store, columnsAndTables + condition}; }
 
 Execution ExecutionAt(const Rows& rows) {
   const auto text = [&](int column) { return std::string(rows.Text(column)); };

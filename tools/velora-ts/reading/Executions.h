@@ -1,11 +1,11 @@
 #pragma once
 
+#include "reading/Rows.h"
+
 #include <optional>
 #include <string>
 
 namespace Velora::Ts {
-
-class Rows;
 
 /// An execution as the verbs show it.
 struct Execution {
@@ -17,15 +17,12 @@ struct Execution {
   std::string statusAt;
 };
 
-/// Columns and tables that ExecutionAt() reads; goes on with WHERE, about e, n, v and a.
-inline constexpr const char* executionQuestion =
-    "SELECT e.execution_id, e.guid, e.node, e.description, e.started_at, n.instrument, n.host, v.name, v.version, "
-    "(SELECT code FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1), "
-    "(SELECT at FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1) "
-    "FROM executions e LEFT JOIN sessions n ON n.session_id = e.session_id "
-    "LEFT JOIN activity_versions v ON v.version_id = e.version_id "
-    "LEFT JOIN activities a ON a.activity_id = v.activity_id ";
+/// A query for executions, whose rows ExecutionAt() reads.
+/// @param condition begins with WHERE. It is about an execution e, its session n, its activity version v and the
+/// activity a of that version.
+Rows QueryExecutions(const Store& store, const std::string& condition);
 
+/// The execution at which the rows of QueryExecutions() stand.
 Execution ExecutionAt(const Rows& rows);
 
 /// What of a run did not finish cannot be overlooked.

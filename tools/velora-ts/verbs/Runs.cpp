@@ -24,15 +24,14 @@ struct RunFilter {
 
 // Along the index by parent and time, until there are enough. PostgreSQL takes the order from the index only where all
 // of its columns are named.
-std::string QuestionOf(const RunFilter& filter) {
-  std::string question = executionQuestion;
-  question +=
+std::string ConditionOf(const RunFilter& filter) {
+  std::string condition =
       "WHERE e.parent_id IS NULL AND e.started_at >= ?1 AND (?2 = '' OR n.instrument = ?2) "
       "AND (?3 = '' OR v.name = ?3 OR a.name = ?3) ";
   if (filter.unfinished) {
-    question += std::string("AND EXISTS (") + runningOfRun + "e.execution_id) ";
+    condition += std::string("AND EXISTS (") + runningOfRun + "e.execution_id) ";
   }
-  return question + "ORDER BY e.parent_id DESC, e.started_at DESC, e.execution_id DESC LIMIT ?4";
+  return condition + "ORDER BY e.parent_id DESC, e.started_at DESC, e.execution_id DESC LIMIT ?4";
 }
 
 Run RunOf(const Execution& root) { return {root.key, root.guid, root.node, root.startedAt}; }
@@ -84,7 +83,7 @@ class RunsVerb : public StoreVerb {
   ExitCode Execute() override {
     const std::string since = filter.since.empty() ? "" : TimeArgument(filter.since);
     const Store store(Database());
-    Rows rows(store, QuestionOf(filter));
+    Rows rows = QueryExecutions(store, ConditionOf(filter));
     using Quor::TolvaServices::Local::ToStoredText;
     rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit);
     json ? WriteJson(store, rows) : WriteTable(store, rows);

@@ -41,7 +41,7 @@ class Show {
       : store(store),
         run(std::move(run)),
         options(options),
-        execution(store, executionQuestion + std::string("WHERE e.execution_id = ?1")),
+        execution(QueryExecutions(store, "WHERE e.execution_id = ?1")),
         children(store, "SELECT execution_id FROM executions WHERE parent_id = ?1 ORDER BY execution_id"),
         parameters(store,
                    "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM events v "

@@ -35,7 +35,7 @@ enum class State { Running, Finished, WithoutStatus };
 // What is below a run is only asked for when its topmost execution has ended. TS stores an execution with its first
 // status, so a run without one is of another program, and none may ever come.
 State StateOf(const Store& store, const Run& run) {
-  Rows rows(store, (executionQuestion + std::string("WHERE e.execution_id = ?1")).c_str());
+  Rows rows = QueryExecutions(store, "WHERE e.execution_id = ?1");
   if (!rows.Ask(run.root).Next()) {
     return State::Finished;
   }
