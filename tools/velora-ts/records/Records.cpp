@@ -6,6 +6,7 @@
 
 #include <TSAL/Error.h>
 
+#include <algorithm>
 #include <utility>
 
 namespace Velora::Ts {
@@ -13,6 +14,10 @@ namespace Velora::Ts {
 namespace {
 
 constexpr int format = 1;
+
+// Begins the name of a column that has the key of what the record refers to, and is not written; the name of that kind
+// of record follows.
+constexpr char keyMark = '_';
 
 // What a record refers to is written as its guid; as its key where another program left no such row.
 #define GUID_OF(table, key, of) "COALESCE((SELECT guid FROM " table " WHERE " key " = " of "), CAST(" of " AS TEXT))"
@@ -48,6 +53,10 @@ constexpr const char* eventColumns =
 
 #undef SESSION
 #undef GUID_OF
+
+Kind KindNamed(std::string_view name) {
+  return static_cast<Kind>(std::find(kindNames.begin(), kindNames.end(), name) - kindNames.begin());
+}
 
 Rows Question(const Store& store, const char* columns, const std::string& which) { return {store, columns + which}; }
 
@@ -95,12 +104,11 @@ void Records::WriteRun(long long root, const Numbers& since) {
   for (executions.Ask(root, upTo[Executions]); executions.Next();) {
     const long long execution = executions.Integer(0);
     if (execution > since[Executions]) {
-      Mention(Sessions, executions, 10);
-      Mention(Versions, executions, 11);
+      MentionReferences(executions);
       Write(Executions, executions);
     }
     for (statuses.Ask(execution, since[Statuses], upTo[Statuses]); statuses.Next();) {
-      Mention(Sessions, statuses, 5);
+      MentionReferences(statuses);
       Write(Statuses, statuses);
     }
     WriteEvents(events.Ask(execution, since[Events], upTo[Events]));
@@ -145,28 +153,35 @@ void Records::BeginPart(const std::string& header, bool references) {
   sink(header + '\n');
 }
 
-void Records::Mention(Kind kind, const Rows& from, int column) {
-  const long long key = from.Integer(column);
-  if (!withReferences || from.IsNull(column) || !mentioned[kind].insert(key).second) {
+void Records::MentionReferences(const Rows& from) {
+  for (int column = 0; withReferences && column < from.Columns(); ++column) {
+    if (*from.Name(column) == keyMark && !from.IsNull(column)) {
+      Mention(KindNamed(from.Name(column) + 1), from.Integer(column));
+    }
+  }
+}
+
+void Records::Mention(Kind kind, long long key) {
+  if (!mentioned[kind].insert(key).second) {
     return;
   }
   switch (kind) {
     case Sessions:
       WriteAll(Sessions, session.Ask(key));
       for (registrations.Ask(key, upTo[Registrations]); registrations.Next();) {
-        Mention(Versions, registrations, 5);
+        MentionReferences(registrations);
         Write(Registrations, registrations);
       }
       break;
     case Versions:
       if (version.Ask(key).Next()) {
-        Mention(Activities, version, 6);
+        MentionReferences(version);
         Write(Versions, version);
       }
       break;
     case Configurations:
       if (configuration.Ask(key).Next()) {
-        Mention(Sessions, configuration, 13);
+        MentionReferences(configuration);
         Write(Configurations, configuration);
       }
       break;
@@ -188,8 +203,7 @@ void Records::WriteAll(Kind kind, Rows& rows) {
 
 void Records::WriteEvents(EventRows& rows) {
   while (rows.Next()) {
-    Mention(Sessions, rows.Event(), 6);
-    Mention(Configurations, rows.Event(), 7);
+    MentionReferences(rows.Event());
     BeginLine(Events, rows.Event());
     line += ",\"parameters\":[";
     for (const char* separator = ""; rows.NextParameter(); separator = ",") {
@@ -206,7 +220,7 @@ void Records::BeginLine(Kind kind, const Rows& rows) {
   line = "{\"record\":\"";
   line += kindNames[kind];
   line += '"';
-  for (int column = 0; column < rows.Columns() && *rows.Name(column) != '_'; ++column) {
+  for (int column = 0; column < rows.Columns() && *rows.Name(column) != keyMark; ++column) {
     line += ",\"";
     line += rows.Name(column);
     line += "\":";

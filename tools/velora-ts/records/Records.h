@@ -69,8 +69,10 @@ class Records {
 
  private:
   void BeginPart(const std::string& header, bool withReferences);
-  void Mention(Kind kind, const Rows& from, int column);
-  /// Writes the row where `rows` stands; columns whose names begin with '_' are for this class.
+  /// Writes what the row refers to and has not been written yet.
+  void MentionReferences(const Rows& from);
+  void Mention(Kind kind, long long key);
+  /// Writes the row where `rows` stands.
   void Write(Kind kind, const Rows& rows);
   void WriteAll(Kind kind, Rows& rows);
   void WriteEvents(EventRows& rows);
