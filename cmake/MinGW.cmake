@@ -1,4 +1,4 @@
-# Builds for Windows with Debian's MinGW-w64, in the variant whose threads are those of the standard library. Programs
+# Builds for Windows with Debian's MinGW-w64, in the variant that supports the threads of the standard library. Programs
 # run under Wine.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
@@ -7,7 +7,7 @@ set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/wine)
 
-# What scripts/build-windows-dependencies built, and nothing of this system.
+# CMake finds only what scripts/build-windows-dependencies built, and nothing of this system.
 set(CMAKE_FIND_ROOT_PATH ${CMAKE_CURRENT_LIST_DIR}/../build/windows-dependencies)
 set(CMAKE_PREFIX_PATH /)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)

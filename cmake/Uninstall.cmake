@@ -1,4 +1,4 @@
-# Removes what the manifest lists, and the folders that became empty; those of the system stay.
+# Removes the files that the manifest lists, and the folders that are empty then, except those of the system.
 if(NOT EXISTS ${manifest})
   message(FATAL_ERROR "Nothing was installed from here: there is no ${manifest}")
 endif()

@@ -1,5 +1,5 @@
-# velora_npm_modules(FOLDER FILE): a rule that takes in, below the current build folder, what FOLDER/package-lock.json
-# pins; FILE is one of these files. Asks the network only when that was not done yet.
+# velora_npm_modules(FOLDER FILE): a rule that installs the packages of FOLDER/package-lock.json below the current build
+# folder. FILE is one of the installed files. It uses the network only if they are not installed yet.
 function(velora_npm_modules folder file)
   find_program(NPM npm REQUIRED)
   add_custom_command(
@@ -9,6 +9,6 @@ function(velora_npm_modules folder file)
     COMMAND ${CMAKE_COMMAND} -E touch ${file}
     DEPENDS ${folder}/package.json ${folder}/package-lock.json
     WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}
-    COMMENT "Taking in the npm packages of ${folder}"
+    COMMENT "Installing the npm packages of ${folder}"
     VERBATIM)
 endfunction()

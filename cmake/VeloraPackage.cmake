@@ -1,4 +1,4 @@
-# What other projects find: the CMake package, the pkg-config file, and the target "uninstall".
+# The CMake package and the pkg-config file for other projects, and the target "uninstall".
 include(CMakePackageConfigHelpers)
 
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/VeloraTsLogging)
@@ -10,7 +10,8 @@ install(FILES
   ${CMAKE_CURRENT_BINARY_DIR}/VeloraTsLoggingConfigVersion.cmake
   DESTINATION ${package})
 
-# Relative to itself; a vendor's TSAL stays where it lies, unless pkg-config is told another tsal_prefix.
+# The paths are relative to the file. A vendor's TSAL is expected in its own folder; pkg-config can be given another
+# tsal_prefix.
 file(RELATIVE_PATH pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" pc_prefix "\${pcfiledir}/${pc_prefix}")
 set(tsal_prefix "\${prefix}")
@@ -27,7 +28,7 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/veloratslogging.pc DESTINATION ${CMAKE
 add_custom_target(uninstall
   ${CMAKE_COMMAND} -D manifest=${CMAKE_BINARY_DIR}/install_manifest.txt -P ${CMAKE_CURRENT_LIST_DIR}/Uninstall.cmake)
 
-# The files that a host needs, to begin with.
+# The three files that a host needs, as a start.
 if(WIN32)
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/examples/first-host/settings DESTINATION .)
 else()
@@ -35,7 +36,7 @@ else()
     DESTINATION ${CMAKE_INSTALL_DATADIR}/veloratslogging)
 endif()
 
-# What a Windows computer needs beside: the compiler's run-time libraries, PostgreSQL's client, and the licences.
+# What a Windows computer also needs: the compiler's run-time libraries, PostgreSQL's client, and the licences.
 if(MINGW)
   install(DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/ DESTINATION ${CMAKE_INSTALL_BINDIR}
     FILES_MATCHING PATTERN "lib*.dll")

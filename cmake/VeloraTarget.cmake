@@ -1,8 +1,8 @@
-# What every target of the project has in common.
+# Settings that all targets of the project share.
 
 set(velora_sanitizers "" CACHE STRING "Sanitizers to build with, as -fsanitize takes them")
 
-# velora_target(TARGET): C++20 without extensions, warnings as errors, everything hidden that is not marked.
+# velora_target(TARGET): C++20 without extensions, warnings as errors, and all symbols hidden that are not marked.
 function(velora_target target)
   target_compile_features(${target} PRIVATE cxx_std_20)
   set_target_properties(${target} PROPERTIES
@@ -13,23 +13,23 @@ function(velora_target target)
   target_compile_options(${target} PRIVATE
     -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual -Wnon-virtual-dtor
     -Woverloaded-virtual -Wundef
-    # A unique symbol would keep the library in memory after it was unloaded. Clang makes none.
+    # A unique symbol would keep the library in memory after it was unloaded. Clang does not make such symbols.
     $<$<CXX_COMPILER_ID:GNU>:-fno-gnu-unique -Wshadow=local>
     $<$<CXX_COMPILER_ID:Clang>:-Wshadow>
-    # GCC 12 sees overlaps in std::string where there are none (its bug 105651).
+    # GCC 12 wrongly reports overlaps in std::string (its bug 105651).
     $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>)
   if(velora_sanitizers)
-    # Without the check of dynamic types: SOCI does not export the type information that it needs.
+    # Without the check of dynamic types, which needs type information that SOCI does not export.
     target_compile_options(${target} PRIVATE
       -fsanitize=${velora_sanitizers} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer
-      # GCC sees uninitialised members in <regex> once the sanitizers have had their way with it (its bug 105562).
+      # With sanitizers, GCC wrongly reports uninitialised members in <regex> (its bug 105562).
       $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
     target_link_options(${target} PRIVATE -fsanitize=${velora_sanitizers})
   endif()
 endfunction()
 
-# velora_exports(TARGET LIST): exports what the linker's version script LIST names, and no instantiation of a template
-# of the standard library beside it.
+# velora_exports(TARGET LIST): exports only what the version script LIST for the linker names, without instantiations of
+# templates of the standard library.
 function(velora_exports target list)
   if(NOT WIN32)
     target_link_options(${target} PRIVATE -Wl,--version-script=${list})
@@ -37,8 +37,9 @@ function(velora_exports target list)
   endif()
 endfunction()
 
-# velora_runtime_beside(FOLDER): puts the compiler's run-time libraries where Windows finds them, which knows no run
-# paths. They are never linked in: each DLL would have a global locale and an exception count of its own.
+# velora_runtime_beside(FOLDER): copies the compiler's run-time libraries to a folder where Windows finds them, because
+# Windows has no run paths. They are never linked statically: each DLL would have its own global locale and its own
+# exception count.
 function(velora_runtime_beside folder)
   foreach(file libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${file}
@@ -47,8 +48,7 @@ function(velora_runtime_beside folder)
   endforeach()
 endfunction()
 
-# velora_platform_library(TARGET ROOT): a vendor's library of that name under the prefix ROOT, as the target that stands
-# for it.
+# velora_platform_library(TARGET ROOT): makes TARGET from the vendor's library of that name under the prefix ROOT.
 function(velora_platform_library target root)
   find_library(${target}_LIBRARY ${target} PATHS ${root} PATH_SUFFIXES lib NO_DEFAULT_PATH NO_CACHE REQUIRED)
   add_library(${target} UNKNOWN IMPORTED GLOBAL)

@@ -1,7 +1,8 @@
 # shellcheck shell=bash
-# What the scripts share. Sourced from the project's root.
+# Functions that the scripts share. Source it from the root of the project.
 
-# quietly TEXT LOG COMMAND...: says TEXT, keeps the command's output in LOG, and shows its end only when it fails.
+# quietly TEXT LOG COMMAND...: prints TEXT and writes the output of the command to LOG. If the command fails, it shows
+# the end of the output.
 quietly() {
   local text=$1 log=$2
   shift 2
@@ -22,7 +23,7 @@ build() {
   quietly "Building $preset" "build/$preset-build.log" cmake --build --preset "$preset" ${1:+--target "$@"}
 }
 
-# prepare_page: builds release with what opens pages of runs in Chromium.
+# prepare_page: builds release with the tests that open pages of runs in Chromium.
 prepare_page() {
   scripts/install-prerequisites page
   quietly "Turning the tests of the page on" build/release-page.log cmake --preset release -D VELORA_PAGE_TESTS=ON

@@ -1,5 +1,5 @@
-// What a managed host does with the TS logging component: it loads the library by the name of its file, finds the one
-// function that has a bare name, and sets a parent, under which everything hangs that the native side then records.
+// What a managed host does with the TS logging component: it loads the library by its file name, finds the one function
+// with an unmangled name, and sets a parent execution. All that the native side records then belongs to this parent.
 
 #include "HostOptions.h"
 #include "LoadedLibrary.h"
@@ -28,7 +28,7 @@ int Main(int argc, char** argv) {
   std::string node;
   CLI::App app("Records tilt series from .mdoc files, all of them under one execution.");
   app.add_option("--library", library, "The file of the TS logging library")->required();
-  app.add_option("--under", node, "The node of the execution under which everything hangs")->required();
+  app.add_option("--under", node, "The node of the parent execution")->required();
   HostOptions options(app);
   if (const std::optional<int> done = options.Parse(app, argc, argv)) {
     return *done;
@@ -44,7 +44,7 @@ int Main(int argc, char** argv) {
     std::cout << "Nothing was recorded: TS is not available." << std::endl;
     return NothingRecorded;
   }
-  WriteLine(std::cout, "Everything hangs under " + node + ", execution " + parent);
+  WriteLine(std::cout, "The parent of all series is " + node + ", execution " + parent);
   return recording.Find<decltype(RecordTiltSeries)>("RecordTiltSeries")(options.Files().data(), options.files.size());
 }
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-/// A TS that is always there and keeps what it is told in memory, for tests of hosts: no file is written, no server
-/// asked. Of use by one thread at a time, as the component is.
+/// A TS for tests of hosts. It is always available and keeps records in memory: it uses no file and no server. Only one
+/// thread can use it at a time, as with the component.
 class RecordingGateway final : public Quor::Velora::Infra::TsLogging::ITolvaServicesClass {
  public:
   using Event = Quor::TolvaServices::Types::InstrumentEvent;
@@ -17,17 +17,17 @@ class RecordingGateway final : public Quor::Velora::Infra::TsLogging::ITolvaServ
   using Versions = Quor::Velora::Infra::TsLogging::ActivityVersionMap;
   using ConfigResult = Quor::TolvaServices::Types::InstrumentEventConfigResult;
 
-  /// An execution as it was saved last.
+  /// An execution as it was last saved.
   struct Kept {
-    std::string version, node, description, parent;  ///< `parent` is a guid, empty at the top.
+    std::string version, node, description, parent;  ///< `parent` is a guid; empty at the top.
     bool isDone = false;
     std::vector<std::string> events;  ///< As "NAME parameter=value parameter=value".
   };
 
-  /// @param versionNames the activity versions that it knows, in the place of those of a file.
+  /// @param versionNames the activity versions that it knows, instead of those in an activities file.
   explicit RecordingGateway(std::set<std::string> versionNames) : versionNames(std::move(versionNames)) {}
 
-  /// The executions under their guids, "1" for the first, "2"...
+  /// The executions by their guids, which are "1" for the first, "2"...
   const std::map<std::string, Kept>& Executions() const { return executions; }
 
   void BeginSession() override {}

@@ -1,4 +1,4 @@
-// A test of a host that needs no TS: a gateway of its own takes what the host records.
+// A test of a host that needs no TS: a gateway of the test receives what the host records.
 
 #include "RecordingGateway.h"
 
@@ -11,7 +11,7 @@ namespace {
 
 using namespace Quor::Velora::Infra::TsLogging;
 
-/// What is tested: a host's step that records one exposure.
+/// The tested step of a host: it records one exposure.
 void Expose(ITsLogging& logging, const std::string& hole, double defocus) {
   const std::string exposure = logging.CreateActivityExecution(hole, "Exposure", "image 1", "");
   logging.CreateInstrumentEvent("Image");
@@ -29,7 +29,7 @@ int Failed(const std::string& what) {
 }  // namespace
 
 int main() {
-  // The component only asks whether these two are there before it begins a session; the gateway reads neither.
+  // The component checks that these two files exist before it begins a session; the gateway does not read them.
   for (const char* const name : {"TSAL.config", "activities.xml"}) {
     const std::ofstream file(name);
   }

@@ -1,5 +1,5 @@
-// A logger in the place of VeloraInfraLogging: the component's lines go where the host's own go, here to standard
-// output. It has the same library name and header; the loader takes the one that it finds first.
+// A logger that replaces VeloraInfraLogging: the component's lines go where the host's own lines go, here to standard
+// output. It has the same library name and header; the loader uses the library that it finds first.
 
 #include <VeloraInfraLogging/Logger.h>
 
@@ -28,7 +28,7 @@ class HostLogger final : public Logger {
 
 Logger::~Logger() = default;
 
-// As long as the process lives: the component writes lines while it is unloaded.
+// Lives as long as the process, because the component writes lines while it is unloaded.
 std::shared_ptr<Logger> Logger::GetInstance() {
   static const auto* const logger = new std::shared_ptr<Logger>(std::make_shared<HostLogger>());
   return *logger;

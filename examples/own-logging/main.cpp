@@ -1,4 +1,4 @@
-// A host that puts a logging object of its own before the component's: everything that is recorded is shown as well.
+// A host that installs its own logging object in front of the component's: it also shows everything that is recorded.
 
 #include <VeloraTsLogging/IFactory.h>
 
@@ -11,7 +11,7 @@ namespace {
 
 using namespace Quor::Velora::Infra::TsLogging;
 
-/// Shows what it is told, and hands it on.
+/// Shows each call, and passes it on.
 class ShownLogging final : public ITsLogging {
  public:
   explicit ShownLogging(std::shared_ptr<ITsLogging> behind) : behind(std::move(behind)) {}
@@ -57,7 +57,8 @@ int main() try {
   const auto factory = GetFactory();
   SetFactory(factory, std::make_shared<ShownLogging>(component));
 
-  const auto logging = IFactory::CreateTsLogging("instrument.xml");  // what every part of the host gets from now on
+  const auto logging =
+      IFactory::CreateTsLogging("instrument.xml");  // every part of the host gets this object from now on
   const std::string run = logging->CreateActivityExecution("Session", "grid 7", "shown and recorded");
   logging->CreateInstrumentEvent("Image");
   logging->AddInstrumentEventParameter("Image", "Defocus", -1.5);

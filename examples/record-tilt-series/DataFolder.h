@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-/// Makes a folder the current directory and the place of the record: makes it where it is missing, and puts there what
-/// it lacks of the settings, from the example's own. Files that are there stay as they are.
-/// @throws std::runtime_error or std::filesystem::filesystem_error naming what could not be made.
+/// Makes a folder the current directory and the place of the records. Makes the folder if it does not exist, and adds
+/// the settings of the example that it lacks. Existing files stay unchanged.
+/// @throws std::runtime_error or std::filesystem::filesystem_error if something cannot be made, with its name.
 void EnterDataFolder(const std::filesystem::path& folder);

@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-/// A file that a data folder needs, with the example's own content.
+/// A file that a data folder needs, with its content in this example.
 struct ExampleFile {
   const char* name;
   std::string_view content;

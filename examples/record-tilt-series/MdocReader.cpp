@@ -22,8 +22,8 @@ std::string_view Trimmed(std::string_view text) {
                                          : text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// A line as a message shows it: its start, without the zero bytes that would end the message. It may come from any
-// file, an image given by mistake included.
+// A line in the form in which a message shows it: its start, without zero bytes, which would end the message. The line
+// can come from any file, for example from an image that was given by mistake.
 std::string Shown(std::string_view text) {
   return "'" + Velora::Text::Printable(text.substr(0, longestShown)) + (text.size() > longestShown ? "...'" : "'");
 }

@@ -6,13 +6,13 @@
 #include <stdexcept>
 #include <string>
 
-/// What is wrong with an .mdoc file, and in which line.
+/// An error in an .mdoc file, with file and line.
 class MdocError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-/// One line of an .mdoc file that says something.
+/// A line of an .mdoc file that is not blank.
 struct MdocLine {
   enum class Kind {
     Value,    ///< "Key = value"
@@ -20,20 +20,21 @@ struct MdocLine {
     Section,  ///< "[ZValue = n]", "[FrameSet = n]" or "[MontSection = n]"
   };
   Kind kind = Kind::Value;
-  std::string key;    ///< without blanks around it
-  std::string value;  ///< everything behind the equals sign and one blank, unchanged
+  std::string key;    ///< without the blanks around it
+  std::string value;  ///< everything after the equals sign and one blank, unchanged
 };
 
-/// Reads an .mdoc file line by line and holds one line at a time, so that a file of any size can be read. Line ends may
-/// be "\r\n", the last one may be missing, a UTF-8 byte-order mark may stand first, and blank lines are passed over.
+/// Reads an .mdoc file line by line and keeps one line at a time, so a file can have any size. Lines can end with
+/// "\r\n", the last line need not end with a line break, and the file can begin with a UTF-8 byte-order mark. Blank
+/// lines are skipped.
 class MdocReader {
  public:
-  /// @throws MdocError when the file cannot be opened, or is no regular file.
+  /// @throws MdocError if the file cannot be opened or is not a regular file.
   explicit MdocReader(const std::filesystem::path& path);
 
-  /// Reads on to the next line that says something.
+  /// Reads the next line that is not blank.
   /// @return false at the end of the file.
-  /// @throws MdocError naming file and line when a line is not understood or cannot be read.
+  /// @throws MdocError if a line has an error or cannot be read.
   bool Next(MdocLine& line);
 
   std::uint64_t BytesRead() const { return bytesRead; }

@@ -4,16 +4,17 @@
 #include <cstdint>
 #include <string>
 
-/// A bar on a terminal: how many bytes of all have been read. Draws nothing where standard error is no terminal.
+/// A progress bar on a terminal: the share of the bytes that were read. Draws nothing if standard error is not a
+/// terminal.
 class ProgressBar {
  public:
   /// @param total bytes in all files.
   explicit ProgressBar(std::uint64_t total);
 
   /// @param done bytes read so far.
-  /// @param label what is being read.
+  /// @param label the name of the file that is read now.
   void Show(std::uint64_t done, const std::string& label);
-  /// Takes the bar off its line, so that something else can be written there.
+  /// Removes the bar, so that something else can be written on its line.
   void Clear();
   bool IsShown() const { return terminal; }
 

@@ -11,8 +11,8 @@ using Quor::Velora::Infra::TsLogging::ITsLogging;
 
 namespace {
 
-// One name for each kind of event, created anew for each of them: the component keeps every name until the next
-// session.
+// Events of one kind share a name, and each creation starts the event again: the component keeps every name until the
+// next session.
 const std::string seriesEvent = "Series";
 
 std::string Created(std::string guid, const std::string& what) {
@@ -50,7 +50,7 @@ class Recorder {
     logging.UpdateActivityExecution(guid);
   }
 
-  /// Saves what has come so far and marks nothing as done.
+  /// Saves what was read so far, and marks nothing as done.
   void Abandon() {
     if (section) {
       SaveSectionEvent();
@@ -127,11 +127,11 @@ class Recorder {
   const std::filesystem::path& file;
   RecordCounts& counts;
   const std::string guid;
-  std::uint64_t seriesParameters = 0;  // in its pending event
+  std::uint64_t seriesParameters = 0;  // in the pending event of the series
   std::optional<Section> section;
 };
 
-// Reads on; what came before an error in the file is saved before the error passes.
+// Reads the next line. If that fails, what was read before is saved, and then the error is raised.
 bool ReadOn(MdocReader& reader, MdocLine& line, Recorder& recorder) {
   try {
     return reader.Next(line);

@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <string>
 
-/// TS answered a creation with no identity: nothing was created, and nothing can be attached to it.
+/// TS returned no identity for a creation: nothing was created, so nothing can be attached to it.
 class NothingCreated : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -23,13 +23,13 @@ struct RecordCounts {
 };
 
 /// Records one .mdoc file: an execution of "TiltSeries" for the file, and below it one of "Section" for each section,
-/// with one event that holds everything the section says. What stands before the sections, and titles, go into an event
-/// of the series.
+/// with one event that has all values of the section. Titles, and what stands before the sections, go into an event of
+/// the series.
 ///
-/// A file that ends in an error leaves everything before the error recorded: the section so far is saved, and neither
-/// it nor the series is marked as done.
-/// @param counts grows with what is recorded.
-/// @param progress told the number of bytes read, now and then.
-/// @throws MdocError naming file and line; NothingCreated; whatever TS raises.
+/// If the file has an error, everything before it is recorded: the section is saved as far as it was read, and neither
+/// the section nor the series is marked as done.
+/// @param counts is increased by what is recorded.
+/// @param progress is called with the number of bytes read so far, from time to time.
+/// @throws MdocError with file and line; NothingCreated; the exceptions of TS.
 void RecordSeries(Quor::Velora::Infra::TsLogging::ITsLogging& logging, const std::filesystem::path& file,
                   RecordCounts& counts, const std::function<void(std::uint64_t)>& progress);

@@ -2,7 +2,7 @@
 
 #include <string>
 
-// What the systems call by different names.
+// Functions that have different names on different systems.
 
 bool IsTerminalOnStandardError();
 /// Sets an environment variable that has no value yet.

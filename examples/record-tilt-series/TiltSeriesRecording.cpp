@@ -31,7 +31,7 @@ std::uint64_t SizeOf(const fs::path& file) {
   return unknown ? 0 : size;
 }
 
-/// Records file after file; one that fails does not keep the others from being recorded.
+/// Records all files. If one fails, the others are recorded all the same.
 class Run {
  public:
   Run(ITsLogging& logging, const std::vector<fs::path>& files)
@@ -54,7 +54,7 @@ class Run {
       Complain(reason.what());
     } catch (const MdocError& reason) {
       Complain(reason.what());
-    } catch (const std::exception& reason) {  // of TS, which does not know the file
+    } catch (const std::exception& reason) {  // from TS, whose exception does not name the file
       Complain(file.string() + ": " + reason.what());
     }
     bytesBefore += SizeOf(file);
@@ -77,7 +77,7 @@ class Run {
               << " events, " << counts.parameters << " parameters in " << seconds.count() << " seconds\n";
     WriteLine(std::cout, "in the folder " + fs::current_path().string());
     if (failed) {
-      std::cout << "Not everything could be recorded: see the errors above." << std::endl;
+      std::cout << "Not everything was recorded: see the errors above." << std::endl;
     }
     return failed ? SomethingFailed : Recorded;
   }
@@ -113,7 +113,7 @@ int Guarded(const Work& work) {
 int EnterRecordFolder(const char* folder) {
   return Guarded([folder] {
     EnterDataFolder(folder);
-    // The terminal is for the progress; the component's lines stay with the record.
+    // The terminal shows the progress; the component's log lines go to a file beside the records.
     SetUnlessSet("VELORA_LOG_FILE", (fs::current_path() / "velora.log").string());
     return Recorded;
   });

@@ -168,7 +168,7 @@ TEST_F(RecordTiltSeries, AHostThatKnowsTheLibraryByItsFileHasAllHangUnderOneExec
   folder.Write("a.mdoc", "[ZValue = 0]\n");
   folder.Write("b.mdoc", "V = 1\n");
   const std::string host = "'" MANAGED_HOST "' --data out/record --under 'grid 3' a.mdoc b.mdoc --library ";
-  Run(host + VELORA_LIBRARY, 0, {"Everything hangs under grid 3"});
+  Run(host + VELORA_LIBRARY, 0, {"The parent of all series is grid 3"});
   EXPECT_EQ(Recorded("SELECT activity_version, node, status, parent_id, root_id FROM execution_states"),
             "AutoFunction|grid 3|14|NULL|1\nTiltSeries|a.mdoc|14|1|1\nSection|ZValue 0|14|2|1\n"
             "TiltSeries|b.mdoc|14|1|1\n");
