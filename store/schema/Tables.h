@@ -17,4 +17,7 @@ std::vector<Table> TablesOf(int version);
 /// The names of the tables that the role of hosts adds rows to.
 std::vector<std::string> HostTables();
 
+/// What the role of the hosts calls with the rights of the store's owner.
+inline constexpr const char* hostFunctions = "make_partitions()";
+
 }  // namespace Velora::Store

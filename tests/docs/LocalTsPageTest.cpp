@@ -104,20 +104,20 @@ const std::vector<Question> questions = {
     {1, R"(1\|now\|\|)"},
 };
 
-std::string Explained(soci::session& sql, const std::string& statement) {
+std::string Explained(Velora::Store::Connection& sql, const std::string& statement) {
   const bool server = TestStore::OnServer();
   if (server) {
-    sql << "SET enable_seqscan = off";  // of a small table it would read all, whatever the indexes
+    sql.RunScript("SET enable_seqscan = off");  // of a small table it would read all, whatever the indexes
   }
   return Query(sql, (server ? "EXPLAIN " : "EXPLAIN QUERY PLAN ") + statement);
 }
 
 // What the example leaves out: an event of no run, a seal, and a session that registers nothing anew.
-void Add(soci::session& sql, const std::string& run) {
-  sql << "INSERT INTO events (session_id, name, at) VALUES (1, 'alone', '2026-11-24T21:55:03.123456Z')";
-  sql << "INSERT INTO seals VALUES (1, '" << run << "', 'now', '', '', '', '', 2, '', '')";
-  sql << "INSERT INTO sessions VALUES (2, 'second', 'Scope', '', '2026-11-25', '', '', '')";
-  sql << "INSERT INTO configurations VALUES (2, 'second', 2, '2026-11-25', '', '', '', '', '', '', '', '', '')";
+void Add(Velora::Store::Connection& sql, const std::string& run) {
+  sql.RunScript("INSERT INTO events (session_id, name, at) VALUES (1, 'alone', '2026-11-24T21:55:03.123456Z')");
+  sql.RunScript("INSERT INTO seals VALUES (1, '" + run + "', 'now', '', '', '', '', 2, '', '')");
+  sql.RunScript("INSERT INTO sessions VALUES (2, 'second', 'Scope', '', '2026-11-25', '', '', '')");
+  sql.RunScript("INSERT INTO configurations VALUES (2, 'second', 2, '2026-11-25', '', '', '', '', '', '', '', '', '')");
 }
 
 TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
@@ -129,9 +129,8 @@ TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
                                                      {":node", "'ZValue 1'"},
                                                      {":low", "0"},
                                                      {":high", "1"}};
-  soci::session sql;
-  TestStore(folder / "ts.db").Open(sql);
-  Add(sql, run);
+  const SqlConnection sql = TestStore(folder / "ts.db").Open();
+  Add(*sql, run);
   const auto asked = Matches(page, std::regex(R"(\n### (\d+\. [^\n]*)\n+```sql\n([^`]*);\n```)"));
   ASSERT_EQ(asked.size(), questions.size());
   std::string plans;
@@ -145,7 +144,7 @@ TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
     EXPECT_EQ(Ask("SELECT COUNT(*) FROM (" + statement + ") AS rows_of_it"), std::to_string(questions[n].rows) + "\n")
         << answer;
     EXPECT_TRUE(std::regex_match(answer.substr(0, answer.find('\n')), std::regex(questions[n].firstAnswer))) << answer;
-    const std::string plan = Explained(sql, statement);
+    const std::string plan = Explained(*sql, statement);
     EXPECT_FALSE(std::regex_search(plan, std::regex(R"(SCAN (?!open|tree|o\b|t\b)|Seq Scan)"))) << plan;
     plans += plan;
   }
@@ -185,14 +184,13 @@ TEST_F(LocalTsPage, DurationsAreTheSameOnBothDatabasesWhateverTheTimes) {
                       {noon, "2026-11-24T12:00:01.000000Z\n", "IS NULL"},
                       {"-001-01-01T12:00:00.000000Z", noon, "IS NULL"},
                       {"", "never", "IS NULL"}};
-  soci::session sql;
-  TestStore(folder / "ts.db").Open(sql);
+  const SqlConnection sql = TestStore(folder / "ts.db").Open();
   long long key = 1000;
   for (const auto& [from, to, seconds] : rows) {
     const std::string id = std::to_string(++key);
-    sql << "INSERT INTO executions VALUES (" << id << ", '" << id << "', NULL, " << id << ", 1, NULL, '', '', 5, '"
-        << from << "')";
-    sql << "INSERT INTO statuses VALUES (" << id << ", " << id << ", 1, 14, '" << to << "')";
+    sql->RunScript("INSERT INTO executions VALUES (" + id + ", '" + id + "', NULL, " + id + ", 1, NULL, '', '', 5, '" +
+                   from + "')");
+    sql->RunScript("INSERT INTO statuses VALUES (" + id + ", " + id + ", 1, 14, '" + to + "')");
     const std::string durations = " FROM durations WHERE execution_id = " + id;
     EXPECT_EQ(Ask("SELECT 1" + durations + " AND seconds " + seconds), "1\n")
         << from << ' ' << to << ' ' << Ask("SELECT seconds" + durations);

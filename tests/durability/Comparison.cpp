@@ -60,7 +60,7 @@ Findings& Findings::operator+=(const Findings& other) {
   return *this;
 }
 
-Records StoredRecords(soci::session& sql) {
+Records StoredRecords(Velora::Store::Connection& sql) {
   std::istringstream answer(Query(sql, records));
   Records lines;
   for (std::string line; std::getline(answer, line);) {
@@ -69,11 +69,7 @@ Records StoredRecords(soci::session& sql) {
   return lines;
 }
 
-Records StoredRecords(const std::filesystem::path& database) {
-  soci::session sql;
-  TestStore(database).Open(sql);
-  return StoredRecords(sql);
-}
+Records StoredRecords(const std::filesystem::path& database) { return StoredRecords(*TestStore(database).Open()); }
 
 Findings Compare(const std::filesystem::path& folder, const Told& told) {
   using Quor::TolvaServices::Types::TSInstance;
@@ -83,12 +79,11 @@ Findings Compare(const std::filesystem::path& folder, const Told& told) {
     if (!TSInstance::IsConnectable()) {
       return {0, 0, 1, "store cannot be opened\n"};
     }
-    soci::session sql;
-    TestStore(folder / "ts.db").Open(sql);
-    if (const std::string unsound = Query(sql, soundness); !unsound.empty()) {
+    const SqlConnection sql = TestStore(folder / "ts.db").Open();
+    if (const std::string unsound = Query(*sql, soundness); !unsound.empty()) {
       findings = {0, 0, 1, "store is not sound: " + unsound};
     }
-    const Records stored = StoredRecords(sql);
+    const Records stored = StoredRecords(*sql);
     findings.lost = Missing(findings.text, "lost", told.acknowledged, stored);
     findings.half = Missing(findings.text, "half there", stored, told.announced);
   } catch (const std::exception& error) {

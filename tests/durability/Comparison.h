@@ -1,6 +1,6 @@
 #pragma once
 
-#include <soci/soci.h>
+#include "store/database/Connection.h"
 
 #include <filesystem>
 #include <set>
@@ -25,7 +25,7 @@ struct Findings {
 };
 
 /// The records in a store, one line for each, as Recording announces them. What is half there reads otherwise.
-Records StoredRecords(soci::session& sql);
+Records StoredRecords(Velora::Store::Connection& sql);
 Records StoredRecords(const std::filesystem::path& database);
 
 /// Opens the store "ts.db" of a folder through TSAL and with plain SQL, and compares it with what was told.

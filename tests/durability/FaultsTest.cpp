@@ -228,19 +228,19 @@ TEST(Writer, IsWaitedForThirtySecondsAndThenNamed) {
     EXPECT_NEAR(std::chrono::duration<double>(Clock::now() - start).count(), 30, 0.5);
   };
   for (int again = 0; again < 2; ++again) {  // on one connection
-    soci::session slow(soci::sqlite3, "dbname=" + (folder / "ts.db").string());
-    slow << "BEGIN IMMEDIATE";
+    const SqlConnection slow = OpenFile(folder / "ts.db");
+    slow->RunScript("BEGIN IMMEDIATE");
     files.afterSleep = [&, end = Clock::now() + std::chrono::seconds(20)] {
       if (Clock::now() > end) {
-        slow << "COMMIT";
+        slow->RunScript("COMMIT");
         files.afterSleep = [] {};
       }
     };
     host.Next();
   }
   {
-    soci::session slow(soci::sqlite3, "dbname=" + (folder / "ts.db").string());
-    slow << "BEGIN IMMEDIATE";
+    const SqlConnection slow = OpenFile(folder / "ts.db");
+    slow->RunScript("BEGIN IMMEDIATE");
     expectToWaitFor("another thread of this process");
   }
   {
@@ -268,13 +268,13 @@ TEST(Files, OfTheLogThatAreDeletedAreMissedBeforeAnythingIsAcknowledged) {
       host.Next();
     }
     const auto remove = [path = folder / file] { fs::remove(path); };
-    soci::session slow;
+    SqlConnection slow;
     if (when == inTurn) {
-      slow.open(soci::sqlite3, "dbname=" + (folder / "ts.db").string());
-      slow << "BEGIN IMMEDIATE";
+      slow = OpenFile(folder / "ts.db");
+      slow->RunScript("BEGIN IMMEDIATE");
       files.afterSleep = [&] {
         remove();
-        slow.close();
+        slow.reset();
         files.afterSleep = [] {};
       };
     } else if (when == inCommit) {

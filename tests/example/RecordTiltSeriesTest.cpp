@@ -55,11 +55,11 @@ TEST_F(RecordTiltSeries, EveryLineOfAFileStandsInTheDatabase) {
                 "1|Section|MontSection 7|all.mdoc|14\n1|Section|ZValue 3|all.mdoc|14\n");
   EXPECT_EQ(Recorded("SELECT execution_id, r.event, parameter, kind, COALESCE(value_text, value_number) "
                      "FROM readings r ORDER BY execution_id, event_id, position"),
-            "1|Series|Voltage|int|300.0\n1|Series|T|text|by hand = yes\n1|Series|T|text|  [two]\n"
-            "1|Series|T|text|between\n2|ZValue|A|int|1.0\n2|ZValue|B|text|7 \n2|ZValue|A|double|2.5\n"
-            "2|ZValue|E|text|\n2|ZValue|FramesOnDisk|bool|0.0\n3|FrameSet|FramesOnDisk|int|5.0\n"
-            "3|FrameSet|FramesOnDisk|bool|0.0\n4|MontSection|FramesOnDisk|bool|0.0\n5|ZValue|L|text|\\x3320b56d\n"
-            "5|ZValue|Z|text|\\x610062\n5|ZValue|FramesOnDisk|bool|0.0\n");
+            "1|Series|Voltage|int|300\n1|Series|T|text|by hand = yes\n1|Series|T|text|  [two]\n"
+            "1|Series|T|text|between\n2|ZValue|A|int|1\n2|ZValue|B|text|7 \n2|ZValue|A|double|2.5\n"
+            "2|ZValue|E|text|\n2|ZValue|FramesOnDisk|bool|0\n3|FrameSet|FramesOnDisk|int|5\n"
+            "3|FrameSet|FramesOnDisk|bool|0\n4|MontSection|FramesOnDisk|bool|0\n5|ZValue|L|text|\\x3320b56d\n"
+            "5|ZValue|Z|text|\\x610062\n5|ZValue|FramesOnDisk|bool|0\n");
 }
 
 TEST_F(RecordTiltSeries, AValueIsANumberOnlyWhereThatWritesTheSameText) {
@@ -131,9 +131,10 @@ TEST_F(RecordTiltSeries, AFailureOfTsNamesTheFileAndIsOverWithIt) {
   folder.Write("0.mdoc", "[ZValue = 0]\nA = 1\n");
   folder.Write("1.mdoc", "V = 1\n[ZValue = 1]\nA = refused\nB = 1\n[ZValue = 2]\n");
   Record("0.mdoc");
-  soci::session(soci::sqlite3, "dbname=" + (folder / "out/record/ts.db").string())
-      << "CREATE TRIGGER refusal BEFORE INSERT ON parameters WHEN NEW.value_text = 'refused' "
-         "BEGIN SELECT RAISE(ABORT, 'no room'); END";
+  OpenFile(folder / "out/record/ts.db")
+      ->RunScript(
+          "CREATE TRIGGER refusal BEFORE INSERT ON parameters WHEN NEW.value_text = 'refused' "
+          "BEGIN SELECT RAISE(ABORT, 'no room'); END");
   Record("1.mdoc 0.mdoc", 1, {"/1.mdoc: ", "no room", "Recorded 2 series, 2 sections, 2 events, 3 parameters in "});
   EXPECT_EQ(Recorded("SELECT group_concat(status, ' ') FROM execution_states"), "14 14 4 4 14 14\n");
 }

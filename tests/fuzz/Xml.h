@@ -2,7 +2,7 @@
 
 #include "Fuzz.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <algorithm>
 #include <string>
@@ -28,7 +28,7 @@ int ReadTwice(const std::string& name, const std::string& content, const Read& r
   std::string once;
   try {
     once = written(read(file));
-  } catch (const Quor::TolvaServices::TsError& error) {
+  } catch (const Velora::Store::Error& error) {
     const std::size_t line = LineIn(error.what(), "file '" + file + "', line ");
     Require(line >= 1 && line <= LinesOf(content), std::string("the file has that line: ") + error.what());
     return 0;

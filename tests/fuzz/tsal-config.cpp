@@ -1,12 +1,12 @@
 // TSAL.config: a database and an instrument, or what is wrong in which line.
 
-#include "Settings.h"
 #include "Xml.h"
+#include "store/settings/Settings.h"
 
 #include <filesystem>
 
 namespace fs = std::filesystem;
-using namespace Quor::TolvaServices::Local;
+using namespace Velora::Store;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   return ReadTwice(

@@ -78,14 +78,14 @@ TEST_F(BrokenInput, ADatabaseThatCannotBeRecordedInIsNamedAndStaysAsItIs) {
   permissions(folder.path, fs::perms{0777});
   const bool ordinary = System::GiveUpRights();  // nothing is read-only for a superuser
   folder.Write("text.db", std::string(4096, 'x'));
-  soci::session(soci::sqlite3, "dbname=" + (folder / "other.db").string()) << "CREATE TABLE microscopes (name)";
+  OpenFile(folder / "other.db")->RunScript("CREATE TABLE microscopes (name)");
   create_directory(folder / "shut");
   for (const char* database : {"newer.db", "reading.db", "hidden.db", "shut/ts.db", "good.db"}) {
     Begin(database);
   }
   EXPECT_TRUE(TSInstance::IsConnectable());
   EXPECT_EQ(WhyNotAvailable(), "");
-  soci::session(soci::sqlite3, "dbname=" + (folder / "newer.db").string()) << "INSERT INTO ts_schema VALUES (99, '')";
+  OpenFile(folder / "newer.db")->RunScript("INSERT INTO ts_schema VALUES (99, '')");
   permissions(folder / "reading.db", fs::perms{0444});
   permissions(folder / "hidden.db", fs::perms{0});
   permissions(folder / "shut", fs::perms{0555});

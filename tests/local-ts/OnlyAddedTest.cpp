@@ -17,9 +17,7 @@ class OnlyAdded : public LocalTsTest {
   int Shell(const std::string& command) const {
     return std::system(("cd '" + folder.path.string() + "' && " + command).c_str());
   }
-  void Run(const std::string& statement) const {
-    soci::session(soci::sqlite3, "dbname=" + (folder / "ts.db").string()) << statement;
-  }
+  void Run(const std::string& statement) const { OpenFile(folder / "ts.db")->RunScript(statement); }
   /// Every row of the tables that both versions have.
   std::string Content() const {
     EXPECT_EQ(Shell("sqlite3 ts.db .dump | grep '^INSERT' | grep -v -e ts_schema -e seals > content"), 0);
@@ -65,7 +63,7 @@ TEST_F(OnlyAdded, NoStatementChangesDeletesOrReplacesARow) {
       try {
         Run(statement);
         ADD_FAILURE() << "not refused: " << statement;
-      } catch (const soci::soci_error& error) {
+      } catch (const Velora::Store::DatabaseError& error) {
         const std::string text = error.what();
         EXPECT_NE(text.find("rows of " + table + " are only ever added"), std::string::npos) << statement << text;
       }
@@ -90,7 +88,7 @@ TEST_F(OnlyAdded, NoStatementNumbersARowOutsideWhatSealsCover) {
       try {
         Run(statement);
         ADD_FAILURE() << "not refused: " << statement;
-      } catch (const soci::soci_error& error) {
+      } catch (const Velora::Store::DatabaseError& error) {
         const std::string text = error.what();
         const std::string reason = "rows of " + table + " are numbered from 1 to 9007199254740992";
         EXPECT_TRUE(text.find(reason) != std::string::npos ||

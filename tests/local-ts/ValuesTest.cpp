@@ -70,10 +70,12 @@ TEST_F(Values, NumbersKeepEveryBit) {
   SaveEvent(event);
   EXPECT_EQ(Recorded("SELECT kind, CAST(value_number AS INTEGER), value_text FROM parameters WHERE position < 5"),
             "int|-2147483648|NULL\nbool|1|NULL\ndouble|NULL|NaN:fff0000000000001\ndouble|NULL|-0.0\n");
-  std::vector<double> stored(numbers.size());
-  soci::session sql;
-  TestStore(folder / "ts.db").Open(sql);
-  sql << "SELECT value_number FROM parameters WHERE position > 4 ORDER BY position", soci::into(stored);
+  const SqlConnection sql = TestStore(folder / "ts.db").Open();
+  std::vector<double> stored;
+  for (const auto rows = sql->PrepareShort("SELECT value_number FROM parameters WHERE position > 4 ORDER BY position");
+       rows->Next();) {
+    stored.push_back(rows->Number(0));
+  }
   EXPECT_EQ(stored, std::vector(numbers.begin() + 2, numbers.end()));
 }
 

@@ -52,7 +52,7 @@ class Faults : public PostgreSql {
   }
 
   void ExpectAllThereOnce() const {
-    soci::session sql(soci::postgresql, where);
+    Velora::Store::PostgreSqlConnection sql(where);
     EXPECT_EQ(StoredRecords(sql), told.acknowledged);
   }
 

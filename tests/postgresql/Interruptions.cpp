@@ -44,7 +44,8 @@ void BeforeStatement(PGconn* connection) {
 }  // namespace
 
 void LoseAnswer(PGconn* connection) {
-  PQsendQuery(connection, "COMMIT");
+  Original<decltype(&PQsendQuery)>("PQsendQuery")(connection, "COMMIT");
+  PQflush(connection);
   AskAboutServerOf(connection, "SELECT state = 'idle' FROM pg_stat_activity WHERE pid IN (");
   shutdown(PQsocket(connection), SHUT_RDWR);
   while (PGresult* const result = PQgetResult(connection)) {
@@ -52,18 +53,18 @@ void LoseAnswer(PGconn* connection) {
   }
 }
 
-extern "C" [[gnu::visibility("default")]] PGresult* PQexec(PGconn* connection, const char* statement) {
+extern "C" [[gnu::visibility("default")]] int PQsendQuery(PGconn* connection, const char* statement) {
   BeforeStatement(connection);
   if (TheInterruptions().atCommit && std::string_view(statement) == "COMMIT") {
     std::exchange(TheInterruptions().atCommit, nullptr)(connection);
   }
-  return Original<decltype(&PQexec)>("PQexec")(connection, statement);
+  return Original<decltype(&PQsendQuery)>("PQsendQuery")(connection, statement);
 }
 
-extern "C" [[gnu::visibility("default")]] PGresult* PQexecParams(PGconn* connection, const char* statement, int count,
-                                                                 const Oid* types, const char* const* values,
-                                                                 const int* lengths, const int* formats, int format) {
+extern "C" [[gnu::visibility("default")]] int PQsendQueryParams(PGconn* connection, const char* statement, int count,
+                                                                const Oid* types, const char* const* values,
+                                                                const int* lengths, const int* formats, int format) {
   BeforeStatement(connection);
-  return Original<decltype(&PQexecParams)>("PQexecParams")(connection, statement, count, types, values, lengths,
-                                                           formats, format);
+  return Original<decltype(&PQsendQueryParams)>("PQsendQueryParams")(connection, statement, count, types, values,
+                                                                     lengths, formats, format);
 }

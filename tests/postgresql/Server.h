@@ -1,9 +1,7 @@
 #pragma once
 
+#include "store/database/PostgreSqlConnection.h"
 #include "support/ScratchFolder.h"
-
-#include <soci/postgresql/soci-postgresql.h>
-#include <soci/soci.h>
 
 #include <gtest/gtest.h>
 
@@ -39,16 +37,9 @@ class PostgreSql : public testing::Test {
 
   /// Runs statements as the superuser, and gives the first column of the last one's first row.
   static std::string Sql(const std::string& statements, const std::string& connection = "dbname=postgres") {
-    soci::session sql(soci::postgresql, connection + " options='-c client_min_messages=error'");
-    std::string answer;
-    soci::indicator known = soci::i_null;
-    soci::statement statement(sql);
-    statement.exchange(soci::into(answer, known));
-    statement.alloc();
-    statement.prepare(statements, soci::details::st_one_time_query);
-    statement.define_and_bind();
-    statement.execute(true);
-    return answer;
+    Velora::Store::PostgreSqlConnection sql(connection + " options='-c client_min_messages=error'");
+    const auto answer = sql.Ask(statements);
+    return PQntuples(answer.get()) == 0 ? "" : PQgetvalue(answer.get(), 0, 0);
   }
 
   const ScratchFolder folder;

@@ -9,8 +9,8 @@ namespace {
 using Files = ToolTest;
 
 TEST_F(Files, AStoreIsReadWithItsLogHoweverItIsReached) {
-  soci::session host(soci::sqlite3, "dbname=" + (folder / "ts.db").string());
-  host << "INSERT INTO events VALUES (4, 1, 1, NULL, 'in the log', '')";
+  const SqlConnection host = OpenFile(folder / "ts.db");
+  host->RunScript("INSERT INTO events VALUES (4, 1, 1, NULL, 'in the log', '')");
   EXPECT_EQ(Shell("[ -s ts.db-wal ] && mkdir other && ln -s ts.db first && ln -s .. other/folder && ln ts.db second"),
             0);
   static const struct {

@@ -3,9 +3,9 @@
 #include "CommandLine.h"
 #include "ToolTest.h"
 #include "reading/EventLines.h"
-#include "reading/EventRows.h"
-#include "reading/Listener.h"
-#include "reading/Store.h"
+#include "store/reading/Listener.h"
+#include "store/reading/Reader.h"
+#include "store/settings/Settings.h"
 
 #include <iterator>
 #include <map>
@@ -72,10 +72,9 @@ class Questions : public ToolTest {
     if (!TestStore::OnServer()) {
       return Query(folder / "ts.db", "EXPLAIN QUERY PLAN " + question);
     }
-    soci::session sql;
-    TestStore(folder / "ts.db").Open(sql);
-    sql << "SET enable_seqscan = off";  // of a small table it would read all, whatever the indexes
-    return Query(sql, "EXPLAIN " + std::regex_replace(question, std::regex(R"(\?\d)"), "'1'"));
+    const SqlConnection sql = TestStore(folder / "ts.db").Open();
+    sql->RunScript("SET enable_seqscan = off");  // of a small table it would read all, whatever the indexes
+    return Query(*sql, "EXPLAIN " + std::regex_replace(question, std::regex(R"(\?\d)"), "'1'"));
   }
 };
 
@@ -88,8 +87,8 @@ TEST_F(Questions, AreAnsweredByIndexes) {
   }
   const std::string asked = Asked();
   std::set<std::string> questions;
-  questionListener = [&](const std::string& question) { questions.insert(question); };
-  EventsOfRunSince(Store(Quor::TolvaServices::Local::ReadSettings(asked).database), 0,
+  Velora::Store::questionListener = [&](const std::string& question) { questions.insert(question); };
+  EventsOfRunSince(Velora::Store::Reader(Velora::Store::ReadSettings(asked).database), 0,
                    0);  // tail's, once it has looked
   for (const auto& [name, verb] : verbs) {
     const std::size_t before = questions.size();
@@ -98,7 +97,7 @@ TEST_F(Questions, AreAnsweredByIndexes) {
     }
     EXPECT_TRUE(verb.readsAllBecause != nullptr || questions.size() > before) << name;
   }
-  questionListener = nullptr;
+  Velora::Store::questionListener = nullptr;
   for (const std::string& question : questions) {
     const std::string plan = Plan(question);
     EXPECT_FALSE(std::regex_search(plan, std::regex("SCAN (?!CONSTANT|ts_schema|sqlite_)|Seq Scan on (?!ts_schema)")))

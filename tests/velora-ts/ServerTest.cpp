@@ -320,13 +320,13 @@ TEST_F(OnServer, WhatReadersAddAndAnotherServerMakesOfItIsNoFinding) {
 TEST_F(OnServer, NothingIsSealedPastARowThatIsUnderWay) {
   Begin("server");
   Record("run");
-  soci::session slow(soci::postgresql, "dbname=postgres");
-  slow << "BEGIN";
-  slow << "INSERT INTO events (session_id, execution_id, name, at) VALUES (1, 1, 'under way', '2026')";
+  const SqlConnection slow = OpenServer("dbname=postgres");
+  slow->RunScript("BEGIN");
+  slow->RunScript("INSERT INTO events (session_id, execution_id, name, at) VALUES (1, 1, 'under way', '2026')");
   Sql("INSERT INTO events (session_id, execution_id, name, at) VALUES (1, 1, 'later', '2026')");
   std::thread host([&slow] {
     std::this_thread::sleep_for(std::chrono::seconds(1));
-    slow << "COMMIT";
+    slow->RunScript("COMMIT");
   });
   EXPECT_EQ(Tool("seal --config server"), 0) << said;
   host.join();

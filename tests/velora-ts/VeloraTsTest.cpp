@@ -146,9 +146,9 @@ TEST_F(VeloraTs, ReadingChangesNothingAndWaitsForNobody) {
     EXPECT_EQ(Tool(verb), 0) << said;
   }
   EXPECT_EQ(files(), closed);
-  soci::session host(soci::sqlite3, "dbname=" + (folder / "ts.db").string());
-  host << "BEGIN IMMEDIATE";
-  host << "INSERT INTO events VALUES (4, 1, 1, NULL, 'not yet there', '')";
+  const SqlConnection host = OpenFile(folder / "ts.db");
+  host->RunScript("BEGIN IMMEDIATE");
+  host->RunScript("INSERT INTO events VALUES (4, 1, 1, NULL, 'not yet there', '')");
   auto open = files();
   for (const char* verb : {"runs", "export last", "verify; [ $? -eq 4 ]"}) {
     EXPECT_EQ(Tool("--version && timeout 3 '" VELORA_TS "' " + std::string(verb)), 0) << said;
@@ -157,7 +157,7 @@ TEST_F(VeloraTs, ReadingChangesNothingAndWaitsForNobody) {
   auto after = files();
   open.erase("ts.db-shm"), after.erase("ts.db-shm");  // where readers and writers meet
   EXPECT_EQ(after, open);
-  host << "COMMIT";
+  host->RunScript("COMMIT");
   EXPECT_EQ(Tool("export last"), 0);
   EXPECT_TRUE(Says("not yet there"));
 }

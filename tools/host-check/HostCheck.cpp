@@ -1,14 +1,12 @@
 #include "host-check/HostCheck.h"
 
-#include "ActivitiesFile.h"
-#include "Settings.h"
-#include "StoredTime.h"
-#include "Trial.h"
-#include "WholeFile.h"
 #include "host-check/SettingsOfHost.h"
-
-#include <TSAL/Methods.h>
-#include <TSAL/Reason.h>
+#include "store/recording/Trial.h"
+#include "store/settings/ActivitiesFile.h"
+#include "store/settings/Service.h"
+#include "store/settings/Settings.h"
+#include "store/settings/WholeFile.h"
+#include "store/values/StoredTime.h"
 
 #include <filesystem>
 #include <optional>
@@ -16,8 +14,6 @@
 namespace Velora::HostCheck {
 
 namespace fs = std::filesystem;
-namespace Local = Quor::TolvaServices::Local;
-using Quor::TolvaServices::Types::TSInstance;
 
 namespace {
 
@@ -62,22 +58,22 @@ class HostCheck {
   void Mind(const std::string& what) { tell({HostStep::Outcome::Mind, what}); }
 
   void AskForService() {
-    if (TSInstance::IsTsServicePresent()) {
+    if (const std::string reason = Store::WhyServiceIsAbsent(); reason.empty()) {
       tell({HostStep::Outcome::Holds, "service: present"});
     } else {
-      Prevent(Quor::TolvaServices::WhyNotAvailable());
+      Prevent(reason);
     }
   }
 
   std::string ReadSettings() {
-    settings = Local::ReadSettings(folder.string());
+    settings = Store::ReadSettings(folder.string());
     return "TSAL.config: records of the instrument '" + settings->instrument + "'";
   }
 
   std::string ReadActivities() {
     std::string names;
-    for (const auto& version : Local::ReadActivitiesFile((folder / start.activities).string())) {
-      names += (names.empty() ? "" : ", ") + version.Name + ' ' + version.Version;
+    for (const auto& version : Store::ReadActivitiesFile((folder / start.activities).string())) {
+      names += (names.empty() ? "" : ", ") + version.name + ' ' + version.version;
     }
     if (names.empty()) {
       Mind(start.activities + " has no activity version: executions will have none");
@@ -86,17 +82,15 @@ class HostCheck {
   }
 
   std::string ReadConfiguration() {
-    const std::size_t size = Local::ReadWholeFile((folder / start.configuration).string()).size();
+    const std::size_t size = Store::ReadWholeFile((folder / start.configuration).string()).size();
     return start.configuration + ": " + std::to_string(size) + " bytes";
   }
 
   std::string TryDatabase() {
-    const Local::Trial trial = Local::TryToRecord(*settings);
+    const Store::Trial trial = Store::TryToRecord(*settings);
     outcome.hasStore = trial.version > 0;
-    if (settings->database.kind == Local::Database::Kind::Sqlite) {
-      LookAtRoom();
-    }
-    const std::string now = Local::ToStoredTime({});
+    LookAtRoom();
+    const std::string now = Store::ToStoredTime(Store::Now());
     if (!trial.newest.empty() && now < trial.newest) {
       Mind("the clock of this computer is at " + now + ", before the newest session of the store, " + trial.newest);
     }
@@ -104,8 +98,9 @@ class HostCheck {
   }
 
   void LookAtRoom() {
+    const std::string folder = Store::FolderOf(settings->database);
     std::error_code unknown;
-    const fs::space_info space = fs::space(fs::path(settings->database.where).parent_path(), unknown);
+    const fs::space_info space = fs::space(folder, unknown);
     if (!unknown && space.available < littleRoom) {
       Mind("the disk of '" + settings->database.where + "' has " + Megabytes(space.available) + " left");
     }
@@ -114,7 +109,7 @@ class HostCheck {
   const HostStart& start;
   const std::function<void(const HostStep&)>& tell;
   fs::path folder;
-  std::optional<Local::Settings> settings;
+  std::optional<Store::Settings> settings;
   HostOutcome outcome;
 };
 

@@ -1,6 +1,7 @@
 #include "host-check/SettingsOfHost.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
+
 #include <VeloraSystem/System.h>
 
 namespace Velora::HostCheck {
@@ -43,7 +44,7 @@ fs::path FolderOfSettings(const HostStart& start) {
     }
     reason += ", and the library's folder '" + root.string() + "' lacks " + lackingThere;
   }
-  throw Quor::TolvaServices::TsError(reason + "; expected both files in one folder: \"velora-ts init\" writes them");
+  throw Store::Error(reason + "; expected both files in one folder: \"velora-ts init\" writes them");
 }
 
 }  // namespace Velora::HostCheck

@@ -7,7 +7,7 @@
 namespace Velora::HostCheck {
 
 /// The folder from which a host takes its files: its current directory, else that of the library.
-/// @throws TsError when neither has both TSAL.config and the activities file, and says what each lacks.
+/// @throws Error when neither has both TSAL.config and the activities file, and says what each lacks.
 std::filesystem::path FolderOfSettings(const HostStart& start);
 
 }  // namespace Velora::HostCheck

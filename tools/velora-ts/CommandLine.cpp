@@ -2,6 +2,7 @@
 
 #include "RegisteredVerbs.h"
 #include "output/Output.h"
+#include "store/database/DatabaseError.h"
 
 #include <VeloraText/Printable.h>
 #include <CLI/CLI.hpp>
@@ -11,6 +12,8 @@
 #include <utility>
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -39,6 +42,9 @@ class CommandLine {
       return Explain(error);
     } catch (const UsageError& error) {
       return Explain(CLI::ValidationError(error.what()));
+    } catch (const Store::NotOffered& reason) {
+      Complain(reason.what());
+      return WrongUsage;
     }
   }
 

@@ -41,6 +41,13 @@ std::string Printable(std::string_view text) {
   return printable;
 }
 
+std::string WithVisibleZeros(std::string text) {
+  for (std::size_t at = 0; (at = text.find('\0', at)) != std::string::npos;) {
+    text.replace(at, 1, "\\x00");
+  }
+  return text;
+}
+
 void WriteLine(std::ostream& stream, std::string_view text) { stream << Printable(text) << std::endl; }
 
 void WriteLines(std::ostream& stream, std::string_view text) {

@@ -1,5 +1,7 @@
 #include "LocalTs.h"
 
+#include <TSAL/Error.h>
+
 #include <mutex>
 #include <utility>
 
@@ -18,13 +20,13 @@ void SetSettingsFolder(const std::string& folder) {
   settingsFolder = folder;
 }
 
-Settings CurrentSettings() {
+Velora::Store::Settings CurrentSettings() {
   std::string folder;
   {
     const std::lock_guard lock(stateMutex);
     folder = settingsFolder;
   }
-  return ReadSettings(folder);
+  return Velora::Store::ReadSettings(folder);
 }
 
 void SetReason(const std::string& reason) {

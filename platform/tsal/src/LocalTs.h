@@ -14,7 +14,7 @@
 namespace Quor::TolvaServices::Local {
 
 void SetSettingsFolder(const std::string& folder);
-Settings CurrentSettings();
+Velora::Store::Settings CurrentSettings();
 
 /// Why TS was last found not to be available; empty when it was.
 void SetReason(const std::string& reason);

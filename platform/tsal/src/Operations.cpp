@@ -1,39 +1,55 @@
-#include "ActivitiesFile.h"
 #include "LocalTs.h"
 #include "StoredActivities.h"
 #include "StoredConfigurations.h"
+#include "StoredEvent.h"
 #include "StoredExecutions.h"
-#include "WholeFile.h"
+#include "store/settings/ActivitiesFile.h"
+#include "store/settings/Service.h"
+#include "store/settings/WholeFile.h"
 
+#include <TSAL/Error.h>
 #include <TSAL/Methods.h>
 #include <TSAL/Reason.h>
-
-#include <cstdlib>
-#include <string_view>
 
 namespace Quor::TolvaServices {
 
 using Types::SessionHandle;
 using Types::Tsid;
+using Velora::Store::Writer;
+
+namespace {
+
+/// Does something with the store, whose errors are raised as TSAL's own.
+template <typename Work>
+auto AsTsal(const Work& work) {
+  try {
+    return work();
+  } catch (const Velora::Store::Error& error) {
+    throw TsError(error.what());
+  }
+}
+
+}  // namespace
 
 namespace Types {
 
 bool TSInstance::IsTsServicePresent() {
-  const char* const service = std::getenv("TSAL_SERVICE");
-  const bool absent = service != nullptr && std::string_view(service) == "absent";
-  Local::SetReason(absent ? "the environment variable TSAL_SERVICE is 'absent', so TS counts as not installed; unset it"
-                          : "");
-  return !absent;
+  const std::string reason = Velora::Store::WhyServiceIsAbsent();
+  Local::SetReason(reason);
+  return reason.empty();
 }
 
 bool TSInstance::IsConnectable() {
   try {
-    Local::OpenConnection(Local::CurrentSettings().database);
+    OpenForWriting(Local::CurrentSettings().database);
     Local::SetReason("");
     return true;
-  } catch (const Local::NotReachable& reason) {
+  } catch (const Velora::Store::NotReachable& reason) {
     Local::SetReason(reason.what());
     return false;
+  } catch (const Velora::Store::Error& reason) {
+    Local::SetReason(reason.what());
+    throw TsError(reason.what());
   } catch (const std::exception& reason) {
     Local::SetReason(reason.what());
     throw;
@@ -45,7 +61,7 @@ void TSInstance::SetTsalPath(const std::string& path) { Local::SetSettingsFolder
 SessionHandle TSInstance::BeginSession() { return BeginSession({}, {}, {}); }
 
 SessionHandle TSInstance::BeginSession(const std::string& text1, const std::string& text2, const std::string& text3) {
-  return SessionHandle(Local::BeginSession(text1, text2, text3));
+  return AsTsal([&] { return SessionHandle(Local::BeginSession(text1, text2, text3)); });
 }
 
 }  // namespace Types
@@ -54,39 +70,48 @@ namespace Methods {
 
 std::map<std::string, Types::ActivityVersion> ActivityMethods::RegisterAndGetActivityVersions(
     const std::string& activitiesFilePath, const SessionHandle& handle) {
-  const auto session = Local::SessionOf(handle);
-  const auto versions = Local::ReadActivitiesFile(activitiesFilePath);
-  return session->Run([&](Local::Connection& connection) {
-    return Local::RegisterVersions(connection, session->Row(), activitiesFilePath, versions);
+  return AsTsal([&] {
+    const auto session = Local::SessionOf(handle);
+    const auto versions = Velora::Store::ReadActivitiesFile(activitiesFilePath);
+    return session->Run(
+        [&](Writer& store) { return Local::RegisterVersions(store, session->Row(), activitiesFilePath, versions); });
   });
 }
 
 void ActivityMethods::SaveActivityExecution(Types::ActivityExecution& execution, const SessionHandle& handle) {
-  const auto session = Local::SessionOf(handle);
-  execution.Id = session->Run(
-      [&](Local::Connection& connection) { return Local::StoreExecution(connection, session->Row(), execution); });
+  execution.Id = AsTsal([&] {
+    const auto session = Local::SessionOf(handle);
+    return session->Run([&](Writer& store) { return Local::StoreExecution(store, session->Row(), execution); });
+  });
 }
 
 Types::ActivityExecution ActivityMethods::GetActivityExecution(const Tsid& id, bool /*flag*/,
                                                                const Tsid* /*configurationId*/) {
-  return Local::SessionOf(SessionHandle::Empty)->Run([&](Local::Connection& connection) {
-    return Local::LoadExecution(connection, id);
+  return AsTsal([&] {
+    return Local::SessionOf(SessionHandle::Empty)->Run([&](Writer& store) {
+      return Local::LoadExecution(store.Sql(), id);
+    });
   });
 }
 
 void LoggingMethods::SaveEvent(const Types::InstrumentEvent& event, const Tsid& configurationId,
                                const Tsid* activityExecutionId, bool /*flag*/, const SessionHandle& handle) {
-  const auto session = Local::SessionOf(handle);
-  session->Run([&](Local::Connection& connection) {
-    soci::session& sql = connection.Sql();
-    Local::Transaction transaction(connection);
-    const auto configuration = Local::ConfigurationRow(sql, configurationId);
-    const auto execution = activityExecutionId == nullptr
-                               ? std::optional<long long>()
-                               : std::optional(Local::ExecutionRow(sql, *activityExecutionId));
-    connection.Insert(event, session->Row(), execution, configuration);
-    transaction.Commit();
-    return true;
+  AsTsal([&] {
+    const auto session = Local::SessionOf(handle);
+    session->Run([&](Writer& store) {
+      Velora::Store::Transaction transaction(store);
+      const auto configuration = Local::ConfigurationRow(store.Sql(), configurationId);
+      const auto execution = activityExecutionId == nullptr
+                                 ? std::optional<long long>()
+                                 : std::optional(Local::ExecutionRow(store.Sql(), *activityExecutionId));
+      Velora::Store::EventRow row = Local::ToStored(event);
+      row.session = session->Row();
+      row.execution = execution;
+      row.configuration = configuration;
+      store.Insert(row);
+      transaction.Commit();
+      return true;
+    });
   });
 }
 
@@ -96,9 +121,10 @@ Types::InstrumentEventConfigResult SystemMethods::SaveInstrumentConfigWithResult
     const std::string& modelName, const std::string& text8, const std::string& text9) {
   const Local::ConfigurationTexts texts{configurationText, text2,     vendorName, hostName, optionText,
                                         instrumentClass,   modelName, text8,      text9};
-  const auto session = Local::SessionOf(SessionHandle::Empty);
-  return session->Run([&](Local::Connection& connection) {
-    return Local::StoreConfiguration(connection, session->Row(), session->Guid(), texts);
+  return AsTsal([&] {
+    const auto session = Local::SessionOf(SessionHandle::Empty);
+    return session->Run(
+        [&](Writer& store) { return Local::StoreConfiguration(store, session->Row(), session->Guid(), texts); });
   });
 }
 
@@ -106,6 +132,8 @@ Types::InstrumentEventConfigResult SystemMethods::SaveInstrumentConfigWithResult
 
 std::string WhyNotAvailable() { return Local::Reason(); }
 
-std::string Utils::TypeUtils::ReadAllTextFromFile(const std::string& path) { return Local::ReadWholeFile(path); }
+std::string Utils::TypeUtils::ReadAllTextFromFile(const std::string& path) {
+  return AsTsal([&] { return Velora::Store::ReadWholeFile(path); });
+}
 
 }  // namespace Quor::TolvaServices

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "Connection.h"
-#include "Settings.h"
+#include "store/recording/Writer.h"
+#include "store/settings/Settings.h"
 
-#include <array>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -11,24 +10,23 @@
 
 namespace Quor::TolvaServices::Local {
 
-/// Inserts the row of a session, within a transaction. @return its key.
-long long InsertSession(Connection& connection, const std::string& guid, const std::string& instrument,
-                        const std::array<std::string, 3>& texts);
+using Velora::Store::Writer;
 
 /// A session of the local TS: the database that it began with, and its row there.
 ///
-/// Each operation works on a connection of its own, so that operations of different threads wait on one another no
-/// longer than the database makes them. Connections are kept for the next operation.
+/// Each operation has the store opened for itself, so that operations of different threads wait on one another no
+/// longer than the database makes them. What was opened is kept for the next operation.
 class Session {
  public:
   /// Records a new session in the database that the settings name.
-  Session(const Settings& settings, const std::string& text1, const std::string& text2, const std::string& text3);
+  Session(const Velora::Store::Settings& settings, const std::string& text1, const std::string& text2,
+          const std::string& text3);
 
   long long Row() const { return row; }
   const std::string& Guid() const { return guid; }
 
-  /// Runs an operation on a connection and returns its result. What the database layer raises becomes a TsError that
-  /// names the database. A connection is closed when that was raised on it, and kept when an argument was at fault.
+  /// Runs an operation on a store opened for writing, and returns its result. The store is closed when its database
+  /// raised an error, and kept for the next operation when an argument was at fault.
   template <typename Operation>
   auto Run(Operation operation) {
     return RunOn(Take(), operation);
@@ -36,40 +34,40 @@ class Session {
 
  private:
   template <typename Operation>
-  auto RunOn(std::unique_ptr<Connection> connection, const Operation& operation) {
-    connection->StartOperation();
+  auto RunOn(std::unique_ptr<Writer> store, const Operation& operation) {
+    store->StartOperation();
     try {
-      auto result = operation(*connection);
-      Keep(std::move(connection));
+      auto result = operation(*store);
+      Keep(std::move(store));
       return result;
-    } catch (const soci::soci_error& reason) {
-      if (connection->IsLost()) {
+    } catch (const Velora::Store::DatabaseError&) {
+      if (store->IsLost()) {
         CloseIdle();
       }
-      throw connection->ErrorOf(reason);
-    } catch (const StoreReplaced&) {
+      throw;
+    } catch (const Velora::Store::StoreReplaced&) {
       CloseIdle();
       throw;
-    } catch (const TsError&) {
-      if (connection->IsOutsideTransaction()) {
-        Keep(std::move(connection));
+    } catch (const std::runtime_error&) {
+      if (store->IsOutsideTransaction()) {
+        Keep(std::move(store));
       }
       throw;
     }
   }
 
-  std::unique_ptr<Connection> Take();
-  std::unique_ptr<Connection> TakeIdle();
-  /// A new connection to the store in which this session began.
-  std::unique_ptr<Connection> Connect();
-  void Keep(std::unique_ptr<Connection> connection) noexcept;
+  std::unique_ptr<Writer> Take();
+  std::unique_ptr<Writer> TakeIdle();
+  /// Opens the store in which this session began once more.
+  std::unique_ptr<Writer> Connect();
+  void Keep(std::unique_ptr<Writer> store) noexcept;
   void CloseIdle();
 
-  const Database database;
+  const Velora::Store::Database database;
   const std::string guid;
   long long row = 0;
   std::mutex mutex;
-  std::vector<std::unique_ptr<Connection>> idle;  // guarded by mutex
+  std::vector<std::unique_ptr<Writer>> idle;  // guarded by mutex
 };
 
 }  // namespace Quor::TolvaServices::Local

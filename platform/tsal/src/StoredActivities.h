@@ -1,8 +1,9 @@
 #pragma once
 
-#include <TSAL/Types.h>
+#include "store/recording/Writer.h"
+#include "store/settings/ActivitiesFile.h"
 
-#include <soci/soci.h>
+#include <TSAL/Types.h>
 
 #include <map>
 #include <optional>
@@ -11,20 +12,18 @@
 
 namespace Quor::TolvaServices::Local {
 
-class Connection;
-
 /// Stores what is new among the versions and notes that the session registered them.
 /// @param file the activities file, as the session named it.
 /// @return the versions under their names, each with its identity and that of its activity.
-std::map<std::string, Types::ActivityVersion> RegisterVersions(Connection& connection, long long session,
-                                                               const std::string& file,
-                                                               const std::vector<Types::ActivityVersion>& versions);
+std::map<std::string, Types::ActivityVersion> RegisterVersions(
+    Velora::Store::Writer& store, long long session, const std::string& file,
+    const std::vector<Velora::Store::DescribedVersion>& versions);
 
 /// The row of a version; none for an unset one. A version that this store does not know yet is added: it was registered
-/// with another. To be called in a transaction.
-std::optional<long long> VersionRow(Connection& connection, const Types::ActivityVersion& version);
+/// with another. Within a transaction.
+std::optional<long long> VersionRow(Velora::Store::Writer& store, const Types::ActivityVersion& version);
 
 /// The version of a row, with its activity.
-Types::ActivityVersion LoadVersion(soci::session& sql, long long row);
+Types::ActivityVersion LoadVersion(Velora::Store::Connection& sql, long long row);
 
 }  // namespace Quor::TolvaServices::Local

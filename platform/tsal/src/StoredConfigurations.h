@@ -1,8 +1,8 @@
 #pragma once
 
-#include <TSAL/Types.h>
+#include "store/recording/Writer.h"
 
-#include <soci/soci.h>
+#include <TSAL/Types.h>
 
 #include <array>
 #include <optional>
@@ -10,16 +10,14 @@
 
 namespace Quor::TolvaServices::Local {
 
-class Connection;
-
 /// The nine texts of an instrument configuration, in their order.
 using ConfigurationTexts = std::array<std::string, 9>;
 
-Types::InstrumentEventConfigResult StoreConfiguration(Connection& connection, long long session,
+Types::InstrumentEventConfigResult StoreConfiguration(Velora::Store::Writer& store, long long session,
                                                       const std::string& sessionGuid, const ConfigurationTexts& texts);
 
 /// The row of a configuration; none for an unset identity.
 /// @throws TsError naming the identity when it is none, or nobody knows it.
-std::optional<long long> ConfigurationRow(soci::session& sql, const Types::Tsid& id);
+std::optional<long long> ConfigurationRow(Velora::Store::Connection& sql, const Types::Tsid& id);
 
 }  // namespace Quor::TolvaServices::Local

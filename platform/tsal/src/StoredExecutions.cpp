@@ -1,15 +1,19 @@
 #include "StoredExecutions.h"
 
-#include "Connection.h"
-#include "Guid.h"
-#include "Statement.h"
 #include "StoredActivities.h"
-#include "StoredText.h"
-#include "StoredTime.h"
+#include "StoredTimeOf.h"
+#include "store/values/Guid.h"
+#include "store/values/StoredText.h"
+
+#include <TSAL/Error.h>
 
 #include <optional>
+#include <string>
 
 namespace Quor::TolvaServices::Local {
+
+using namespace Velora::Store;
+
 namespace {
 
 using Types::ActivityExecution;
@@ -26,73 +30,54 @@ struct ExecutionRecord {
   int kind = 0;
 };
 
-soci::indicator Known(const std::optional<long long>& value) { return value ? soci::i_ok : soci::i_null; }
-
-std::optional<long long> Optional(long long value, soci::indicator known) {
-  return known == soci::i_ok ? std::optional(value) : std::nullopt;
-}
-
-std::optional<ExecutionRecord> FindRecord(soci::session& sql, long long row) {
-  ExecutionRecord record;
-  long long parent = 0;
-  long long version = 0;
-  soci::indicator hasParent = soci::i_null;
-  soci::indicator hasVersion = soci::i_null;
-  if (!Execute(
-          sql,
-          "SELECT parent_id, root_id, version_id, node, description, kind FROM executions WHERE execution_id = :row",
-          soci::use(row), soci::into(parent, hasParent), soci::into(record.root), soci::into(version, hasVersion),
-          soci::into(record.node), soci::into(record.description), soci::into(record.kind))) {
+std::optional<ExecutionRecord> FindRecord(Connection& sql, long long row) {
+  const auto found =
+      sql.Find<std::optional<long long>, long long, std::optional<long long>, std::string, std::string, int>(
+          "SELECT parent_id, root_id, version_id, node, description, kind FROM executions WHERE execution_id = ?1",
+          row);
+  if (!found) {
     return std::nullopt;
   }
-  record.parent = Optional(parent, hasParent);
-  record.version = Optional(version, hasVersion);
-  return record;
+  const auto& [parent, root, version, node, description, kind] = *found;
+  return ExecutionRecord{parent, root, version, node, description, kind};
 }
 
-ExecutionRecord RecordOf(Connection& connection, const ActivityExecution& execution) {
+ExecutionRecord RecordOf(Writer& store, const ActivityExecution& execution) {
   ExecutionRecord record;
   if (execution.Parent != nullptr) {
-    record.parent = ExecutionRow(connection.Sql(), execution.Parent->Id);
+    record.parent = ExecutionRow(store.Sql(), execution.Parent->Id);
   }
-  record.version = VersionRow(connection, execution.ActivityVersion);
+  record.version = VersionRow(store, execution.ActivityVersion);
   record.node = ToStoredText(execution.Node);
   record.description = ToStoredText(execution.Description);
   record.kind = execution.Kind;
   return record;
 }
 
-void AddStatus(soci::session& sql, long long row, long long session, int code, const std::string& at) {
-  Execute(sql, "INSERT INTO statuses (execution_id, session_id, code, at) VALUES (:execution, :session, :code, :at)",
-          soci::use(row), soci::use(session), soci::use(code), soci::use(at));
+void AddStatus(Connection& sql, long long row, long long session, int code, const std::string& at) {
+  sql.Run("INSERT INTO statuses (execution_id, session_id, code, at) VALUES (?1, ?2, ?3, ?4)", row, session, code, at);
 }
 
-ActivityExecutionStatus NewestStatus(soci::session& sql, long long row) {
-  int code = 0;
-  std::string at;
-  Execute(sql, "SELECT code, at FROM statuses WHERE execution_id = :execution ORDER BY status_id DESC LIMIT 1",
-          soci::use(row), soci::into(code), soci::into(at));
-  return {static_cast<Types::Enums::ActivityExecStatus>(code), FromStoredTime(at)};
+ActivityExecutionStatus NewestStatus(Connection& sql, long long row) {
+  const auto [code, at] =
+      sql.Find<int, std::string>(
+             "SELECT code, at FROM statuses WHERE execution_id = ?1 ORDER BY status_id DESC LIMIT 1", row)
+          .value();
+  return {static_cast<Types::Enums::ActivityExecStatus>(code),
+          Types::DateTimeOffset::FromMicroseconds(FromStoredTime(at).time_since_epoch().count())};
 }
 
-void Insert(Connection& connection, long long session, const std::string& guid, const ActivityExecution& execution) {
-  soci::session& sql = connection.Sql();
-  ExecutionRecord record = RecordOf(connection, execution);
+void Insert(Writer& store, long long session, const std::string& guid, const ActivityExecution& execution) {
+  Connection& sql = store.Sql();
+  const ExecutionRecord record = RecordOf(store, execution);
   // Known before the insertion, since a top-level execution is its own root.
-  const long long row = connection.NextKey("executions", "execution_id");
-  record.root = record.parent ? FindRecord(sql, *record.parent)->root : row;
-  const std::string startedAt = ToStoredTime(execution.Status.Time);
-  // Bound by reference: temporaries would be gone when the statement runs.
-  const long long parent = record.parent.value_or(0);
-  const long long version = record.version.value_or(0);
-  soci::indicator hasParent = Known(record.parent);
-  soci::indicator hasVersion = Known(record.version);
-  Execute(sql,
-          "INSERT INTO executions (execution_id, guid, parent_id, root_id, session_id, version_id, node, description, "
-          "kind, started_at) VALUES (:row, :guid, :parent, :root, :session, :version, :node, :description, :kind, :at)",
-          soci::use(row), soci::use(guid), soci::use(parent, hasParent), soci::use(record.root), soci::use(session),
-          soci::use(version, hasVersion), soci::use(record.node), soci::use(record.description), soci::use(record.kind),
-          soci::use(startedAt));
+  const long long row = store.NextKey("executions", "execution_id");
+  const long long root = record.parent ? FindRecord(sql, *record.parent)->root : row;
+  const std::string startedAt = StoredTimeOf(execution.Status.Time);
+  sql.Run(
+      "INSERT INTO executions (execution_id, guid, parent_id, root_id, session_id, version_id, node, description, "
+      "kind, started_at) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)",
+      row, guid, record.parent, root, session, record.version, record.node, record.description, record.kind, startedAt);
   AddStatus(sql, row, session, static_cast<int>(execution.Status.Code), startedAt);
 }
 
@@ -102,11 +87,11 @@ void ExpectUnchanged(bool unchanged, const std::string& guid, const char* what) 
   }
 }
 
-void Update(Connection& connection, long long session, const std::string& guid, const ActivityExecution& execution) {
-  soci::session& sql = connection.Sql();
+void Update(Writer& store, long long session, const std::string& guid, const ActivityExecution& execution) {
+  Connection& sql = store.Sql();
   const long long row = ExecutionRow(sql, execution.Id);
   const ExecutionRecord stored = FindRecord(sql, row).value();
-  const ExecutionRecord given = RecordOf(connection, execution);
+  const ExecutionRecord given = RecordOf(store, execution);
   ExpectUnchanged(given.version == stored.version, guid, "activity version");
   ExpectUnchanged(given.node == stored.node, guid, "node");
   ExpectUnchanged(given.description == stored.description, guid, "description");
@@ -114,31 +99,30 @@ void Update(Connection& connection, long long session, const std::string& guid, 
   ExpectUnchanged(!given.parent || given.parent == stored.parent, guid, "parent, or none");
   const ActivityExecutionStatus newest = NewestStatus(sql, row);
   if (execution.Status.Code != newest.Code || execution.Status.Time != newest.Time) {
-    AddStatus(sql, row, session, static_cast<int>(execution.Status.Code), ToStoredTime(execution.Status.Time));
+    AddStatus(sql, row, session, static_cast<int>(execution.Status.Code), StoredTimeOf(execution.Status.Time));
   }
 }
 
 }  // namespace
 
-Tsid StoreExecution(Connection& connection, long long session, const ActivityExecution& execution) {
+Tsid StoreExecution(Writer& store, long long session, const ActivityExecution& execution) {
   const bool known = execution.Id != Tsid();
-  Tsid id(known ? GuidOf(execution.Id, "execution") : NewGuid());
-  Transaction transaction(connection);
+  Tsid id(known ? GuidOf(execution.Id.GetGuid(), "execution") : NewGuid());
+  Transaction transaction(store);
   if (known) {
-    Update(connection, session, id.GetGuid(), execution);
+    Update(store, session, id.GetGuid(), execution);
   } else {
-    Insert(connection, session, id.GetGuid(), execution);
+    Insert(store, session, id.GetGuid(), execution);
   }
   transaction.Commit();
   return id;
 }
 
-ActivityExecution LoadExecution(Connection& connection, const Tsid& id) {
-  soci::session& sql = connection.Sql();
+ActivityExecution LoadExecution(Connection& sql, const Tsid& id) {
   const long long row = ExecutionRow(sql, id);
   const ExecutionRecord record = FindRecord(sql, row).value();
   ActivityExecution execution;
-  execution.Id = Tsid(GuidOf(id, "execution"));
+  execution.Id = Tsid(GuidOf(id.GetGuid(), "execution"));
   execution.Node = FromStoredText(record.node);
   execution.Description = FromStoredText(record.description);
   execution.Kind = record.kind;
@@ -149,13 +133,13 @@ ActivityExecution LoadExecution(Connection& connection, const Tsid& id) {
   return execution;
 }
 
-long long ExecutionRow(soci::session& sql, const Tsid& id) {
-  const std::string guid = GuidOf(id, "execution");
-  long long row = 0;
-  if (!Execute(sql, "SELECT execution_id FROM executions WHERE guid = :guid", soci::use(guid), soci::into(row))) {
+long long ExecutionRow(Connection& sql, const Tsid& id) {
+  const std::string guid = GuidOf(id.GetGuid(), "execution");
+  const auto row = sql.Find<long long>("SELECT execution_id FROM executions WHERE guid = ?1", guid);
+  if (!row) {
     throw TsError("execution '" + guid + "' is not known to this TS; expected one that it has stored");
   }
-  return row;
+  return *row;
 }
 
 }  // namespace Quor::TolvaServices::Local

@@ -1,23 +1,12 @@
 #include <TSAL/Error.h>
 #include <TSAL/Types.h>
+#include <VeloraText/Printable.h>
 
 #include <chrono>
 
 namespace Quor::TolvaServices {
 
-namespace {
-
-// A text that is quoted in an error may have zero bytes, and what() ends at the first.
-std::string WithVisibleZeros(std::string text) {
-  for (std::size_t at = 0; (at = text.find('\0', at)) != std::string::npos;) {
-    text.replace(at, 1, "\\x00");
-  }
-  return text;
-}
-
-}  // namespace
-
-TsError::TsError(const std::string& what) : std::runtime_error(WithVisibleZeros(what)) {}
+TsError::TsError(const std::string& what) : std::runtime_error(Velora::Text::WithVisibleZeros(what)) {}
 TsError::~TsError() = default;
 
 namespace Types {

@@ -1,18 +1,18 @@
 #include "exporting/UniqueName.h"
 #include "exporting/Writers.h"
 #include "output/Output.h"
-#include "reading/EventRows.h"
-#include "reading/ParameterValue.h"
-#include "reading/RecordedText.h"
+#include "store/reading/EventRows.h"
+#include "store/reading/ParameterValue.h"
+#include "store/values/RecordedText.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <array>
 #include <map>
 
 namespace Velora::Ts {
 
-using Quor::TolvaServices::TsError;
+using namespace Store;
 
 // RFC 4180, with a mark in front by which spreadsheet programs know UTF-8: docs/velora-ts.md.
 
@@ -41,7 +41,7 @@ std::string TextCell(const std::string& text) {
 
 class Csv {
  public:
-  Csv(const Store& store, const Selection& selection)
+  Csv(const Store::Reader& store, const Selection& selection)
       : selection(selection),
         ofRun(store, "v.event_id, v.at, r.guid, x.guid, x.node, a.name, v.name",
               "executions x JOIN events v ON v.execution_id = x.execution_id "
@@ -93,8 +93,8 @@ class Csv {
  private:
   void ExpectRoomForColumns() const {
     if (fixedColumns.size() + places.size() > mostColumns) {
-      throw TsError("the parameters have more names than a table has columns, at most " + std::to_string(mostColumns) +
-                    "; expected a run or a span of time with fewer, or export without --format, which has no columns");
+      throw Error("the parameters have more names than a table has columns, at most " + std::to_string(mostColumns) +
+                  "; expected a run or a span of time with fewer, or export without --format, which has no columns");
     }
   }
 
@@ -131,7 +131,7 @@ class Csv {
 
 }  // namespace
 
-void WriteCsv(const Store& store, const Selection& selection, const Step& step) {
+void WriteCsv(const Store::Reader& store, const Selection& selection, const Step& step) {
   Csv csv(store, selection);
   csv.FindColumns();
   csv.Write(step);

@@ -1,10 +1,12 @@
-#include "records/Records.h"
+#include "store/record/Records.h"
 #include "exporting/Writers.h"
 #include "output/Output.h"
 
 namespace Velora::Ts {
 
-void WriteRecords(const Store& store, const Selection& selection, const Step& step) {
+using namespace Store;
+
+void WriteRecords(const Store::Reader& store, const Selection& selection, const Step& step) {
   Records records(store, HighestNumbers(store), [&](std::string_view line) {
     WriteData(line);
     step();

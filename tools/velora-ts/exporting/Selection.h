@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reading/Runs.h"
+#include "store/reading/Runs.h"
 
 #include <functional>
 #include <optional>
@@ -12,7 +12,7 @@ namespace Velora::Ts {
 
 /// What is exported.
 struct Selection {
-  std::vector<Run> runs;
+  std::vector<Store::Run> runs;
   /// Events that belong to no run: those from the first time on and before the second.
   std::optional<std::pair<std::string, std::string>> ofNoRun;
 };

@@ -1,17 +1,20 @@
 #include "exporting/UniqueName.h"
 #include "exporting/Writers.h"
-#include "output/Json.h"
 #include "output/Output.h"
-#include "output/Times.h"
-#include "reading/EventRows.h"
-#include "reading/Executions.h"
-#include "reading/ParameterValue.h"
-#include "reading/RecordedText.h"
-#include "reading/Rows.h"
+#include "output/Words.h"
+#include "store/reading/EventRows.h"
+#include "store/reading/Executions.h"
+#include "store/reading/ParameterValue.h"
+#include "store/reading/Rows.h"
+#include "store/values/Json.h"
+#include "store/values/RecordedText.h"
+#include "store/values/StoredTime.h"
 
 #include <algorithm>
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 // The trace-event format: an execution is an asynchronous pair, so that those that overlap stand beside each other; a
 // run is a process of its own.
@@ -24,7 +27,7 @@ constexpr const char* eventColumns = "v.event_id, v.at, v.name";
 
 class Trace {
  public:
-  Trace(const Store& store, const Step& step)
+  Trace(const Store::Reader& store, const Step& step)
       : store(store),
         step(step),
         executions(QueryExecutions(store, "WHERE e.root_id = ?1 ORDER BY e.execution_id")),
@@ -119,7 +122,7 @@ class Trace {
     }
   }
 
-  const Store& store;
+  const Store::Reader& store;
   const Step& step;
   Rows executions;
   EventRows events;
@@ -130,7 +133,7 @@ class Trace {
 
 }  // namespace
 
-void WriteTrace(const Store& store, const Selection& selection, const Step& step) {
+void WriteTrace(const Store::Reader& store, const Selection& selection, const Step& step) {
   Trace(store, step).Write(selection);
 }
 

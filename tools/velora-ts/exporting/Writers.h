@@ -1,20 +1,19 @@
 #pragma once
 
 #include "exporting/Selection.h"
+#include "store/reading/Reader.h"
 
 namespace Velora::Ts {
-
-class Store;
 
 // The formats of an export; each writes a selection to standard output.
 
 /// The canonical form, a line of JSON for each record: docs/record-format.md.
-void WriteRecords(const Store& store, const Selection& selection, const Step& step);
+void WriteRecords(const Store::Reader& store, const Selection& selection, const Step& step);
 
 /// Comma-separated values: a row for each event, a column for each parameter.
-void WriteCsv(const Store& store, const Selection& selection, const Step& step);
+void WriteCsv(const Store::Reader& store, const Selection& selection, const Step& step);
 
 /// Trace events, which timeline viewers show: what ran when.
-void WriteTrace(const Store& store, const Selection& selection, const Step& step);
+void WriteTrace(const Store::Reader& store, const Selection& selection, const Step& step);
 
 }  // namespace Velora::Ts

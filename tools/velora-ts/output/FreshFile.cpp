@@ -1,6 +1,6 @@
 #include "output/FreshFile.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -14,6 +14,8 @@
 #include <utility>
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -84,8 +86,7 @@ bool FreshFile::Rename(Existing existing) const {
 }
 
 void FreshFile::Fail() const {
-  throw Quor::TolvaServices::TsError("file '" + target +
-                                     "' cannot be written: " + std::system_category().message(errno));
+  throw Store::Error("file '" + target + "' cannot be written: " + std::system_category().message(errno));
 }
 
 }  // namespace Velora::Ts

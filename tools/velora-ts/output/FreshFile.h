@@ -21,7 +21,7 @@ class FreshFile {
   const std::string& Path() const { return path; }
   void Write(const std::string& content) const;
   /// Gives it its name, on the disk when this returns.
-  /// @throws TsError, without Replace, when there is a file of this name by now.
+  /// @throws Error, without Replace, when there is a file of this name by now.
   enum class Existing { Keep, Replace };
   void TakeName(Existing existing);
 

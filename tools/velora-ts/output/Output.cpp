@@ -2,7 +2,7 @@
 
 #include "output/Terminal.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <unistd.h>
 
@@ -14,10 +14,12 @@
 
 namespace Velora::Ts {
 
+using namespace Store;
+
 namespace {
 
 [[noreturn]] void Fail() {
-  throw Quor::TolvaServices::TsError("the output cannot be written: " + std::system_category().message(errno));
+  throw Store::Error("the output cannot be written: " + std::system_category().message(errno));
 }
 
 }  // namespace

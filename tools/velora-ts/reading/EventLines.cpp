@@ -1,15 +1,18 @@
 #include "reading/EventLines.h"
 
-#include "output/Json.h"
 #include "output/Output.h"
 #include "output/Times.h"
-#include "reading/EventRows.h"
-#include "reading/ParameterValue.h"
-#include "reading/RecordedText.h"
+#include "output/Words.h"
+#include "store/reading/EventRows.h"
+#include "store/reading/ParameterValue.h"
+#include "store/values/Json.h"
+#include "store/values/RecordedText.h"
 
 #include <algorithm>
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -27,13 +30,13 @@ std::string Aligned(const std::string& text, std::size_t& width) {
 
 }  // namespace
 
-EventRows EventsOfRun(const Store& store, long long root) {
+EventRows EventsOfRun(const Store::Reader& store, long long root) {
   EventRows events(store, columns, "executions x JOIN events v ON v.execution_id = x.execution_id", "x.root_id = ?1");
   events.Ask(root);
   return events;
 }
 
-EventRows EventsOfRunSince(const Store& store, long long root, long long number) {
+EventRows EventsOfRunSince(const Store::Reader& store, long long root, long long number) {
   EventRows events(store, columns, "events v JOIN executions x ON x.execution_id = v.execution_id",
                    "v.event_id > ?2 AND x.root_id + 0 = ?1");
   events.Ask(root, number);

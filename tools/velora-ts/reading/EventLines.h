@@ -1,25 +1,23 @@
 #pragma once
 
 #include "output/Terminal.h"
+#include "store/reading/EventRows.h"
 
 #include <string>
 
 namespace Velora::Ts {
 
-class EventRows;
-class Store;
-
 // Events one after the other, for show and tail.
 
 /// The events of a run, in the order of their saving.
-EventRows EventsOfRun(const Store& store, long long root);
+Store::EventRows EventsOfRun(const Store::Reader& store, long long root);
 /// Those with a higher number; reads what was recorded since, and no more.
-EventRows EventsOfRunSince(const Store& store, long long root, long long number);
+Store::EventRows EventsOfRunSince(const Store::Reader& store, long long root, long long number);
 
 /// Writes an event on a line, as much of it as the terminal has room for.
 class EventLines {
  public:
-  void Write(EventRows& events);
+  void Write(Store::EventRows& events);
 
  private:
   Terminal terminal;
@@ -27,6 +25,6 @@ class EventLines {
   std::size_t nameWidth = 0;
 };
 
-std::string EventAsJson(EventRows& events);
+std::string EventAsJson(Store::EventRows& events);
 
 }  // namespace Velora::Ts

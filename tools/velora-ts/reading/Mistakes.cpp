@@ -1,13 +1,15 @@
 #include "reading/Mistakes.h"
 
-#include "reading/RecordedText.h"
-#include "reading/Rows.h"
+#include "store/reading/Rows.h"
+#include "store/values/RecordedText.h"
 
 #include <algorithm>
 #include <map>
 #include <set>
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -54,7 +56,7 @@ std::string InSmallLetters(std::string text) {
 }
 
 /// Names that are the same but for small and capital letters.
-std::vector<std::string> Twins(const Store& store, const char* question) {
+std::vector<std::string> Twins(const Store::Reader& store, const char* question) {
   std::map<std::string, std::set<std::string>> spellings;
   for (Rows rows(store, question); rows.Next();) {
     const std::string name = Readable(rows.Text(0));
@@ -71,7 +73,7 @@ std::vector<std::string> Twins(const Store& store, const char* question) {
 
 }  // namespace
 
-std::vector<std::string> LikelyMistakes(const Store& store) {
+std::vector<std::string> LikelyMistakes(const Store::Reader& store) {
   std::vector<std::string> mistakes;
   for (const auto& [question, words] : kinds) {
     Rows rows(store, question);

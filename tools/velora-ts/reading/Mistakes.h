@@ -3,12 +3,14 @@
 #include <string>
 #include <vector>
 
-namespace Velora::Ts {
+namespace Velora::Store {
+class Reader;
+}
 
-class Store;
+namespace Velora::Ts {
 
 /// What looks like a mistake of a host in the newest thousand events and executions, one line each. TS takes all of it,
 /// so nobody hears of it otherwise.
-std::vector<std::string> LikelyMistakes(const Store& store);
+std::vector<std::string> LikelyMistakes(const Store::Reader& store);
 
 }  // namespace Velora::Ts

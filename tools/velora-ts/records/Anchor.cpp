@@ -1,16 +1,16 @@
 #include "records/Anchor.h"
 
-#include "WholeFile.h"
 #include "output/FreshFile.h"
+#include "store/settings/WholeFile.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <algorithm>
 #include <regex>
 
 namespace Velora::Ts {
 
-using Quor::TolvaServices::TsError;
+using namespace Store;
 
 namespace {
 
@@ -19,11 +19,11 @@ constexpr std::uintmax_t largestFile = 1024;
 }  // namespace
 
 Anchor ReadAnchor(const std::string& file) {
-  const std::string content = Quor::TolvaServices::Local::ReadWholeFile(file, largestFile);
+  const std::string content = Store::ReadWholeFile(file, largestFile);
   static const std::regex form("seal (\\d{1,18}) ([0-9a-f]{64})\n");
   std::smatch parts;
   if (!std::regex_match(content, parts, form)) {
-    throw TsError("file '" + file + "' is no anchor; expected 'seal', a number and 64 hexadecimal digits");
+    throw Error("file '" + file + "' is no anchor; expected 'seal', a number and 64 hexadecimal digits");
   }
   return {std::stoll(parts[1]), parts[2]};
 }

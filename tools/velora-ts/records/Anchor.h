@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/Seals.h"
+#include "store/record/Seals.h"
 
 #include <optional>
 #include <string>
@@ -14,12 +14,12 @@ struct Anchor {
   std::string hash;
 };
 
-/// @throws TsError when the file cannot be read or is no anchor.
+/// @throws Error when the file cannot be read or is no anchor.
 Anchor ReadAnchor(const std::string& file);
 /// Replaces the file as a whole, so that none is ever half there.
 void WriteAnchor(const std::string& file, const Anchor& anchor);
 
 /// What a chain of seals lacks or has otherwise than the anchor says; empty when it goes on from there.
-std::string AnchorFinding(const Anchor& anchor, const std::vector<Seal>& seals);
+std::string AnchorFinding(const Anchor& anchor, const std::vector<Store::Seal>& seals);
 
 }  // namespace Velora::Ts

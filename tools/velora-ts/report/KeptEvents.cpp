@@ -1,15 +1,17 @@
 #include "report/KeptEvents.h"
 
-#include "output/Json.h"
-#include "output/Times.h"
-#include "reading/Store.h"
+#include "store/reading/Reader.h"
+#include "store/values/Json.h"
+#include "store/values/StoredTime.h"
 
 #include <algorithm>
 #include <limits>
 
 namespace Velora::Ts {
 
-KeptEvents::KeptEvents(const Store& store, long long root) {
+using namespace Store;
+
+KeptEvents::KeptEvents(const Store::Reader& store, long long root) {
   Count(store, root);
   if (!binned.empty()) {
     Choose(store, root);
@@ -49,7 +51,7 @@ void KeptEvents::AppendSlices(std::string& json, long long start) const {
   json += "]}";
 }
 
-void KeptEvents::Count(const Store& store, long long root) {
+void KeptEvents::Count(const Store::Reader& store, long long root) {
   Rows rows(store,
             "SELECT e.name, e.at FROM executions x JOIN events e ON e.execution_id = x.execution_id "
             "WHERE x.root_id = ?1");
@@ -76,7 +78,7 @@ void KeptEvents::Count(const Store& store, long long root) {
   }
 }
 
-void KeptEvents::Choose(const Store& store, long long root) {
+void KeptEvents::Choose(const Store::Reader& store, long long root) {
   for (RunEvents events(store, root); events.Next();) {
     const auto kind = binned.find(events.Current().name);
     if (kind != binned.end()) {

@@ -17,7 +17,7 @@ class KeptEvents {
   static constexpr long long mostPoints = 200000;
   static constexpr std::size_t sliceCount = 2000;
 
-  KeptEvents(const Store& store, long long root);
+  KeptEvents(const Store::Reader& store, long long root);
 
   bool Keeps(const Event& event) const;
   long long Recorded() const { return recorded; }
@@ -41,8 +41,8 @@ class KeptEvents {
     std::map<Parameter, long long> newest;                          // and its newest event with each parameter
   };
 
-  void Count(const Store& store, long long root);
-  void Choose(const Store& store, long long root);
+  void Count(const Store::Reader& store, long long root);
+  void Choose(const Store::Reader& store, long long root);
   void Consider(Kind& kind, const Event& event);
   void KeepNewest(Kind& kind);
   std::size_t SliceOf(long long at) const;

@@ -1,18 +1,19 @@
 #include "report/ReportData.h"
 
-#include "output/Json.h"
-#include "output/Times.h"
-#include "reading/Rows.h"
-#include "reading/Runs.h"
-#include "reading/Store.h"
-#include "records/Seals.h"
 #include "report/KeptEvents.h"
 #include "report/ReportEvents.h"
 #include "report/ReportExecutions.h"
-
-#include <TSAL/Types.h>
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/reading/Runs.h"
+#include "store/record/Seals.h"
+#include "store/schema/Tables.h"
+#include "store/values/Json.h"
+#include "store/values/StoredTime.h"
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -23,13 +24,12 @@ using NextItem = std::function<bool(std::string& json)>;
 
 class Writer {
  public:
-  Writer(const Store& store, const Run& run, const KeptEvents& kept, const Sink& sink)
+  Writer(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Sink& sink)
       : store(store), run(run), kept(kept), sink(sink), start(Microseconds(run.startedAt).value_or(0)) {}
 
   void Write() {
-    using Quor::TolvaServices::Types::DateTimeOffset;
     json = "{\"tool\":\"" VELORA_VERSION "\",\"made\":";
-    json += std::to_string(DateTimeOffset::Now().Microseconds() - start) + ",\"run\":";
+    json += std::to_string(Now().time_since_epoch().count() - start) + ",\"run\":";
     AppendText(json, run.guid);
     json += ",\"start\":";
     AppendText(json, run.startedAt);
@@ -61,7 +61,7 @@ class Writer {
 
  private:
   void AppendSeal() {
-    if (store.SchemaVersion() < versionWithSeals) {
+    if (store.SchemaVersion() < TableNamed("seals").since) {
       json += "null";
       return;
     }
@@ -114,7 +114,7 @@ class Writer {
     json.clear();
   }
 
-  const Store& store;
+  const Store::Reader& store;
   const Run& run;
   const KeptEvents& kept;
   const Sink& sink;
@@ -124,7 +124,7 @@ class Writer {
 
 }  // namespace
 
-void WriteReportData(const Store& store, const Run& run, const KeptEvents& kept, const Sink& write) {
+void WriteReportData(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Sink& write) {
   Writer(store, run, kept, write).Write();
 }
 

@@ -1,9 +1,11 @@
 #include "report/ReportEvents.h"
 
-#include "output/Json.h"
 #include "report/KeptEvents.h"
+#include "store/values/Json.h"
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -12,7 +14,7 @@ constexpr std::size_t batchBytes = std::size_t{16} << 20U;
 
 }  // namespace
 
-ReportEvents::ReportEvents(const Store& store, long long root, const KeptEvents& kept, long long start)
+ReportEvents::ReportEvents(const Store::Reader& store, long long root, const KeptEvents& kept, long long start)
     : events(store, root), kept(kept), start(start), progress("Writing events", kept.Recorded()) {}
 
 bool ReportEvents::AppendBatch(std::string& json) {

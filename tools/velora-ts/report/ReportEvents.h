@@ -17,7 +17,7 @@ class KeptEvents;
 class ReportEvents {
  public:
   /// @param start what times are counted from, in microseconds since 1970.
-  ReportEvents(const Store& store, long long root, const KeptEvents& kept, long long start);
+  ReportEvents(const Store::Reader& store, long long root, const KeptEvents& kept, long long start);
 
   /// Appends the next batch of one shape. @return whether there was one.
   bool AppendBatch(std::string& json);

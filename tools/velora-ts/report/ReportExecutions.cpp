@@ -1,9 +1,11 @@
 #include "report/ReportExecutions.h"
 
-#include "output/Json.h"
-#include "output/Times.h"
+#include "store/values/Json.h"
+#include "store/values/StoredTime.h"
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -29,7 +31,7 @@ std::string TextIn(const Rows& rows, int column) {
 
 }  // namespace
 
-ReportExecutions::ReportExecutions(const Store& store, long long root, long long start)
+ReportExecutions::ReportExecutions(const Store::Reader& store, long long root, long long start)
     : rows(store,
            "SELECT x.execution_id, x.parent_id, x.session_id, x.version_id, x.started_at, x.node, x.description, "
            "s.code, s.at FROM executions x LEFT JOIN statuses s ON s.execution_id = x.execution_id "

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reading/Rows.h"
 #include "report/PageColumn.h"
+#include "store/reading/Rows.h"
 
 #include <set>
 #include <string>
@@ -12,7 +12,7 @@ namespace Velora::Ts {
 class ReportExecutions {
  public:
   /// @param start what times are counted from, in microseconds since 1970.
-  ReportExecutions(const Store& store, long long root, long long start);
+  ReportExecutions(const Store::Reader& store, long long root, long long start);
 
   /// Appends the next batch. @return whether there was one.
   bool AppendBatch(std::string& json);
@@ -25,7 +25,7 @@ class ReportExecutions {
   void AddOne();
   void AddStatuses(long long execution, std::optional<long long> startedAt);
 
-  Rows rows;  // one for each status, or one for an execution without any
+  Store::Rows rows;  // one for each status, or one for an execution without any
   bool more;
   const long long start;
   PageColumn number, parent, session, version, started, node, description;

@@ -1,11 +1,13 @@
 #include "report/RunEvents.h"
 
-#include "output/Json.h"
-#include "output/Times.h"
-#include "reading/ParameterValue.h"
-#include "reading/RecordedText.h"
+#include "store/reading/ParameterValue.h"
+#include "store/values/Json.h"
+#include "store/values/RecordedText.h"
+#include "store/values/StoredTime.h"
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -14,7 +16,7 @@ enum ParameterColumn { Position, Name, Kind, ValueText, ValueNumber };
 
 }  // namespace
 
-RunEvents::RunEvents(const Store& store, long long root)
+RunEvents::RunEvents(const Store::Reader& store, long long root)
     : rows(store, "v.event_id, v.execution_id, v.name, v.at, v.configuration_id",
            "executions x JOIN events v ON v.execution_id = x.execution_id", "x.root_id = ?1",
            "x.execution_id, v.event_id") {

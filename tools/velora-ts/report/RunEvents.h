@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reading/EventRows.h"
+#include "store/reading/EventRows.h"
 
 #include <optional>
 #include <set>
@@ -30,7 +30,7 @@ struct Event {
 /// The events of a run, execution after execution, each in the order of saving. Holds one at a time.
 class RunEvents {
  public:
-  RunEvents(const Store& store, long long root);
+  RunEvents(const Store::Reader& store, long long root);
 
   /// Goes to the next event. @return whether there is one.
   bool Next();
@@ -39,9 +39,9 @@ class RunEvents {
   const std::set<long long>& Configurations() const { return configurations; }
 
  private:
-  void AddReading(const Rows& parameter);
+  void AddReading(const Store::Rows& parameter);
 
-  EventRows rows;
+  Store::EventRows rows;
   Event event;
   std::set<long long> configurations;
 };

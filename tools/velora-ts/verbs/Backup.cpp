@@ -1,13 +1,13 @@
 #include "output/FreshFile.h"
 #include "output/Output.h"
 #include "output/Progress.h"
-#include "reading/SqliteSource.h"
-#include "reading/Store.h"
-#include "records/Records.h"
-#include "soundness/Soundness.h"
+#include "store/copying/FileCopy.h"
+#include "store/reading/Reader.h"
+#include "store/record/Records.h"
+#include "store/soundness/Soundness.h"
 #include "verbs/StoreVerb.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <cerrno>
 #include <filesystem>
@@ -15,48 +15,19 @@
 
 namespace Velora::Ts {
 
-using Quor::TolvaServices::TsError;
+using namespace Store;
 
 namespace {
 
-constexpr int pagesAtOnce = 1024;
-
 constexpr mode_t ownerAndGroup = 0640;  // as the store is
 
-sqlite3* HandleOf(const Store& store) { return static_cast<const SqliteSource&>(store.Reading()).Handle(); }
-
-void Copy(const Store& store, const std::string& file) {
-  sqlite3* opened = nullptr;
-  const int result = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
-  const std::unique_ptr<sqlite3, decltype(&sqlite3_close)> target(opened, &sqlite3_close);
-  const auto fail = [&] { throw TsError("file '" + file + "' cannot be written: " + sqlite3_errmsg(target.get())); };
-  // Whoever opens what a killed program left would roll it back to nothing; without a journal it stays what it is.
-  if (result != SQLITE_OK ||
-      sqlite3_exec(opened, "PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF", nullptr, nullptr, nullptr) != 0) {
-    fail();
-  }
-  const std::unique_ptr<sqlite3_backup, decltype(&sqlite3_backup_finish)> copy(
-      sqlite3_backup_init(target.get(), "main", HandleOf(store), "main"), &sqlite3_backup_finish);
-  if (!copy) {
-    fail();
-  }
-  Progress progress("Copying pages", 0);
-  int step = SQLITE_OK;
-  while (step == SQLITE_OK) {
-    step = sqlite3_backup_step(copy.get(), pagesAtOnce);
-    progress.Show(sqlite3_backup_pagecount(copy.get()) - sqlite3_backup_remaining(copy.get()));
-  }
-  if (step != SQLITE_DONE) {
-    throw TsError("file '" + file + "' cannot be written: " + sqlite3_errstr(step));
-  }
-}
-
-void ExpectSound(const Store& store, const Store& copy) {
-  if (const auto damage = DamageFindings(copy); !damage.empty()) {
-    throw TsError("the copy of '" + store.Name() + "' is not sound: " + damage.front());
+void ExpectSound(const Reader& store, const Reader& copy) {
+  Progress progress("Checking the file, million steps", 0);
+  if (const auto damage = DamageFindings(copy, [&progress] { progress.Add(1); }); !damage.empty()) {
+    throw Error("the copy of '" + store.Name() + "' is not sound: " + damage.front());
   }
   if (HighestNumbers(copy) != HighestNumbers(store)) {
-    throw TsError("the copy of '" + store.Name() + "' lacks rows");
+    throw Error("the copy of '" + store.Name() + "' lacks rows");
   }
 }
 
@@ -67,21 +38,19 @@ class BackupVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
-    const Store store(Database());
-    if (store.Kind() == Store::Database::Kind::PostgreSql) {
-      Complain("a server's own tools copy what is on it: pg_dump --format=custom --file='" + file +
-               "' for this database (docs/postgresql.md), pg_basebackup for the whole server; velora-ts copy makes a "
-               "file of SQLite");
-      return WrongUsage;
-    }
+    const Reader store(Database());
+    ExpectFile(store, file);
     if (std::error_code unknown; std::filesystem::exists(std::filesystem::symlink_status(file, unknown))) {
-      throw TsError("file '" + file + "' cannot be written: " + std::system_category().message(EEXIST));
+      throw Error("file '" + file + "' cannot be written: " + std::system_category().message(EEXIST));
     }
     const Numbers highest = HighestNumbers(store);
     FreshFile fresh(file, ownerAndGroup);
-    Copy(store, fresh.Path());
+    {
+      Progress progress("Copying pages", 0);
+      CopyFile(store, fresh.Path(), [&progress](long long pages) { progress.Show(pages); });
+    }
     store.ExpectUntouched();
-    ExpectSound(store, Store({Store::Database::Kind::Sqlite, fresh.Path()}));
+    ExpectSound(store, Reader({Database::Kind::Sqlite, fresh.Path()}));
     fresh.TakeName(FreshFile::Existing::Keep);
     Say("store '" + store.Name() + "' copied to '" + file + "' and checked: " + std::to_string(highest[Executions]) +
         " executions, " + std::to_string(highest[Events]) + " events");

@@ -1,25 +1,27 @@
-#include "Settings.h"
 #include "host-check/SettingsOfHost.h"
 #include "output/Output.h"
+#include "output/Words.h"
 #include "reading/Mistakes.h"
-#include "reading/Rows.h"
-#include "reading/Runs.h"
-#include "reading/Store.h"
-#include "soundness/Soundness.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/reading/Runs.h"
+#include "store/settings/Settings.h"
+#include "store/soundness/Soundness.h"
 #include "verbs/StoreVerb.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <string>
 
 namespace Velora::Ts {
 
+using namespace Store;
+
 namespace {
 
 using namespace HostCheck;
-using namespace Quor::TolvaServices;
 
-void SayHowMuch(const Store& store) {
+void SayHowMuch(const Store::Reader& store) {
   std::string records;
   for (const char* table : {"sessions", "registrations", "activities", "activity_versions", "configurations",
                             "executions", "statuses", "events", "parameters"}) {
@@ -39,8 +41,8 @@ void SayHowMuch(const Store& store) {
 }
 
 /// What a store that is there holds. @return whether nothing is wrong with it.
-bool SayWhatIsThere(const Local::Database& database) {
-  const Store store(database);
+bool SayWhatIsThere(const Store::Database& database) {
+  const Reader store(database);
   Say("store: " + store.Name());
   Say("schema: version " + std::to_string(store.SchemaVersion()));
   SayHowMuch(store);
@@ -75,9 +77,9 @@ class CheckVerb : public StoreVerb {
     bool isSound = true;
     try {
       if (host.hasStore || !host.records) {  // what a host cannot use can be read all the same, as a rule
-        isSound = SayWhatIsThere(Local::ReadSettings(FolderOfSettings(start).string()).database);
+        isSound = SayWhatIsThere(Store::ReadSettings(FolderOfSettings(start).string()).database);
       }
-    } catch (const TsError&) {
+    } catch (const Error&) {
       if (host.records) {
         throw;
       }

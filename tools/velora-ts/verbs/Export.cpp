@@ -1,11 +1,14 @@
 #include "exporting/Writers.h"
 #include "output/Output.h"
 #include "output/Progress.h"
-#include "reading/Store.h"
+#include "output/Words.h"
+#include "store/reading/Reader.h"
 #include "verbs/StoreVerb.h"
 #include "verbs/TimeArgument.h"
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -30,7 +33,7 @@ class ExportVerb : public StoreVerb {
 
  private:
   ExitCode ExportRun() const {
-    const Store store(Database());
+    const Reader store(Database());
     const std::optional<Run> run = TheRunNamed(store, name);
     return run ? Export(store, {{*run}, std::nullopt}) : Found;
   }
@@ -38,11 +41,11 @@ class ExportVerb : public StoreVerb {
   ExitCode ExportSpan() const {
     const std::string from = TimeArgument(since);
     const std::string before = until.empty() ? "9999-12-31T24" : TimeArgument(until);
-    const Store store(Database());
+    const Reader store(Database());
     return Export(store, {RunsBetween(store, from, before), std::pair(from, before)});
   }
 
-  ExitCode Export(const Store& store, const Selection& selection) const {
+  ExitCode Export(const Store::Reader& store, const Selection& selection) const {
     Progress progress("Exporting records", 0);
     const auto write = format == "csv" ? &WriteCsv : format == "trace" ? &WriteTrace : &WriteRecords;
     write(store, selection, [&] { progress.Add(1); });

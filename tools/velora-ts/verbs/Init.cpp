@@ -2,7 +2,7 @@
 #include "verbs/InitialSettings.h"
 #include "verbs/Verb.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -13,8 +13,9 @@
 
 namespace Velora::Ts {
 
+using namespace Store;
+
 namespace fs = std::filesystem;
-using Quor::TolvaServices::TsError;
 
 namespace {
 
@@ -52,7 +53,7 @@ bool WriteNew(const fs::path& file, std::string_view content) {
   }
   if (!made || std::fwrite(content.data(), 1, content.size(), made.get()) != content.size() ||
       std::fflush(made.get()) != 0) {
-    throw TsError("file '" + file.string() + "' cannot be written: " + std::system_category().message(errno));
+    throw Error("file '" + file.string() + "' cannot be written: " + std::system_category().message(errno));
   }
   return true;
 }
@@ -68,7 +69,7 @@ class InitVerb : public Verb {
     std::error_code failed;
     fs::create_directories(folder, failed);
     if (failed) {
-      throw TsError("folder '" + folder + "' cannot be made: " + failed.message());
+      throw Error("folder '" + folder + "' cannot be made: " + failed.message());
     }
     ExitCode result = Done;
     for (const InitialFile& file : initialFiles) {

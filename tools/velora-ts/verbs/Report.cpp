@@ -1,14 +1,15 @@
 #include "output/Base64.h"
 #include "output/Output.h"
-#include "reading/Runs.h"
-#include "reading/Store.h"
-#include "records/Sha256.h"
+#include "output/Words.h"
 #include "report/KeptEvents.h"
 #include "report/PageParts.h"
 #include "report/ReportData.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Runs.h"
+#include "store/record/Sha256.h"
 #include "verbs/StoreVerb.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -18,6 +19,8 @@
 #include <system_error>
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -64,8 +67,7 @@ class PageFile {
   }
   void Expect(bool good) const {
     if (!good) {
-      throw Quor::TolvaServices::TsError("page '" + path +
-                                         "' cannot be written: " + std::system_category().message(errno));
+      throw Store::Error("page '" + path + "' cannot be written: " + std::system_category().message(errno));
     }
   }
 
@@ -108,7 +110,7 @@ std::string WithoutTags(std::string_view json) {
   return text;
 }
 
-void WritePage(PageFile& page, const Store& store, const Run& run, const KeptEvents& kept) {
+void WritePage(PageFile& page, const Store::Reader& store, const Run& run, const KeptEvents& kept) {
   const auto writePart = [&page](PagePart part) {
     for (const std::string_view piece : part) {
       page.Write(piece);
@@ -146,7 +148,7 @@ class ReportVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
-    const Store store(Database());
+    const Reader store(Database());
     const std::optional<Run> run = TheRunNamed(store, name);
     if (!run) {
       return Found;

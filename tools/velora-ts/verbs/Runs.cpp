@@ -1,17 +1,20 @@
-#include "reading/Runs.h"
-#include "StoredText.h"
+#include "store/reading/Runs.h"
 #include "output/Output.h"
 #include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
-#include "reading/Executions.h"
-#include "reading/RecordedText.h"
-#include "reading/Rows.h"
-#include "reading/Store.h"
+#include "output/Words.h"
+#include "store/reading/Executions.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/values/RecordedText.h"
+#include "store/values/StoredText.h"
 #include "verbs/StoreVerb.h"
 #include "verbs/TimeArgument.h"
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -36,7 +39,7 @@ std::string ConditionOf(const RunFilter& filter) {
 
 Run RunOf(const Execution& root) { return {root.key, root.guid, root.node, root.startedAt}; }
 
-void WriteTable(const Store& store, Rows& rows) {
+void WriteTable(const Store::Reader& store, Rows& rows) {
   TextTable table({{"run"},
                    {"started"},
                    {"duration", true},
@@ -58,7 +61,7 @@ void WriteTable(const Store& store, Rows& rows) {
   table.Finish();
 }
 
-void WriteJson(const Store& store, Rows& rows) {
+void WriteJson(const Store::Reader& store, Rows& rows) {
   const char* separator = "[\n";
   while (rows.Next()) {
     const Execution root = ExecutionAt(rows);
@@ -82,9 +85,8 @@ class RunsVerb : public StoreVerb {
 
   ExitCode Execute() override {
     const std::string since = filter.since.empty() ? "" : TimeArgument(filter.since);
-    const Store store(Database());
+    const Reader store(Database());
     Rows rows = QueryExecutions(store, ConditionOf(filter));
-    using Quor::TolvaServices::Local::ToStoredText;
     rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit);
     json ? WriteJson(store, rows) : WriteTable(store, rows);
     FlushOut();

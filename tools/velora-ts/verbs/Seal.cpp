@@ -1,31 +1,31 @@
-#include "Connection.h"
-#include "Schema.h"
-#include "Statement.h"
-#include "StoredTime.h"
 #include "output/Output.h"
 #include "output/Progress.h"
-#include "reading/Runs.h"
-#include "reading/SettledStore.h"
-#include "reading/Store.h"
+#include "output/Words.h"
 #include "records/Anchor.h"
-#include "records/Seals.h"
-#include "records/Sha256.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Runs.h"
+#include "store/reading/SettledReader.h"
+#include "store/record/Seals.h"
+#include "store/record/Sha256.h"
+#include "store/recording/Writer.h"
+#include "store/schema/Versions.h"
+#include "store/values/StoredTime.h"
 #include "verbs/StoreVerb.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <filesystem>
 
 namespace Velora::Ts {
 
-using namespace Quor::TolvaServices;
+using namespace Store;
 
 namespace {
 
 /// Computes what is to be sealed, from one state of the store.
 class Sealer {
  public:
-  Sealer(const Store& store, const std::vector<Seal>& seals)
+  Sealer(const Store::Reader& store, const std::vector<Seal>& seals)
       : store(store),
         sealed(SealedUpTo(seals)),
         upTo(HighestNumbers(store)),
@@ -67,7 +67,7 @@ class Sealer {
     Say("sealed: " + words + ", " + seal.counts);
   }
 
-  const Store& store;
+  const Store::Reader& store;
   const Sealed sealed;
   const Numbers upTo;
   Sha256 sha;
@@ -77,33 +77,25 @@ class Sealer {
 };
 
 /// Links the seals to those before and adds them, all or none.
-void Add(Local::Connection& connection, bool onServer, Anchor& end, std::vector<Seal> seals) {
-  Local::Transaction transaction(connection);
-  if (onServer) {
-    Local::Execute(connection.Sql(), "LOCK TABLE seals IN EXCLUSIVE MODE");
+void Add(Writer& writer, Anchor& end, std::vector<Seal> seals) {
+  Transaction transaction(writer);
+  writer.HoldSeals();
+  Connection& sql = writer.Sql();
+  if (sql.Find<long long>("SELECT COALESCE(MAX(seal_id), 0) FROM seals") != end.number) {
+    throw Error("the TS store was sealed by another program meanwhile; run seal again");
   }
-  long long newest = 0;
-  Local::Execute(connection.Sql(), "SELECT COALESCE(MAX(seal_id), 0) FROM seals", soci::into(newest));
-  if (newest != end.number) {
-    throw TsError("the TS store was sealed by another program meanwhile; once more");
-  }
-  const std::string now = Local::ToStoredTime({});
-  const int schema = Local::schemaVersion;
-  const std::string tool = VELORA_VERSION;
+  const std::string now = ToStoredTime(Now());
   Sha256 sha;
   for (Seal& seal : seals) {
     seal.number = ++end.number;
     seal.previousHash = end.hash;
-    sha.Add(LineOf(seal, now, schema, tool));
+    sha.Add(LineOf(seal, now, schemaVersion, VELORA_VERSION));
     end.hash = sha.Finish();
-    soci::indicator ofRun = seal.run.empty() ? soci::i_null : soci::i_ok;
-    Local::Execute(connection.Sql(),
-                   "INSERT INTO seals (seal_id, run, sealed_at, up_to, counts, content_hash, previous_hash, "
-                   "schema_version, tool_version, seal_hash) VALUES (:number, :run, :at, :up, :counts, :content, "
-                   ":previous, :schema, :tool, :hash)",
-                   soci::use(seal.number), soci::use(seal.run, ofRun), soci::use(now), soci::use(seal.upTo),
-                   soci::use(seal.counts), soci::use(seal.contentHash), soci::use(seal.previousHash), soci::use(schema),
-                   soci::use(tool), soci::use(end.hash));
+    sql.Run(
+        "INSERT INTO seals (seal_id, run, sealed_at, up_to, counts, content_hash, previous_hash, schema_version, "
+        "tool_version, seal_hash) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)",
+        seal.number, seal.run.empty() ? std::nullopt : std::optional(seal.run), now, seal.upTo, seal.counts,
+        seal.contentHash, seal.previousHash, schemaVersion, VELORA_VERSION, end.hash);
   }
   transaction.Commit();
 }
@@ -114,7 +106,7 @@ ExitCode Refuse(const std::string& finding) {
   return Found;
 }
 
-ExitCode SealWith(Local::Connection& connection, const Store& store, const std::string& anchorFile) {
+ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchorFile) {
   const std::vector<Seal> seals = ReadSeals(store);
   if (const auto broken = ChainFindings(seals); !broken.empty()) {
     return Refuse(broken.front());
@@ -126,7 +118,7 @@ ExitCode SealWith(Local::Connection& connection, const Store& store, const std::
   }
   Anchor end = seals.empty() ? Anchor{0, noHash} : Anchor{seals.back().number, seals.back().hash};
   if (const std::vector<Seal> fresh = Sealer(store, seals).NewSeals(); !fresh.empty()) {
-    Add(connection, store.Kind() == Local::Database::Kind::PostgreSql, end, fresh);
+    Add(writer, end, fresh);
   }
   if (!anchorFile.empty()) {
     WriteAnchor(anchorFile, end);
@@ -142,14 +134,10 @@ class SealVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
-    const Local::Database database = Database();
-    static_cast<void>(Store(database));                       // which must be there: a connection would make one
-    const auto connection = Local::OpenConnection(database);  // brings it up
-    try {
-      return SealWith(*connection, SettledStore(database), anchorFile);
-    } catch (const soci::soci_error& reason) {
-      throw connection->ErrorOf(reason);
-    }
+    const Store::Database database = Database();
+    static_cast<void>(Reader(database));           // which must be there: a writer would make one
+    const auto writer = OpenForWriting(database);  // brings it up
+    return SealWith(*writer, SettledReader(database), anchorFile);
   }
 
  private:

@@ -1,23 +1,26 @@
-#include "StoredText.h"
-#include "output/Json.h"
 #include "output/Output.h"
 #include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
+#include "output/Words.h"
 #include "reading/EventLines.h"
-#include "reading/EventRows.h"
-#include "reading/Executions.h"
-#include "reading/ParameterValue.h"
-#include "reading/RecordedText.h"
-#include "reading/Rows.h"
-#include "reading/Runs.h"
-#include "reading/Store.h"
+#include "store/reading/EventRows.h"
+#include "store/reading/Executions.h"
+#include "store/reading/ParameterValue.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/reading/Runs.h"
+#include "store/values/Json.h"
+#include "store/values/RecordedText.h"
+#include "store/values/StoredText.h"
 #include "verbs/StoreVerb.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 namespace {
 
@@ -37,7 +40,7 @@ struct ShowOptions {
 
 class Show {
  public:
-  Show(const Store& store, Run run, const ShowOptions& options)
+  Show(const Store::Reader& store, Run run, const ShowOptions& options)
       : store(store),
         run(std::move(run)),
         options(options),
@@ -173,7 +176,7 @@ class Show {
 
   /// Goes to what was recorded last under a name.
   bool Pick(const Execution& one, const std::string& name) {
-    return picked.Ask(one.key, Quor::TolvaServices::Local::ToStoredText(name)).Next();
+    return picked.Ask(one.key, Store::ToStoredText(name)).Next();
   }
 
   std::string FirstFew(const Execution& one) {
@@ -201,7 +204,7 @@ class Show {
     return json.empty() ? json : json + '}';
   }
 
-  const Store& store;
+  const Store::Reader& store;
   const Run run;
   const ShowOptions& options;
   Rows execution, children, parameters, picked;
@@ -220,7 +223,7 @@ class ShowVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
-    const Store store(Database());
+    const Reader store(Database());
     const std::optional<Run> run = TheRunNamed(store, name);
     if (!run) {
       return Found;

@@ -1,11 +1,15 @@
 #include "verbs/StoreVerb.h"
 
+#include "store/settings/Settings.h"
+
 namespace Velora::Ts {
+
+using namespace Store;
 
 StoreVerb::StoreVerb(Options& options) {
   options.AddText("--config", folder, "Folder where TSAL.config lies. Default: the current directory");
 }
 
-Store::Database StoreVerb::Database() const { return Quor::TolvaServices::Local::ReadSettings(folder).database; }
+Store::Database StoreVerb::Database() const { return Store::ReadSettings(folder).database; }
 
 }  // namespace Velora::Ts

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reading/Store.h"
+#include "store/reading/Reader.h"
 #include "verbs/Verb.h"
 
 #include <string>
@@ -13,7 +13,7 @@ class StoreVerb : public Verb {
   explicit StoreVerb(Options& options);
 
   const std::string& Folder() const { return folder; }
-  /// @throws TsError when TSAL.config cannot be read or is wrong.
+  /// @throws Error when TSAL.config cannot be read or is wrong.
   Store::Database Database() const;
 
  private:

@@ -1,30 +1,28 @@
 #include "output/Output.h"
+#include "output/Words.h"
 #include "reading/EventLines.h"
-#include "reading/EventRows.h"
-#include "reading/Executions.h"
-#include "reading/Rows.h"
-#include "reading/Runs.h"
-#include "reading/Store.h"
+#include "store/reading/EventRows.h"
+#include "store/reading/Executions.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/reading/Runs.h"
 #include "verbs/StoreVerb.h"
 
-#include <TSAL/Error.h>
+#include "store/Error.h"
 
 #include <chrono>
-#include <filesystem>
-#include <system_error>
 #include <thread>
 #include <utility>
 
 namespace Velora::Ts {
 
-using Quor::TolvaServices::TsError;
-using Quor::TolvaServices::Local::Database;
+using namespace Store;
 
 namespace {
 
 constexpr std::chrono::milliseconds betweenLooks(200);
 
-long long NewestEvent(const Store& store) {
+long long NewestEvent(const Store::Reader& store) {
   Rows rows(store, "SELECT MAX(event_id) FROM events");
   rows.Next();
   return rows.Integer(0);
@@ -34,7 +32,7 @@ enum class State { Running, Finished, WithoutStatus };
 
 // What is below a run is only asked for when its topmost execution has ended. TS stores an execution with its first
 // status, so a run without one is of another program, and none may ever come.
-State StateOf(const Store& store, const Run& run) {
+State StateOf(const Store::Reader& store, const Run& run) {
   Rows rows = QueryExecutions(store, "WHERE e.execution_id = ?1");
   if (!rows.Ask(run.root).Next()) {
     return State::Finished;
@@ -49,10 +47,11 @@ State StateOf(const Store& store, const Run& run) {
 // A host may be about to make the store.
 std::vector<Run> NewestRun(const Database& database, bool waiting) {
   try {
-    return RunsNamed(Store(database), "last");
-  } catch (const TsError&) {
-    std::error_code unknown;
-    if (waiting || (database.kind == Database::Kind::Sqlite && !std::filesystem::exists(database.where, unknown))) {
+    return RunsNamed(Reader(database), "last");
+  } catch (const NoStoreYet&) {
+    return {};
+  } catch (const Error&) {
+    if (waiting) {
       return {};
     }
     throw;
@@ -62,7 +61,7 @@ std::vector<Run> NewestRun(const Database& database, bool waiting) {
 /// The run to follow; with no name the newest, and where there is none yet, the first.
 std::optional<Run> RunToFollow(const Database& database, const std::string& name) {
   if (!name.empty()) {
-    return TheRunNamed(Store(database), name);
+    return TheRunNamed(Reader(database), name);
   }
   std::vector<Run> runs = NewestRun(database, false);
   if (runs.empty()) {
@@ -80,7 +79,7 @@ class Follower {
  public:
   explicit Follower(Run run) : run(std::move(run)) {}
 
-  State Look(const Store& store) {
+  State Look(const Store::Reader& store) {
     EventRows events = first ? EventsOfRun(store, run.root) : EventsOfRunSince(store, run.root, newest);
     while (events.Next()) {
       lines.Write(events);
@@ -110,10 +109,10 @@ class TailVerb : public StoreVerb {
     }
     Complain("following " + InWords(*run) + " until it is finished; Ctrl-C ends that sooner");
     Follower follower(*run);
-    State state = follower.Look(Store(database));
+    State state = follower.Look(Reader(database));
     while (state == State::Running) {
       std::this_thread::sleep_for(betweenLooks);
-      state = follower.Look(Store(database));
+      state = follower.Look(Reader(database));
     }
     if (state == State::WithoutStatus) {
       Complain("this run has no status, so nothing says whether more will come");

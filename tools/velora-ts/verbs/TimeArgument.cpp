@@ -1,11 +1,13 @@
 #include "verbs/TimeArgument.h"
 
-#include "output/Times.h"
+#include "store/values/StoredTime.h"
 #include "verbs/Verb.h"
 
 #include <regex>
 
 namespace Velora::Ts {
+
+using namespace Store;
 
 std::string TimeArgument(const std::string& text) {
   static const std::regex form(R"((\d{4}-\d\d-\d\d(T([01]\d|2[0-3])(:[0-5]\d(:[0-5]\d(\.\d{1,6})?)?)?)?)Z?)");

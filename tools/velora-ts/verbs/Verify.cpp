@@ -1,12 +1,13 @@
 #include "output/Output.h"
 #include "output/Progress.h"
-#include "reading/Rows.h"
-#include "reading/Runs.h"
-#include "reading/Store.h"
+#include "output/Words.h"
 #include "records/Anchor.h"
-#include "records/Seals.h"
-#include "records/Sha256.h"
-#include "soundness/Soundness.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/reading/Runs.h"
+#include "store/record/Seals.h"
+#include "store/record/Sha256.h"
+#include "store/soundness/Soundness.h"
 #include "verbs/StoreVerb.h"
 
 #include <algorithm>
@@ -14,11 +15,13 @@
 
 namespace Velora::Ts {
 
+using namespace Store;
+
 namespace {
 
 class Verifier {
  public:
-  Verifier(const Store& store, const std::vector<Seal>& seals)
+  Verifier(const Store::Reader& store, const std::vector<Seal>& seals)
       : store(store), seals(seals), progress("Hashing records", TotalOf(seals)) {}
 
   void Report(const std::vector<std::string>& lines) {
@@ -113,7 +116,7 @@ class Verifier {
     ++notSealed;
   }
 
-  const Store& store;
+  const Store::Reader& store;
   const std::vector<Seal>& seals;
   Progress progress;
   int findings = 0;
@@ -128,7 +131,7 @@ class VerifyVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
-    const Store store(Database());
+    const Reader store(Database());
     const std::vector<Seal> seals = ReadSeals(store);
     Verifier verifier(store, seals);
     const Findings ofSchema = SchemaFindings(store);

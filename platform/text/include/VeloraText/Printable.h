@@ -13,6 +13,9 @@ namespace Velora::Text {
 /// invisible, and each byte that is part of no character.
 std::string Printable(std::string_view text);
 
+/// A text whose zero bytes are written as "\x00". The text of an exception ends at the first zero byte.
+std::string WithVisibleZeros(std::string text);
+
 /// Writes a text, made printable, and a line break.
 void WriteLine(std::ostream& stream, std::string_view text);
 

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "store/copying/CopyTarget.h"
+
+namespace Velora::Store {
+
+/// A database on a server as the target of a copy.
+class PostgreSqlTarget : public CopyTarget {
+ public:
+  explicit PostgreSqlTarget(Writer& store) : store(store) {}
+
+  std::unique_ptr<RowWriter> RowsOf(const StoredTable& table) override;
+  void WithoutGuardOfHistory(const std::function<void()>& work) override;
+  /// The partition of the event's month.
+  void MakeRoomFor(long long event) override;
+  /// Sets the sequences.
+  void Finish() override;
+
+ private:
+  Writer& store;
+  long long lastMonth = 0;
+};
+
+}  // namespace Velora::Store

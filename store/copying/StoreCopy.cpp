@@ -1,0 +1,150 @@
+#include "store/copying/StoreCopy.h"
+
+#include "store/copying/CopyTarget.h"
+#include "store/copying/StoredTables.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/recording/Writer.h"
+
+#include <limits>
+#include <optional>
+
+namespace Velora::Store {
+namespace {
+
+constexpr int rowsInATransaction = 5000;
+
+/// The last row that a store has of a table up to a key, and how many there are; empty for none.
+std::string EndOf(const Reader& store, const StoredTable& table, long long key) {
+  Rows count(store, "SELECT COUNT(*) FROM " + table.name + " WHERE " + table.Key() + " <= ?1");
+  Rows last(store, "SELECT " + table.ColumnList() + " FROM " + table.name + " WHERE " + table.Key() + " = ?1");
+  std::string end;
+  if (count.Ask(key).Next() && last.Ask(key).Next()) {
+    end = std::to_string(count.Integer(0)) + " rows, the last ";
+    for (int column = 0; column < last.Columns(); ++column) {
+      last.AppendValue(end, column);
+    }
+  }
+  return end;
+}
+
+/// A target may have the first rows of what is copied, as an earlier copy left them, and no others.
+void ExpectBeginning(const Reader& from, const Reader& to) {
+  std::vector<StoredTable> tables = TablesBeforeEvents();
+  tables.push_back(EventTable());
+  for (const StoredTable& table : tables) {
+    Rows highest(to, "SELECT MAX(" + table.Key() + ") FROM " + table.name);
+    if (!highest.Next() || highest.IsNull(0)) {
+      continue;
+    }
+    const long long key = highest.Integer(0);
+    if (EndOf(from, table, key) != EndOf(to, table, key)) {
+      throw Error("'" + to.Name() + "' holds rows of " + table.name + " that are none of '" + from.Name() +
+                  "'; expected an empty store, or an earlier copy of it");
+    }
+  }
+}
+
+class Copier {
+ public:
+  using Copied = std::function<void(const std::string& table)>;
+
+  Copier(const Reader& from, Writer& to, const Database& target, const Copied& copied)
+      : from(from), to(to), target(MakeCopyTarget(to, target)), copied(copied) {}
+
+  // A store that was just made says when, which the copy must not say: it has the history of what it is a copy of.
+  void TakeOverHistory() {
+    const auto [records, versions] =
+        to.Sql()
+            .Find<long long, long long>(
+                "SELECT (SELECT COUNT(*) FROM sessions) + (SELECT COUNT(*) FROM seals), COUNT(*) FROM ts_schema")
+            .value();
+    if (records > 0 || versions != 1) {
+      return;
+    }
+    Transaction transaction(to);
+    target->WithoutGuardOfHistory([this] { to.Sql().RunScript("DELETE FROM ts_schema"); });
+    const StoredTable& history = TablesBeforeEvents().front();
+    const auto writer = target->RowsOf(history);
+    for (Rows rows(from, "SELECT " + history.ColumnList() + " FROM ts_schema ORDER BY rowid"); rows.Next();) {
+      writer->Add(rows);
+    }
+    writer->Flush();
+    transaction.Commit();
+  }
+
+  void Copy() {
+    for (const StoredTable& table : TablesBeforeEvents()) {
+      CopyTable(table);
+    }
+    CopyEvents();
+    target->Finish();
+  }
+
+ private:
+  /// Below every key for an empty table.
+  long long HighestKey(const StoredTable& table) {
+    const auto highest = to.Sql().Find<std::optional<long long>>("SELECT MAX(" + table.Key() + ") FROM " + table.name);
+    return highest.value().value_or(std::numeric_limits<long long>::min());
+  }
+
+  void CopyTable(const StoredTable& table) {
+    const auto writer = target->RowsOf(table);
+    Rows rows(from, "SELECT " + table.ColumnList() + " FROM " + table.name + " WHERE " + table.Key() +
+                        " > ?1 ORDER BY " + table.Key());
+    rows.Ask(HighestKey(table));
+    for (bool more = rows.Next(); more;) {
+      Transaction transaction(to);
+      for (int count = 0; more && count < rowsInATransaction; ++count, more = rows.Next()) {
+        writer->Add(rows);
+        copied(table.name);
+      }
+      writer->Flush();
+      transaction.Commit();
+    }
+  }
+
+  // An event and its parameters go together, so that an interruption leaves none without.
+  void CopyEvents() {
+    const auto events = target->RowsOf(EventTable());
+    const auto parameters = target->RowsOf(ParameterTable());
+    Rows rows(from, "SELECT " + EventTable().ColumnList() + " FROM events WHERE event_id > ?1 ORDER BY event_id");
+    Rows theirs(from, "SELECT " + ParameterTable().ColumnList() +
+                          " FROM parameters WHERE event_id >= ?1 AND event_id <= ?2 ORDER BY event_id, position");
+    rows.Ask(HighestKey(EventTable()));
+    for (bool more = rows.Next(); more;) {
+      const long long first = rows.Integer(0);
+      long long last = first;
+      Transaction transaction(to);
+      for (int count = 0; more && count < rowsInATransaction; ++count, more = rows.Next()) {
+        last = rows.Integer(0);
+        target->MakeRoomFor(last);
+        events->Add(rows);
+        copied(EventTable().name);
+      }
+      events->Flush();
+      for (theirs.Ask(first, last); theirs.Next();) {
+        parameters->Add(theirs);
+      }
+      parameters->Flush();
+      transaction.Commit();
+    }
+  }
+
+  const Reader& from;
+  Writer& to;
+  const std::unique_ptr<CopyTarget> target;
+  const Copied& copied;
+};
+
+}  // namespace
+
+void CopyRows(const Reader& from, const Database& target, const Copier::Copied& copied) {
+  const auto to = OpenForWriting(target);
+  Copier copier(from, *to, target, copied);
+  copier.TakeOverHistory();
+  ExpectBeginning(from, Reader(target));
+  copier.Copy();
+}
+
+}  // namespace Velora::Store

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace Velora::Store {
+
+/// A prepared statement of a connection, and the rows of its answer.
+class Cursor {
+ public:
+  enum class Type { Null, Integer, Number, Text, Blob };
+
+  Cursor() = default;
+  Cursor(const Cursor&) = delete;
+  Cursor& operator=(const Cursor&) = delete;
+  virtual ~Cursor() = default;
+
+  /// Goes back to the state before the first row; values are kept until others are bound.
+  virtual void Restart() = 0;
+  /// @param place of the value in the statement, from 1 on.
+  virtual void Bind(int place, std::nullptr_t null) = 0;
+  virtual void Bind(int place, long long value) = 0;
+  virtual void Bind(int place, double value) = 0;
+  virtual void Bind(int place, std::string_view value) = 0;
+  /// Goes to the next row; the first time, runs the statement. @return whether there is one; after the last one no
+  /// more.
+  virtual bool Next() = 0;
+
+  virtual int Columns() const = 0;
+  virtual const char* Name(int column) const = 0;
+  /// Of the value where the cursor stands.
+  virtual Type TypeOf(int column) const = 0;
+  virtual long long Integer(int column) const = 0;
+  virtual double Number(int column) const = 0;
+  /// Good until the next row.
+  virtual std::string_view Text(int column) const = 0;
+};
+
+}  // namespace Velora::Store

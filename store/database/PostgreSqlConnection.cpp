@@ -1,0 +1,166 @@
+#include "store/database/PostgreSqlConnection.h"
+
+#include "store/database/PostgreSqlAddress.h"
+#include "store/database/PostgreSqlCursor.h"
+
+#include <VeloraSystem/Sockets.h>
+
+#include <algorithm>
+#include <new>
+#include <regex>
+#include <utility>
+
+namespace Velora::Store {
+namespace {
+
+// The client library may hold a part of an answer that the socket does not tell of, so it is asked again and again.
+constexpr std::chrono::milliseconds longestLook{100};
+
+// Without the words before it, which say how bad it is.
+std::string OnOneLine(const char* message) {
+  static const std::regex before(R"(^(ERROR|FATAL|PANIC): +)");
+  static const std::regex breaks(R"(\s*\n\s*)");
+  std::string text = message;
+  text.erase(text.find_last_not_of(" \n") + 1);
+  return std::regex_replace(std::regex_replace(text, before, ""), breaks, "; ");
+}
+
+std::string TextOf(const char* value) { return value == nullptr ? "" : value; }
+
+}  // namespace
+
+PostgreSqlConnection::PostgreSqlConnection(const std::string& address, std::optional<Clock::time_point> when)
+    : Connection(NameOfDatabaseAt(address)), uri(UriWithTimeouts(address)) {
+  handle.reset(when ? PQconnectStart(uri.c_str()) : PQconnectdb(uri.c_str()));
+  if (!handle) {
+    throw std::bad_alloc();
+  }
+  if ((when && !ConnectUntil(*when)) || PQstatus(handle.get()) != CONNECTION_OK) {
+    Fail(OnOneLine(PQerrorMessage(handle.get())));
+  }
+  PQsetNoticeProcessor(
+      handle.get(), [](void*, const char*) {}, nullptr);  // which would write to the host's standard error
+  PQsetnonblocking(handle.get(), 1);
+}
+
+bool PostgreSqlConnection::ConnectUntil(Clock::time_point when) {
+  LimitTo(when);
+  PostgresPollingStatusType next =
+      PQstatus(handle.get()) == CONNECTION_BAD ? PGRES_POLLING_FAILED : PGRES_POLLING_WRITING;
+  while (next == PGRES_POLLING_READING || next == PGRES_POLLING_WRITING) {
+    next = AwaitSocket(next == PGRES_POLLING_WRITING) ? PQconnectPoll(handle.get()) : next;
+    if (silent) {
+      return false;
+    }
+  }
+  return next == PGRES_POLLING_OK;
+}
+
+std::unique_ptr<Cursor> PostgreSqlConnection::Prepare(const std::string& statement) {
+  return std::make_unique<PostgreSqlStream>(*this, "c" + std::to_string(++cursors), statement);
+}
+
+std::unique_ptr<Cursor> PostgreSqlConnection::PrepareShort(const std::string& statement) {
+  return std::make_unique<PostgreSqlStatement>(*this, statement);
+}
+
+PostgreSqlConnection::Answer PostgreSqlConnection::Ask(const std::string& statements) {
+  Expect(PQsendQuery(handle.get(), (std::exchange(closing, "") + statements).c_str()));
+  return TakeAnswer();
+}
+
+PostgreSqlConnection::Answer PostgreSqlConnection::Ask(const std::string& statement, const std::vector<Value>& values) {
+  std::vector<const char*> texts(values.size());
+  std::transform(values.begin(), values.end(), texts.begin(),
+                 [](const Value& value) { return value ? value->c_str() : nullptr; });
+  Expect(PQsendQueryParams(handle.get(), statement.c_str(), static_cast<int>(texts.size()), nullptr, texts.data(),
+                           nullptr, nullptr, 0));
+  return TakeAnswer();
+}
+
+void PostgreSqlConnection::Expect(int sent) {
+  if (sent != 1) {
+    Fail(OnOneLine(PQerrorMessage(handle.get())));
+  }
+}
+
+PostgreSqlConnection::Answer PostgreSqlConnection::TakeAnswer() {
+  Answer answer(nullptr, &PQclear);
+  while (AwaitAnswer()) {
+    Answer next(PQgetResult(handle.get()), &PQclear);
+    if (!next) {
+      break;
+    }
+    if (!answer || PQresultStatus(answer.get()) != PGRES_FATAL_ERROR) {
+      answer = std::move(next);
+    }
+  }
+  if (IsLost() || !answer) {
+    Fail(silent ? "it gave no answer in time" : OnOneLine(PQerrorMessage(handle.get())));
+  }
+  if (PQresultStatus(answer.get()) == PGRES_FATAL_ERROR) {
+    Fail(OnOneLine(PQresultErrorMessage(answer.get())), TextOf(PQresultErrorField(answer.get(), PG_DIAG_SQLSTATE)));
+  }
+  return answer;
+}
+
+bool PostgreSqlConnection::AwaitAnswer() {
+  for (;;) {
+    const int unsent = PQflush(handle.get());
+    if (unsent == 0 && PQisBusy(handle.get()) == 0) {
+      return true;
+    }
+    if (unsent < 0 || silent) {
+      return !silent;  // what the server said before it closed the connection is still to be taken
+    }
+    if (AwaitSocket(unsent == 1) && PQconsumeInput(handle.get()) != 1) {
+      return true;
+    }
+  }
+}
+
+// After the last moment the connection is closed to both sides, so that the server gives up too.
+bool PostgreSqlConnection::AwaitSocket(bool toWrite) {
+  const auto left = end ? std::chrono::duration_cast<std::chrono::milliseconds>(*end - Clock::now()) : longestLook;
+  if (left.count() <= 0) {
+    silent = true;
+    System::ShutDownSocket(PQsocket(handle.get()));
+    return false;
+  }
+  System::AwaitSocket(PQsocket(handle.get()), toWrite, std::min(left, longestLook));
+  return true;
+}
+
+std::string PostgreSqlConnection::Quoted(std::string_view text) const {
+  const std::unique_ptr<char, decltype(&PQfreemem)> quoted(PQescapeLiteral(handle.get(), text.data(), text.size()),
+                                                           &PQfreemem);
+  if (!quoted) {
+    throw Error("TS database '" + Name() + "' cannot be asked for a text that is not UTF-8");
+  }
+  return quoted.get();
+}
+
+void PostgreSqlConnection::Close(const std::string& cursor) noexcept {
+  try {
+    closing += "CLOSE " + cursor + "; ";
+  } catch (...) {
+    // Then it stays open until the end.
+  }
+}
+
+std::string PostgreSqlConnection::ServerUri() const {
+  return UriOfServer(uri, TextOf(PQhost(handle.get())), TextOf(PQhostaddr(handle.get())), TextOf(PQport(handle.get())));
+}
+
+void PostgreSqlConnection::Fail(const std::string& reason, const std::string& state) { Raise(reason, state); }
+
+PostgreSqlConnection ConnectToServer(const std::string& address) {
+  try {
+    return PostgreSqlConnection(address);
+  } catch (const DatabaseError& error) {
+    throw NotReachable("TS database '" + NameOfDatabaseAt(address) + "' cannot be reached: " + error.reason +
+                       "; expected a server there that runs and lets this user in");
+  }
+}
+
+}  // namespace Velora::Store

@@ -1,0 +1,52 @@
+#pragma once
+
+namespace Velora::Store {
+
+/// What a new connection runs first, to read a store or to record in one: makes the store's schema the current one, and
+/// does away with what a role may have set for itself that keeps it from recording.
+///
+/// A store is in the first schema of the connection's path that holds one. Where that path is not stated by the
+/// connection itself, a store that it does not lead to is looked for on the database's path and on the usual one. Where
+/// there is no store, the current schema is the first of these paths.
+inline constexpr const char* findStore = R"(
+    DO $$
+    DECLARE
+      stated CONSTANT boolean := EXISTS (SELECT FROM pg_settings WHERE name = 'search_path' AND source = 'client');
+      path text;
+      place text;
+      store text;
+    BEGIN
+      IF EXISTS (SELECT FROM pg_settings
+                 WHERE name = 'default_transaction_read_only' AND source IN ('user', 'database user')) THEN
+        SET default_transaction_read_only = off;
+      END IF;
+      FOREACH path IN ARRAY ARRAY[current_setting('search_path'),
+          (SELECT substring(setting FROM '^search_path=(.*)$')
+           FROM pg_db_role_setting s JOIN pg_database d ON d.oid = s.setdatabase, unnest(setconfig) AS setting
+           WHERE datname = current_database() AND setrole = 0 AND setting LIKE 'search\_path=%'),
+          '"$user", public'] LOOP
+        CONTINUE WHEN path IS NULL;
+        PERFORM set_config('search_path', path, false);
+        place := COALESCE(place, current_schema());
+        SELECT nspname INTO store
+        FROM unnest(current_schemas(false)) WITH ORDINALITY AS seen(nspname, number)
+        JOIN pg_namespace n USING (nspname) JOIN pg_class c ON c.relnamespace = n.oid
+        WHERE relname = 'ts_schema' AND relkind = 'r' AND nspname !~ '^pg_' ORDER BY number LIMIT 1;
+        EXIT WHEN stated OR store IS NOT NULL;
+      END LOOP;
+      PERFORM set_config('search_path', COALESCE(quote_ident(COALESCE(store, place)) || ', pg_temp', ''), false);
+    END $$)";
+
+/// Asks why a server takes no records, or might lose them: empty where it does.
+inline constexpr const char* askWhyNot = R"(
+    SELECT CASE
+      WHEN pg_is_in_recovery() THEN 'its server is a standby, which only reads; expected the primary'
+      WHEN current_setting('default_transaction_read_only') = 'on'
+        THEN 'it is set to default_transaction_read_only = on; expected off'
+      WHEN current_setting('fsync') = 'off'
+        THEN 'its server has fsync = off, and may lose what it acknowledged; expected on'
+      WHEN current_setting('full_page_writes') = 'off'
+        THEN 'its server has full_page_writes = off, and may lose what it acknowledged; expected on'
+      ELSE '' END)";
+
+}  // namespace Velora::Store

@@ -1,0 +1,107 @@
+#include "store/reading/Runs.h"
+
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/values/StoredText.h"
+
+#include <algorithm>
+#include <cctype>
+#include <limits>
+#include <utility>
+
+namespace Velora::Store {
+
+namespace {
+
+constexpr std::size_t shortGuid = 8;
+
+const std::string columns = "SELECT execution_id, guid, node, started_at FROM executions WHERE parent_id IS NULL AND ";
+
+std::vector<Run> All(Rows& rows) {
+  std::vector<Run> runs;
+  while (rows.Next()) {
+    const auto text = [&rows](int column) { return std::string(rows.Whole(column)); };
+    runs.push_back({rows.Integer(0), text(1), text(2), text(3)});
+  }
+  return runs;
+}
+
+// By the index of guids, not by that of parents.
+std::vector<Run> RunsWithGuid(const Reader& store, const std::string& beginning) {
+  Rows rows(store,
+            "SELECT execution_id, guid, node, started_at FROM executions WHERE +parent_id IS NULL AND guid >= ?1 "
+            "AND guid < ?2 ORDER BY execution_id");
+  return All(rows.Ask(beginning, beginning + 'g'));
+}
+
+// By its key, since the clock of a host may step back.
+std::vector<Run> RecordedLast(const Reader& store) {
+  Rows roots(store, "SELECT MAX(root_id) FROM executions WHERE root_id < ?1");
+  Rows runs(store, columns + "execution_id = ?1");
+  long long below = std::numeric_limits<long long>::max();
+  while (roots.Ask(below).Next() && !roots.IsNull(0)) {
+    below = roots.Integer(0);
+    if (std::vector<Run> found = All(runs.Ask(below)); !found.empty()) {
+      return found;
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+std::vector<Run> RunsBetween(const Reader& store, const std::string& from, const std::string& before) {
+  Rows rows(store, columns + "started_at >= ?1 AND started_at < ?2 ORDER BY execution_id");
+  return All(rows.Ask(from, before));
+}
+
+std::vector<Run> AllRuns(const Reader& store) {
+  Rows rows(store, columns + "true ORDER BY execution_id");
+  return All(rows);
+}
+
+std::vector<Run> RunsNamed(const Reader& store, const std::string& name) {
+  if (name == "last") {
+    return RecordedLast(store);
+  }
+  std::string guid = name;
+  std::transform(guid.begin(), guid.end(), guid.begin(),
+                 [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
+  std::vector<Run> runs = RunsWithGuid(store, guid);
+  if (runs.empty() || guid.size() < shortGuid) {  // where a guid is not meant for sure, nodes have to be gone through
+    Rows rows(store, columns + "node = ?1 ORDER BY execution_id");
+    for (Run& run : All(rows.Ask(ToStoredText(name)))) {
+      if (std::none_of(runs.begin(), runs.end(), [&](const Run& found) { return found.root == run.root; })) {
+        runs.push_back(std::move(run));
+      }
+    }
+  }
+  return runs;
+}
+
+std::string ShortGuid(const Reader& store, const std::string& guid) {
+  std::size_t length = shortGuid;
+  while (length < guid.size() && RunsWithGuid(store, guid.substr(0, length)).size() > 1) {
+    ++length;
+  }
+  return guid.substr(0, length);
+}
+
+bool IsUnfinished(const Reader& store, const Run& run) {
+  Rows rows(store, std::string(runningOfRun) + "?1 LIMIT 1");
+  return rows.Ask(run.root).Next();
+}
+
+std::string LastRecorded(const Reader& store, const Run& run) {
+  Rows rows(store,
+            "SELECT MAX(s.at) FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
+            "WHERE x.root_id = ?1 UNION ALL SELECT MAX(v.at) FROM executions x JOIN events v "
+            "ON v.execution_id = x.execution_id WHERE x.root_id = ?1");
+  std::string last;
+  for (rows.Ask(run.root); rows.Next();) {
+    last = std::max(last, std::string(rows.Text(0)));
+  }
+  return last;
+}
+
+}  // namespace Velora::Store

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "store/database/SqliteConnection.h"
+#include "store/reading/Source.h"
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace Velora::Store {
+
+/// A file of SQLite, opened for reading.
+class SqliteSource : public Source {
+ public:
+  /// @throws NoStoreYet when there is no such file; Error when it cannot be read.
+  explicit SqliteSource(const std::string& path);
+
+  SqliteConnection& Sql() override { return *connection; }
+  bool IsStore() override;
+  void ExpectUntouched() const override;
+
+ private:
+  void Open(const std::string& name, const char* how);
+  void ExpectOneName() const;
+  void Begin();
+
+  const std::string path;
+  std::string file;     // where the path leads
+  bool closed = false;  // nobody had it open: read without the files that its users share
+  std::filesystem::file_time_type written;
+  std::unique_ptr<SqliteConnection> connection;
+};
+
+}  // namespace Velora::Store

@@ -1,0 +1,215 @@
+#include "store/recording/PostgreSqlWriter.h"
+
+#include "store/database/PostgreSqlStart.h"
+#include "store/schema/BringUp.h"
+#include "store/values/Json.h"
+
+#include <thread>
+
+namespace Velora::Store {
+namespace {
+
+using Clock = PostgreSqlConnection::Clock;
+
+constexpr std::chrono::milliseconds longestOperation{4500};  // whatever the network does
+constexpr std::chrono::seconds longestBringUp{40};
+constexpr std::chrono::seconds longestDoubt{2};  // how long a commit without an answer is asked after
+
+// Keys of the locks that transactions of all hosts share; "TS" in front, since a database has one set of them.
+constexpr const char* schemaLock = "SELECT pg_advisory_xact_lock(21587, 1)";
+constexpr const char* activitiesLock = "SELECT pg_advisory_xact_lock(21587, 2)";
+
+constexpr const char* insufficientPrivilege = "42501";
+
+// Which server that is: the number that its cluster was made with, and the line of its history, which is another one
+// after a standby took its place.
+constexpr const char* identity =
+    "(CAST(system_identifier AS text) || '/' || left(pg_walfile_name(pg_current_wal_insert_lsn()), 8))";
+
+std::string ParametersAsJson(const EventRow& event) {
+  std::string json = "[";
+  int position = 0;
+  for (const ParameterRow& parameter : event.parameters) {
+    json += position == 0 ? "{\"position\":" : ",{\"position\":";
+    json += std::to_string(++position) + ",\"name\":";
+    AppendText(json, parameter.name);
+    json += std::string(",\"kind\":\"") + parameter.kind + '"';
+    if (parameter.text) {
+      json += ",\"value_text\":";
+      AppendText(json, *parameter.text);
+    }
+    if (parameter.number) {
+      json += ",\"value_number\":";
+      AppendServerNumber(json, *parameter.number);
+    }
+    json += '}';
+  }
+  return json + ']';
+}
+
+}  // namespace
+
+PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
+    : Writer(opening), connection(ConnectToServer(address)) {
+  connection.ExplainErrorsBy([this](const DatabaseError& error) { Explain(error); });
+  StartOperation();
+  Configure();
+  const int version = StoredVersion();
+  if (version != schemaVersion) {
+    connection.LimitTo(Clock::now() + longestBringUp);
+  }
+  if (opening == Opening::Tries) {
+    return;
+  }
+  if (version != schemaVersion) {
+    BringUp();
+  }
+  PostgreSqlWriter::MakeRoom();
+  EndOperation();
+}
+
+void PostgreSqlWriter::Configure() {
+  connection.RunScript(findStore);
+  // A server that is set to lose what it acknowledged is told not to; one that is set to do more goes on doing so. A
+  // host that stops in the middle of a transaction gives up its locks in the end.
+  connection.RunScript(
+      "SET statement_timeout = '4s'; SET lock_timeout = '4s'; SET default_transaction_isolation = 'read committed';"
+      "SET idle_in_transaction_session_timeout = '60s';"
+      "SELECT set_config('synchronous_commit', 'on', false) WHERE current_setting('synchronous_commit') = 'off'");
+  const auto [encoding, whyNot] =
+      connection
+          .Find<std::string, std::string>("SELECT current_setting('server_encoding'), (" + std::string(askWhyNot) + ")")
+          .value();
+  if (!whyNot.empty()) {
+    throw NotReachable("TS database '" + Name() + "' cannot be recorded into: " + whyNot);
+  }
+  if (encoding != "UTF8") {
+    throw Error("TS database '" + Name() + "' has the encoding " + encoding + "; expected UTF8, which has every text");
+  }
+  server = connection.Find<std::string>("SELECT " + std::string(identity) + " FROM pg_control_system()").value();
+}
+
+// The number of the transaction tells later whether it was committed, should the answer to that be lost. Partitions are
+// made before it, in a transaction of their own: one that holds locks could wait for a host that waits for it.
+void PostgreSqlWriter::Begin() {
+  if (Clock::now() >= partitionsDue) {
+    MakeRoom();
+  }
+  const PostgreSqlConnection::Answer began =
+      connection.Ask("BEGIN; SELECT CAST(pg_current_xact_id() AS text), CAST(pg_current_wal_flush_lsn() AS text)");
+  transaction = PQgetvalue(began.get(), 0, 0);
+  logged = PQgetvalue(began.get(), 0, 1);
+}
+
+void PostgreSqlWriter::Commit() {
+  try {
+    connection.RunScript("COMMIT");
+  } catch (const DatabaseError&) {
+    if (!IsLost() || !WasCommitted()) {
+      throw;
+    }
+  }
+}
+
+// The lost connection's server process may still be at the commit, so it is asked after until there is an answer. That
+// counts from the very server only: one that took its place may lack the commit. One that crashed gives out again the
+// numbers of which nothing had reached its disk: then "committed" may be said of another's transaction. It begins anew
+// with a checkpoint, so there has been none since this one began.
+bool PostgreSqlWriter::WasCommitted() {
+  static const std::string question =
+      "SELECT CASE WHEN " + std::string(identity) +
+      " <> $1 THEN 'unknown' WHEN pg_xact_status(CAST($2 AS xid8)) = 'committed' AND checkpoint_lsn >= CAST($3 AS "
+      "pg_lsn) THEN 'unknown' ELSE COALESCE(pg_xact_status(CAST($2 AS xid8)), 'forgotten') END "
+      "FROM pg_control_system(), pg_control_checkpoint()";
+  const std::string there = connection.ServerUri();
+  for (const Clock::time_point end = Clock::now() + longestDoubt; Clock::now() < end;) {
+    try {
+      PostgreSqlConnection other(there, end);
+      const std::string status = PQgetvalue(other.Ask(question, {server, transaction, logged}).get(), 0, 0);
+      if (status == "unknown") {
+        break;
+      }
+      if (status != "in progress") {
+        return status == "committed";
+      }
+    } catch (const DatabaseError&) {
+      // It may be starting again.
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+  }
+  throw DatabaseError("TS database '" + Name() + "' was lost while it stored a record: the record may be there, or not",
+                      "", "");
+}
+
+void PostgreSqlWriter::StartOperation() { connection.LimitTo(Clock::now() + longestOperation); }
+
+// The lock before the number: who seals waits for it, and then no lower number can appear any more.
+long long PostgreSqlWriter::NextKey(const std::string& table, const std::string& column) {
+  const PostgreSqlConnection::Answer key =
+      connection.Ask("LOCK TABLE " + table + " IN ROW EXCLUSIVE MODE; SELECT nextval(pg_get_serial_sequence('" + table +
+                     "', '" + column + "'))");
+  return std::stoll(PQgetvalue(key.get(), 0, 0));
+}
+
+void PostgreSqlWriter::HoldActivities() { connection.RunScript(activitiesLock); }
+
+void PostgreSqlWriter::HoldSeals() { connection.RunScript("LOCK TABLE seals IN EXCLUSIVE MODE"); }
+
+// Whoever makes or brings up the store may take longer than an operation; the hosts that begin meanwhile wait for it.
+void PostgreSqlWriter::HoldSchema() {
+  connection.RunScript(std::string("SET LOCAL statement_timeout = '30s'; SET LOCAL lock_timeout = '30s'; ") +
+                       schemaLock);
+}
+
+// The event and its parameters with one statement: the server may be far away.
+void PostgreSqlWriter::Insert(const EventRow& event) {
+  connection.Run(
+      "WITH stored AS (INSERT INTO events (session_id, execution_id, configuration_id, name, at) "
+      "VALUES (?1, ?2, ?3, ?4, ?5) RETURNING event_id) "
+      "INSERT INTO parameters (event_id, position, name, kind, value_text, value_number) "
+      "SELECT event_id, p.* FROM stored, json_to_recordset(CAST(?6 AS json)) AS p(position bigint, "
+      "name text, kind text, value_text text, value_number double precision)",
+      event.session, event.execution, event.configuration, event.name, event.at, ParametersAsJson(event));
+}
+
+void PostgreSqlWriter::MakeRoom() {
+  connection.RunScript("SELECT make_partitions()");
+  partitionsDue = Clock::now() + std::chrono::hours(24);
+}
+
+// A server that ended said so before it closed the connection: the first look finds the words, the second the end.
+bool PostgreSqlWriter::IsUsable() {
+  PGconn* const handle = connection.Handle();
+  return PQconsumeInput(handle) == 1 && PQconsumeInput(handle) == 1 && !IsLost();
+}
+
+bool PostgreSqlWriter::IsOutsideTransaction() { return PQtransactionStatus(connection.Handle()) == PQTRANS_IDLE; }
+
+void PostgreSqlWriter::Explain(const DatabaseError& error) const {
+  const std::string database = "TS database '" + connection.Name() + "'";
+  if (connection.IsLost()) {
+    throw DatabaseError(database + " was lost before this record was stored: " + error.reason, error.reason,
+                        error.code);
+  }
+  if (error.code == insufficientPrivilege) {
+    throw DatabaseError(database + " does not let this role do that: " + error.reason +
+                            "; expected its owner to run 'velora-ts prepare --hosts ROLE'",
+                        error.reason, error.code);
+  }
+}
+
+Writer::Contents PostgreSqlWriter::FindTables() {
+  const auto [tables, own] =
+      connection
+          .Find<int, int>(
+              "SELECT COUNT(*), COUNT(*) FILTER (WHERE relname = 'ts_schema') FROM pg_class c "
+              "WHERE relkind IN ('r', 'p', 'v') AND relnamespace = to_regnamespace(quote_ident(current_schema())) AND "
+              "NOT EXISTS (SELECT FROM pg_depend WHERE classid = CAST('pg_class' AS regclass) AND objid = c.oid "
+              "AND deptype = 'e')")  // which belong to extensions
+          .value();
+  return {tables != 0, own != 0};
+}
+
+void PostgreSqlWriter::BringUpSchema(int from) { BringUpPostgreSql(connection, from); }
+
+}  // namespace Velora::Store

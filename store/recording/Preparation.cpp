@@ -1,0 +1,98 @@
+#include "store/recording/Preparation.h"
+
+#include "store/recording/Writer.h"
+#include "store/schema/Tables.h"
+
+#include <map>
+
+namespace Velora::Store {
+namespace {
+
+// What belongs to the store, as statements name it.
+constexpr const char* askNames = R"(
+    SELECT quote_ident(rolname), quote_ident(nspname), quote_ident(current_database()),
+      (SELECT string_agg(CAST(CAST(c.oid AS regclass) AS text), ', ') FROM pg_class c WHERE relowner = owner
+       AND relnamespace = s.oid AND relkind IN ('r', 'p', 'v')),
+      (SELECT string_agg(CAST(CAST(c.oid AS regclass) AS text), ', ') FROM pg_class c WHERE relowner = owner
+       AND relnamespace = s.oid AND relkind = 'S'),
+      (SELECT string_agg(CAST(CAST(f.oid AS regprocedure) AS text), ', ') FROM pg_proc f WHERE proowner = owner
+       AND pronamespace = s.oid AND prosecdef),
+      r.oid = owner, pg_has_role(datdba, 'USAGE') AND datdba = owner
+    FROM pg_roles r, (SELECT relnamespace, relowner FROM pg_class WHERE oid = to_regclass('ts_schema'))
+      t (schema, owner) JOIN pg_namespace s ON s.oid = schema JOIN pg_database ON datname = current_database()
+    WHERE rolname = ?1)";
+
+// First whatever was given before is taken away, by an earlier version or by hand. Others keep what lets them read.
+constexpr const char* grants[] = {
+    "REVOKE ALL ON SCHEMA {schema} FROM {role} CASCADE",
+    "REVOKE ALL ON {tables} FROM {role} CASCADE",
+    "REVOKE ALL ON SEQUENCE {sequences} FROM {role} CASCADE",
+    "REVOKE ALL ON FUNCTION {functions} FROM PUBLIC, {role} CASCADE",
+    "REVOKE INSERT, UPDATE, DELETE, TRUNCATE, REFERENCES, TRIGGER ON {tables} FROM PUBLIC CASCADE",
+    "REVOKE UPDATE ON SEQUENCE {sequences} FROM PUBLIC CASCADE",
+    "REVOKE CREATE ON SCHEMA {schema} FROM PUBLIC",  // up to PostgreSQL 14 everybody may, in the usual one
+    "GRANT USAGE ON SCHEMA {schema} TO {role}",
+    "GRANT USAGE ON SEQUENCE {sequences} TO {role}",
+    "GRANT SELECT ON {tables} TO {role}",
+    "GRANT INSERT ON {tables of hosts} TO {role}",
+    "GRANT EXECUTE ON FUNCTION {functions of hosts} TO {role}",
+};
+
+// Tables of its own, temporary ones too, would be found under the names of the store's. Only in a database of the
+// store's owner: others may be shared.
+constexpr const char* nothingBeside = "REVOKE CREATE, TEMPORARY ON DATABASE {database} FROM PUBLIC, {role} CASCADE";
+
+using Names = std::map<std::string, std::string>;
+
+std::string Filled(std::string statement, const Names& names) {
+  for (const auto& [name, value] : names) {
+    const std::string place = '{' + name + '}';
+    if (const std::size_t at = statement.find(place); at != std::string::npos) {
+      statement.replace(at, place.size(), value);
+    }
+  }
+  return statement;
+}
+
+void GrantTo(const std::string& role, Writer& store) {
+  const auto found =
+      store.Sql().Find<std::string, std::string, std::string, std::string, std::string, std::string, bool, bool>(
+          askNames, role);
+  if (!found) {
+    throw Error("the server has no role '" + role + "'; expected one that was made with CREATE ROLE");
+  }
+  const auto& [quoted, schema, database, tables, sequences, functions, ownsStore, ownsDatabase] = *found;
+  if (ownsStore) {
+    throw Error("the role '" + role + "' owns the store and may do anything; expected a role of the hosts' own");
+  }
+  const Names names = {{"role", quoted},
+                       {"schema", schema},
+                       {"database", database},
+                       {"tables", tables},
+                       {"sequences", sequences},
+                       {"functions", functions},
+                       {"tables of hosts", Listed(HostTables())},
+                       {"functions of hosts", hostFunctions}};
+  Transaction transaction(store);
+  for (const char* grant : grants) {
+    store.Sql().RunScript(Filled(grant, names));
+  }
+  if (ownsDatabase) {
+    store.Sql().RunScript(Filled(nothingBeside, names));
+  }
+  transaction.Commit();
+}
+
+}  // namespace
+
+void PrepareStore(const Database& database, const std::string& hosts) {
+  if (!hosts.empty() && database.kind == Database::Kind::Sqlite) {
+    throw NotOffered("a store in a file has no roles; who may record is said by the rights on the file");
+  }
+  const auto store = OpenForWriting(database);
+  if (!hosts.empty()) {
+    GrantTo(hosts, *store);
+  }
+}
+
+}  // namespace Velora::Store

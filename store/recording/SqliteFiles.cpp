@@ -1,0 +1,44 @@
+#include "store/recording/SqliteFiles.h"
+
+#include <sqlite3.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+namespace Velora::Store {
+namespace {
+
+std::string LogOf(sqlite3* database) { return sqlite3_filename_wal(sqlite3_db_filename(database, "main")); }
+
+}  // namespace
+
+std::string SharedMemoryOf(sqlite3* database) { return std::string(sqlite3_db_filename(database, "main")) + "-shm"; }
+
+SqliteFiles::SqliteFiles(sqlite3* database, const std::string& name)
+    : database(database), main(Find(name)), log{Find(LogOf(database)), Find(SharedMemoryOf(database))} {}
+
+// SQLite removes the log when the last connection is closed, so never under this one.
+bool SqliteFiles::AreInPlace() const {
+  const auto isInPlace = [](const File& file) {
+    return file.id != System::FileId() && file.id == System::IdOf(file.path);
+  };
+  int moved = 0;
+  sqlite3_file_control(database, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  return moved == 0 && isInPlace(main) && std::all_of(log.begin(), log.end(), isInPlace);
+}
+
+// Closing the last connection moves the log that it has open into the database, which saves what is in a log that was
+// deleted, and then removes whatever has the log's name.
+void SqliteFiles::SpareOthers() const {
+  const auto isAnothers = [](const File& file) {
+    std::error_code none;
+    const std::uintmax_t size = std::filesystem::file_size(file.path, none);
+    return !none && size != 0 && file.id != System::IdOf(file.path);
+  };
+  if (std::any_of(log.begin(), log.end(), isAnothers)) {
+    sqlite3_db_config(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  }
+}
+
+}  // namespace Velora::Store

@@ -1,0 +1,181 @@
+#include "store/recording/SqliteWriter.h"
+
+#include "store/schema/BringUp.h"
+
+#include <VeloraSystem/RegularFile.h>
+#include <VeloraSystem/System.h>
+
+#include <sqlite3.h>
+
+#include <chrono>
+#include <filesystem>
+#include <system_error>
+#include <thread>
+
+namespace Velora::Store {
+namespace {
+
+// The byte of the file of shared memory that SQLite locks for the one writer of its write-ahead log.
+constexpr unsigned writeLock = 120;
+
+constexpr const char* rightsExpected =
+    "; expected a folder that is there, and the right to write the file and that folder, since a log is kept beside it";
+
+SqliteConnection Open(const std::string& file, Opening opening) {
+  if (const std::string kind = System::KindOfNoFile(file); !kind.empty()) {  // SQLite would wait for a FIFO
+    throw Error("TS database '" + file + "' is " + kind + "; expected a regular file");
+  }
+  if (opening == Opening::MakesStore) {
+    // Made here, since SQLite lets everybody read what it makes; its other files get the mode of this one.
+    System::MakeOwnFile(file);
+  } else if (std::error_code unknown; !std::filesystem::exists(file, unknown) && !unknown) {
+    throw StoreReplaced(file);
+  }
+  try {
+    return {file, file, SQLITE_OPEN_READWRITE | (opening == Opening::MakesStore ? SQLITE_OPEN_CREATE : 0)};
+  } catch (const DatabaseError& error) {
+    throw NotReachable("TS database '" + file + "' cannot be opened: " + error.reason + rightsExpected);
+  }
+}
+
+const char* ExpectedAfter(const DatabaseError& error) {
+  switch (std::stoi(error.code)) {
+    case SQLITE_CANTOPEN:
+    case SQLITE_READONLY:
+      return rightsExpected;
+    case SQLITE_NOTADB:
+      return "; expected a file of SQLite, or none yet";
+    default:
+      return "";
+  }
+}
+
+}  // namespace
+
+SqliteWriter::SqliteWriter(const std::string& file, Opening opening)
+    : Writer(opening), connection(Open(file, opening)) {
+  if (sqlite3_db_readonly(connection.Handle(), "main") != 0) {
+    throw Error("TS database '" + file + "' can only be read; expected a file that may be written");
+  }
+  Configure();
+  StoredVersion();  // asked first: nothing is changed in a file of another program
+  if (opening == Opening::Tries) {
+    return;
+  }
+  TurnOnWriteAheadLog();
+  if (StoredVersion() != schemaVersion) {
+    BringUp();
+  }
+  files.emplace(connection.Handle(), file);
+}
+
+void SqliteWriter::Configure() {
+  connection.ExplainErrorsBy([this](const DatabaseError& error) { Explain(error); });
+  waiting.Serve(connection.Handle());
+  connection.RunScript(
+      "PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL");  // a commit is on the disk when it returns
+}
+
+// Without the statement and its values, which can be as long as what was to be recorded.
+void SqliteWriter::Explain(const DatabaseError& error) const {
+  const std::string database = "TS database '" + connection.Name() + "'";
+  if (IsBusy(error)) {
+    throw DatabaseError(database + " was being written by " +
+                            System::LockerOf(SharedMemoryOf(connection.Handle()), writeLock) + " for more than " +
+                            std::to_string(SqliteWaiting::longest.count()) +
+                            " seconds; expected it to finish: " + error.reason,
+                        error.reason, error.code);
+  }
+  throw DatabaseError(database + ": " + error.reason + ExpectedAfter(error), error.reason, error.code);
+}
+
+// To the statement's end, past its one row: there the change is committed.
+std::string SqliteWriter::AskForWriteAheadLog() {
+  const auto pragma = connection.Prepare("PRAGMA journal_mode = WAL");
+  pragma->Next();
+  std::string mode(pragma->Text(0));
+  pragma->Next();
+  return mode;
+}
+
+// Turning the write-ahead log on is the one statement that fails at once when another process is about to do the same.
+void SqliteWriter::TurnOnWriteAheadLog() {
+  const auto deadline = std::chrono::steady_clock::now() + SqliteWaiting::longest;
+  for (;;) {
+    try {
+      if (const std::string mode = AskForWriteAheadLog(); mode != "wal") {
+        throw Error("TS database '" + Name() + "': the write-ahead log cannot be turned on; the journal stays '" +
+                    mode + "'");
+      }
+      return;
+    } catch (const DatabaseError& error) {
+      if (!IsBusy(error) || std::chrono::steady_clock::now() > deadline) {
+        throw;
+      }
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+  }
+}
+
+// As a writer, since a reader that turns into one halfway fails at once when another has written meanwhile, however
+// long it would wait.
+void SqliteWriter::Begin() {
+  waiting.TakeTurn(Name());
+  connection.Run("BEGIN IMMEDIATE");
+}
+
+// Looked at before, since what raises must have stored nothing; and after, since what is acknowledged must be found.
+void SqliteWriter::Commit() {
+  ExpectFilesInPlace();
+  connection.Run("COMMIT");
+  waiting.EndTurn();
+  ExpectFilesInPlace();
+}
+
+void SqliteWriter::Rollback() {
+  Writer::Rollback();
+  waiting.EndTurn();
+}
+
+long long SqliteWriter::NextKey(const std::string& table, const std::string& column) {
+  return connection.Find<long long>("SELECT COALESCE(MAX(" + column + "), 0) + 1 FROM " + table).value();
+}
+
+void SqliteWriter::Insert(const EventRow& event) {
+  connection.Run(
+      "INSERT INTO events (session_id, execution_id, configuration_id, name, at) VALUES (?1, ?2, ?3, ?4, ?5)",
+      event.session, event.execution, event.configuration, event.name, event.at);
+  const long long key = sqlite3_last_insert_rowid(connection.Handle());
+  int position = 0;
+  for (const ParameterRow& parameter : event.parameters) {
+    connection.Run(
+        "INSERT INTO parameters (event_id, position, name, kind, value_text, value_number) "
+        "VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
+        key, ++position, parameter.name, parameter.kind, parameter.text, parameter.number);
+  }
+}
+
+bool SqliteWriter::IsUsable() {
+  ExpectFilesInPlace();
+  return true;
+}
+
+// Nobody would find what is written elsewhere.
+void SqliteWriter::ExpectFilesInPlace() const {
+  if (files && !files->AreInPlace()) {
+    files->SpareOthers();
+    throw StoreReplaced(connection.Name());
+  }
+}
+
+bool SqliteWriter::IsOutsideTransaction() { return sqlite3_get_autocommit(connection.Handle()) != 0; }
+
+Writer::Contents SqliteWriter::FindTables() {
+  const auto [tables, own] =
+      connection.Find<int, int>("SELECT COUNT(*), COALESCE(SUM(name = 'ts_schema'), 0) FROM sqlite_master").value();
+  return {tables != 0, own != 0};
+}
+
+void SqliteWriter::BringUpSchema(int from) { BringUpSqlite(connection, from); }
+
+}  // namespace Velora::Store

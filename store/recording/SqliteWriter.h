@@ -1,0 +1,45 @@
+#pragma once
+
+#include "store/database/SqliteConnection.h"
+#include "store/recording/SqliteFiles.h"
+#include "store/recording/SqliteWaiting.h"
+#include "store/recording/Writer.h"
+
+#include <optional>
+#include <string>
+
+namespace Velora::Store {
+
+/// A store in a file of SQLite.
+class SqliteWriter : public Writer {
+ public:
+  /// @param file absolute path.
+  SqliteWriter(const std::string& file, Opening opening);
+
+  Connection& Sql() override { return connection; }
+  void Begin() override;
+  void Commit() override;
+  void Rollback() override;
+  long long NextKey(const std::string& table, const std::string& column) override;
+  void HoldActivities() override {}  // a transaction holds the whole file
+  void HoldSeals() override {}
+  void Insert(const EventRow& event) override;
+  bool IsUsable() override;
+  bool IsOutsideTransaction() override;
+
+ private:
+  Contents FindTables() override;
+  void BringUpSchema(int from) override;
+  void HoldSchema() override {}
+  void Configure();
+  void Explain(const DatabaseError& error) const;
+  void TurnOnWriteAheadLog();
+  std::string AskForWriteAheadLog();
+  void ExpectFilesInPlace() const;
+
+  SqliteConnection connection;
+  SqliteWaiting waiting;
+  std::optional<SqliteFiles> files;  // once they are all open
+};
+
+}  // namespace Velora::Store

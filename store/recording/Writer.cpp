@@ -1,0 +1,69 @@
+#include "store/recording/Writer.h"
+
+#include "store/recording/PostgreSqlWriter.h"
+#include "store/recording/SqliteWriter.h"
+#include "store/schema/Versions.h"
+
+namespace Velora::Store {
+
+int Writer::StoredVersion() {
+  const Contents contents = FindTables();
+  if (!contents.any) {
+    if (opening == Opening::ExpectsStore) {
+      throw StoreReplaced(Name());
+    }
+    return 0;
+  }
+  if (!contents.isStore) {
+    throw Error("TS database '" + Name() +
+                "' is no TS store: it holds tables of another program; expected an empty database or a TS store");
+  }
+  const int version = Sql().Find<int>("SELECT COALESCE(MAX(version), 0) FROM ts_schema").value();
+  if (version < 1 || version > schemaVersion) {
+    throw Error("TS database '" + Name() + "' has a schema of version " + std::to_string(version) +
+                "; expected version " + std::to_string(schemaVersion) + " at most" +
+                (version > schemaVersion ? ": a newer program made it" : ""));
+  }
+  return version;
+}
+
+void Writer::BringUp() {
+  Transaction transaction(*this);
+  if (BringUpWithin() != schemaVersion) {  // another process may have been first
+    transaction.Commit();
+  }
+}
+
+int Writer::BringUpWithin() {
+  HoldSchema();
+  const int version = StoredVersion();
+  if (version != schemaVersion) {
+    BringUpSchema(version);
+  }
+  return version;
+}
+
+std::unique_ptr<Writer> OpenForWriting(const Database& database, Opening opening) {
+  if (database.kind == Database::Kind::PostgreSql) {
+    return std::make_unique<PostgreSqlWriter>(database.where, opening);
+  }
+  return std::make_unique<SqliteWriter>(database.where, opening);
+}
+
+Transaction::~Transaction() {
+  if (!open) {
+    return;
+  }
+  try {
+    store.Rollback();
+  } catch (...) {
+    // What made the transaction end is being raised already.
+  }
+}
+
+void Transaction::Commit() {
+  store.Commit();
+  open = false;
+}
+
+}  // namespace Velora::Store

@@ -1,0 +1,49 @@
+#include "store/settings/XmlFile.h"
+
+#include "store/settings/WholeFile.h"
+
+#include "store/Error.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <system_error>
+
+namespace Velora::Store {
+namespace {
+
+// For the errors, which a reader may see when the current directory is another.
+std::string AbsoluteWhereKnown(const std::string& path) {
+  std::error_code unknown;
+  const std::filesystem::path absolute = std::filesystem::absolute(path, unknown);
+  return unknown ? path : absolute.string();
+}
+
+}  // namespace
+
+XmlFile::XmlFile(const std::string& path, const std::vector<XmlLevel>& levels)
+    : path(AbsoluteWhereKnown(path)), content(ReadWholeFile(path)) {
+  try {
+    elements = ParseXml(content, levels);
+  } catch (const XmlFault& fault) {
+    FailAtOffset(fault.offset, fault.what());
+  }
+}
+
+std::string XmlFile::Required(const XmlElement& element, const std::string& name) const {
+  std::string value = element.Value(name);
+  if (value.empty()) {
+    Fail(element, InQuotes(element.name) + " has no " + InQuotes(name) + "; expected " + name + "=\"...\"");
+  }
+  return value;
+}
+
+void XmlFile::Fail(const XmlElement& at, const std::string& text) const { FailAtOffset(at.offset, text); }
+
+void XmlFile::FailAtOffset(std::size_t offset, const std::string& text) const {
+  const auto end = content.begin() + static_cast<std::ptrdiff_t>(std::min(offset, content.size()));
+  const auto line = 1 + std::count(content.begin(), end, '\n');
+  throw Error("file '" + path + "', line " + std::to_string(line) + ": " + text);
+}
+
+}  // namespace Velora::Store

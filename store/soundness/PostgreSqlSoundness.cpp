@@ -1,0 +1,123 @@
+#include "store/soundness/PostgreSqlSoundness.h"
+
+#include "store/database/PostgreSqlConnection.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/schema/BringUp.h"
+#include "store/soundness/PostgreSqlCatalog.h"
+#include "store/soundness/PostgreSqlRights.h"
+
+#include <random>
+
+namespace Velora::Store {
+namespace {
+
+constexpr const char* schemaOfStore =
+    "SELECT quote_ident(nspname) FROM pg_namespace n JOIN pg_class c ON c.relnamespace = n.oid "
+    "WHERE c.oid = to_regclass('ts_schema')";
+
+// For the month of keys that are given out now and the next, as far as events have come: the one after these may wait
+// for the next day of a host, and a store without hosts needs none. Counted in months; keys never fall below a seal.
+constexpr const char* missingPartitions = R"(
+    WITH keys (newest, sealed, now) AS (
+      SELECT (SELECT COALESCE(MAX(event_id), 0) FROM events) / 10000000000,
+             (SELECT CAST(substring(up_to FROM '"event":([0-9]{1,16})[,}]') AS bigint) FROM seals
+              ORDER BY seal_id DESC LIMIT 1) / 10000000000,
+             CAST(to_char(now() AT TIME ZONE 'UTC', 'YYYYMM') AS bigint)),
+    counted (newest, present) AS (
+      SELECT newest / 100 * 12 + newest % 100 - 1, GREATEST(sealed, now) / 100 * 12 + GREATEST(sealed, now) % 100 - 1
+      FROM keys),
+    needed (month) AS (
+      SELECT to_char(number / 12, 'FM0000') || to_char(number % 12 + 1, 'FM00')
+      FROM counted, generate_series(present, LEAST(newest, present) + 1) number)
+    SELECT 'the partition of ' || parent || ' for ' || month || ' is missing; ' ||
+           CASE WHEN to_regclass(parent || '_' || month) IS NULL THEN 'velora-ts prepare makes it'
+                ELSE 'a table that is none has its name' END
+    FROM needed, (VALUES ('events'), ('parameters')) parents (parent)
+    WHERE NOT EXISTS (
+      SELECT FROM pg_inherits JOIN pg_class c ON c.oid = inhrelid
+      WHERE inhparent = to_regclass(parent)
+        AND pg_get_expr(relpartbound, c.oid) LIKE 'FOR VALUES FROM (''' || month || '0000000000'')%'))";
+
+struct Reference {
+  const char* table;
+  const char* key;
+  const char* column;
+  const char* target;
+  const char* targetKey;
+};
+
+constexpr Reference references[] = {
+    {"activity_versions", "version_id", "activity_id", "activities", "activity_id"},
+    {"registrations", "rowid", "session_id", "sessions", "session_id"},
+    {"registrations", "rowid", "version_id", "activity_versions", "version_id"},
+    {"configurations", "configuration_id", "session_id", "sessions", "session_id"},
+    {"executions", "execution_id", "parent_id", "executions", "execution_id"},
+    {"executions", "execution_id", "root_id", "executions", "execution_id"},
+    {"executions", "execution_id", "session_id", "sessions", "session_id"},
+    {"executions", "execution_id", "version_id", "activity_versions", "version_id"},
+    {"statuses", "status_id", "execution_id", "executions", "execution_id"},
+    {"statuses", "status_id", "session_id", "sessions", "session_id"},
+    {"events", "event_id", "session_id", "sessions", "session_id"},
+    {"events", "event_id", "execution_id", "executions", "execution_id"},
+    {"events", "event_id", "configuration_id", "configurations", "configuration_id"},
+    {"parameters", "event_id", "event_id", "events", "event_id"},
+};
+
+std::string Dangling(const Reference& reference) {
+  const std::string column = std::string("x.") + reference.column;
+  return std::string("SELECT DISTINCT x.") + reference.key + " FROM " + reference.table + " x LEFT JOIN " +
+         reference.target + " y ON y." + reference.targetKey + " = " + column + " WHERE " + column +
+         " IS NOT NULL AND y." + reference.targetKey + " IS NULL";
+}
+
+/// Makes a store of a version beside this one, looks at both, and leaves nothing behind.
+std::vector<std::string> CompareWithANewStore(Connection& connection, const std::string& schema, int version) {
+  connection.RunScript(
+      "SET client_min_messages = error; SET statement_timeout = '30s'; SET lock_timeout = '1s'; SET jit = off");
+  connection.RunScript("BEGIN READ WRITE; SET LOCAL search_path = " + schema);
+  const Catalog found = ReadCatalog(connection);
+  const std::string beside = "velora_expected_" + std::to_string(std::random_device()());
+  connection.RunScript("CREATE SCHEMA " + beside + "; SET LOCAL search_path = " + beside);
+  BringUpPostgreSql(connection, 0, version);
+  const Catalog expected = ReadCatalog(connection);
+  connection.RunScript("ROLLBACK");
+  return Differences(found, expected);
+}
+
+}  // namespace
+
+Findings PostgreSqlSchemaFindings(const Reader& store) {
+  Findings findings{RightsFindings(store), ""};
+  findings.Add(MissingPartitions(store));
+  Rows schema(store, schemaOfStore);
+  schema.Next();
+  try {
+    PostgreSqlConnection connection(store.Where().where);
+    findings.Add(CompareWithANewStore(connection, std::string(schema.Text(0)), store.SchemaVersion()));
+  } catch (const DatabaseError& error) {
+    findings.notCompared = "tables, views, functions and triggers with those of a new store: " + error.reason;
+  }
+  return findings;
+}
+
+std::vector<std::string> MissingPartitions(const Reader& store) {
+  std::vector<std::string> findings;
+  for (Rows rows(store, missingPartitions); rows.Next();) {
+    findings.emplace_back(rows.Text(0));
+  }
+  return findings;
+}
+
+std::vector<std::string> PostgreSqlDamageFindings(const Reader& store) {
+  std::vector<std::string> findings;
+  for (const Reference& reference : references) {
+    for (Rows rows(store, Dangling(reference)); rows.Next();) {
+      findings.push_back("row " + std::string(rows.Text(0)) + " of " + reference.table + " refers to a row of " +
+                         reference.target + " that is not there");
+    }
+  }
+  return findings;
+}
+
+}  // namespace Velora::Store

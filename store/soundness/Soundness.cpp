@@ -1,0 +1,85 @@
+#include "store/soundness/Soundness.h"
+
+#include "store/copying/StoredTables.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/schema/Tables.h"
+#include "store/soundness/PostgreSqlSoundness.h"
+#include "store/soundness/SqliteSoundness.h"
+
+#include <utility>
+
+namespace Velora::Store {
+
+namespace {
+
+// Executions that no run has, or another one than that of their parent, and what is wrong with them.
+constexpr std::pair<const char*, const char*> misplaced[] = {
+    {"SELECT x.execution_id FROM executions x LEFT JOIN executions r ON r.execution_id = COALESCE(x.parent_id, "
+     "x.execution_id) WHERE x.root_id IS DISTINCT FROM "
+     "CASE WHEN x.parent_id IS NULL THEN x.execution_id ELSE r.root_id END",
+     "another root than its parent"},
+    {"SELECT x.execution_id FROM executions x JOIN executions r ON r.execution_id = x.root_id "
+     "WHERE r.parent_id IS NOT NULL",
+     "a root that is none"},
+};
+
+/// Asks for the rows that no count from 1 on leads to, at either end.
+std::string WrongNumbers(const StoredTable& table) {
+  const auto wrong = [](const std::string& key) { return key + " < 1 OR " + key + " > " + std::to_string(highestKey); };
+  return "SELECT " + table.Key() + " FROM " + table.name + " WHERE " + wrong(table.Key()) +
+         (table.name == "parameters" ? " OR " + wrong("position") : "");
+}
+
+std::vector<StoredTable> TablesOf(const Reader& store) {
+  std::vector<StoredTable> tables = TablesBeforeEvents();
+  if (store.SchemaVersion() < TableNamed("seals").since) {
+    tables.pop_back();  // that of seals
+  }
+  tables.push_back(EventTable());
+  tables.push_back(ParameterTable());
+  return tables;
+}
+
+bool IsOnServer(const Reader& store) { return store.Where().kind == Database::Kind::PostgreSql; }
+
+}  // namespace
+
+Findings SchemaFindings(const Reader& store) {
+  return IsOnServer(store) ? PostgreSqlSchemaFindings(store) : Findings{SqliteSchemaFindings(store), ""};
+}
+
+std::vector<std::string> DamageFindings(const Reader& store, const std::function<void()>& working) {
+  std::vector<std::string> findings =
+      IsOnServer(store) ? PostgreSqlDamageFindings(store) : SqliteDamageFindings(store, working);
+  for (const auto& [question, wrong] : misplaced) {
+    for (Rows rows(store, question); rows.Next();) {
+      findings.push_back("row " + std::string(rows.Text(0)) + " of executions has " + wrong);
+    }
+  }
+  return findings;
+}
+
+std::vector<std::string> MissingRoom(const Reader& store) {
+  return IsOnServer(store) ? MissingPartitions(store) : std::vector<std::string>();
+}
+
+std::vector<std::string> ValueFindings(const Reader& store) {
+  std::vector<std::string> findings;
+  for (const StoredTable& table : TablesOf(store)) {
+    for (Rows rows(store, WrongNumbers(table)); rows.Next();) {
+      findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name + " is not numbered from 1 to " +
+                         std::to_string(highestKey));
+    }
+    if (IsOnServer(store)) {
+      continue;  // which keeps no other types
+    }
+    for (Rows rows(store, SqliteWrongTypes(table)); rows.Next();) {
+      findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name +
+                         " has a value of another type in column " + std::string(rows.Text(1)));
+    }
+  }
+  return findings;
+}
+
+}  // namespace Velora::Store

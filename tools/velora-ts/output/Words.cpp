@@ -1,0 +1,82 @@
+#include "output/Words.h"
+
+#include "output/Output.h"
+#include "output/Terminal.h"
+#include "output/Times.h"
+#include "store/reading/ParameterValue.h"
+#include "store/values/Json.h"
+#include "store/values/RecordedText.h"
+
+namespace Velora::Ts {
+
+using namespace Store;
+
+std::string Shown(std::string_view stored) { return Printable(Readable(stored)); }
+
+std::string InWords(const Run& run) {
+  std::string words = "run " + run.guid + ' ';
+  AppendText(words, Readable(run.node));  // on one line, whatever is in it
+  return Printable(words + " of " + run.startedAt);
+}
+
+std::optional<Run> TheRunNamed(const Reader& store, const std::string& name) {
+  const std::vector<Run> runs = RunsNamed(store, name);
+  if (runs.size() == 1) {
+    return runs.front();
+  }
+  Complain((runs.empty() ? "no run is called '" : "more than one run is called '") + name + '\'');
+  for (const Run& run : runs) {
+    Complain(InWords(run));
+  }
+  return std::nullopt;
+}
+
+std::string StateInWords(const Execution& execution) {
+  if (!execution.status) {
+    return "no status";
+  }
+  return IsRunning(execution)           ? unfinishedInWords
+         : execution.status == Finished ? "done"
+                                        : "status " + std::to_string(*execution.status);
+}
+
+std::string ActivityInWords(const Execution& execution) {
+  return Shown(execution.activity) + (execution.version.empty() ? "" : ' ' + Shown(execution.version));
+}
+
+std::string DurationInWords(const Execution& execution, bool fractions) {
+  const std::optional<double> seconds = SecondsOf(execution);
+  return seconds ? Duration(*seconds, fractions) : "";
+}
+
+std::string JsonMembers(const Execution& execution) {
+  std::string json;
+  const auto add = [&](const char* name, const std::string& text) {
+    json += json.empty() ? "\"" : ",\"";
+    json += name;
+    json += "\":";
+    AppendText(json, text);
+  };
+  add("guid", execution.guid);
+  add("node", execution.node);
+  add("description", execution.description);
+  add("instrument", execution.instrument);
+  add("host", execution.host);
+  add("activity", execution.activity);
+  add("version", execution.version);
+  add("started_at", execution.startedAt);
+  add("status_at", execution.statusAt);
+  json += ",\"status\":" + (execution.status ? std::to_string(*execution.status) : "null") + ",\"seconds\":";
+  if (const std::optional<double> seconds = SecondsOf(execution)) {
+    AppendNumber(json, *seconds);
+  } else {
+    json += "null";
+  }
+  return json;
+}
+
+std::string ParameterInWords(const Rows& parameters) {
+  return Shown(parameters.Text(1)) + '=' + Printable(ValueInWords(parameters));
+}
+
+}  // namespace Velora::Ts
