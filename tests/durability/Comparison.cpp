@@ -85,7 +85,7 @@ Findings Compare(const std::filesystem::path& folder, const Told& told) {
     }
     const Records stored = StoredRecords(*sql);
     findings.lost = Missing(findings.text, "lost", told.acknowledged, stored);
-    findings.half = Missing(findings.text, "half there", stored, told.announced);
+    findings.half = Missing(findings.text, "incomplete", stored, told.announced);
   } catch (const std::exception& error) {
     findings += {0, 0, 1, std::string("store cannot be used: ") + error.what() + '\n'};
   }

@@ -17,14 +17,14 @@ struct Told {
 /// What is wrong with a store, in numbers and words.
 struct Findings {
   std::size_t lost = 0;  ///< acknowledged records that are not there
-  std::size_t half = 0;  ///< records that are there otherwise than they were announced, or too often
+  std::size_t half = 0;  ///< records that differ from what was announced, or are stored twice
   int damaged = 0;       ///< stores that cannot be used
   std::string text;
 
   Findings& operator+=(const Findings& other);
 };
 
-/// The records in a store, one line for each, as Recording announces them. What is half there reads otherwise.
+/// The records in a store, one line for each, as Recording announces them. An incomplete record gives another line.
 Records StoredRecords(Velora::Store::Connection& sql);
 Records StoredRecords(const std::filesystem::path& database);
 

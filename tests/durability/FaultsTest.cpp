@@ -188,7 +188,7 @@ TEST(PowerLoss, LosesNothingThatWasAcknowledged) {
       PutFiles(folder.path, left.content);
       all += Compare(folder.path, left.told);
     }
-    std::printf("*%-8s not synced: %zu losses of power, %zu records lost, %zu half there, %d stores damaged\n",
+    std::printf("*%-8s not synced: %zu losses of power, %zu records lost, %zu incomplete, %d stores damaged\n",
                 unsynced, losses.size(), all.lost, all.half, all.damaged);
     EXPECT_EQ(!all.text.empty(), loses) << all.text.substr(0, 2000);
     EXPECT_GT(losses.size(), 150U);

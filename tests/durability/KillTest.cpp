@@ -87,7 +87,7 @@ bool KillMany(int kills, unsigned seed) {
   std::cerr << all.text;
   std::cout << records << " records were acknowledged; " << cutShort
             << " kills came between announcing a record and its acknowledgement\n"
-            << kills << " kills: " << all.lost << " acknowledged records lost, " << all.half << " records half there, "
+            << kills << " kills: " << all.lost << " acknowledged records lost, " << all.half << " records incomplete, "
             << all.damaged << " stores damaged\n";
   return all.text.empty();
 }
@@ -122,7 +122,7 @@ Together RecordTogether(int count, int seconds) {
   std::cerr << result.findings.text;
   std::cout << "Hosts into one file for " << seconds << " s: " << count << "\n  records: " << total << ", "
             << result.records.front() << " to " << result.records.back() << " by each; " << result.findings.lost
-            << " lost, " << result.findings.half << " half there, " << result.failed
+            << " lost, " << result.findings.half << " incomplete, " << result.failed
             << " hosts failed\n  longest call: " << result.longestCall
             << " s; processor time of a record: " << result.processorTime << " ms" << std::endl;
   return result;
