@@ -49,7 +49,7 @@ const std::vector<Case> cases = {
     {"rm instrument.xml", false, "instrument.xml' cannot be read"},
     {"rm instrument.xml; mkfifo instrument.xml", false, "is a FIFO"},
     {"echo '<Activities>' > activities.xml", false, "activities.xml', line 2: "},
-    {"echo '<Activities/>' > activities.xml", true, "mind: activities.xml has no activity version"},
+    {"echo '<Activities/>' > activities.xml", true, "warning: activities.xml defines no activity version"},
     {"sed -i s/sqlite3/mysql/ TSAL.config", false, "TSAL.config', line 7: unknown Backend 'mysql'; expected"},
     {"sed -i s,ts.db,no/ts.db, TSAL.config", false, "there is no folder '"},
     {"mkdir ts.db", false, "ts.db' is a folder; expected a regular file"},
@@ -85,7 +85,7 @@ using Mistakes = ToolTest;
 TEST_F(Mistakes, AreNamedWhereNoOperationRefusesThem) {
   BringUp();
   EXPECT_EQ(Tool("check"), 0);
-  EXPECT_EQ(said.find("mind: "), said.rfind("mind: ")) << "the activities file: " << said;
+  EXPECT_EQ(said.find("warning: "), said.rfind("warning: ")) << "the activities file: " << said;
   ASSERT_EQ(Shell("sqlite3 ts.db \"INSERT INTO executions VALUES (4, 'g4', NULL, 4, 1, NULL, 'stray', '', 0, "
                   "'2026-11-26'), (5, 'g5', 4, 4, 1, NULL, 'without an event', '', 0, '2026');"
                   "INSERT INTO statuses VALUES (7, 4, 1, 4, '2026-11-26T01'), (8, 4, 1, 14, '2026-11-26T02');"
@@ -96,10 +96,10 @@ TEST_F(Mistakes, AreNamedWhereNoOperationRefusesThem) {
       << said;
   EXPECT_EQ(Tool("check"), 0) << said;
   for (const char* const words :
-       {"mind: 1 of the newest 1000 events have no name: ",
-        "mind: 1 of the newest 1000 events belong to an execution that was done before, for example 'late'",
-        "mind: 2 of the newest 1000 executions have no activity version: ", "execution of node 'stray'",
-        "mind: 1 of the newest 1000 executions were to have a parent and have none: ",
+       {"warning: 1 of the newest 1000 events have no name: ",
+        "warning: 1 of the newest 1000 events belong to an execution that was done before, for example 'late'",
+        "warning: 2 of the newest 1000 executions have no activity version: ", "execution of node 'stray'",
+        "warning: 1 of the newest 1000 executions were to have a parent and have none: ",
         "letters only: 'LATE' and 'late'", "letters only: 'Dose' and 'dose'"}) {
     EXPECT_TRUE(Says(words)) << words << '\n' << said;
   }

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::uintmax_t littleRoom = 1'000'000'000;  // bytes; a long run with many parameters takes that much
+constexpr std::uintmax_t littleRoom = 1'000'000'000;  // bytes, about what a long run with many parameters needs
 
 std::string Megabytes(std::uintmax_t bytes) { return std::to_string(bytes / 1'000'000) + " MB"; }
 
@@ -46,7 +46,7 @@ class HostCheck {
   template <typename Work>
   void Try(const Work& work) {
     try {
-      tell({HostStep::Outcome::Holds, work()});
+      tell({HostStep::Outcome::Works, work()});
     } catch (const std::exception& reason) {
       Prevent(reason.what());
     }
@@ -55,11 +55,11 @@ class HostCheck {
     outcome.records = false;
     tell({HostStep::Outcome::Prevents, reason});
   }
-  void Mind(const std::string& what) { tell({HostStep::Outcome::Mind, what}); }
+  void Warn(const std::string& what) { tell({HostStep::Outcome::Warns, what}); }
 
   void AskForService() {
     if (const std::string reason = Store::WhyServiceIsAbsent(); reason.empty()) {
-      tell({HostStep::Outcome::Holds, "service: present"});
+      tell({HostStep::Outcome::Works, "service: present"});
     } else {
       Prevent(reason);
     }
@@ -67,7 +67,7 @@ class HostCheck {
 
   std::string ReadSettings() {
     settings = Store::ReadSettings(folder.string());
-    return "TSAL.config: records of the instrument '" + settings->instrument + "'";
+    return "TSAL.config: instrument '" + settings->instrument + "'";
   }
 
   std::string ReadActivities() {
@@ -76,7 +76,7 @@ class HostCheck {
       names += (names.empty() ? "" : ", ") + version.name + ' ' + version.version;
     }
     if (names.empty()) {
-      Mind(start.activities + " has no activity version: executions will have none");
+      Warn(start.activities + " defines no activity version; executions are recorded without one");
     }
     return start.activities + ": " + (names.empty() ? "none" : names);
   }
@@ -92,7 +92,8 @@ class HostCheck {
     LookAtRoom();
     const std::string now = Store::ToStoredTime(Store::Now());
     if (!trial.newest.empty() && now < trial.newest) {
-      Mind("the clock of this computer is at " + now + ", before the newest session of the store, " + trial.newest);
+      Warn("the clock of this computer shows " + now + ", which is before the newest session of the store, " +
+           trial.newest);
     }
     return "database: " + trial.words;
   }
@@ -102,7 +103,7 @@ class HostCheck {
     std::error_code unknown;
     const fs::space_info space = fs::space(folder, unknown);
     if (!unknown && space.available < littleRoom) {
-      Mind("the disk of '" + settings->database.where + "' has " + Megabytes(space.available) + " left");
+      Warn("the disk of '" + settings->database.where + "' has only " + Megabytes(space.available) + " left");
     }
   }
 
@@ -117,10 +118,10 @@ class HostCheck {
 
 std::string InWords(const HostStep& step) {
   switch (step.outcome) {
-    case HostStep::Outcome::Holds:
+    case HostStep::Outcome::Works:
       return "ok: " + step.words;
-    case HostStep::Outcome::Mind:
-      return "mind: " + step.words;
+    case HostStep::Outcome::Warns:
+      return "warning: " + step.words;
     default:
       return "finding: " + step.words;
   }

@@ -5,39 +5,39 @@
 
 namespace Velora::HostCheck {
 
-/// What a host is started with, as far as it decides whether the host can record.
+/// The start of a host, as far as recording depends on it.
 struct HostStart {
-  std::string folder;                            ///< Its current directory.
-  std::string library;                           ///< The file of the TS logging library; empty where none is known.
-  std::string activities = "activities.xml";     ///< The activities file that it names.
-  std::string configuration = "instrument.xml";  ///< The instrument configuration that it names.
+  std::string folder;                            ///< The current directory of the host; empty for that of this program.
+  std::string library;                           ///< The file of the TS logging library; empty if it is not known.
+  std::string activities = "activities.xml";     ///< The name of the activities file.
+  std::string configuration = "instrument.xml";  ///< The name of the instrument configuration.
 };
 
-/// One thing that was tried, and what came of it.
+/// A step of the start that was tried, and its outcome.
 struct HostStep {
   enum class Outcome {
-    Holds,     ///< As a host needs it.
-    Mind,      ///< A host records all the same, but its user should know.
-    Prevents,  ///< No host records.
+    Works,     ///< A host can use it.
+    Warns,     ///< A host records, but its user should know.
+    Prevents,  ///< No host can record.
   };
   Outcome outcome;
-  std::string words;
+  std::string words;  ///< What was found, for a person.
 };
 
-/// "ok: ", "mind: " or "finding: " and the words.
+/// A step as a line: "ok: ", "warning: " or "finding: " and its words.
 std::string InWords(const HostStep& step);
 
-/// The file of the TS logging library that was installed with this program; empty where there is none.
+/// The file of the TS logging library that was installed with this program; empty if there is none.
 std::string LibraryBesideProgram();
 
-/// What the steps came to.
+/// The outcome of all steps.
 struct HostOutcome {
   bool records = true;    ///< Whether a host would record.
-  bool hasStore = false;  ///< Whether there is a store already.
+  bool hasStore = false;  ///< Whether the store exists.
 };
 
-/// Does what the start of a host does, step by step, and takes it back: nothing is made, brought up or left behind.
-/// @param tell hears each step when it is done.
+/// Does what the start of a host does, step by step, and undoes it: no store is made or upgraded, and no file is left.
+/// @param tell is called after each step.
 HostOutcome CheckHost(const HostStart& start, const std::function<void(const HostStep&)>& tell);
 
 }  // namespace Velora::HostCheck

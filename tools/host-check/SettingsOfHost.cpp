@@ -10,7 +10,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The files of the two that a folder lacks, in words; empty for none.
+/// Which of the two files a folder lacks, in words; empty if it has both.
 std::string LackingIn(const fs::path& folder, const std::string& activities) {
   std::string lacking;
   for (const std::string& file : {std::string("TSAL.config"), activities}) {

@@ -6,8 +6,8 @@
 
 namespace Velora::HostCheck {
 
-/// The folder from which a host takes its files: its current directory, else that of the library.
-/// @throws Error when neither has both TSAL.config and the activities file, and says what each lacks.
+/// The folder from which a host takes its files: its current directory, or else the folder of the library.
+/// @throws Error when neither has both TSAL.config and the activities file; the text says which files are missing.
 std::filesystem::path FolderOfSettings(const HostStart& start);
 
 }  // namespace Velora::HostCheck

@@ -1,5 +1,5 @@
 // velora-check: loads the TS logging library as a host does, and says whether a host that is started in the current
-// directory would record, and if not, why. Exit codes: 0 it would, 3 it would not, 1 the library cannot be loaded.
+// directory records, and if not, why. Exit codes: 0 it records, 3 it does not, 1 the library cannot be loaded.
 
 #include "LoadedLibrary.h"
 #include "host-check/HostCheck.h"
@@ -17,7 +17,7 @@ using namespace Velora::HostCheck;
 
 enum ExitCode { Usable = 0, Failed = 1, NotUsable = 3 };
 
-/// Loads them one by one, those below first, so that an error names the one that is missing.
+/// Loads the libraries one by one, the lowest first, so that an error names the one that is missing.
 void LoadComponent() {
   for (const char* const file : {VELORA_LOGGING_FILE, VELORA_KIVACCESS_FILE, VELORA_TSAL_FILE, VELORA_LIBRARY_FILE}) {
     const LoadedLibrary loaded(file);

@@ -40,7 +40,7 @@ void SayHowMuch(const Store::Reader& store) {
   }
 }
 
-/// What a store that is there holds. @return whether nothing is wrong with it.
+/// Reports what an existing store contains. @return whether it has no fault.
 bool SayWhatIsThere(const Store::Database& database) {
   const Reader store(database);
   Say("store: " + store.Name());
@@ -54,7 +54,7 @@ bool SayWhatIsThere(const Store::Database& database) {
     Say("not compared: " + findings.notCompared);
   }
   for (const std::string& mistake : LikelyMistakes(store)) {
-    Say("mind: " + mistake);
+    Say("warning: " + mistake);
   }
   store.ExpectUntouched();
   return findings.wrong.empty();
@@ -64,11 +64,11 @@ class CheckVerb : public StoreVerb {
  public:
   explicit CheckVerb(Options& options) : StoreVerb(options) {
     options.AddText("--library", start.library,
-                    "File of the TS logging library that the host loads; its folder is looked into as well. Default: "
-                    "the one that was installed with this program");
+                    "File of the TS logging library that the host loads; the files of the host can lie in its folder. "
+                    "Default: the library that was installed with this program");
     options.AddText("--activities", start.activities, "Name of the host's activities file. Default: activities.xml");
     options.AddText("--configuration", start.configuration,
-                    "Name of its instrument configuration. Default: instrument.xml");
+                    "Name of the host's instrument configuration. Default: instrument.xml");
   }
 
   ExitCode Execute() override {
@@ -76,7 +76,7 @@ class CheckVerb : public StoreVerb {
     const HostOutcome host = CheckHost(start, [](const HostStep& step) { Say(InWords(step)); });
     bool isSound = true;
     try {
-      if (host.hasStore || !host.records) {  // what a host cannot use can be read all the same, as a rule
+      if (host.hasStore || !host.records) {  // a store that no host can use can often be read
         isSound = SayWhatIsThere(Store::ReadSettings(FolderOfSettings(start).string()).database);
       }
     } catch (const Error&) {
@@ -95,8 +95,8 @@ class CheckVerb : public StoreVerb {
 
 extern const Registration registeredCheck = {
     "check",
-    "Does what the start of a host does, takes it back, and says for each step whether it holds; then what the store "
-    "holds. FOLDER is the host's current directory.",
+    "Does what the start of a host does, undoes it, and says for each step whether it works; then says what the store "
+    "contains. --config is the current directory of the host.",
     "check --config /data/scope-7", &Make<CheckVerb>};
 
 }  // namespace Velora::Ts

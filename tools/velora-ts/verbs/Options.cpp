@@ -22,7 +22,13 @@ void Options::AddList(const std::string& name, std::vector<std::string>& values,
 }
 
 void Options::AddCount(const std::string& name, long long& value, const std::string& help) {
-  line.add_option(name, value, help)->check(CLI::PositiveNumber);
+  const auto complain = [](const std::string& text) {
+    long long count = 0;
+    return CLI::detail::lexical_cast(text, count) && count > 0
+               ? std::string()
+               : "expected a whole number greater than 0, not '" + text + '\'';
+  };
+  line.add_option(name, value, help)->check(CLI::Validator(complain, "POSITIVE"));
 }
 
 void Options::AddFlag(const std::string& name, bool& value, const std::string& help) {

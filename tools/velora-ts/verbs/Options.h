@@ -9,27 +9,29 @@ class App;
 
 namespace Velora::Ts {
 
-/// The options and arguments of a verb. Each has a variable, which has its value when the command line has been read,
-/// and keeps its own where it is not given. A name without dashes is that of an argument.
+/// The options and arguments of a verb. Each is bound to a variable, which gets the value from the command line. If the
+/// option is not given, the variable keeps its value. A name without dashes, such as "RUN", is an argument.
 class Options {
  public:
   explicit Options(CLI::App& line) : line(line) {}
 
+  /// A text.
   void AddText(const std::string& name, std::string& value, const std::string& help);
-  /// A text without which the command line is wrong.
+  /// A text that must be given.
   void AddRequiredText(const std::string& name, std::string& value, const std::string& help);
-  /// One of some texts.
+  /// One of the texts in `choices`.
   void AddChoice(const std::string& name, std::string& value, const std::vector<std::string>& choices,
                  const std::string& help);
-  /// Texts separated by commas.
+  /// Texts, separated by commas.
   void AddList(const std::string& name, std::vector<std::string>& values, const std::string& help);
-  /// A number above zero.
+  /// A whole number greater than zero.
   void AddCount(const std::string& name, long long& value, const std::string& help);
+  /// An option without a value, which sets its variable to true.
   void AddFlag(const std::string& name, bool& value, const std::string& help);
 
-  /// Lets two of the options never be given together.
+  /// Refuses two options together.
   void Exclude(const std::string& name, const std::string& other);
-  /// Lets an option be given only together with another.
+  /// Refuses an option without another one.
   void Require(const std::string& name, const std::string& other);
 
  private:
