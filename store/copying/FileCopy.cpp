@@ -12,9 +12,9 @@ constexpr int pagesAtOnce = 1024;
 
 void ExpectFile(const Reader& store, const std::string& target) {
   if (store.Where().kind == Database::Kind::PostgreSql) {
-    throw NotOffered("a server's own tools copy what is on it: pg_dump --format=custom --file='" + target +
-                     "' for this database (docs/postgresql.md), pg_basebackup for the whole server; velora-ts copy "
-                     "makes a file of SQLite");
+    throw NotOffered(
+        "backup copies only stores in a file; for this database run pg_dump --format=custom --file='" + target +
+        "' (docs/postgresql.md), for the whole server pg_basebackup, or velora-ts copy for a copy in a file");
   }
 }
 
@@ -24,7 +24,7 @@ void CopyFile(const Reader& store, const std::string& target, const std::functio
   };
   try {
     SqliteConnection to(target, target, SQLITE_OPEN_READWRITE);
-    // Whoever opens what a killed program left would roll it back to nothing; without a journal it stays what it is.
+    // Without a journal: if the program is killed, the next program to open the file would undo the copy from it.
     to.RunScript("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF");
     sqlite3* const from = static_cast<SqliteConnection&>(store.Sql()).Handle();
     const std::unique_ptr<sqlite3_backup, decltype(&sqlite3_backup_finish)> copy(

@@ -92,7 +92,7 @@ void PostgreSqlTarget::Finish() {
   sql.RunScript("SELECT setval('event_numbers', COALESCE(MAX(event_id % " + std::to_string(keysInAMonth) +
                 "), 0) + 1, false) FROM events");
   transaction.Commit();
-  sql.RunScript("ANALYZE");  // or the first questions are planned as if the tables were empty
+  sql.RunScript("ANALYZE");  // else the server plans the first queries for empty tables
 }
 
 }  // namespace Velora::Store

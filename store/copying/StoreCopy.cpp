@@ -14,7 +14,7 @@ namespace {
 
 constexpr int rowsInATransaction = 5000;
 
-/// The last row that a store has of a table up to a key, and how many there are; empty for none.
+/// The number of rows of a table up to a key and the values of the last one, as text; empty if there are none.
 std::string EndOf(const Reader& store, const StoredTable& table, long long key) {
   Rows count(store, "SELECT COUNT(*) FROM " + table.name + " WHERE " + table.Key() + " <= ?1");
   Rows last(store, "SELECT " + table.ColumnList() + " FROM " + table.name + " WHERE " + table.Key() + " = ?1");
@@ -28,7 +28,7 @@ std::string EndOf(const Reader& store, const StoredTable& table, long long key) 
   return end;
 }
 
-/// A target may have the first rows of what is copied, as an earlier copy left them, and no others.
+/// The target must be empty or have the first rows of the source, as an earlier copy left them.
 void ExpectBeginning(const Reader& from, const Reader& to) {
   std::vector<StoredTable> tables = TablesBeforeEvents();
   tables.push_back(EventTable());
@@ -39,7 +39,7 @@ void ExpectBeginning(const Reader& from, const Reader& to) {
     }
     const long long key = highest.Integer(0);
     if (EndOf(from, table, key) != EndOf(to, table, key)) {
-      throw Error("'" + to.Name() + "' holds rows of " + table.name + " that are none of '" + from.Name() +
+      throw Error("'" + to.Name() + "' has rows of " + table.name + " that differ from '" + from.Name() +
                   "'; expected an empty store, or an earlier copy of it");
     }
   }
@@ -52,7 +52,7 @@ class Copier {
   Copier(const Reader& from, Writer& to, const Database& target, const Copied& copied)
       : from(from), to(to), target(MakeCopyTarget(to, target)), copied(copied) {}
 
-  // A store that was just made says when, which the copy must not say: it has the history of what it is a copy of.
+  // A new store has recorded when it was made. A copy has the history of its source instead.
   void TakeOverHistory() {
     const auto [records, versions] =
         to.Sql()
@@ -82,7 +82,7 @@ class Copier {
   }
 
  private:
-  /// Below every key for an empty table.
+  /// The highest key of a table; for an empty table, a number below every key.
   long long HighestKey(const StoredTable& table) {
     const auto highest = to.Sql().Find<std::optional<long long>>("SELECT MAX(" + table.Key() + ") FROM " + table.name);
     return highest.value().value_or(std::numeric_limits<long long>::min());
@@ -104,7 +104,7 @@ class Copier {
     }
   }
 
-  // An event and its parameters go together, so that an interruption leaves none without.
+  // Events and their parameters are in one transaction: after an interruption no event lacks its parameters.
   void CopyEvents() {
     const auto events = target->RowsOf(EventTable());
     const auto parameters = target->RowsOf(ParameterTable());

@@ -6,17 +6,17 @@
 
 namespace Velora::Store {
 
-/// Events, and the parameters of each. They are two questions side by side, since one for the parameters of every event
-/// would take a server too long, and one for both would bring an event's columns again with each parameter.
+/// Events and the parameters of each. Two queries run side by side: a query for the parameters of each event would be
+/// slow on a server, and a single query for both would repeat an event's columns with each parameter.
 class EventRows {
  public:
-  /// @param columns of the events, the first of them their number.
-  /// @param tables to read, joined; the events are called v.
-  /// @param order ends with their number.
+  /// @param columns columns of the events; the first must be the number of the event.
+  /// @param tables the tables to read, joined; the table of events must be called v.
+  /// @param order must end with the number of the event.
   EventRows(const Reader& store, const std::string& columns, const std::string& tables, const std::string& condition,
             const std::string& order = "v.event_id");
 
-  /// Asks from the beginning, with these values for ?1, ?2...
+  /// Runs the queries with these values for ?1, ?2..., and stands before the first event.
   template <typename... Values>
   EventRows& Ask(const Values&... values) {
     events.Ask(values...);
@@ -27,18 +27,19 @@ class EventRows {
   }
   /// Goes to the next event. @return whether there is one.
   bool Next();
+  /// The columns of the current event.
   const Rows& Event() const { return events; }
 
   /// Goes to the next parameter of the event. @return whether there is one.
   bool NextParameter();
-  /// Its position, name, kind, and value as text and as number.
+  /// The position, name, kind, value as text and value as number of the current parameter.
   const Rows& Parameter() const { return parameters; }
 
  private:
   Rows events, parameters;
-  bool begun = false;        // whether `events` stands on one
-  bool more = false;         // whether `parameters` stands on one
-  bool onParameter = false;  // whether that is one of this event, and was given away
+  bool begun = false;        // whether `events` stands on an event
+  bool more = false;         // whether `parameters` stands on a parameter
+  bool onParameter = false;  // whether NextParameter() returned that parameter
 };
 
 }  // namespace Velora::Store

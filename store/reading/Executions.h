@@ -7,14 +7,14 @@
 
 namespace Velora::Store {
 
-/// An execution with its newest status.
+/// An execution with its newest status. Its texts are as stored.
 struct Execution {
-  long long key = 0;
+  long long key = 0;  ///< Of its row.
   std::string guid, node, description, startedAt;
   std::string instrument, host;
-  std::string activity, version;    ///< Empty for none.
-  std::optional<long long> status;  ///< The newest, and since when.
-  std::string statusAt;
+  std::string activity, version;    ///< Of its activity version; empty if it has none.
+  std::optional<long long> status;  ///< The newest one.
+  std::string statusAt;             ///< When it got that status.
 };
 
 /// A query for executions, whose rows ExecutionAt() reads.
@@ -25,12 +25,12 @@ Rows QueryExecutions(const Reader& store, const std::string& condition);
 /// The execution at which the rows of QueryExecutions() stand.
 Execution ExecutionAt(const Rows& rows);
 
-/// Codes of statuses that say more than a number; others are a host's own.
+/// The codes of statuses that TS defines. Hosts can use others.
 enum StatusCode : long long { Running = 4, Finished = 14 };
 
-/// Whether the newest status says that it has not ended.
+/// Whether the newest status is Running: the execution still runs, or its host ended before it did.
 bool IsRunning(const Execution& execution);
-/// How long a finished one took.
+/// The seconds from the start of an execution to its newest status. Nothing if it is running.
 std::optional<double> SecondsOf(const Execution& execution);
 
 }  // namespace Velora::Store

@@ -26,7 +26,7 @@ std::vector<Run> All(Rows& rows) {
   return runs;
 }
 
-// By the index of guids, not by that of parents.
+// The plus sign keeps SQLite from the index of parents, so that it takes that of guids.
 std::vector<Run> RunsWithGuid(const Reader& store, const std::string& beginning) {
   Rows rows(store,
             "SELECT execution_id, guid, node, started_at FROM executions WHERE +parent_id IS NULL AND guid >= ?1 "
@@ -34,7 +34,7 @@ std::vector<Run> RunsWithGuid(const Reader& store, const std::string& beginning)
   return All(rows.Ask(beginning, beginning + 'g'));
 }
 
-// By its key, since the clock of a host may step back.
+// By the key and not by the time, because the clock of a host can be set back.
 std::vector<Run> RecordedLast(const Reader& store) {
   Rows roots(store, "SELECT MAX(root_id) FROM executions WHERE root_id < ?1");
   Rows runs(store, columns + "execution_id = ?1");
@@ -68,7 +68,7 @@ std::vector<Run> RunsNamed(const Reader& store, const std::string& name) {
   std::transform(guid.begin(), guid.end(), guid.begin(),
                  [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
   std::vector<Run> runs = RunsWithGuid(store, guid);
-  if (runs.empty() || guid.size() < shortGuid) {  // where a guid is not meant for sure, nodes have to be gone through
+  if (runs.empty() || guid.size() < shortGuid) {  // so few letters can also be a node
     Rows rows(store, columns + "node = ?1 ORDER BY execution_id");
     for (Run& run : All(rows.Ask(ToStoredText(name)))) {
       if (std::none_of(runs.begin(), runs.end(), [&](const Run& found) { return found.root == run.root; })) {

@@ -59,11 +59,11 @@ void GrantTo(const std::string& role, Writer& store) {
       store.Sql().Find<std::string, std::string, std::string, std::string, std::string, std::string, bool, bool>(
           askNames, role);
   if (!found) {
-    throw Error("the server has no role '" + role + "'; expected one that was made with CREATE ROLE");
+    throw Error("the server has no role '" + role + "'; expected a role that CREATE ROLE made");
   }
   const auto& [quoted, schema, database, tables, sequences, functions, ownsStore, ownsDatabase] = *found;
   if (ownsStore) {
-    throw Error("the role '" + role + "' owns the store and may do anything; expected a role of the hosts' own");
+    throw Error("the role '" + role + "' owns the store and has every right; expected another role, only for hosts");
   }
   const Names names = {{"role", quoted},
                        {"schema", schema},
@@ -87,7 +87,8 @@ void GrantTo(const std::string& role, Writer& store) {
 
 void PrepareStore(const Database& database, const std::string& hosts) {
   if (!hosts.empty() && database.kind == Database::Kind::Sqlite) {
-    throw NotOffered("a store in a file has no roles; who may record is said by the rights on the file");
+    throw NotOffered(
+        "--hosts is for a store on a server; for a store in a file, the permissions of the file say who may record");
   }
   const auto store = OpenForWriting(database);
   if (!hosts.empty()) {

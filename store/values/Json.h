@@ -14,7 +14,7 @@ void AppendNumber(std::string& json, double number);
 /// A number for a PostgreSQL server to take as a double precision: as AppendNumber writes it, but infinity in the
 /// server's own words.
 void AppendServerNumber(std::string& json, double number);
-/// What the store should not hold at all: {"blob":"..."}, in hexadecimal digits.
+/// Appends bytes as {"blob":"..."} in hexadecimal digits. No host stores a blob, but another program can.
 void AppendBlob(std::string& json, std::string_view bytes);
 /// Two hexadecimal digits, in lower case.
 void AppendHex(std::string& json, char byte);

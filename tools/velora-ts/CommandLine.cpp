@@ -19,12 +19,13 @@ namespace {
 
 class CommandLine {
  public:
-  CommandLine() : app("Looks after the store of a local TS.", "velora-ts") {
+  CommandLine() : app("Shows, checks, copies and verifies the store of a local TS.", "velora-ts") {
     app.set_version_flag("--version", "velora-ts " VELORA_VERSION);
     app.require_subcommand(1);
+    app.get_formatter()->label("SUBCOMMAND", "VERB");
     app.footer(
-        "Exit code: 0 all is well, 1 something is wrong with the store or what was asked for is not in it, 2 wrong "
-        "usage, 3 the store could not be read or written, 4 nothing that is sealed was changed, but not all is "
+        "Exit code: 0 success, 1 the store has a fault or does not contain what was asked for, 2 wrong usage, 3 the "
+        "store could not be read or written, 4 what is sealed was not changed, but not everything is "
         "sealed.\n\"velora-ts VERB --help\" has an example for each verb; "
         "\"man velora-ts\" says more.");
     for (const Registration* const verb : registeredVerbs) {
@@ -38,6 +39,8 @@ class CommandLine {
       const ExitCode result = AskedVerb().Execute();
       FlushOut();
       return result;
+    } catch (const CLI::RequiredError& error) {
+      return app.get_subcommands().empty() ? Explain(CLI::ValidationError(LackingVerb())) : Explain(error);
     } catch (const CLI::ParseError& error) {
       return Explain(error);
     } catch (const UsageError& error) {
@@ -51,12 +54,18 @@ class CommandLine {
  private:
   void Add(const Registration& verb) {
     CLI::App* const line = app.add_subcommand(verb.name, verb.help);
+    line->group("Verbs");
     line->footer("Example:\n  velora-ts " + std::string(verb.example));
     Options options(*line);
     verbs.emplace(line, verb.make(options));
   }
 
   Verb& AskedVerb() const { return *verbs.at(app.get_subcommands().front()); }
+
+  std::string LackingVerb() const {
+    const std::vector<std::string> unknown = app.remaining();
+    return unknown.empty() ? "expected a verb" : "there is no verb '" + unknown.front() + '\'';
+  }
 
   /// Writes the help that was asked for, or what is wrong with the command line.
   ExitCode Explain(const CLI::ParseError& error) const {

@@ -4,7 +4,8 @@
 
 namespace Velora::Ts {
 
-/// Does what a command line asks for. What is wrong with it is told on standard error.
+/// Runs the verb that a command line names, or writes the help. A wrong command line is reported on standard error.
+/// @return the exit code of the program.
 /// @throws std::exception when a store or a file cannot be read or written.
 ExitCode RunCommandLine(int argc, const char* const* argv);
 

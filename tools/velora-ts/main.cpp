@@ -1,4 +1,4 @@
-// velora-ts: looks after the store of a local TS.
+// velora-ts: shows, checks, copies and verifies the store of a local TS.
 
 #include "CommandLine.h"
 #include "output/Output.h"
@@ -11,7 +11,7 @@ int main(int argc, char** argv) {
   try {
     return RunCommandLine(argc, argv);
   } catch (const std::bad_alloc&) {
-    Complain("there is not enough memory for that");
+    Complain("there is not enough memory");
   } catch (const std::exception& reason) {
     Complain(reason.what());
   }

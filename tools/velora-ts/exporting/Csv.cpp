@@ -14,17 +14,17 @@ namespace Velora::Ts {
 
 using namespace Store;
 
-// RFC 4180, with a mark in front by which spreadsheet programs know UTF-8: docs/velora-ts.md.
+// RFC 4180 with a byte order mark, so that spreadsheet programs recognize UTF-8: docs/velora-ts.md.
 
 namespace {
 
 constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
 constexpr std::string_view lineEnd = "\r\n";
-constexpr std::size_t mostColumns = 16384;  // as many as spreadsheet programs take
+constexpr std::size_t mostColumns = 16384;  // the most that spreadsheet programs accept
 constexpr std::array fixedColumns = {"number", "at", "run", "execution", "node", "activity", "event"};
 
-// What a spreadsheet program would take for a formula has an apostrophe before it, and so that this one can be taken
-// off again, what begins with one.
+// A text that a spreadsheet program would take for a formula gets an apostrophe before it. So does a text that begins
+// with an apostrophe, so that readers can remove it again.
 std::string TextCell(const std::string& text) {
   std::string cell = "\"";
   if (!text.empty() && std::string_view("=+-@\t\r\n'").find(text.front()) != std::string_view::npos &&
@@ -93,8 +93,9 @@ class Csv {
  private:
   void ExpectRoomForColumns() const {
     if (fixedColumns.size() + places.size() > mostColumns) {
-      throw Error("the parameters have more names than a table has columns, at most " + std::to_string(mostColumns) +
-                  "; expected a run or a span of time with fewer, or export without --format, which has no columns");
+      throw Error("the parameters have more names than a table may have columns, which is " +
+                  std::to_string(mostColumns) +
+                  "; export fewer runs at once, or export without --format, which has no columns");
     }
   }
 
@@ -112,7 +113,7 @@ class Csv {
     }
   }
 
-  /// With its name, and whether it is the first, the second... of that name.
+  /// Visits each parameter with its name and its number among the parameters of that name.
   template <typename Visitor>
   static void ForEachParameter(EventRows& events, const Visitor& visit) {
     std::map<std::string, int> seen;

@@ -16,8 +16,8 @@ namespace Velora::Ts {
 
 using namespace Store;
 
-// The trace-event format: an execution is an asynchronous pair, so that those that overlap stand beside each other; a
-// run is a process of its own.
+// The trace-event format. An execution is an asynchronous pair, so that viewers show overlapping ones beside each
+// other; a run is a process.
 
 namespace {
 
@@ -48,7 +48,7 @@ class Trace {
   }
 
  private:
-  /// The start of the run; of several, or with events of no run, the earliest time.
+  /// The earliest time of the selection, from which its times are counted.
   long long StartOf(const Selection& selection) const {
     std::string earliest;
     const auto consider = [&](const std::string& time) {
@@ -69,7 +69,7 @@ class Trace {
 
   long long Since(const std::string& time) const { return Microseconds(time).value_or(start) - start; }
 
-  /// @param members all but what every event has, with a comma at the end.
+  /// @param members the members that differ between kinds of event, with a comma at the end.
   void Add(const std::string& members, Thread thread, long long time, const std::string& args) {
     WriteData(separator);
     WriteData('{' + members + "\"pid\":" + std::to_string(process) + ",\"tid\":" + std::to_string(thread) +
@@ -88,7 +88,7 @@ class Trace {
     ++process;
     Add("\"ph\":\"M\",\"name\":\"process_name\",", ForExecutions, 0,
         "\"name\":" + Quoted(Readable(run.node) + ' ' + run.guid));
-    std::string last;  // when anything of the run was recorded last
+    std::string last;  // when the run was recorded last
     for (executions.Ask(run.root); executions.Next();) {
       const Execution one = ExecutionAt(executions);
       const bool finished = SecondsOf(one).has_value();

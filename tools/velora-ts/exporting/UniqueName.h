@@ -5,8 +5,8 @@
 
 namespace Velora::Ts {
 
-/// A name that is not among those in use, and is in use from then on: the given one, or that with a number behind it.
-/// @param occurrence the number to begin with; 1 for the name as it is.
+/// Makes a name unique: returns the name, or "name (N)" with the first N that makes it so, and adds it to `taken`.
+/// @param occurrence the first N to try; with 1, the name without a number is tried first.
 std::string UniqueName(std::set<std::string>& taken, const std::string& name, int occurrence = 1);
 
 }  // namespace Velora::Ts

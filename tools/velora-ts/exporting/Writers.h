@@ -13,7 +13,7 @@ void WriteRecords(const Store::Reader& store, const Selection& selection, const 
 /// Comma-separated values: a row for each event, a column for each parameter.
 void WriteCsv(const Store::Reader& store, const Selection& selection, const Step& step);
 
-/// Trace events, which timeline viewers show: what ran when.
+/// Trace events, for timeline viewers.
 void WriteTrace(const Store::Reader& store, const Selection& selection, const Step& step);
 
 }  // namespace Velora::Ts

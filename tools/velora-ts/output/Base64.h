@@ -5,7 +5,7 @@
 
 namespace Velora::Ts {
 
-/// Bytes as text, four characters for three of them.
+/// The Base64 encoding of bytes: four characters for each three.
 std::string Base64(std::string_view bytes);
 
 }  // namespace Velora::Ts

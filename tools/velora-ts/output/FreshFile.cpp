@@ -26,7 +26,7 @@ std::string RandomDigits() {
   return digits.data();
 }
 
-// So that the name outlives a loss of power too; some file systems have no such call, and need none.
+// Without this, a loss of power could undo the new name. File systems that do not need it answer EINVAL.
 bool SyncFolderOf(const std::string& path) {
   const std::string folder = std::filesystem::path(path).parent_path();
   const int opened = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -81,7 +81,7 @@ bool FreshFile::Rename(Existing existing) const {
   if (renameat2(AT_FDCWD, path.c_str(), AT_FDCWD, target.c_str(), RENAME_NOREPLACE) == 0) {
     return true;
   }
-  // A file system that cannot do this at once gives the file a second name first.
+  // Some file systems do not support RENAME_NOREPLACE; there the file gets a second name first.
   return errno == EINVAL && link(path.c_str(), target.c_str()) == 0 && unlink(path.c_str()) == 0;
 }
 

@@ -6,23 +6,26 @@
 
 namespace Velora::Ts {
 
-/// A file that gets its name when it is whole. Until then it lies beside that, under a name that nobody can know
-/// before; what a killed program leaves there ends in ".part", and is in nobody's way.
+/// A file that gets its name only when it is complete. Until then it has a random name beside it that ends in ".part";
+/// if the program is killed, that file stays.
 class FreshFile {
  public:
-  /// @param mode who may read it, less what the process's mask takes away.
+  /// @param mode its permissions, from which the umask of the process is taken away.
   FreshFile(std::string target, mode_t mode);
   FreshFile(const FreshFile&) = delete;
   FreshFile& operator=(const FreshFile&) = delete;
-  /// Removes the file unless it got its name.
+  /// Removes the file if it has not got its name.
   ~FreshFile();
 
-  /// Where it lies until then.
+  /// The random name.
   const std::string& Path() const { return path; }
+  /// Appends to the file.
   void Write(const std::string& content) const;
-  /// Gives it its name, on the disk when this returns.
-  /// @throws Error, without Replace, when there is a file of this name by now.
+
+  /// What becomes of a file that already has the name.
   enum class Existing { Keep, Replace };
+  /// Gives the file its name. When this returns, file and name are on the disk.
+  /// @throws Error when an existing file is to be kept.
   void TakeName(Existing existing);
 
  private:

@@ -6,16 +6,21 @@ namespace Velora::Ts {
 
 // Everything that the program writes goes through here.
 
-/// A line for a person to read, on standard output: no text in it steers a terminal. @throws Error when it takes no
-/// more.
+/// Writes a line to standard output for a person. Control characters in it are made visible, so that no recorded text
+/// can steer a terminal.
+/// @throws Error when standard output cannot be written.
 void Say(std::string_view line);
-/// The same on standard error.
+/// Writes a line to standard error for a person, with control characters made visible.
 void Complain(std::string_view line);
 
-/// Standard output, for lines that are printable and have colours. @throws Error when it takes no more.
+/// Writes text to standard output as it is. It must be printable; it may contain colours.
+/// @throws Error when standard output cannot be written.
 void WriteOut(std::string_view text);
-/// The same for a format that has texts as they were recorded: on a terminal, without what would steer it.
+/// Writes an export to standard output. Only if that is a terminal, control characters are made visible.
+/// @throws Error when standard output cannot be written.
 void WriteData(std::string_view text);
+/// Writes out what standard output has buffered.
+/// @throws Error when standard output cannot be written.
 void FlushOut();
 
 }  // namespace Velora::Ts

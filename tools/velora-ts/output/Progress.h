@@ -5,16 +5,19 @@
 
 namespace Velora::Ts {
 
-/// What is being done and how far it is, on a terminal, once it has taken longer than a second. Takes itself off again.
+/// Shows on a terminal how far a task is, once it has taken longer than a second. The line disappears at the end.
 class Progress {
  public:
-  /// @param total how much there is to do; 0 where that is not known.
+  /// @param doing the task, in words.
+  /// @param total the number of steps; 0 if it is not known.
   Progress(std::string doing, long long total);
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
   ~Progress();
 
+  /// Counts further steps as done.
   void Add(long long more) { Show(done + more); }
+  /// Sets the number of steps that are done.
   void Show(long long now);
 
  private:

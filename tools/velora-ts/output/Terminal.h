@@ -9,23 +9,23 @@
 
 namespace Velora::Ts {
 
-/// What standard output is good for: a pipe or a file takes lines of any length, and no colours.
+/// The width of standard output and whether it shows colours. A pipe or a file takes lines of any length.
 struct Terminal {
   Terminal();
 
-  /// Whether lines have to be cut at all.
+  /// Whether lines must be cut.
   bool IsNarrow() const { return width < any; }
 
   static constexpr std::size_t any = std::numeric_limits<std::size_t>::max();
-  std::size_t width = any;  ///< Columns of a line.
+  std::size_t width = any;  ///< Characters that a line has room for.
   bool colours = false;
 };
 
 using Velora::Text::Printable;
 
-/// How many columns a printable text takes.
+/// The number of columns that a printable text takes on a terminal.
 std::size_t WidthOf(std::string_view printable);
-/// Its beginning and an ellipsis where it is wider than that.
+/// A printable text; if it is wider than `width` columns, its beginning and an ellipsis.
 std::string Cut(std::string_view printable, std::size_t width);
 
 }  // namespace Velora::Ts

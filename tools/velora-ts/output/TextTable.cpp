@@ -12,7 +12,7 @@ namespace {
 constexpr const char* gap = "  ";
 constexpr std::size_t gapWidth = 2;
 constexpr std::size_t narrowest = 4;
-constexpr std::size_t mostKept = 1000;                        // rows, until their columns are as wide as they take
+constexpr std::size_t mostKept = 1000;                        // first rows, which decide the widths
 constexpr std::size_t mostBytesKept = std::size_t{1} << 20U;  // of their texts
 
 std::string Padded(const std::string& text, std::size_t width, bool atRight, bool last) {
@@ -22,8 +22,8 @@ std::string Padded(const std::string& text, std::size_t width, bool atRight, boo
 
 }  // namespace
 
-// Takes from the widest yielding column until all fit, then from any; what there is no room for even then is cut off at
-// the right.
+// While the columns do not fit, narrows the widest yielding one, then the widest of all. Columns for which there is
+// still no room are left out at the right.
 void TextTable::Fit() {
   for (std::size_t column = 0; column < columns.size(); ++column) {
     std::size_t width = WidthOf(columns[column].title);

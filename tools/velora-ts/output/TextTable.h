@@ -9,24 +9,25 @@
 
 namespace Velora::Ts {
 
-/// Rows of cells, written as wide as the terminal allows. Columns are as wide as the first rows take; what comes after
-/// these is written at once, so that a table of any length takes no more memory.
+/// Writes a table that fits the width of the terminal. The first rows decide how wide the columns are; every later row
+/// is written at once, so that the memory does not grow with the table.
 class TextTable {
  public:
   struct Column {
     std::string title;
     bool number = false;    ///< Aligned at the right.
-    bool yielding = false;  ///< Cut before any other, where room is short.
+    bool yielding = false;  ///< Cut before other columns if the line is too narrow.
   };
   struct Cell {
-    std::string text;  ///< Printable.
-    bool alarming = false;
+    std::string text;       ///< Printable.
+    bool alarming = false;  ///< Shown in red.
   };
 
   explicit TextTable(std::vector<Column> columns) : columns(std::move(columns)) {}
 
+  /// Adds a row, with one cell for each column.
   void Add(const std::vector<Cell>& row);
-  /// Writes what has not been written yet.
+  /// Writes the rows that are not written yet.
   void Finish();
 
  private:
@@ -36,9 +37,9 @@ class TextTable {
 
   const Terminal terminal;
   const std::vector<Column> columns;
-  std::vector<std::vector<Cell>> first;  // rows, as long as they are kept
-  std::size_t bytes = 0;                 // of these
-  std::vector<std::size_t> widths;       // once they are written
+  std::vector<std::vector<Cell>> first;  // the first rows, until the widths are known
+  std::size_t bytes = 0;                 // the size of their texts
+  std::vector<std::size_t> widths;       // of the columns; empty until the first rows are written
 };
 
 }  // namespace Velora::Ts

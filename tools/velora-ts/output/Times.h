@@ -5,11 +5,12 @@
 
 namespace Velora::Ts {
 
-/// A stored time for a person to read: local, with its distance from UTC; what cannot be read as it is, printable.
+/// A stored time as local time with its offset from UTC. A text that is not a time is only made printable.
 /// @param fractions whether to show milliseconds.
 std::string LocalTime(std::string_view stored, bool fractions);
 
-/// Hours, minutes and seconds. @param fractions whether to show milliseconds.
+/// A duration as hours, minutes and seconds, for example "0:41:10".
+/// @param fractions whether to show milliseconds.
 std::string Duration(double seconds, bool fractions);
 
 }  // namespace Velora::Ts

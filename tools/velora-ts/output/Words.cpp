@@ -15,7 +15,7 @@ std::string Shown(std::string_view stored) { return Printable(Readable(stored));
 
 std::string InWords(const Run& run) {
   std::string words = "run " + run.guid + ' ';
-  AppendText(words, Readable(run.node));  // on one line, whatever is in it
+  AppendText(words, Readable(run.node));  // a JSON text stays on one line
   return Printable(words + " of " + run.startedAt);
 }
 
@@ -24,7 +24,8 @@ std::optional<Run> TheRunNamed(const Reader& store, const std::string& name) {
   if (runs.size() == 1) {
     return runs.front();
   }
-  Complain((runs.empty() ? "no run is called '" : "more than one run is called '") + name + '\'');
+  Complain(runs.empty() ? "no run matches '" + name + "'; expected a guid, its first characters, \"last\" or a node"
+                        : "several runs match '" + name + "'; name one of them by its guid:");
   for (const Run& run : runs) {
     Complain(InWords(run));
   }

@@ -10,28 +10,30 @@
 
 namespace Velora::Ts {
 
-// What was recorded, in words for a person to read. All of it is printable.
+// What was recorded, for a person. Every text from here is printable: it cannot steer a terminal.
 
-/// A stored text.
+/// A stored text, readable and printable.
 std::string Shown(std::string_view stored);
 
-/// A run in words that name it.
+/// A line that identifies a run: guid, node and time.
 std::string InWords(const Store::Run& run);
-/// The only run that a name stands for. Where there is not exactly one, standard error has said so.
+/// The run that matches a name, in the sense of RunsNamed(). If there is none or several, writes that to standard error
+/// and returns nothing.
 std::optional<Store::Run> TheRunNamed(const Store::Reader& store, const std::string& name);
 
-/// The state of what did not finish, which must not be overlooked.
+/// How tables show an execution that did not finish, or a run that has one: in capitals, so that nobody overlooks it.
 inline constexpr const char* unfinishedInWords = "UNFINISHED";
+/// "done", "UNFINISHED", "status N" for any other status, or "no status".
 std::string StateInWords(const Store::Execution& execution);
-/// The activity with its version.
+/// The name and version of an execution's activity.
 std::string ActivityInWords(const Store::Execution& execution);
-/// How long a finished execution took; empty for one that did not finish.
+/// The duration of an execution. Empty if it is running.
 /// @param fractions whether to show milliseconds.
 std::string DurationInWords(const Store::Execution& execution, bool fractions);
-/// Members of a JSON object that says of an execution what these words do, without its braces.
+/// The members of the JSON object for an execution, without braces.
 std::string JsonMembers(const Store::Execution& execution);
 
-/// Name and value of the parameter where rows of parameters stand.
+/// NAME=VALUE of the parameter at which rows of parameters stand.
 std::string ParameterInWords(const Store::Rows& parameters);
 
 }  // namespace Velora::Ts

@@ -21,7 +21,7 @@ enum Column { Number, At, Name, Guid, Node };
 constexpr const char* columns = "v.event_id, v.at, v.name, x.guid, x.node";
 constexpr std::size_t widestAligned = 24;
 
-// As wide as the widest so far, so that most lines stand below each other although none is known before.
+// Pads a text to the widest one so far, so that most lines are aligned although later lines are not known yet.
 std::string Aligned(const std::string& text, std::size_t& width) {
   const std::size_t own = WidthOf(text);
   width = std::max(width, std::min(own, widestAligned));

@@ -7,16 +7,17 @@
 
 namespace Velora::Ts {
 
-// Events one after the other, for show and tail.
+// Events one after the other, as show and tail write them.
 
-/// The events of a run, in the order of their saving.
+/// The events of a run, in the order of their numbers.
 Store::EventRows EventsOfRun(const Store::Reader& store, long long root);
-/// Those with a higher number; reads what was recorded since, and no more.
+/// The events of a run whose numbers are higher than `number`. Reads only what was recorded since that event.
 Store::EventRows EventsOfRunSince(const Store::Reader& store, long long root, long long number);
 
-/// Writes an event on a line, as much of it as the terminal has room for.
+/// Writes events as lines, each cut to the width of the terminal.
 class EventLines {
  public:
+  /// Writes the current event and its parameters.
   void Write(Store::EventRows& events);
 
  private:
@@ -25,6 +26,8 @@ class EventLines {
   std::size_t nameWidth = 0;
 };
 
+/// The current event and its parameters as a JSON object.
+/// @throws Error when a text is too long to be shown.
 std::string EventAsJson(Store::EventRows& events);
 
 }  // namespace Velora::Ts

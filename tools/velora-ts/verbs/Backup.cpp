@@ -19,12 +19,12 @@ using namespace Store;
 
 namespace {
 
-constexpr mode_t ownerAndGroup = 0640;  // as the store is
+constexpr mode_t ownerAndGroup = 0640;  // the permissions of a store
 
 void ExpectSound(const Reader& store, const Reader& copy) {
   Progress progress("Checking the file, million steps", 0);
   if (const auto damage = DamageFindings(copy, [&progress] { progress.Add(1); }); !damage.empty()) {
-    throw Error("the copy of '" + store.Name() + "' is not sound: " + damage.front());
+    throw Error("the copy of '" + store.Name() + "' is damaged: " + damage.front());
   }
   if (HighestNumbers(copy) != HighestNumbers(store)) {
     throw Error("the copy of '" + store.Name() + "' lacks rows");
@@ -34,7 +34,7 @@ void ExpectSound(const Reader& store, const Reader& copy) {
 class BackupVerb : public StoreVerb {
  public:
   explicit BackupVerb(Options& options) : StoreVerb(options) {
-    options.AddRequiredText("FILE", file, "A file that is not there yet");
+    options.AddRequiredText("FILE", file, "The file to write; it must not exist");
   }
 
   ExitCode Execute() override {

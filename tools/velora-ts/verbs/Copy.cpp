@@ -22,7 +22,7 @@ using namespace Store;
 
 namespace {
 
-/// Everything of a store up to some numbers, in its canonical form.
+/// The canonical form of a store up to some numbers: how many records of each kind, and their hash.
 struct Content {
   Numbers counts{};
   std::string hash;
@@ -54,7 +54,7 @@ Content ContentOf(const Reader& store, const Numbers& upTo, Progress& progress) 
   return content;
 }
 
-/// Shows how many rows of the table that is being copied have been.
+/// Shows how many rows of the current table were copied.
 class CopyProgress {
  public:
   void Add(const std::string& table) {
@@ -70,7 +70,7 @@ class CopyProgress {
   std::optional<Progress> progress;
 };
 
-/// Whether a copy holds what the store of which it was made holds; says so.
+/// Compares a copy with its source and says the result.
 ExitCode Compare(const Reader& from, const Reader& copy) {
   const Numbers upTo = HighestNumbers(from);
   Progress progress("Comparing records", 0);
@@ -79,7 +79,7 @@ ExitCode Compare(const Reader& from, const Reader& copy) {
       ContentOf(copy, upTo, progress) == content && HighestNumbers(copy) == upTo && ReadSeals(copy) == ReadSeals(from);
   from.ExpectUntouched();
   if (!equal) {
-    Say("finding: '" + copy.Name() + "' is no copy of '" + from.Name() + "': its records are others");
+    Say("finding: '" + copy.Name() + "' differs from '" + from.Name() + "' after the copying");
     return Found;
   }
   Say("store '" + from.Name() + "' copied to '" + copy.Name() + "' and compared: " +
@@ -92,7 +92,7 @@ class CopyVerb : public Verb {
  public:
   explicit CopyVerb(Options& options) {
     options.AddRequiredText("FROM", from, "Folder with the TSAL.config of the store to copy");
-    options.AddRequiredText("TO", to, "Folder with that of an empty store, or of an earlier copy");
+    options.AddRequiredText("TO", to, "Folder with the TSAL.config of an empty store or of an earlier copy");
   }
 
   ExitCode Execute() override {
@@ -102,9 +102,10 @@ class CopyVerb : public Verb {
       throw Error("TS store '" + seen.Name() + "' has a schema of version " + std::to_string(seen.SchemaVersion()) +
                   "; expected version " + std::to_string(schemaVersion) + ": run velora-ts prepare first");
     }
-    const Reader settled = SettledReader(source);  // so that the next copy can go on behind it
+    const Reader settled = SettledReader(source);  // so that a later copy can continue after its last row
     if (const auto findings = ValueFindings(settled); !findings.empty()) {
-      throw Error("'" + settled.Name() + "' cannot be copied as it is: " + findings.front() + "; see velora-ts verify");
+      throw Error("'" + settled.Name() + "' cannot be copied: " + findings.front() +
+                  "; velora-ts verify lists all findings");
     }
     Copy(settled, target);
     return Compare(settled, Reader(target));
@@ -122,7 +123,7 @@ class CopyVerb : public Verb {
 }  // namespace
 
 extern const Registration registeredCopy = {
-    "copy", "Copies a store into another database, file or server, or goes on with a copy that was interrupted.",
+    "copy", "Copies a store into another database, in a file or on a server, or continues an earlier copy.",
     "copy /data/veldmar /data/facility", &Make<CopyVerb>};
 
 }  // namespace Velora::Ts

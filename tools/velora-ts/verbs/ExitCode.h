@@ -2,13 +2,13 @@
 
 namespace Velora::Ts {
 
-/// What the program answers a script.
+/// The exit codes of the program, for scripts.
 enum ExitCode {
-  Done = 0,        ///< Nothing to complain of.
-  Found = 1,       ///< Something is wrong with the store, or what was asked for is not in it.
+  Done = 0,        ///< Success.
+  Found = 1,       ///< The store has a fault, or does not contain what was asked for.
   WrongUsage = 2,  ///< The command line is wrong.
   Impossible = 3,  ///< The store could not be read or written.
-  Unsealed = 4,    ///< What is sealed is as it was, but not all is sealed, or could be compared.
+  Unsealed = 4,    ///< What is sealed was not changed, but not everything is sealed or could be compared.
 };
 
 }  // namespace Velora::Ts

@@ -16,17 +16,18 @@ class ExportVerb : public StoreVerb {
  public:
   explicit ExportVerb(Options& options) : StoreVerb(options) {
     options.AddText("RUN", name, "The run to export");
-    options.AddText("--since", since, "Export runs that started then or later; UTC");
-    options.AddText("--until", until, "... and before");
-    options.AddChoice("--format", format, {"jsonl", "csv", "trace"},
-                      "jsonl, the canonical form; csv, a row for each event; or trace, for timeline viewers");
+    options.AddText("--since", since, "Export runs that started at this time or later; UTC");
+    options.AddText("--until", until, "Export runs that started before this time; UTC");
+    options.AddChoice(
+        "--format", format, {"jsonl", "csv", "trace"},
+        "jsonl, the canonical form; csv, a row for each event; trace, for timeline viewers. Default: jsonl");
     options.Exclude("--since", "RUN");
     options.Require("--until", "--since");
   }
 
   ExitCode Execute() override {
     if (name.empty() == since.empty()) {
-      throw UsageError("RUN or --since is required");
+      throw UsageError("expected RUN or --since");
     }
     return name.empty() ? ExportSpan() : ExportRun();
   }
@@ -61,7 +62,7 @@ class ExportVerb : public StoreVerb {
 
 extern const Registration registeredExport = {
     "export",
-    "Writes what was recorded to standard output. RUN is a guid, the first letters of one, \"last\" for the one "
+    "Writes what was recorded to standard output. RUN is a guid, the first letters of one, \"last\" for the run "
     "recorded last, or a node that only one run has.",
     "export last > run.jsonl\n  velora-ts export --since 2026-11-24 --until 2026-12-01 --format csv > november.csv",
     &Make<ExportVerb>};

@@ -45,7 +45,7 @@ std::string NamedFor(std::string_view settings, const std::string& instrument) {
   return named.replace(named.find(root), root.size(), "<TSAL Instrument=\"" + AsAttribute(instrument) + "\">");
 }
 
-/// Writes a file unless there is one of that name. @return whether it was written.
+/// Writes a file if none has its name. @return whether it was written.
 bool WriteNew(const fs::path& file, std::string_view content) {
   const std::unique_ptr<std::FILE, decltype(&std::fclose)> made(std::fopen(file.c_str(), "wbx"), &std::fclose);
   if (!made && errno == EEXIST) {
@@ -61,7 +61,7 @@ bool WriteNew(const fs::path& file, std::string_view content) {
 class InitVerb : public Verb {
  public:
   explicit InitVerb(Options& options) {
-    options.AddRequiredText("FOLDER", folder, "The folder that hosts will run in; it is made if it is not there");
+    options.AddRequiredText("FOLDER", folder, "The folder in which hosts will run; it is made if it does not exist");
     options.AddText("--instrument", instrument, "Name of the instrument in the records. Default: the computer's name");
   }
 
@@ -83,7 +83,8 @@ class InitVerb : public Verb {
       }
     }
     if (result == Found) {
-      Complain("the instrument was not named: write the attribute Instrument into the element TSAL of the file");
+      Complain(
+          "the instrument was not named, because TSAL.config exists; set the attribute Instrument of its element TSAL");
     }
     return result;
   }
@@ -95,7 +96,7 @@ class InitVerb : public Verb {
 }  // namespace
 
 extern const Registration registeredInit = {
-    "init", "Writes the three files that a host needs into FOLDER, commented, and overwrites nothing.",
+    "init", "Writes the three files that a host needs into FOLDER, with comments. Existing files are kept.",
     "init /data/scope-7 --instrument \"Scope 7\"", &Make<InitVerb>};
 
 }  // namespace Velora::Ts

@@ -5,7 +5,7 @@
 
 namespace Velora::Ts {
 
-/// A file that a host needs, as it is to begin with.
+/// A file that a host needs, with its first content.
 struct InitialFile {
   const char* name;
   std::string_view content;

@@ -13,12 +13,12 @@ namespace {
 class PrepareVerb : public StoreVerb {
  public:
   explicit PrepareVerb(Options& options) : StoreVerb(options) {
-    options.AddText("--hosts", hosts, "Let this role of the PostgreSQL server record, and nothing else");
+    options.AddText("--hosts", hosts, "Allow this role of the PostgreSQL server to record, and nothing else");
   }
 
   ExitCode Execute() override {
     PrepareStore(Database(), hosts);
-    // What hosts miss after all, for example since a table of another one's has the name of a partition.
+    // For example, a partition is missing because another program has a table of its name.
     const std::vector<std::string> missing = MissingRoom(Reader(Database()));
     for (const std::string& finding : missing) {
       Say("finding: " + finding);
@@ -37,7 +37,7 @@ class PrepareVerb : public StoreVerb {
 }  // namespace
 
 extern const Registration registeredPrepare = {
-    "prepare", "Makes the store or brings it up to this version. Run as the owner of a server's database.",
+    "prepare", "Makes the store or upgrades it to this version. On a server, the owner of the database must run it.",
     "prepare --hosts microscopes", &Make<PrepareVerb>};
 
 }  // namespace Velora::Ts

@@ -144,7 +144,8 @@ class ReportVerb : public StoreVerb {
  public:
   explicit ReportVerb(Options& options) : StoreVerb(options) {
     options.AddRequiredText("RUN", name, "The run to show");
-    options.AddText("-o,--output", file, "Where to write. Default: run-GUID.html, with the first letters of the guid");
+    options.AddText("-o,--output", file,
+                    "The file to write. Default: run-GUID.html, with the first letters of the guid");
   }
 
   ExitCode Execute() override {
@@ -172,7 +173,7 @@ class ReportVerb : public StoreVerb {
 
 extern const Registration registeredReport = {
     "report",
-    "Writes a page that shows a run, with all it needs in one file, for any browser. RUN is named as for export.",
+    "Writes a page that shows a run in any browser, as one file that needs no other. RUN is named as for export.",
     "report last -o run.html", &Make<ReportVerb>};
 
 }  // namespace Velora::Ts

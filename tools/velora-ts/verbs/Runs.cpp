@@ -18,15 +18,15 @@ using namespace Store;
 
 namespace {
 
-/// Which runs to list; an empty text leaves it open.
+/// Which runs to list. An empty text selects all.
 struct RunFilter {
   std::string since, instrument, activity;
-  bool unfinished = false;  ///< Only those that did not finish.
-  long long limit = 50;
+  bool unfinished = false;  ///< Only runs that are not finished.
+  long long limit = 50;     ///< The highest number of runs.
 };
 
-// Along the index by parent and time, until there are enough. PostgreSQL takes the order from the index only where all
-// of its columns are named.
+// Reads along the index of parents and times until there are enough runs. PostgreSQL uses the index for the order only
+// if ORDER BY names all its columns.
 std::string ConditionOf(const RunFilter& filter) {
   std::string condition =
       "WHERE e.parent_id IS NULL AND e.started_at >= ?1 AND (?2 = '' OR n.instrument = ?2) "
@@ -75,12 +75,12 @@ void WriteJson(const Store::Reader& store, Rows& rows) {
 class RunsVerb : public StoreVerb {
  public:
   explicit RunsVerb(Options& options) : StoreVerb(options) {
-    options.AddText("--instrument", filter.instrument, "Only those of this instrument");
-    options.AddText("--since", filter.since, "Only those that started then or later; UTC");
-    options.AddText("--activity", filter.activity, "Only those of this activity, or version of one");
-    options.AddFlag("--unfinished", filter.unfinished, "Only those of which something did not finish");
-    options.AddCount("--limit", filter.limit, "How many at most. Default: 50");
-    options.AddFlag("--json", json, "As a JSON array; times in UTC");
+    options.AddText("--instrument", filter.instrument, "Only runs of this instrument");
+    options.AddText("--since", filter.since, "Only runs that started at this time or later; UTC");
+    options.AddText("--activity", filter.activity, "Only runs of this activity or activity version");
+    options.AddFlag("--unfinished", filter.unfinished, "Only runs of which an execution did not finish");
+    options.AddCount("--limit", filter.limit, "The highest number of runs. Default: 50");
+    options.AddFlag("--json", json, "Write a JSON array, with times in UTC");
   }
 
   ExitCode Execute() override {
@@ -101,8 +101,8 @@ class RunsVerb : public StoreVerb {
 
 }  // namespace
 
-extern const Registration registeredRuns = {"runs",
-                                            "Lists runs, the newest first. What did not finish is marked UNFINISHED.",
-                                            "runs --since 2026-11-24 --unfinished", &Make<RunsVerb>};
+extern const Registration registeredRuns = {
+    "runs", "Lists runs, the newest first. A run that did not finish is marked UNFINISHED.",
+    "runs --since 2026-11-24 --unfinished", &Make<RunsVerb>};
 
 }  // namespace Velora::Ts

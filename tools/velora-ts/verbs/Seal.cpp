@@ -22,7 +22,7 @@ using namespace Store;
 
 namespace {
 
-/// Computes what is to be sealed, from one state of the store.
+/// Computes new seals from one state of the store.
 class Sealer {
  public:
   Sealer(const Store::Reader& store, const std::vector<Seal>& seals)
@@ -35,7 +35,7 @@ class Sealer {
           progress.Add(1);
         }) {}
 
-  /// The seals to add, not yet linked to those before.
+  /// The new seals, without the links to the seals before them.
   std::vector<Seal> NewSeals() {
     if (HasMoreOfNoRun(store, sealed)) {
       records.WriteRest(Since(""));
@@ -76,13 +76,13 @@ class Sealer {
   std::vector<Seal> fresh;
 };
 
-/// Links the seals to those before and adds them, all or none.
+/// Links new seals to the existing ones and stores all of them in one transaction.
 void Add(Writer& writer, Anchor& end, std::vector<Seal> seals) {
   Transaction transaction(writer);
   writer.HoldSeals();
   Connection& sql = writer.Sql();
   if (sql.Find<long long>("SELECT COALESCE(MAX(seal_id), 0) FROM seals") != end.number) {
-    throw Error("the TS store was sealed by another program meanwhile; run seal again");
+    throw Error("another program sealed the TS store at the same time; run velora-ts seal again");
   }
   const std::string now = ToStoredTime(Now());
   Sha256 sha;
@@ -102,7 +102,7 @@ void Add(Writer& writer, Anchor& end, std::vector<Seal> seals) {
 
 ExitCode Refuse(const std::string& finding) {
   Say("finding: " + finding);
-  Say("nothing was sealed on top of that; see velora-ts verify");
+  Say("because of this, nothing was sealed; velora-ts verify lists all findings");
   return Found;
 }
 
@@ -130,13 +130,13 @@ ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchor
 class SealVerb : public StoreVerb {
  public:
   explicit SealVerb(Options& options) : StoreVerb(options) {
-    options.AddText("--anchor", anchorFile, "Write the newest hash to this file, to be kept away from the store");
+    options.AddText("--anchor", anchorFile, "Write the newest hash to this file; keep it away from the store");
   }
 
   ExitCode Execute() override {
     const Store::Database database = Database();
-    static_cast<void>(Reader(database));           // which must be there: a writer would make one
-    const auto writer = OpenForWriting(database);  // brings it up
+    static_cast<void>(Reader(database));           // fails if there is no store, which a writer makes
+    const auto writer = OpenForWriting(database);  // upgrades the schema
     return SealWith(*writer, SettledReader(database), anchorFile);
   }
 
@@ -146,8 +146,7 @@ class SealVerb : public StoreVerb {
 
 }  // namespace
 
-extern const Registration registeredSeal = {"seal",
-                                            "Seals every finished run, so that verify finds what is changed later.",
+extern const Registration registeredSeal = {"seal", "Seals every finished run, so that verify finds later changes.",
                                             "seal --anchor /safe/veldmar.anchor", &Make<SealVerb>};
 
 }  // namespace Velora::Ts

@@ -24,8 +24,8 @@ using namespace Store;
 
 namespace {
 
-constexpr int firstFew = 3;        // parameters of an execution, where no columns are picked
-constexpr int deepestIndent = 20;  // levels; below them the level is a number
+constexpr int firstFew = 3;        // parameters of an execution that are shown without --columns
+constexpr int deepestIndent = 20;  // levels that are indented; deeper ones show their number
 
 std::string IndentOf(int depth) {
   const std::string blanks(2 * static_cast<std::size_t>(std::min(depth, deepestIndent)), ' ');
@@ -33,9 +33,9 @@ std::string IndentOf(int depth) {
 }
 
 struct ShowOptions {
-  bool tree = false;                 ///< Everything below the run in place of its children.
-  bool events = false;               ///< Its events as well.
-  std::vector<std::string> columns;  ///< Parameters to show of each execution.
+  bool tree = false;                 ///< All levels below the run, not only its children.
+  bool events = false;               ///< The events of the run too.
+  std::vector<std::string> columns;  ///< The parameters to show of each execution.
 };
 
 class Show {
@@ -104,7 +104,7 @@ class Show {
     return keys;
   }
 
-  /// The children of the run, or with the tree the run and everything below it, each before what belongs to it.
+  /// Visits the children of the run; with --tree, the run and all levels below it, each execution before its children.
   template <typename Visitor>
   void ForEachExecution(const Visitor& visit) {
     std::vector<std::pair<long long, int>> left{{run.root, 0}};
@@ -174,7 +174,7 @@ class Show {
     table.Finish();
   }
 
-  /// Goes to what was recorded last under a name.
+  /// Makes `picked` stand on the last value of a parameter. @return whether there is one.
   bool Pick(const Execution& one, const std::string& name) {
     return picked.Ask(one.key, Store::ToStoredText(name)).Next();
   }
@@ -214,12 +214,12 @@ class ShowVerb : public StoreVerb {
  public:
   explicit ShowVerb(Options& options) : StoreVerb(options) {
     options.AddRequiredText("RUN", name, "The run to show");
-    options.AddFlag("--tree", chosen.tree, "Everything below the run, not only its children");
-    options.AddFlag("--events", chosen.events, "Its events too, one after the other");
+    options.AddFlag("--tree", chosen.tree, "Show all levels below the run, not only its children");
+    options.AddFlag("--events", chosen.events, "Show its events too, one a line");
     options.AddList("--columns", chosen.columns,
-                    "Parameters to show of each execution, separated by commas; of several values the last. Default: "
-                    "its first three parameters");
-    options.AddFlag("--json", json, "As a JSON object; times in UTC");
+                    "Parameters to show of each execution, separated by commas; of several values, the last one. "
+                    "Default: the first three parameters of each");
+    options.AddFlag("--json", json, "Write a JSON object, with times in UTC");
   }
 
   ExitCode Execute() override {
@@ -245,8 +245,8 @@ class ShowVerb : public StoreVerb {
 
 extern const Registration registeredShow = {
     "show",
-    "Shows a run: its head and a row for each execution below it. RUN is what export takes, or the first letters that "
-    "runs shows.",
+    "Shows a run: its head and a row for each execution below it. RUN is named as for export, for example by the "
+    "letters that runs shows.",
     "show last --columns TiltAngle,ExposureDose,Defocus", &Make<ShowVerb>};
 
 }  // namespace Velora::Ts

@@ -7,7 +7,7 @@ namespace Velora::Ts {
 using namespace Store;
 
 StoreVerb::StoreVerb(Options& options) {
-  options.AddText("--config", folder, "Folder where TSAL.config lies. Default: the current directory");
+  options.AddText("--config", folder, "Folder with TSAL.config. Default: the current directory");
 }
 
 Store::Database StoreVerb::Database() const { return Store::ReadSettings(folder).database; }

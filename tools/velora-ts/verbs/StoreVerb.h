@@ -7,11 +7,12 @@
 
 namespace Velora::Ts {
 
-/// A verb for the store that the TSAL.config of a folder names.
+/// A verb that works on the store named by TSAL.config in the folder of the option --config.
 class StoreVerb : public Verb {
  protected:
   explicit StoreVerb(Options& options);
 
+  /// The value of --config; empty for the current directory.
   const std::string& Folder() const { return folder; }
   /// @throws Error when TSAL.config cannot be read or is wrong.
   Store::Database Database() const;

@@ -30,8 +30,8 @@ long long NewestEvent(const Store::Reader& store) {
 
 enum class State { Running, Finished, WithoutStatus };
 
-// What is below a run is only asked for when its topmost execution has ended. TS stores an execution with its first
-// status, so a run without one is of another program, and none may ever come.
+// Reads the executions below a run only when its root has ended. TS stores an execution together with its first status,
+// so a run without a status comes from another program and may never get one.
 State StateOf(const Store::Reader& store, const Run& run) {
   Rows rows = QueryExecutions(store, "WHERE e.execution_id = ?1");
   if (!rows.Ask(run.root).Next()) {
@@ -44,7 +44,7 @@ State StateOf(const Store::Reader& store, const Run& run) {
   return IsRunning(root) || IsUnfinished(store, run) ? State::Running : State::Finished;
 }
 
-// A host may be about to make the store.
+// While a host makes the store, it cannot be read yet.
 std::vector<Run> NewestRun(const Database& database, bool waiting) {
   try {
     return RunsNamed(Reader(database), "last");
@@ -58,7 +58,7 @@ std::vector<Run> NewestRun(const Database& database, bool waiting) {
   }
 }
 
-/// The run to follow; with no name the newest, and where there is none yet, the first.
+/// The run to follow. Without a name the newest; if there is none yet, waits for the first.
 std::optional<Run> RunToFollow(const Database& database, const std::string& name) {
   if (!name.empty()) {
     return TheRunNamed(Reader(database), name);
@@ -74,7 +74,7 @@ std::optional<Run> RunToFollow(const Database& database, const std::string& name
   return runs.front();
 }
 
-/// Writes what a run has; then, at each look, what has come since the one before.
+/// Writes the events of a run at the first look, and at each later look those that are new.
 class Follower {
  public:
   explicit Follower(Run run) : run(std::move(run)) {}
@@ -107,7 +107,7 @@ class TailVerb : public StoreVerb {
     if (!run) {
       return Found;
     }
-    Complain("following " + InWords(*run) + " until it is finished; Ctrl-C ends that sooner");
+    Complain("following " + InWords(*run) + " until it is finished; Ctrl-C stops");
     Follower follower(*run);
     State state = follower.Look(Reader(database));
     while (state == State::Running) {
@@ -115,7 +115,7 @@ class TailVerb : public StoreVerb {
       state = follower.Look(Reader(database));
     }
     if (state == State::WithoutStatus) {
-      Complain("this run has no status, so nothing says whether more will come");
+      Complain("this run has no status, so tail cannot know whether it is finished");
       return Found;
     }
     return Done;
@@ -127,10 +127,10 @@ class TailVerb : public StoreVerb {
 
 }  // namespace
 
-extern const Registration registeredTail = {
-    "tail",
-    "Writes a run's events, one a line, while they are recorded, until the run is finished. Without RUN it takes the "
-    "one recorded last, and waits where there is none.",
-    "tail", &Make<TailVerb>};
+extern const Registration registeredTail = {"tail",
+                                            "Writes the events of a run, one a line, while they are recorded, until "
+                                            "the run is finished. Without RUN it follows "
+                                            "the run recorded last, and waits for one if there is none.",
+                                            "tail", &Make<TailVerb>};
 
 }  // namespace Velora::Ts

@@ -4,8 +4,8 @@
 
 namespace Velora::Ts {
 
-/// A time as a command line gives it, in the form of the store: a date, or more of a time in UTC. How it compares with
-/// a stored time does not depend on how much of it is given.
+/// The beginning of a stored time, from a date or a time in UTC on the command line. It can be compared with stored
+/// times as a text, however short it is.
 /// @throws UsageError when the text has another form.
 std::string TimeArgument(const std::string& text);
 

@@ -8,7 +8,7 @@
 
 namespace Velora::Ts {
 
-/// What a verb of the command line does. Its constructor names its options, whose values are there when it runs.
+/// A verb of the command line. Its constructor declares its options; when it is executed, they have their values.
 class Verb {
  public:
   Verb() = default;
@@ -16,25 +16,24 @@ class Verb {
   Verb& operator=(const Verb&) = delete;
   virtual ~Verb() = default;
 
-  /// @throws UsageError when values were given that do not go together, or that are not understood.
+  /// @throws UsageError when values do not fit together or are not understood.
   virtual ExitCode Execute() = 0;
 };
 
-/// A mistake in the command line; its text says which.
+/// The command line is wrong; the text says what was expected.
 struct UsageError : std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// How the program knows a verb. The file of each verb defines one, under the name by which CMakeLists.txt puts it into
-/// the list of all verbs.
+/// Makes a verb known to the program. verbs/VERB.cpp defines one as registeredVERB, and CMakeLists.txt lists it.
 struct Registration {
   const char* name;
-  const char* help;     ///< One or two sentences on what it does.
-  const char* example;  ///< Its command line without the program's name.
-  std::unique_ptr<Verb> (*make)(Options& options);
+  const char* help;                                 ///< One or two sentences about what it does.
+  const char* example;                              ///< A command line without the name of the program.
+  std::unique_ptr<Verb> (*make)(Options& options);  ///< Makes the verb, which declares its options.
 };
 
-/// Makes a verb, for its registration.
+/// Makes a verb of this type, for its registration.
 template <typename OneVerb>
 std::unique_ptr<Verb> Make(Options& options) {
   return std::make_unique<OneVerb>(options);

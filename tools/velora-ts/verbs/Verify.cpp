@@ -31,7 +31,7 @@ class Verifier {
     }
   }
 
-  /// What an attacker may have kept from being looked at is not clean.
+  /// An attacker can have prevented the comparison, so the result must not be "all sealed".
   void NoteWhatIsNotCompared(const std::string& what) {
     if (!what.empty()) {
       Say("not compared: " + what);
@@ -39,7 +39,7 @@ class Verifier {
     }
   }
 
-  /// Computes again what each seal covers.
+  /// Computes the hash of what each seal covers again.
   void CompareContents() {
     Sealed sealed;
     for (const Seal& seal : seals) {
@@ -105,10 +105,10 @@ class Verifier {
     for (std::size_t kind = 0; kind < counts.size(); ++kind) {
       if (counts[kind] != covered[kind]) {
         return " covers " + std::to_string(covered[kind]) + " records '" + kindNames[kind] + "', " +
-               std::to_string(counts[kind]) + " are there";
+               std::to_string(counts[kind]) + " are stored";
       }
     }
-    return " covers as many records, but others";
+    return " covers the same number of records, but other values";
   }
 
   void NotSealed(const std::string& what) {
