@@ -239,13 +239,30 @@ class EveryFault : public InternalsTest {
   std::shared_ptr<Unmanaged::ITsLoggingConfigurator> configurator, former;
 };
 
-class EveryFaultOf : public EveryFault, public testing::WithParamInterface<Fault::Kind> {};
+using Operations = std::vector<Operation>;
 
-TEST_P(EveryFaultOf, LeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
-  if (GetParam() != Fault::CallRaises && !Memory::isAllInReach) {
-    GTEST_SKIP() << "the standard library takes memory by itself here";
+class EveryFaultOf : public EveryFault, public testing::WithParamInterface<Fault::Kind> {
+ protected:
+  void SetUp() override {
+    if (GetParam() != Fault::CallRaises && !Memory::isAllInReach) {
+      GTEST_SKIP() << "the standard library takes memory by itself here";
+    }
   }
-  const std::string &n = node, &d = description, &v = version, &p = parameter, &g = guid, own = "own.xml", none;
+
+  void TryEach(const Operations& operations) {
+    for (const Operation& operation : operations) {
+      TryEveryPlaceOf(operation, GetParam());
+    }
+  }
+
+  Changes LookedUpAfter(const char* line) const { return {{line, "versions", "AutoFunction before " + version + ' '}}; }
+
+  const std::string &n = node, &d = description, &v = version, &p = parameter, &g = guid, none;
+  const Change newFactory = {"done", "factory", "given"};
+};
+
+TEST_P(EveryFaultOf, BringUpLeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
+  const std::string own = "own.xml";
   const auto create = [&] { IFactory::CreateTsLogging(n); };
   const auto createOwn = [&] { IFactory::CreateTsLogging(n, own); };
   const auto set = [&] { configurator->SetParentActivityExec(n, p, v, d); };
@@ -255,25 +272,9 @@ TEST_P(EveryFaultOf, LeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
   const auto bare = [] { instanceSlot = nullptr, currentGateway = nullptr, tsSupported = false; };
   const auto noTs = [] { instanceSlot = nullptr, Fakes::TheScene().answers.servicePresent = false; };
   const auto unreachable = [] { Fakes::TheScene().answers.connectable = false; };
-  const auto noParent = [] { parentActivityExecGuid.clear(); };
-  const auto noFactory = [this] { factory = nullptr; };
 
   const Changes parent = {{"done", "parent", g}};
-  const Change newFactory = {"done", "factory", "given"};
-  const Changes object = {{Entry("SetInstance"), "instance", "given"}, newFactory};
-  const std::string setGateway = Entry("SetTolvaServicesInstance");
-  const Changes services = {{setGateway, "gateway", "given"},
-                            {setGateway, "path", "another"},
-                            {setGateway, "registered", "another"},
-                            newFactory};
-  const auto lookedUpAfter = [&](const char* line) {
-    return Changes{{line, "versions", "AutoFunction before " + v + ' '}};
-  };
-  const auto fetched = lookedUpAfter("TSAL GetActivityExecution");
-  const std::string one = "before( 1) ";
-  const Changes added = {{"info Add", "pending", one + n + "( 0) "}, {"done", "pending", one + n + "( 1) "}};
-
-  const Operation operations[] = {
+  TryEach({
       {"CreateTsLogging", create, {}, "here", bare},
       {"CreateTsLogging, own file", createOwn, {}, "root", noObject},
       {"CreateTsLogging, no settings", createOwn, {}, "nowhere", bare},
@@ -283,16 +284,36 @@ TEST_P(EveryFaultOf, LeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
       {"SetParentActivityExec, own file", setOwn, parent, "root", noObject},
       {"SetParentActivityExec, no settings", setOwn, parent, "nowhere"},
       {"SetParentActivityExec, no TS", set, {}, "here", noTs},
+  });
+}
+
+TEST_P(EveryFaultOf, TheSlotsLeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
+  const Changes object = {{Entry("SetInstance"), "instance", "given"}, newFactory};
+  const std::string setGateway = Entry("SetTolvaServicesInstance");
+  const Changes services = {{setGateway, "gateway", "given"},
+                            {setGateway, "path", "another"},
+                            {setGateway, "registered", "another"},
+                            newFactory};
+  const auto noFactory = [this] { factory = nullptr; };
+  TryEach({
       {"SetFactory, logging", [&] { SetFactory(givenFactory, givenLogging); }, object},
       {"SetFactory, gateway", [&] { SetFactory(givenFactory, givenGateway); }, services},
       {"GetFactory", [&] { givenFactory = GetFactory(); }, {newFactory}, "here", noFactory},
       {"GetConfigurator", [&] { GetTsLogingConfigurator(configurator); }, {{"done", "configurator", "another"}}},
-      // The slots of ITsLogging.
+  });
+}
+
+TEST_P(EveryFaultOf, TheLoggingObjectLeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
+  const auto noParent = [] { parentActivityExecGuid.clear(); };
+  const auto fetched = LookedUpAfter("TSAL GetActivityExecution");
+  const std::string one = "before( 1) ";
+  const Changes added = {{"info Add", "pending", one + n + "( 0) "}, {"done", "pending", one + n + "( 1) "}};
+  TryEach({
       {"slot 1", [&] { static_cast<void>(logging->CreateActivityExecution(g, v, n, d)); }, fetched},
       {"slot 1, no parent", [&] { static_cast<void>(logging->CreateActivityExecution(none, v, n, d)); }},
       {"slot 2", [&] { static_cast<void>(logging->CreateActivityExecution(v, n, d)); }, fetched},
       {"slot 2, no parent", [&] { static_cast<void>(logging->CreateActivityExecution(v, n, d)); },
-       lookedUpAfter("TSAL IsTsServicePresent"), "here", noParent},
+       LookedUpAfter("TSAL IsTsServicePresent"), "here", noParent},
       {"slot 3", [&] { logging->UpdateActivityExecution(g); }},
       {"slot 4", [&] { logging->CreateInstrumentEvent(n); }, {{"done", "pending", one + n + '(' + n + " 0) "}}},
       {"slot 4, again",
@@ -304,10 +325,7 @@ TEST_P(EveryFaultOf, LeavesTheStateThatWasReachedAndPassesAfterTheExitLines) {
       {"slot 7", [&] { logging->AddInstrumentEventParameter(n, p, 0.5); }, added},
       {"slot 8", [&] { logging->AddInstrumentEventParameter(n, p, 1); }, added},
       {"slot 9", [&] { logging->AddInstrumentEventParameter(n, p, d); }, added},
-  };
-  for (const Operation& operation : operations) {
-    TryEveryPlaceOf(operation, GetParam());
-  }
+  });
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, EveryFaultOf,

@@ -140,45 +140,61 @@ class Exhausted {
   unsigned int before = 0;
 };
 
-TEST_F(Threads, ReadAndFillASlotUnderItsLockAndRaiseWhenItCannotBeTaken) {
-  const auto factory = std::make_shared<IFactory>();
-  struct Row {
-    std::recursive_mutex& mutex;
-    std::function<void()> operate;
-    std::string lineBefore;  // that it fills the slot behind, if it does at all
-    bool fills = true;
-  };
-  const auto setParent = [] { TsLogging::SetParentActivityExec("n", "a", "b", "c"); };
-  const Row rows[] = {
-      {gatewayMutex, [] { GetTolvaServicesClass(); }, ""},
-      {instanceMutex, [] { TsLogging::GetInstance(); }, "info >>Quor::Velora::Infra::TsLogging::TsLogging::GetInst"},
-      {instanceMutex, setParent, "info Set Parent Activity execution"},
-      {gatewayMutex, [&] { SetFactory(factory, std::make_shared<HostGateway>("gateway")); }, "", false},
-      {instanceMutex, [&] { SetFactory(factory, std::make_shared<HostGateway>("gateway")); }, "", false},
-      {instanceMutex, [&] { SetFactory(factory, std::make_shared<HostLogging>("logging")); }, "", false},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(&row - rows);
-    std::optional<bool> isFree;
-    const auto look = [&] { Memory::AtNext([&] { isFree = IsFree(row.mutex); }); };
-    Reset();
-    row.fills&& row.lineBefore.empty() ? look() : At(row.fills ? row.lineBefore : "nowhere", look);
-    row.operate();
-    EXPECT_EQ(isFree, row.fills ? std::optional(false) : std::nullopt) << "it fills the slot without the lock";
+struct SlotUse {
+  std::recursive_mutex& mutex;
+  std::function<void()> operate;
+  std::string lineBefore = {};  // of filling the slot, if it does so at all
+  bool fills = true;
+};
 
-    std::unique_lock lock(row.mutex);
-    auto other = std::async(std::launch::async, row.operate);
+class SlotUses : public InternalsTest {
+ protected:
+  static void ExpectFilledUnderItsLock(const SlotUse& use) {
+    std::optional<bool> isFree;
+    const auto look = [&] { Memory::AtNext([&] { isFree = IsFree(use.mutex); }); };
+    use.fills&& use.lineBefore.empty() ? look() : At(use.fills ? use.lineBefore : "nowhere", look);
+    use.operate();
+    Fakes::TheScene().hook = nullptr;
+    EXPECT_EQ(isFree, use.fills ? std::optional(false) : std::nullopt) << "it fills the slot without the lock";
+  }
+
+  static void ExpectToWait(const SlotUse& use) {
+    std::unique_lock lock(use.mutex);
+    auto other = std::async(std::launch::async, use.operate);
     EXPECT_EQ(other.wait_for(std::chrono::milliseconds(50)), std::future_status::timeout) << "it does not wait";
     lock.unlock();
     other.get();
+  }
 
+  static void ExpectToRaiseWithoutTheLock(const SlotUse& use) {
+    factorySlot.reset();
+    const auto before = std::pair(instanceSlot, currentGateway);
+    const std::lock_guard first(instanceMutex);  // in the order of the two
+    const Exhausted exhausted(use.mutex);
+    EXPECT_THROW(use.operate(), std::system_error);
+    EXPECT_TRUE(before == std::pair(instanceSlot, currentGateway) && factorySlot.expired()) << "something changed";
+  }
+};
+
+TEST_F(SlotUses, ReadAndFillASlotUnderItsLockAndRaiseWhenItCannotBeTaken) {
+  const auto factory = std::make_shared<IFactory>();
+  const auto setParent = [] { TsLogging::SetParentActivityExec("n", "a", "b", "c"); };
+  const auto setGateway = [&] { SetFactory(factory, std::make_shared<HostGateway>("gateway")); };
+  const SlotUse uses[] = {
+      {gatewayMutex, [] { GetTolvaServicesClass(); }},
+      {instanceMutex, [] { TsLogging::GetInstance(); }, "info >>Quor::Velora::Infra::TsLogging::TsLogging::GetInst"},
+      {instanceMutex, setParent, "info Set Parent Activity execution"},
+      {gatewayMutex, setGateway, "", false},
+      {instanceMutex, setGateway, "", false},
+      {instanceMutex, [&] { SetFactory(factory, std::make_shared<HostLogging>("logging")); }, "", false},
+  };
+  for (const SlotUse& use : uses) {
+    SCOPED_TRACE(&use - uses);
+    Reset();
+    ExpectFilledUnderItsLock(use);
+    ExpectToWait(use);
     if (Exhausted::isKnown) {
-      factorySlot.reset();
-      const auto before = std::pair(instanceSlot, currentGateway);
-      const std::lock_guard first(instanceMutex);  // in the order of the two
-      const Exhausted exhausted(row.mutex);
-      EXPECT_THROW(row.operate(), std::system_error);
-      EXPECT_TRUE(before == std::pair(instanceSlot, currentGateway) && factorySlot.expired()) << "something changed";
+      ExpectToRaiseWithoutTheLock(use);
     }
   }
 }
