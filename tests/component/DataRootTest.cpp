@@ -32,12 +32,6 @@ TEST_F(DataRoot, OfAModuleThatCannotBeFoundIsEmpty) {
   EXPECT_EQ(Journal(), Check("", notFound));
 }
 
-TEST_F(DataRoot, IsTheSameEachTimeItIsAskedFor) {
-  EXPECT_EQ(TsLogging::GetDataRootDirectory(), root);
-  EXPECT_EQ(TsLogging::GetDataRootDirectory(), root);
-  EXPECT_EQ(Journal(), DataRootLines(root) + DataRootLines(root));
-}
-
 TEST_F(DataRoot, ThatIsNoNarrowTextRaisesBetweenItsTraceLinesAndEndsInTheCheckAlone) {
   const auto makeWide = [] { systemCalls.moduleFile.insert(4, 1, L'\x6F22'); };
   At("TSAL IsConnectable", makeWide);

@@ -40,11 +40,6 @@ TEST_F(Gateway, ActivitiesFileReachesTsalUnlessItWasRegisteredLast) {
   }
 }
 
-TEST_F(Gateway, SessionWithTextsIsBegunAndItsHandleDroppedAtOnce) {
-  TolvaServicesClass().BeginSession(oddText, "b", "c");
-  EXPECT_EQ(Journal(), Lines("TSAL BeginSession('" + oddText + "', 'b', 'c')", "session released"));
-}
-
 TEST_F(Gateway, AndLoggingAreReleasedUnderTheirLocks) {
   bool free = true;
   TsLogging::SetInstance(std::make_shared<HostLogging>("logging", [&] { free = IsFree(instanceMutex); }));

@@ -35,7 +35,8 @@ TEST_F(Parent, IsSetUpByTheFilesWhereTheyLie) {
   Fakes::TheScene().answers.versions = {"AutoFunction"};
   const Place places[] = {
       {"current directory", current, "TSAL SetTsalPath('')", sessionWith("", own)},
-      {"data root", dataRoot, "TSAL SetTsalPath('" + root + "')", sessionWith("'a', 'b', 'c'", root + own)},
+      {"data root", dataRoot, "TSAL SetTsalPath('" + root + "')",
+       sessionWith('\'' + oddText + "', 'b', 'c'", root + own)},
       {"nowhere", folder.path, notFound, notFound, ""},
   };
   for (const Place& place : places) {
@@ -44,7 +45,7 @@ TEST_F(Parent, IsSetUpByTheFilesWhereTheyLie) {
     library = std::make_unique<Library>(file);
     PutSettings(place.folder);
     rename(place.folder / "activities.xml", place.folder / own);
-    EXPECT_EQ(library->NewConfigurator()->SetParentActivityExec("n", "a", "b", "c", own), "new guid");
+    EXPECT_EQ(library->NewConfigurator()->SetParentActivityExec("n", oddText, "b", "c", own), "new guid");
     EXPECT_EQ(Journal(), SettingOf(root, place.search, place.session, place.version));
     remove(place.folder / "TSAL.config");
   }
