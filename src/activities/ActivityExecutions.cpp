@@ -16,7 +16,7 @@ namespace {
 constexpr const char* serverNotAvailable =
     "Cannot create an activity execution because Tolva Services server is not available";
 
-/// What a creation works on and gives back. newGuid stays empty when nothing was created.
+/// The input and the result of a creation. newGuid stays empty when nothing was created.
 struct ActivityExecutionRequest {
   std::string node;
   std::string description;
@@ -108,7 +108,7 @@ std::string TsLogging::CreateActivityExecution(const std::string& parentActivity
   }
   const ActivityExecutionRequest request =
       CreateUnderGivenParent(parentActivityGuid, regActivityVersionName, node, description);
-  // Two blanks after the full stop: each of the first two pieces has one.
+  // The line has two blanks after the full stop.
   scope.WriteInfo(ComposeLine("Create activity execution. ", " parentActivityGuid: ", parentActivityGuid,
                               ", regActivityVersionName: ", regActivityVersionName, ", node: ", node,
                               ", description: ", description, ", new guid: ", request.newGuid));

@@ -6,8 +6,8 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// The registered version of that exact name. An unknown name is added with an empty version; the next registration
-/// drops it again.
+/// Returns the registered version with exactly this name. An unknown name is added to the table with an empty version,
+/// until the next registration.
 const TolvaServices::Types::ActivityVersion& LookUpActivityVersion(const std::string& name);
 
 }  // namespace Quor::Velora::Infra::TsLogging

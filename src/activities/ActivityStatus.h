@@ -6,7 +6,7 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-// TS defines what the numbers mean.
+// TS defines these numbers.
 inline constexpr TolvaServices::Types::Enums::ActivityExecStatus createdStatus{4};
 inline constexpr TolvaServices::Types::Enums::ActivityExecStatus updatedStatus{14};
 inline constexpr std::int32_t topLevelKind = 5;

@@ -4,9 +4,9 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// Creates the execution that later ones without a parent of their own become children of, and makes it the process's
-/// parent. A raise leaves the parent set before.
-/// @return its guid.
+/// Creates an execution and makes it the process-wide parent, under which executions without a given parent are
+/// created. An exception leaves the parent set before.
+/// @return the guid of the execution.
 std::string CreateParentActivityExecution(const std::string& node);
 
 }  // namespace Quor::Velora::Infra::TsLogging

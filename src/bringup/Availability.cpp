@@ -7,7 +7,7 @@
 namespace Quor::Velora::Infra::TsLogging {
 namespace {
 
-// The search decides what TS is told and the error line; the answer is TS's alone.
+// The search sets the path in TS and writes an error line if it finds nothing. Only TS decides the result.
 bool IsTsConnectable(const TraceScope& scope, const std::string& activitiesFile) {
   const std::filesystem::path dataRoot = TsLogging::GetDataRootDirectory();
   FindSettings(scope, dataRoot, activitiesFile);
@@ -23,7 +23,7 @@ bool TsLogging::CheckTsServiceAvailability(const std::string& activitiesFile) {
     try {
       usable = IsTsConnectable(scope, activitiesFile);
     } catch (...) {
-      usable = false;  // a host without a working TS goes on without it
+      usable = false;  // a host works without TS, too
     }
   }
   tsSupported = usable;

@@ -18,9 +18,8 @@
 namespace Quor::Velora::Infra::TsLogging {
 namespace {
 
-// The system cuts off a path that does not fit, and the folder of a cut-off path is a wrong one that looks right. So
-// the buffer grows until the path fits: paths of 260 characters and more are common outside Windows, and possible
-// there.
+// The system truncates a path that does not fit, and the folder of a truncated path is wrong. So the buffer grows until
+// the path fits. Paths of 260 characters and more are common outside Windows, and possible on Windows.
 std::vector<wchar_t> ModuleFileName(HMODULE module) {
   for (DWORD size = 260;; size *= 2) {
     std::vector<wchar_t> path(size);
@@ -65,7 +64,7 @@ std::string ToNarrowString(const wchar_t* text) {
   std::vector<char> longBuffer(length < shortLength ? 0 : length + 1);
   char* const buffer = length < shortLength ? shortBuffer.data() : longBuffer.data();
   std::size_t written = 0;
-  static_cast<void>(wcstombs_s(&written, buffer, length + 1, text, length));  // the count tells more than the code
+  static_cast<void>(wcstombs_s(&written, buffer, length + 1, text, length));  // the count says more than the code
   if (written != length + 1) {
     throw std::bad_cast();
   }

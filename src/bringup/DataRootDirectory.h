@@ -4,11 +4,12 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// The folder of the file that holds this very code, with a separator at its end; empty when it cannot be told.
+/// The folder of the file that contains this code, with a separator at its end. Empty when the system does not return
+/// it.
 std::wstring GetModuleDirectory();
 
-/// Wide text, ended by a zero or null, as one byte per character.
-/// @throws std::bad_cast for a text that has no such form in the runtime's current locale.
+/// Converts a wide text to one byte per character. A null pointer is an empty text.
+/// @throws std::bad_cast when the current locale of the runtime cannot convert the text.
 std::string ToNarrowString(const wchar_t* text);
 
 }  // namespace Quor::Velora::Infra::TsLogging

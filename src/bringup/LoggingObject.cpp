@@ -13,12 +13,12 @@ std::shared_ptr<ITsLogging> TsLogging::GetInstance() {
   const std::lock_guard lock(instanceMutex);
   if (!instanceSlot) {
     instanceSlot = std::make_shared<TsLogging>();
-    // Always for the default file, whichever one bring-up was given. A raise leaves the new object in its slot.
+    // Always for the default file, not for the file of the bring-up. An exception leaves the new object in its slot.
     if (!CheckTsServiceAvailability(defaultActivitiesFile)) {
       scope.WriteWarning(tsNotSupported);
     }
   }
-  return instanceSlot;  // read again: the check may have called a gateway that put another object there
+  return instanceSlot;  // read again, because a gateway that the check calls can replace the object
 }
 
 void TsLogging::CreateInstanceIfNone() {
@@ -31,7 +31,7 @@ void TsLogging::CreateInstanceIfNone() {
 void TsLogging::SetInstance(std::shared_ptr<ITsLogging> instance) {
   const TraceScope scope(traceSource, Operation::setInstance);
   const std::lock_guard lock(instanceMutex);
-  // A move assignment swaps before it releases: the old object goes under the lock, and finds the new one in place.
+  // A move assignment swaps before it releases: the old object is released under the lock, with the new one in place.
   instanceSlot = std::move(instance);
 }
 

@@ -7,8 +7,8 @@
 namespace Quor::Velora::Infra::TsLogging {
 namespace {
 
-// A relative name is appended to the separator that the data root ends in. The standard join would do, but GCC 12's
-// crashes when memory runs out while it appends.
+// The data root ends in a separator, so a relative name is appended. The join of the standard library would also work,
+// but that of GCC 12 crashes when an allocation fails.
 std::filesystem::path Joined(const std::filesystem::path& dataRoot, const std::filesystem::path& file) {
   if (file.has_root_path()) {
     return dataRoot / file;

@@ -7,17 +7,17 @@ namespace Quor::Velora::Infra::TsLogging {
 
 class TraceScope;
 
-/// Where the TS settings file and the activities file lie, both of them.
+/// The folder that has both the TS settings file and the activities file.
 enum class SettingsPlace { CurrentDirectory, DataRoot, Nowhere };
 
-/// Looks in the current directory, then in the data root, and tells TS what came of it: the empty path, or the data
-/// root. Found nowhere is an error line of the operation, and TS is told nothing. The second file of a place is asked
-/// for only when the first is there; whatever has the name counts, a folder too. Raises when the file system fails for
-/// another reason than absence.
+/// Searches both files in the current directory, then in the data root, and sets the path in TS: the empty path for the
+/// current directory, or the data root. If neither folder has both, it writes an error line of the operation and does
+/// not call TS. The second file is searched only where the first one exists. A folder of that name counts as a file.
+/// @throws std::filesystem::filesystem_error when the file system cannot say whether a file exists.
 SettingsPlace FindSettings(const TraceScope& scope, const std::filesystem::path& dataRoot,
                            const std::string& activitiesFile);
 
-/// A file in that place: its name unchanged for the current directory, else joined with the data root.
+/// The path of a file in that place: the unchanged name for the current directory, otherwise joined with the data root.
 std::string FileIn(SettingsPlace place, const std::filesystem::path& dataRoot, const std::string& file);
 
 }  // namespace Quor::Velora::Infra::TsLogging

@@ -4,10 +4,10 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// Begins a TS session and, once it has begun, forgets every pending event.
+/// Begins a TS session, and then removes all pending events.
 void StartTsSession();
 
-/// The same with three texts of the host's, passed on to TS.
+/// Begins a TS session with three texts of the host for TS, and then removes all pending events.
 void StartTsSession(const std::string& sessionArg1, const std::string& sessionArg2, const std::string& sessionArg3);
 
 }  // namespace Quor::Velora::Infra::TsLogging

@@ -18,7 +18,7 @@ using TolvaServices::Types::Tsid;
 
 namespace {
 
-// The four typed operations, which differ in the kind of parameter and the opening of its value alone.
+// The four typed operations differ only in the type of the parameter and in the text before its value.
 template <typename Parameter, typename Value>
 void AddParameter(const std::string& node, const std::string& parameter, const char* valueOpening, const Value& value) {
   const TraceScope scope(traceSource, Operation::addInstrumentEventParameter);
@@ -58,7 +58,7 @@ void TsLogging::SaveInstrumentEvent(const std::string& node, const std::string& 
   }
   const Tsid asked(activityTsidGuid);
   const ActivityExecution execution = GetTolvaServicesClass()->GetActivityExecution(asked, true);
-  // Attached to the identity that TS answered with, not to the one asked for.
+  // The event belongs to the identity that TS returned, which can differ from the requested one.
   GetTolvaServicesClass()->SaveEvent(event, instrumentConfigResult.ConfigurationId, &execution.Id);
 }
 

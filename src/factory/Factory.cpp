@@ -8,13 +8,13 @@
 namespace Quor::Velora::Infra::TsLogging {
 namespace {
 
-// The former reference goes once the new one is in place: what a deleter holds is destroyed with the last weak
-// reference, and may call back. An assignment would release first.
+// Swaps, because an assignment releases the old reference before the new one is in place. The last weak reference
+// destroys the deleter of a factory, which may call the component.
 void PutInFactorySlot(const std::shared_ptr<IFactory>& factory) { std::weak_ptr<IFactory>(factory).swap(factorySlot); }
 
 }  // namespace
 
-// Nothing to assign.
+// A factory has no data to assign.
 IFactory& IFactory::operator=(const IFactory& other) noexcept = default;
 IFactory& IFactory::operator=(IFactory&& other) noexcept = default;
 

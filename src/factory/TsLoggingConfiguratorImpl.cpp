@@ -29,6 +29,6 @@ std::shared_ptr<ITsLoggingConfigurator> GetTsLoggingConfigurator() {
 }  // namespace Quor::Velora::Unmanaged
 
 void GetTsLogingConfigurator(std::shared_ptr<Quor::Velora::Unmanaged::ITsLoggingConfigurator>& slot) {
-  // A move assignment swaps before it releases.
+  // A move assignment swaps before it releases: the old object is released with the new one in place.
   slot = Quor::Velora::Unmanaged::GetTsLoggingConfigurator();
 }

@@ -4,7 +4,7 @@
 
 namespace Quor::Velora::Unmanaged {
 
-/// Carries the calls across the boundary and nothing else.
+/// Forwards all calls to TsLogging.
 class TsLoggingConfiguratorImpl final : public ITsLoggingConfigurator {
  public:
   std::string SetParentActivityExec(const std::string& node, const std::string& sessionArg1,

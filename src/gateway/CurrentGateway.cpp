@@ -18,7 +18,7 @@ std::shared_ptr<ITolvaServicesClass> GetTolvaServicesClass() {
 
 void SetTolvaServicesClass(std::shared_ptr<ITolvaServicesClass> gateway) {
   const std::lock_guard lock(gatewayMutex);
-  // A move assignment swaps before it releases: the old gateway goes under the lock, and finds the new one in place.
+  // A move assignment swaps before it releases: the old gateway is released under the lock, with the new one in place.
   currentGateway = std::move(gateway);
 }
 

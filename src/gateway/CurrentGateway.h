@@ -6,11 +6,12 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// The gateway of this moment, never empty: without one, a new default gateway. Fetched afresh for every call to TS, so
-/// that the call outlives a replacement of the gateway. No TS call runs under the slot's lock.
+/// Returns the current gateway. If the slot is empty, a new default gateway is put into it. Fetch the gateway again for
+/// every call to TS: the returned reference keeps it alive when it is replaced during the call. The lock of the slot is
+/// not held during a call to TS.
 std::shared_ptr<ITolvaServicesClass> GetTolvaServicesClass();
 
-/// Replaces the gateway; an empty one lets the next call make a default gateway that remembers nothing.
+/// Replaces the gateway. If it is empty, the next call to TS makes a new default gateway with empty caches.
 void SetTolvaServicesClass(std::shared_ptr<ITolvaServicesClass> gateway);
 
 }  // namespace Quor::Velora::Infra::TsLogging

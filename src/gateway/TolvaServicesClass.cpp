@@ -29,7 +29,7 @@ void TolvaServicesClass::SetTsalPath(const std::string& path) {
   }
   std::string handedOver = path;
   TSInstance::SetTsalPath(path);
-  // Only once TSAL has taken it, and without a step that could fail.
+  // After TSAL has accepted the path; these steps cannot fail.
   tsalPath = std::move(handedOver);
   tsalPathSet = true;
 }

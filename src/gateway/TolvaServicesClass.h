@@ -6,10 +6,10 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// The default gateway: forwards to TSAL, adds what the component always passes the same way, and spares TSAL the
-/// settings path and the activities file that it was handed last.
+/// The default gateway. It forwards to TSAL and adds the constant arguments. It does not pass on a settings path or an
+/// activities file that is the same as in the call before.
 ///
-/// Not to be used for the two from several threads at once: what it remembers has no lock.
+/// Do not call these two operations on several threads at once: their caches have no lock.
 class TolvaServicesClass final : public ITolvaServicesClass {
  public:
   void BeginSession(const std::string& sessionArg1, const std::string& sessionArg2,
@@ -34,7 +34,7 @@ class TolvaServicesClass final : public ITolvaServicesClass {
  private:
   ActivityVersionMap activityVersionsCache;
   std::string activityVersionsFile;
-  bool activityVersionsCached = false;  // the flag says whether there is a registration: its path can be empty
+  bool activityVersionsCached = false;  // needed because the path of a registration can be empty
   std::string tsalPath;
   bool tsalPathSet = false;
 };

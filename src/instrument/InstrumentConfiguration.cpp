@@ -12,8 +12,8 @@
 namespace Quor::Velora::Infra::TsLogging {
 namespace {
 
-// Empty when the system does not tell, which is no failure. On Windows it tells only once the host has started the
-// socket layer.
+// Empty when the system does not return it, which is not a failure. Windows returns it only after the host has started
+// the socket layer.
 std::string HostName() {
   constexpr int length = 128;
   std::array<char, length> buffer{};
@@ -23,7 +23,7 @@ std::string HostName() {
 
 std::string ModelName(KivAccess::MicroscopeType type) {
   std::ostringstream text;
-  text.exceptions(std::ios_base::badbit);  // a stream would keep a failure to itself
+  text.exceptions(std::ios_base::badbit);  // otherwise a failing stream truncates the text silently
   text << type;
   return text.str();
 }

@@ -7,12 +7,12 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// Sends what is known of the instrument and the computer to TS, and keeps the answer as the configuration that later
-/// events refer to. A raise leaves the kept answer as it was.
-/// @param configurationText the whole text of the instrument configuration file, never looked into here.
+/// Saves the description of the instrument and of the computer in TS, and keeps the result for later events. An
+/// exception leaves the kept result unchanged.
+/// @param configurationText the whole text of the instrument configuration file. It is passed on unread.
 void SaveInstrumentConfiguration(const std::string& configurationText);
 
-/// Writes the name of a microscope type, "?" for one without a name.
+/// Writes the name of a microscope type, or "?" for an unknown type.
 std::ostream& operator<<(std::ostream& stream, KivAccess::MicroscopeType type);
 
 }  // namespace Quor::Velora::Infra::TsLogging

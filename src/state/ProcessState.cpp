@@ -2,8 +2,9 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-// The order counts. Objects of one file are destroyed in reverse: what a destructor of a host's object may still use
-// when it calls back in while the library unloads stands before the release of such objects.
+// The order is important, because the objects of one file are destroyed in reverse order. While the library unloads,
+// the destructor of a host's object may call the component. What these calls use is defined before the release of the
+// slots.
 
 const SharedSource traceSource = std::make_shared<TraceSource>(L"Velora.TsLogging");
 const std::string settingsFileName = "TSAL.config";
@@ -38,8 +39,8 @@ TolvaServices::Types::InstrumentEventConfigResult instrumentConfigResult;
 
 namespace {
 
-// A slot that nothing destroys: what is put in after its release stays there, and whoever is still inside an operation
-// finds it whole.
+// A slot that is never destroyed. An object that is put into it after its release stays there, and an operation that is
+// still running can use the slot.
 template <typename Slot>
 union Lasting {
   constexpr Lasting() : slot() {}
@@ -59,8 +60,8 @@ std::weak_ptr<IFactory>& factorySlot = factory.slot;
 
 namespace {
 
-// At unload each slot is released once, in this order. A slot is emptied before what it held is released, so a
-// destructor that looks finds it empty rather than half gone.
+// At unload each slot is released once, in this order. A slot is empty before its object is released, so the destructor
+// of the object finds it empty.
 struct ReleaseAtUnload {
   ~ReleaseAtUnload() {
     factorySlot.reset();

@@ -12,15 +12,15 @@
 #include <mutex>
 #include <string>
 
-// All state of the component, which is the state of the process. No other file has a mutable object of static storage.
-// Lock order: instanceMutex before gatewayMutex.
+// All state of the component. It belongs to the process. No other file has a mutable object with static storage
+// duration. Lock order: instanceMutex before gatewayMutex.
 
 namespace Quor::Velora::Infra::TsLogging {
 
-// Constants. With VELORA_TS_LOGGING_ONE_THREAD, what traceSource points to also says which thread is inside.
-extern const SharedSource traceSource;           // under which every line is written
-extern const std::string settingsFileName;       // what TSAL reads
-extern const std::string defaultActivitiesFile;  // where a caller names none
+// Constants. With VELORA_TS_LOGGING_ONE_THREAD the object behind traceSource also records which thread is inside.
+extern const SharedSource traceSource;           // the source of every line
+extern const std::string settingsFileName;       // the file that TSAL reads
+extern const std::string defaultActivitiesFile;  // for a caller that names none
 
 // The operations that write trace lines.
 namespace Operation {
@@ -40,18 +40,18 @@ extern const SharedName updateActivityExecution;
 
 // Guarded by a lock. Every read and every write of a slot happens while its mutex is held.
 extern std::recursive_mutex instanceMutex;
-extern std::shared_ptr<ITsLogging>& instanceSlot;  // written by GetInstance, SetInstance and the parent set-up
+extern std::shared_ptr<ITsLogging>& instanceSlot;  // written by GetInstance, SetInstance and SetParentActivityExec
 extern std::recursive_mutex gatewayMutex;
-extern std::shared_ptr<ITolvaServicesClass>& currentGateway;  // written and read by the gateway slot's two operations
+extern std::shared_ptr<ITolvaServicesClass>& currentGateway;  // used by gateway/CurrentGateway.cpp only
 
 // Read by every operation without a lock, written by each availability check as its last step.
 extern std::atomic<bool> tsSupported;
 
-// Without a lock: callers never run two operations at once.
-extern std::weak_ptr<IFactory>& factorySlot;  // written and read by GetFactory and SetFactory
+// Without a lock, because a host runs one operation at a time.
+extern std::weak_ptr<IFactory>& factorySlot;  // used by GetFactory and SetFactory
 extern ActivityVersionMap activityVersions;   // written by registration and by look-ups of unknown names
 extern std::map<std::string, TolvaServices::Types::InstrumentEvent> pendingInstrumentEvents;  // the event operations
-extern std::string parentActivityExecGuid;  // the parent execution; read by every creation
+extern std::string parentActivityExecGuid;  // written by the parent execution, read by every creation
 extern TolvaServices::Types::InstrumentEventConfigResult instrumentConfigResult;  // written by each configuration save
 
 }  // namespace Quor::Velora::Infra::TsLogging

@@ -8,34 +8,34 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// The component's logging object. It has no data: all state is the process's (state/ProcessState.h).
+/// The logging object of the component. It has no data; all state belongs to the process (state/ProcessState.h).
 class TsLogging final : public ITsLogging {
  public:
-  /// The object in the slot; when the slot is empty, a new one, checked before it is handed out.
+  /// The object in the slot. If the slot is empty, a new object is made and the availability is checked.
   static std::shared_ptr<ITsLogging> GetInstance();
   static void SetInstance(std::shared_ptr<ITsLogging> instance);
   static void SetTolvaServicesInstance(std::shared_ptr<ITolvaServicesClass> gateway);
 
-  /// Whether TS can be used, which every operation is told by IsTsSupported until the next check.
+  /// Checks whether TS can be used. IsTsSupported returns this result until the next check.
   static bool CheckTsServiceAvailability(const std::string& activitiesFile);
   static bool IsTsSupported();
 
-  /// The bring-up. Does nothing but the check when TS cannot be used.
+  /// The bring-up of a native host. If TS cannot be used, it ends after the check.
   static void CreateTsLoggingSession(const std::string& instrumentConfigFile, const std::string& activitiesFile);
 
-  /// The folder of the library's own file with a separator at its end; empty when it cannot be told.
+  /// The folder of the library file, with a separator at its end. Empty when the system does not return it.
   static std::filesystem::path GetDataRootDirectory();
 
-  /// Brings TS up by itself and creates the execution under which later ones without a parent hang.
-  /// @return its guid; the one of the parent set before when TS cannot be used.
+  /// The bring-up of a managed host: starts a session and creates the process-wide parent.
+  /// @return the guid of the parent. When TS cannot be used, the guid of the parent set before.
   static std::string SetParentActivityExec(const std::string& node, const std::string& sessionArg1,
                                            const std::string& sessionArg2, const std::string& sessionArg3,
                                            const std::string& activitiesFile);
   static std::string SetParentActivityExec(const std::string& node, const std::string& sessionArg1,
                                            const std::string& sessionArg2, const std::string& sessionArg3);
 
-  /// Makes the versions that TS knows from this file the table of activity versions; a raise leaves the table as it
-  /// was.
+  /// Registers the file in TS and keeps the returned versions as the table of activity versions. An exception leaves
+  /// the table unchanged.
   static void RegisterActivitiesFile(const std::string& activitiesFilePath);
 
   std::string CreateActivityExecution(const std::string& parentActivityGuid, const std::string& regActivityVersionName,
@@ -53,11 +53,11 @@ class TsLogging final : public ITsLogging {
                                    const std::string& value) override;
 
  private:
-  /// Without the check that GetInstance makes.
+  /// Does not check the availability, unlike GetInstance.
   static void CreateInstanceIfNone();
 };
 
-/// The line for a TS that cannot be used.
+/// The text of the line that says that TS cannot be used.
 inline constexpr const char* tsNotSupported =
     "Kv7 for Velora is not supported because TS Server is not installed or available";
 

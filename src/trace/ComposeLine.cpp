@@ -17,8 +17,8 @@ std::to_chars_result ToChars(char* first, char* last, double value) {
   return std::to_chars(first, last, value, std::chars_format::general, streamPrecision);
 }
 
-// What a stream makes of infinities and of what is not a number is up to the system, and so is rounding in a direction
-// that the host has set.
+// Infinities and NaN have a form that depends on the system. Numbers also depend on a rounding direction that the host
+// has set. In these cases a stream must write the number.
 bool IsRoundedToNearest(double value) { return std::isfinite(value) && std::fegetround() == FE_TONEAREST; }
 bool IsRoundedToNearest(std::int32_t /*value*/) { return true; }
 
@@ -32,7 +32,7 @@ void AppendPiece(std::string& line, Number value) {
     return;
   }
   std::ostringstream stream;
-  stream.exceptions(std::ios_base::badbit);  // a stream would keep a failure to itself and cut the line short
+  stream.exceptions(std::ios_base::badbit);  // otherwise a failing stream truncates the line silently
   stream << value;
   line += stream.str();
 }

@@ -6,8 +6,8 @@
 namespace Quor::Velora::Infra::TsLogging {
 
 #ifdef VELORA_TS_LOGGING_ONE_THREAD
-/// In the build for tests of hosts: while an operation runs, an operation on another thread ends the process with a
-/// line that names both. In the shipped build it would damage the tables that both use, mostly without a sign of it.
+/// In the build for tests of hosts: ends the process when an operation starts while another thread runs one. The error
+/// line names both operations. In the shipped build they would damage the tables of the process without an error.
 class OneThread {
  public:
   OneThread(SharedSource sharedSource, const TracedName& operation);

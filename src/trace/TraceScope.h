@@ -12,14 +12,14 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// The one way to the host's logger: writes an operation's entry line when it opens and its exit line when it closes;
-/// the operation's own lines go through it in between. Lives on the operation's stack.
+/// Writes the lines of one operation to the host's logger: the entry line in the constructor, the exit line in the
+/// destructor, and the operation's own lines between them. No other code calls the logger.
 ///
-/// When opening raises, the operation does not run and has no exit line.
+/// When the constructor raises, the operation does not run and has no exit line.
 class TraceScope {
  public:
-  /// @param sharedSource,sharedName constants of the process, and the scope's own until it closes: a process that ends
-  ///        during an operation gives up its constants first.
+  /// @param sharedSource,sharedName constants of the process. The scope shares them, because a process that ends during
+  ///        an operation destroys its constants first.
   TraceScope(SharedSource sharedSource, SharedName sharedName)
       : oneThread(sharedSource, *sharedName),
         logger(Logging::Logger::GetInstance()),
@@ -29,12 +29,12 @@ class TraceScope {
   }
   TraceScope(const TraceScope&) = delete;
   TraceScope& operator=(const TraceScope&) = delete;
-  /// Gives up the exit line when the logger raises on it: nothing may leave a closing scope.
+  /// Ignores an exception of the logger, because a destructor must not raise.
   ~TraceScope() {
     try {
       WriteInfo(functionName->exitLine);
     } catch (...) {
-      // The operation's own outcome counts more than its exit line.
+      // The result of the operation is more important than its exit line.
     }
   }
 
@@ -44,7 +44,7 @@ class TraceScope {
 
  private:
   [[no_unique_address]] OneThread oneThread;
-  // The logger is released last of what the scope holds.
+  // Declared before the texts, so that it is released after them.
   std::shared_ptr<Logging::Logger> logger;
   SharedSource source;
   SharedName functionName;

@@ -10,16 +10,16 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// What all scopes of the process share.
+/// The data that all scopes of the process share.
 struct TraceSource {
   explicit TraceSource(std::wstring sourceName) : name(std::move(sourceName)) {}
 
-  const std::wstring name;  // under which every line is written
+  const std::wstring name;  // the source of every line
 
 #ifdef VELORA_TS_LOGGING_ONE_THREAD
-  // Who is inside an operation. The thread that comes in takes the first and alone writes the other two.
+  // The thread that runs an operation. A thread that starts one sets threadInside; only that thread writes the others.
   std::atomic<std::thread::id> threadInside;
-  std::atomic<const TracedName*> operationInside = nullptr;  // the outermost
+  std::atomic<const TracedName*> operationInside = nullptr;  // the outermost one
   int operationsInside = 0;
 #endif
 };

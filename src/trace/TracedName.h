@@ -5,8 +5,8 @@
 
 namespace Quor::Velora::Infra::TsLogging {
 
-/// The full name of an operation as its two trace lines have it, ready before the first call: an operation writes them
-/// without asking for memory.
+/// The entry line and the exit line of an operation. They are made when the library is loaded, so that an operation
+/// writes them without an allocation.
 struct TracedName {
   explicit TracedName(const std::string& operation)
       : entryLine(">>Quor::Velora::Infra::TsLogging::TsLogging::" + operation),
@@ -16,7 +16,7 @@ struct TracedName {
   const std::string exitLine;
 };
 
-/// Shared by the process and its scopes: a scope can outlive the process's constants.
+/// Shared by the process and its scopes, because a scope can live longer than the constants of the process.
 using SharedName = std::shared_ptr<const TracedName>;
 
 }  // namespace Quor::Velora::Infra::TsLogging
