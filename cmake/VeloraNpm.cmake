@@ -5,7 +5,7 @@ function(velora_npm_modules folder file)
   add_custom_command(
     OUTPUT ${file}
     COMMAND ${CMAKE_COMMAND} -E copy ${folder}/package.json ${folder}/package-lock.json .
-    COMMAND ${NPM} ci --ignore-scripts --prefer-offline --no-audit --no-fund --loglevel error
+    COMMAND ${NPM} ci --omit=dev --ignore-scripts --prefer-offline --no-audit --no-fund --loglevel error
     COMMAND ${CMAKE_COMMAND} -E touch ${file}
     DEPENDS ${folder}/package.json ${folder}/package-lock.json
     WORKING_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}

@@ -1,25 +1,25 @@
 // What timeline and plot have in common: ECharts, the colours of the page, and one way to move through time.
 
-const left = 150; // of both charts, so that equal times stand above each other
-const right = 40;
+import { init } from './echarts.js';
+import { colour } from './colours.js';
+import { make } from './element.js';
+import { readable } from './text.js';
+import { ticksOf } from './time-window.js';
 
-const tooltipLine = 22; // pixels
+export const left = 150; // of both charts, so that equal times stand above each other
+export const right = 40;
 
-const colour = (name) => getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
+export const tooltipLine = 22; // pixels
 
-const statusVariable = (code) =>
-  code === 14 ? 'done' : code === 4 ? 'running' : `other-${Math.abs(Number(code)) % 3}`;
-const statusColour = (code) => colour(statusVariable(code));
-
-const isPrinting = () => document.documentElement.classList.contains('printing');
+export const isPrinting = () => document.documentElement.classList.contains('printing');
 
 /** A text for a tooltip, in which ECharts would take {name|text} for a style. */
-const plain = (stored) => readable(stored).replaceAll('{', '{\u2060');
+export const plain = (stored) => readable(stored).replaceAll('{', '{\u2060');
 
-const shortened = (text, length) => (text.length > length ? `${text.slice(0, length - 1)}…` : text);
+export const shortened = (text, length) => (text.length > length ? `${text.slice(0, length - 1)}…` : text);
 
 /** An axis of time; the labels of its ticks are given by a function of time and distance. */
-function timeAxis(time, wanted, label, origin) {
+export function timeAxis(time, wanted, label, origin) {
   const { ticks, step } = ticksOf(time.from, time.to, wanted, origin);
   return {
     type: 'value',
@@ -33,7 +33,7 @@ function timeAxis(time, wanted, label, origin) {
   };
 }
 
-class Chart {
+export class Chart {
   constructor(element, time, movesInTime) {
     this.element = element;
     this.time = time;
@@ -41,7 +41,7 @@ class Chart {
     this.drawings = 0;
     this.canvas = element.appendChild(make('div', 'canvas'));
     this.canvas.setAttribute('role', 'img');
-    this.echarts = echarts.init(this.canvas, null, { devicePixelRatio: Math.max(2, window.devicePixelRatio) });
+    this.echarts = init(this.canvas, null, { devicePixelRatio: Math.max(2, window.devicePixelRatio) });
     this.echarts.on('finished', () => {
       element.dataset.drawn = ++this.drawings;
     });
@@ -167,7 +167,7 @@ class Chart {
 }
 
 /** Calls something once before the next picture, however often it is asked to. */
-function oncePerFrame(work) {
+export function oncePerFrame(work) {
   let asked = false;
   return () => {
     if (!asked) {

@@ -1,9 +1,14 @@
 // The columns that the table can have.
 
+import { lengthOf } from './clock.js';
+import { csvValue } from './csv.js';
+import { statusName } from './statuses.js';
+import { numberOf, valueText } from './values.js';
+
 const likelyColumns = ['TiltAngle', 'ExposureDose', 'Defocus'];
 const mostOwnColumns = 5;
 
-const columnsOf = (recorded) => [
+export const columnsOf = (recorded) => [
   ...fixedColumns(recorded),
   ...recorded.quantities.map((quantity) => parameterColumn(recorded, quantity)),
 ];
@@ -82,7 +87,7 @@ function parameterColumn(recorded, quantity) {
   };
 }
 
-function pickLikely(recorded, columns, rows) {
+export function pickLikely(recorded, columns, rows) {
   const below = new Set(rows.slice(0, 1000));
   const own = columns.filter(
     ({ quantity }) =>

@@ -1,5 +1,10 @@
 // What is in the page as comma-separated values, for spreadsheets and programs.
 
+import { make } from './element.js';
+import { statusName } from './statuses.js';
+import { wellFormed } from './text.js';
+import { numberOf, valueText } from './values.js';
+
 /** A cell. A text that a spreadsheet would take for a formula has a quotation mark before it there. */
 function csvCell(value) {
   const text = typeof value === 'number' ? valueText(value) : wellFormed(String(value ?? ''));
@@ -24,17 +29,18 @@ function distinct(names) {
 }
 
 /** The table as it is chosen and sorted, all of its rows. */
-function csvOfTable(table) {
+export function csvOfTable(table) {
   const columns = table.shown;
   const names = distinct(columns.map((column) => column.csvName ?? column.name));
   return csvOf([names, ...table.ordered().map((at) => columns.map((column) => (column.csv ?? column.text)(at)))]);
 }
 
 /** A value for a cell: a number stays one. */
-const csvValue = (value, kind) => (typeof value === 'number' && kind !== 'bool' ? value : valueText(value, kind));
+export const csvValue = (value, kind) =>
+  typeof value === 'number' && kind !== 'bool' ? value : valueText(value, kind);
 
 /** A row for each event in the page, a column for each name of a parameter; another one where an event has it twice. */
-function csvOfEvents(recorded) {
+export function csvOfEvents(recorded) {
   const columns = new Map();
   for (const quantity of recorded.quantities) {
     const name = quantity.occurrence > 1 ? `${quantity.name} (${quantity.occurrence})` : quantity.name;
@@ -63,7 +69,7 @@ function csvOfEvents(recorded) {
   return csvOf([names, ...rows]);
 }
 
-function download(name, text) {
+export function download(name, text) {
   const link = make('a');
   link.href = URL.createObjectURL(new Blob(['\ufeff', text], { type: 'text/csv' }));
   link.download = name;

@@ -1,8 +1,14 @@
 // What was run, when, on what, and how it ended; what did not finish before everything else.
 
+import { lengthOf } from './clock.js';
+import { colour, statusColour } from './colours.js';
+import { make, show } from './element.js';
+import { running, statusName } from './statuses.js';
+import { count, eventName, noText, readable } from './text.js';
+
 const mostNamed = 5;
 
-function showHead(recorded) {
+export function showHead(recorded) {
   const { raw, clock, root } = recorded;
   const version = recorded.versions.get(recorded.version[root]);
   const session = recorded.sessions.get(recorded.session[root]);
@@ -140,7 +146,7 @@ const readableLines = (stored) =>
         .map((piece, at) => (at % 2 === 1 ? piece : readable(piece)))
         .join('');
 
-function showLegend(recorded) {
+export function showLegend(recorded) {
   const codes = [...new Set(recorded.status)].sort((a, b) => b - a);
   const entry = (name, background) => {
     const item = make('li', '', make('span', 'swatch'), name);
@@ -150,7 +156,7 @@ function showLegend(recorded) {
   document
     .getElementById('legend')
     .replaceChildren(
-      ...codes.map((code) => entry(code === 4 ? 'did not finish' : statusName(code), statusColour(code))),
+      ...codes.map((code) => entry(code === running ? 'did not finish' : statusName(code), statusColour(code))),
       entry('event', colour('event')),
     );
 }

@@ -1,8 +1,14 @@
 // The history of one execution: its statuses, and its parameters grouped by event.
 
+import { statusVariable } from './colours.js';
+import { make, show } from './element.js';
+import { statusName } from './statuses.js';
+import { count } from './text.js';
+import { valueText } from './values.js';
+
 const eventsAtOnce = 50;
 
-function historyOf(recorded, at) {
+export function historyOf(recorded, at) {
   const { clock } = recorded;
   const statuses = make(
     'ol',

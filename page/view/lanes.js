@@ -30,7 +30,7 @@ function lastLevels(recorded, executions, depth) {
   return deepest > depth ? `levels ${depth} to ${deepest}` : levelName(recorded, executions, depth);
 }
 
-function lanesOf(recorded, room) {
+export function lanesOf(recorded, room) {
   const levels = [];
   for (let at = 0; at < recorded.count; ++at) {
     (levels[Math.min(recorded.depth[at], room.levels - 1)] ??= []).push(at);
@@ -63,7 +63,7 @@ function lanesOf(recorded, room) {
 }
 
 /** First place in a sorted list where a number is not below another. */
-function lowerBound(list, wanted, numberOfItem) {
+export function lowerBound(list, wanted, numberOfItem) {
   let [low, high] = [0, list.length];
   while (low < high) {
     const middle = (low + high) >> 1;

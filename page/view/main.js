@@ -1,5 +1,16 @@
 // Puts the parts of the page together.
 
+import { oncePerFrame } from './chart.js';
+import { csvOfEvents, csvOfTable, download } from './csv.js';
+import { Recorded } from './recorded.js';
+import { showHead, showLegend } from './head.js';
+import { historyOf } from './history.js';
+import { Plot } from './plot.js';
+import { preparePrinting } from './print.js';
+import { Table } from './table.js';
+import { TimeWindow } from './time-window.js';
+import { Timeline } from './timeline.js';
+
 const byId = (id) => document.getElementById(id);
 const recorded = new Recorded(JSON.parse(byId('recorded').textContent));
 byId('recorded').remove();

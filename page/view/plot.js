@@ -1,5 +1,13 @@
 // The plot: a parameter over time or over another parameter of the same event.
 
+import { Chart, isPrinting, left, plain, right, shortened, timeAxis } from './chart.js';
+import { colour, statusColour } from './colours.js';
+import { make } from './element.js';
+import { done, statusName } from './statuses.js';
+import { count, eventName } from './text.js';
+import { elapsed } from './time-window.js';
+import { numberOf } from './values.js';
+
 const plotHeight = () => (isPrinting() ? 170 : 300);
 const manyPoints = 5000;
 
@@ -9,7 +17,7 @@ const sensiblePairs = [
   ['TiltAngle', null],
 ];
 
-class Plot {
+export class Plot {
   constructor(element, recorded, time, open) {
     Object.assign(this, { element, recorded, time, open });
     this.choiceY = document.getElementById('plot-y');
@@ -162,7 +170,7 @@ class Plot {
       progressive: 0,
       large: many,
       largeThreshold: manyPoints,
-      symbol: code === 14 ? 'circle' : 'triangle',
+      symbol: code === done ? 'circle' : 'triangle',
       symbolSize: many ? 4 : points.length > 500 ? 5 : 8,
       itemStyle: { color: statusColour(code), opacity: 0.85 },
       tooltip: { formatter: ({ dataIndex }) => this.wordsFor(points[dataIndex]) },

@@ -1,8 +1,10 @@
 // On paper the page is one sheet of A4: light, as wide as the sheet, with as much of the table as fits.
 
+import { count } from './text.js';
+
 const sheetHeight = 1047; // of A4 within its margins, in pixels of CSS
 
-function preparePrinting(table, redraw) {
+export function preparePrinting(table, redraw) {
   window.addEventListener('beforeprint', () => {
     document.documentElement.classList.add('printing');
     redraw();

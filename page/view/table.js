@@ -1,9 +1,15 @@
 // The table: a row for each execution below the run, with the columns that the reader picks.
 
+import { columnsOf, pickLikely } from './columns.js';
+import { make, show } from './element.js';
+import { historyOf } from './history.js';
+import { running } from './statuses.js';
+import { count } from './text.js';
+
 const rowsAtOnce = 100;
 const deepestIndent = 19; // levels of rows; below them the level is a number
 
-class Table {
+export class Table {
   constructor(element, recorded) {
     Object.assign(this, { element, recorded, page: 0, rowsShown: rowsAtOnce });
     this.rows = this.inTreeOrder();
@@ -124,7 +130,7 @@ class Table {
 
   rowsOf(at) {
     const { recorded } = this;
-    const row = make('tr', recorded.status[at] === 4 ? 'unfinished' : '');
+    const row = make('tr', recorded.status[at] === running ? 'unfinished' : '');
     const isOpen = this.opened.has(at);
     this.shown.forEach((column, place) => {
       const cell = make(place === 0 ? 'th' : 'td', column.number ? 'number' : column.quantity ? 'text' : '');
@@ -155,7 +161,9 @@ class Table {
   }
 
   toggle(at) {
-    this.opened.has(at) ? this.opened.delete(at) : this.open(at);
+    if (!this.opened.delete(at)) {
+      this.open(at);
+    }
     this.draw();
     this.rowOf(at)?.querySelector('button')?.focus({ preventScroll: true });
   }

@@ -1,6 +1,8 @@
 // The span of time that timeline and plot show, in microseconds; the same for both.
 
-class TimeWindow {
+import { pad } from './clock.js';
+
+export class TimeWindow {
   constructor(first, last) {
     const margin = Math.max(1, last - first) * 0.01;
     this.whole = [first - margin, last + margin];
@@ -47,7 +49,7 @@ const steps = [
 ];
 
 /** Places for ticks of time: about as many as wanted, at round distances from an origin. */
-function ticksOf(from, to, wanted, origin = 0) {
+export function ticksOf(from, to, wanted, origin = 0) {
   const step =
     steps.find((candidate) => (to - from) / candidate <= wanted) ?? 864e8 * Math.ceil((to - from) / wanted / 864e8);
   const ticks = [];
@@ -58,10 +60,10 @@ function ticksOf(from, to, wanted, origin = 0) {
 }
 
 /** Digits of a second that tell ticks of a distance apart. */
-const digitsFor = (step) => (step >= 1e6 ? 0 : step >= 1e3 ? 3 : 6);
+export const digitsFor = (step) => (step >= 1e6 ? 0 : step >= 1e3 ? 3 : 6);
 
 /** Time from the start of the run, as a tick. */
-function elapsed(time, step) {
+export function elapsed(time, step) {
   const total = Math.abs(Math.round(time));
   const sign = time < -0.5 ? '−' : '';
   const seconds = Math.floor(total / 1e6);

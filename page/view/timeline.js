@@ -1,10 +1,19 @@
 // The timeline: executions and events in their lanes. What is closer than two pixels becomes bars, the higher the more
 // there is.
 
+import { Chart, isPrinting, left, plain, right, shortened, timeAxis, tooltipLine } from './chart.js';
+import { lengthOf } from './clock.js';
+import { colour, statusColour } from './colours.js';
+import { lanesOf, lowerBound } from './lanes.js';
+import { running, statusName } from './statuses.js';
+import { count, eventName, noName, readable } from './text.js';
+import { digitsFor } from './time-window.js';
+import { valueText } from './values.js';
+
 const closest = 2;
 const rooms = { onScreen: { levels: 24, kinds: 40, subLanes: 16 }, onPaper: { levels: 12, kinds: 8, subLanes: 4 } };
 
-class Timeline {
+export class Timeline {
   constructor(element, recorded, time, open) {
     Object.assign(this, { recorded, time, element });
     this.chart = new Chart(element, time, () => true);
@@ -195,10 +204,10 @@ class Timeline {
       return { type: 'rect', shape, style: { fill: colour('event') } };
     }
     const code = this.recorded.status[item.execution];
-    const fill = code === 4 ? this.hatched() : statusColour(code);
+    const fill = code === running ? this.hatched() : statusColour(code);
     const rect = { type: 'rect', shape: { ...shape, r: shape.width > 5 ? 2 : 0 }, style: { fill } };
-    if (code === 4) {
-      Object.assign(rect.style, { stroke: statusColour(4), lineWidth: 1 });
+    if (code === running) {
+      Object.assign(rect.style, { stroke: statusColour(running), lineWidth: 1 });
     }
     if (shape.width > 36 && item.height > 14) {
       rect.textConfig = { position: 'insideLeft', distance: 6 };
@@ -210,7 +219,7 @@ class Timeline {
           width: shape.width - 12,
           overflow: 'truncate',
           ellipsis: '…',
-          fill: colour(code === 4 ? 'text' : 'on-bar'),
+          fill: colour(code === running ? 'text' : 'on-bar'),
           font: '11px system-ui, sans-serif',
         },
       };
@@ -220,7 +229,7 @@ class Timeline {
 
   /** Stripes for what did not finish. */
   hatched() {
-    const ink = statusColour(4);
+    const ink = statusColour(running);
     if (this.hatch?.ink !== ink) {
       const image = document.createElement('canvas');
       image.width = image.height = 16;
@@ -269,7 +278,7 @@ class Timeline {
       shortened(plain(recorded.node[execution]), 60),
       plain(recorded.versions.get(recorded.version[execution])?.name ?? ''),
       `started ${recorded.clock.moment(from, 6)}`,
-      code === 4 ? 'did not finish' : `${statusName(code)} after ${lengthOf(to - from)}`,
+      code === running ? 'did not finish' : `${statusName(code)} after ${lengthOf(to - from)}`,
       count(recorded.eventsOf[execution].length, 'event') + (recorded.raw.slices ? ' kept' : ''),
     ].join('\n');
   }

@@ -4,16 +4,27 @@ import { pathToFileURL } from 'node:url';
 
 const { chromium } = createRequire(`${process.env.NODE_MODULES}/`)('playwright-core');
 
-export const launch = () => chromium.launch({
-  executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
-  args: ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
-    '--disable-component-update', '--disable-sync'],
-});
+export const launch = () =>
+  chromium.launch({
+    executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
+    args: [
+      '--no-sandbox',
+      '--disable-gpu',
+      '--disable-quic',
+      '--no-first-run',
+      '--disable-background-networking',
+      '--disable-component-update',
+      '--disable-sync',
+    ],
+  });
 
 /** Opens a page and waits until all of it is drawn. `complaints` gathers what the browser does not like. */
 export async function openReport(browser, file, options = {}) {
   const context = await browser.newContext({
-    viewport: { width: 1280, height: 900 }, timezoneId: 'Europe/Vienna', acceptDownloads: true, ...options,
+    viewport: { width: 1280, height: 900 },
+    timezoneId: 'Europe/Vienna',
+    acceptDownloads: true,
+    ...options,
   });
   const page = await context.newPage();
   page.complaints = [];
@@ -26,8 +37,10 @@ export async function openReport(browser, file, options = {}) {
 }
 
 /** Waits until both charts, as far as there are two, have finished drawing. */
-const drawn = (page) => page.waitForFunction(() => [...document.querySelectorAll('.chart')].every((chart) =>
-  chart.dataset.drawn || chart.offsetParent === null));
+const drawn = (page) =>
+  page.waitForFunction(() =>
+    [...document.querySelectorAll('.chart')].every((chart) => chart.dataset.drawn || chart.offsetParent === null),
+  );
 
 /** Does something that makes the charts draw, and waits for it. */
 export async function afterDrawing(page, action) {

@@ -10,13 +10,16 @@ import { long, scratch } from './recordings.mjs';
 const { file, bytes } = long(100000);
 const [, library] = /<script>(\s*\/\*[^]*?)<\/script>/.exec(readFileSync(file, 'utf8'));
 const empty = join(scratch, 'empty.html');
-writeFileSync(empty, `<!DOCTYPE html><meta charset="utf-8"><div class="chart" style="width:1200px;height:300px"></div>
+writeFileSync(
+  empty,
+  `<!DOCTYPE html><meta charset="utf-8"><div class="chart" style="width:1200px;height:300px"></div>
 <script>${library}</script><script>
 const element = document.querySelector('.chart');
 const chart = echarts.init(element);
 chart.on('finished', () => (element.dataset.drawn = 1));
 chart.setOption({ xAxis: {}, yAxis: {}, series: [] });
-</script>`);
+</script>`,
+);
 
 const browser = await launch();
 async function milliseconds(path) {
@@ -32,7 +35,8 @@ async function milliseconds(path) {
 }
 
 const times = { empty: [], report: [] };
-for (let round = 0; round < Number(process.argv[2]); ++round) {  // in turn, so that both meet the same machine
+for (let round = 0; round < Number(process.argv[2]); ++round) {
+  // in turn, so that both meet the same machine
   times.empty.push(await milliseconds(empty));
   times.report.push(await milliseconds(file));
 }

@@ -50,51 +50,72 @@ const asOnAnInstrument = `
 
 const sample = () => execFileSync(join(process.env.SOURCE, 'examples/record-tilt-series/make-sample-series'));
 
-export const tiltSeries = () => report(record('tilt', 'sample.mdoc', sample()));
+let series;
+export const tiltSeries = () => (series ??= report(record('tilt', 'sample.mdoc', sample())));
 
 export const unfinished = () =>
   report(record('unfinished', 'stopped.mdoc', `${sample().subarray(0, 4000)}\nno value\n`));
 
 export const hostileTexts = {
-  node: 'ZValue <script>window.bad = 1</script>', event: `<i>'it'</i>"`,
+  node: 'ZValue <script>window.bad = 1</script>',
+  event: `<i>'it'</i>"`,
   value: `<b>"a" &amp; 'b'</b>`,
-  name: '</script><!--', braces: '{a|b}{c}', formula: '=HYPERLINK("x")',
+  name: '</script><!--',
+  braces: '{a|b}{c}',
+  formula: '=HYPERLINK("x")',
   below: '</textarea><svg onload=window.bad=1>{a|b}',
 };
 
 export function hostile() {
   const { name, braces, value, formula, event, below } = hostileTexts;
-  const lines = [`[ZValue = <script>window.bad = 1</script>]`, `${name} = ${value}`, `${braces} = ${braces}`,
-    `Formula = ${formula}`, 'Escaped = \\x41', 'Marks = a\u061cb\u202ec\u{e0041}', 'Twice = 1', 'Twice = 2', 'Bytes = a'];
+  const lines = [
+    `[ZValue = <script>window.bad = 1</script>]`,
+    `${name} = ${value}`,
+    `${braces} = ${braces}`,
+    `Formula = ${formula}`,
+    'Escaped = \\x41',
+    'Marks = a\u061cb\u202ec\u{e0041}',
+    'Twice = 1',
+    'Twice = 2',
+    'Bytes = a',
+  ];
   const content = Buffer.concat([Buffer.from(lines.join('\n')), Buffer.from([0xff, 0xc3, 0x28]), Buffer.from('<u>\n')]);
   const folder = record('hostile', '<img src=x onerror="window.bad = 1">.mdoc', content);
   const quoted = (text) => `'${text.replaceAll("'", "''")}'`;
-  write(folder, `
+  write(
+    folder,
+    `
     INSERT INTO executions SELECT 900, 'ffffffff-0000-4000-8000-000000000000', 1, 1, session_id, version_id,
       ${quoted(below)}, '', 0, started_at FROM executions WHERE execution_id = 1;
     INSERT INTO statuses SELECT 900, 900, 1, 14, started_at FROM executions WHERE execution_id = 1;
     INSERT INTO events SELECT 900, 1, 900, NULL, ${quoted(event)}, started_at FROM executions WHERE execution_id = 1;
     INSERT INTO parameters VALUES (900, 1, '\\x00ff', 'double', NULL, 1.5),
-      (900, 2, 'none', 'double', 'NaN:7ff8000000000000', NULL), (900, 3, 'much', 'double', NULL, 9e999);`);
+      (900, 2, 'none', 'double', 'NaN:7ff8000000000000', NULL), (900, 3, 'much', 'double', NULL, 9e999);`,
+  );
   return report(folder);
 }
 
 /** A run in which each execution but the last has one below it. */
 export function deep(levels) {
   const folder = record('deep', 'sample.mdoc', sample());
-  write(folder, `
+  write(
+    folder,
+    `
     WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ${levels})
       INSERT INTO executions SELECT 1000 + i, printf('ffffffff-0000-4000-8000-%012d', i),
         CASE WHEN i > 0 THEN 999 + i END, 1000, 1, 1, 'level ' || i, '', 5, ${at('i / 100')} || '.000000Z' FROM n;
     INSERT INTO statuses SELECT execution_id, execution_id, 1, 14, ${at(levels)} || '.000000Z' FROM executions
-      WHERE root_id = 1000;`);
+      WHERE root_id = 1000;`,
+  );
   return report(folder);
 }
 
 /** A run of ten hours with many events of four parameters, in a hundred executions of which one did not finish. */
 export function long(events) {
   const folder = record(`long-${events}`, 'sample.mdoc', sample());
-  write(folder, `
+  write(
+    folder,
+    `
     INSERT INTO executions SELECT 1000, 'ffffffff-0000-4000-8000-000000000000', NULL, 1000, 1, 1, 'ten hours', '', 5,
       '2026-11-25T00:00:00.000000Z';
     INSERT INTO statuses VALUES (1000, 1000, 1, 14, '2026-11-25T10:00:00.000000Z');
@@ -111,6 +132,7 @@ export function long(events) {
         WHEN 3 THEN round(20 + cos(event_id / 900.0), 2) ELSE event_id % 3 = 0 END
       FROM events, (VALUES (1, 'Drift', 'double'), (2, 'Dose', 'double'), (3, 'Temperature', 'double'),
         (4, 'Beam', 'bool'))
-      WHERE event_id >= 10000;`);
+      WHERE event_id >= 10000;`,
+  );
   return report(folder);
 }

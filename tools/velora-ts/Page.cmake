@@ -1,23 +1,25 @@
-# The page of "velora-ts report": its files, and the library that draws, as texts in the program.
+# The page around its data, as texts in the program: its modules joined, and the library that draws.
 include(VeloraNpm)
+find_program(NODE NAMES node nodejs REQUIRED)
 set(page ${PROJECT_SOURCE_DIR}/page)
 set(modules ${CMAKE_CURRENT_BINARY_DIR}/node_modules)
-set(echarts ${modules}/echarts/dist/echarts.min.js)
-velora_npm_modules(${page} ${echarts})
+set(rollup ${modules}/@rollup/wasm-node/dist/bin/rollup)
+velora_npm_modules(${page} ${rollup})
 
-set(scripts text data time-window chart lanes timeline plot history columns table csv head print main)
-list(TRANSFORM scripts PREPEND ${page}/view/)
-list(TRANSFORM scripts APPEND .js)
+set(view chart clock colours columns csv echarts element form head history lanes main plot print recorded statuses table
+  text time-window timeline values)
+list(TRANSFORM view PREPEND ${page}/view/)
+list(TRANSFORM view APPEND .js)
 set(licences ${modules}/echarts/NOTICE ${modules}/echarts/LICENSE ${modules}/echarts/licenses/LICENSE-d3
   ${modules}/zrender/LICENSE ${modules}/tslib/LICENSE.txt)
-list(JOIN scripts "," joined_scripts)
-list(JOIN licences "," joined_licences)
-set(parts ${CMAKE_CURRENT_BINARY_DIR}/PageParts.cpp)
+set(script ${CMAKE_CURRENT_BINARY_DIR}/page.js)
+set(frame ${CMAKE_CURRENT_BINARY_DIR}/Frame.cpp)
 add_custom_command(
-  OUTPUT ${parts}
-  COMMAND ${CMAKE_COMMAND} -P ${CMAKE_CURRENT_LIST_DIR}/embed.cmake ${parts} pageFrame=${page}/view/page.html
-    pageStyle=${page}/view/page.css pageScript=${joined_scripts} pageLibrary=${echarts} pageLicences=${joined_licences}
-  DEPENDS ${CMAKE_CURRENT_LIST_DIR}/embed.cmake ${page}/view/page.html ${page}/view/page.css ${scripts} ${echarts}
-  COMMENT "Putting the page into velora-ts"
+  OUTPUT ${frame}
+  # A circle of imports is a warning.
+  COMMAND ${NODE} ${rollup} ${page}/view/main.js --file ${script} --format iife --no-indent --failAfterWarnings
+  COMMAND ${NODE} ${page}/embed.js ${frame} ${modules}/echarts/dist/echarts.min.js ${script} ${licences}
+  DEPENDS ${page}/embed.js ${page}/view/page.html ${page}/view/page.css ${view} ${rollup}
+  COMMENT "Joining the modules of the page"
   VERBATIM)
-target_sources(velora-ts-verbs PRIVATE ${parts})
+target_sources(velora-ts-verbs PRIVATE ${frame})

@@ -7,7 +7,7 @@
 
 namespace Velora::Ts {
 
-/// A column of the page's data, as JSON. What repeats or grows little takes little room; `data.js` reads it.
+/// A column of the page's data, as JSON. What repeats or grows little takes little room; `form.js` reads it.
 class PageColumn {
  public:
   /// A whole number, written as the difference from the one before, and where that repeats as [difference, times]; null

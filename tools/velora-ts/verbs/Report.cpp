@@ -1,12 +1,10 @@
-#include "output/Base64.h"
 #include "output/Output.h"
 #include "output/Words.h"
+#include "report/Frame.h"
 #include "report/KeptEvents.h"
-#include "report/PageParts.h"
 #include "report/ReportData.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
-#include "store/record/Sha256.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
@@ -78,25 +76,6 @@ class PageFile {
   std::size_t bytes = 0;
 };
 
-std::string SourceHash(PagePart part) {
-  Sha256 sha;
-  for (const std::string_view piece : part) {
-    sha.Add(piece);
-  }
-  const std::string digits = sha.Finish();
-  std::string bytes;
-  for (std::size_t at = 0; at < digits.size(); at += 2) {
-    bytes += static_cast<char>(std::stoi(digits.substr(at, 2), nullptr, 16));
-  }
-  return "'sha256-" + Base64(bytes) + "'";
-}
-
-// Nothing is loaded, and nothing runs but our own style and scripts: what was recorded cannot.
-std::string Policy() {
-  return "default-src 'none'; base-uri 'none'; form-action 'none'; img-src data: blob:; style-src " +
-         SourceHash(pageStyle) + "; script-src " + SourceHash(pageLibrary) + ' ' + SourceHash(pageScript);
-}
-
 // In a script of data a "<" could only begin its end, or a comment.
 std::string WithoutTags(std::string_view json) {
   std::string text;
@@ -111,33 +90,14 @@ std::string WithoutTags(std::string_view json) {
 }
 
 void WritePage(PageFile& page, const Store::Reader& store, const Run& run, const KeptEvents& kept) {
-  const auto writePart = [&page](PagePart part) {
+  const auto write = [&page](FramePart part) {
     for (const std::string_view piece : part) {
       page.Write(piece);
     }
   };
-  std::string frame;
-  for (const std::string_view piece : pageFrame) {
-    frame += piece;
-  }
-  std::string_view rest = frame;
-  for (std::size_t open = rest.find("{{"); open != std::string_view::npos; open = rest.find("{{")) {
-    page.Write(rest.substr(0, open));
-    const std::size_t close = rest.find("}}", open);
-    const std::string_view place = rest.substr(open + 2, close - open - 2);
-    rest.remove_prefix(close + 2);
-    if (place == "policy") {
-      page.Write(Policy());
-    } else if (place == "data") {
-      WriteReportData(store, run, kept, [&page](std::string_view json) { page.Write(WithoutTags(json)); });
-    } else {
-      writePart(place == "style"     ? pageStyle
-                : place == "library" ? pageLibrary
-                : place == "script"  ? pageScript
-                                     : pageLicences);
-    }
-  }
-  page.Write(rest);
+  write(frameHead);
+  WriteReportData(store, run, kept, [&page](std::string_view json) { page.Write(WithoutTags(json)); });
+  write(frameTail);
 }
 
 class ReportVerb : public StoreVerb {

@@ -1,32 +1,10 @@
-// What was recorded, as ReportData.cpp writes it: columns in batches.
+// What was recorded, from the data of the page: page/FORM.md.
 
-/** A column of whole numbers, as differences from the one before or [difference, times]; NaN for none. */
-function wholes(column) {
-  let last = 0;
-  return column.flatMap((entry) => {
-    const [difference, times] = Array.isArray(entry) ? entry : [entry, 1];
-    return difference === null ? [NaN] : Array.from({ length: times }, () => (last += difference));
-  });
-}
-
-/** A column of texts, 0 for the one before. */
-function texts(column) {
-  let last = null;
-  return column.map((value) => (value === 0 ? last : value === null ? null : (last = value)));
-}
-
-/** A column of values; nothing but numbers may come as the Base64 of little-endian doubles. */
-function values(column, kind) {
-  if (typeof column !== 'string') {
-    return kind === 'text' ? texts(column) : column;
-  }
-  const bytes = Uint8Array.from(atob(column), (character) => character.charCodeAt(0));
-  const view = new DataView(bytes.buffer);
-  return Float64Array.from({ length: bytes.length / 8 }, (unused, at) => view.getFloat64(8 * at, true));
-}
-
-/** All batches of a column. */
-const whole = (batches, name, read) => batches.flatMap((batch) => read(batch[name]));
+import { Clock } from './clock.js';
+import { texts, values, wholeColumn, wholes } from './form.js';
+import { running } from './statuses.js';
+import { readable } from './text.js';
+import { numberOf } from './values.js';
 
 /** A parameter of a kind of event: the occurrence-th of its name there. */
 class Quantity {
@@ -42,7 +20,7 @@ class Quantity {
   }
 }
 
-class Recorded {
+export class Recorded {
   constructor(raw) {
     this.raw = raw;
     this.clock = new Clock(raw.start);
@@ -58,15 +36,15 @@ class Recorded {
     const named = (list) => new Map(list.map((item) => [item.number, item]));
     this.sessions = named(this.raw.sessions);
     this.versions = named(this.raw.versions);
-    this.number = whole(batches, 'number', wholes);
+    this.number = wholeColumn(batches, 'number', wholes);
     this.count = this.number.length;
     this.indexOf = new Map(this.number.map((number, index) => [number, index]));
-    this.parent = whole(batches, 'parent', wholes).map((number) => this.indexOf.get(number) ?? -1);
-    this.session = whole(batches, 'session', wholes);
-    this.version = whole(batches, 'version', wholes);
-    this.started = whole(batches, 'started', wholes);
-    this.node = whole(batches, 'node', texts);
-    this.description = whole(batches, 'description', texts);
+    this.parent = wholeColumn(batches, 'parent', wholes).map((number) => this.indexOf.get(number) ?? -1);
+    this.session = wholeColumn(batches, 'session', wholes);
+    this.version = wholeColumn(batches, 'version', wholes);
+    this.started = wholeColumn(batches, 'started', wholes);
+    this.node = wholeColumn(batches, 'node', texts);
+    this.description = wholeColumn(batches, 'description', texts);
     this.depth = new Array(this.count).fill(0);
     this.children = Array.from({ length: this.count }, () => []);
     for (let at = 0; at < this.count; ++at) {
@@ -91,8 +69,10 @@ class Recorded {
     });
     this.history.forEach((history, at) => history.forEach((status) => (status.at += this.started[at])));
     this.status = this.history.map((history) => history.at(-1)?.code ?? null);
-    this.ended = this.history.map((history) => (history.at(-1)?.code === 4 ? Infinity : (history.at(-1)?.at ?? NaN)));
-    this.unfinished = this.status.flatMap((code, at) => (code === 4 ? [at] : []));
+    this.ended = this.history.map((history) =>
+      history.at(-1)?.code === running ? Infinity : (history.at(-1)?.at ?? NaN),
+    );
+    this.unfinished = this.status.flatMap((code, at) => (code === running ? [at] : []));
   }
 
   readEvents() {

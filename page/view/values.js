@@ -1,0 +1,26 @@
+// Values of parameters.
+
+/** A value of any kind as a stored text. */
+export function valueText(value, kind) {
+  if (value === null) {
+    return '';
+  }
+  if (value === Infinity || value === -Infinity) {
+    return value > 0 ? 'inf' : '-inf';
+  }
+  if (kind === 'double' && String(value).startsWith('NaN:')) {
+    return 'NaN';
+  }
+  if (kind === 'bool' && (value === 0 || value === 1)) {
+    return value === 1 ? 'true' : 'false';
+  }
+  return typeof value === 'object' ? `blob ${value.blob}` : String(value);
+}
+
+/** A value as a number that can be drawn; NaN for none. Texts that read as a number count: 3.10 is kept as one. */
+export function numberOf(value) {
+  if (typeof value === 'string') {
+    return /^[+-]?(\d+\.?\d*|\.\d+)(e[+-]?\d+)?$/i.test(value) ? numberOf(Number(value)) : NaN;
+  }
+  return typeof value === 'number' && Number.isFinite(value) ? value : NaN;
+}
