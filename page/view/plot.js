@@ -90,8 +90,7 @@ export class Plot {
 
   varies(quantity) {
     const { events } = this.recorded.kinds.find((kind) => kind.name === quantity.event);
-    const first = this.recorded.valueOf(events[0], quantity);
-    return events.some((event) => this.recorded.valueOf(event, quantity) !== first);
+    return new Set(events.map((event) => this.recorded.valueOf(event, quantity))).size > 1;
   }
 
   draw() {

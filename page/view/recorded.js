@@ -9,10 +9,14 @@ import { numberOf } from './values.js';
 /** A parameter of a kind of event: the occurrence-th of its name there. */
 class Quantity {
   constructor(event, name, occurrence) {
-    Object.assign(this, { event, name, occurrence, places: new Map(), kinds: new Set() });
-    this.numeric = false;
-    this.boolean = true;
-    this.read = null;
+    Object.assign(this, { event, name, occurrence, places: new Map(), numeric: false, boolean: true });
+  }
+
+  /** It stands at this place of a shape. */
+  add(shape, place, kind) {
+    this.places.set(shape, place);
+    this.boolean &&= kind === 'bool';
+    shape.quantities[place] = this;
   }
 
   get label() {
@@ -78,6 +82,8 @@ export class Recorded {
   readEvents() {
     this.shapes = this.raw.shapes.map(([name, ...fields]) => ({
       name,
+      events: [],
+      quantities: [],
       parameters: Array.from({ length: fields.length / 2 }, (unused, at) => [fields[2 * at], fields[2 * at + 1]]),
     }));
     this.batches = this.raw.events.map((batch) => ({
@@ -95,6 +101,7 @@ export class Recorded {
     const kinds = new Map();
     for (const event of this.events) {
       this.eventsOf[event.execution].push(event);
+      event.batch.shape.events.push(event);
       const { name } = event.batch.shape;
       if (!kinds.has(name)) {
         kinds.set(name, []);
@@ -122,19 +129,14 @@ export class Recorded {
         if (!found.has(key)) {
           found.set(key, new Quantity(shape.name, name, occurrence));
         }
-        const quantity = found.get(key);
-        quantity.places.set(shape, place);
-        quantity.kinds.add(kind);
+        found.get(key).add(shape, place, kind);
       });
     }
     this.quantities = [...found.values()];
-    for (const quantity of this.quantities) {
-      quantity.boolean = [...quantity.kinds].every((kind) => kind === 'bool');
-      quantity.numeric = this.batches.some(
-        (batch) =>
-          quantity.places.has(batch.shape) &&
-          batch.values[quantity.places.get(batch.shape)].some((value) => !Number.isNaN(numberOf(value))),
-      );
+    for (const { shape, values: columns } of this.batches) {
+      columns.forEach((column, place) => {
+        shape.quantities[place].numeric ||= column.some((value) => !Number.isNaN(numberOf(value)));
+      });
     }
   }
 
