@@ -1,106 +1,109 @@
 // The columns that the table can have.
 
 import { lengthOf } from './clock.js';
-import { csvValue } from './csv.js';
+import { numberCell, textCell, valueCell } from './csv.js';
 import { statusName } from './statuses.js';
 import { numberOf, valueText } from './values.js';
 
 const likelyColumns = ['TiltAngle', 'ExposureDose', 'Defocus'];
 const mostOwnColumns = 5;
 
-export const columnsOf = (recorded) => [
-  ...fixedColumns(recorded),
-  ...recorded.quantities.map((quantity) => parameterColumn(recorded, quantity)),
-];
-
-/** A column: its stored name, the value in a row, and that as a stored text; shown where picked. */
-function fixedColumns(recorded) {
-  const { clock } = recorded;
-  const ended = (at) => (recorded.ended[at] === Infinity ? NaN : recorded.ended[at]);
-  const column = (name, value, text = value, more = {}) => ({ name, value, text, shown: true, ...more });
+export function columnsOf(recorded) {
+  const keyOf = ({ name, occurrence }) => JSON.stringify([name, occurrence]);
+  const eventsWith = new Map();
+  for (const quantity of recorded.quantities) {
+    eventsWith.set(keyOf(quantity), (eventsWith.get(keyOf(quantity)) ?? 0) + 1);
+  }
   return [
-    column('Execution', (at) => recorded.node[at]),
-    column('Activity', (at) => recorded.versions.get(recorded.version[at])?.name ?? ''),
-    column(
-      'Status',
-      (at) => recorded.status[at],
-      (at) => statusName(recorded.status[at]),
-    ),
-    column(
-      'Started',
-      (at) => recorded.started[at],
-      (at) => clock.moment(recorded.started[at]),
-      { number: true, csv: (at) => clock.stored(recorded.started[at]) },
-    ),
-    column(
-      'Duration',
-      (at) => ended(at) - recorded.started[at],
-      (at) => lengthOf(ended(at) - recorded.started[at]),
-      {
-        number: true,
-        csv: (at) => (Number.isNaN(ended(at)) ? '' : (ended(at) - recorded.started[at]) / 1e6),
-        csvName: 'Duration in s',
-      },
-    ),
-    column(
-      recorded.raw.slices ? 'Events kept' : 'Events',
-      (at) => recorded.eventsOf[at].length,
-      (at) => String(recorded.eventsOf[at].length),
-      { number: true, shown: false },
-    ),
-    column('Description', (at) => recorded.description[at], undefined, { shown: false }),
-    column('Parent', (at) => recorded.node[recorded.parent[at]], undefined, { shown: false }),
+    ...fixedColumns(recorded),
+    ...recorded.quantities.map((quantity) => {
+      const { event, name } = quantity;
+      const unique = eventsWith.get(keyOf(quantity)) === 1;
+      return parameterColumn(recorded, quantity, unique ? name : `${event} · ${name}`);
+    }),
+  ];
+}
+
+/** A column: its stored name, the value in a row, that as a stored text, and as a cell of CSV; shown where picked. */
+function column(name, value, more = {}) {
+  const text = more.text ?? value;
+  return { name, value, text, csv: (at) => textCell(text(at)), occurrence: 1, shown: true, ...more };
+}
+
+function fixedColumns(recorded) {
+  const { clock, node, started } = recorded;
+  const ended = (at) => (recorded.ended[at] === Infinity ? NaN : recorded.ended[at]);
+  const duration = (at) => ended(at) - started[at];
+  const events = (at) => recorded.eventsOf[at].length;
+  return [
+    column('Execution', (at) => node[at]),
+    column('Activity', (at) => recorded.versions.get(recorded.version[at])?.name),
+    column('Status', (at) => recorded.status[at], { text: (at) => statusName(recorded.status[at]) }),
+    column('Started', (at) => started[at], {
+      text: (at) => clock.moment(started[at]),
+      csv: (at) => textCell(clock.stored(started[at])),
+      number: true,
+    }),
+    column('Duration', duration, {
+      text: (at) => lengthOf(duration(at)),
+      csv: (at) => numberCell(duration(at) / 1e6),
+      csvName: 'Duration in s',
+      number: true,
+    }),
+    column(recorded.raw.slices ? 'Events kept' : 'Events', events, {
+      text: (at) => String(events(at)),
+      csv: (at) => numberCell(events(at)),
+      number: true,
+      shown: false,
+    }),
+    column('Description', (at) => recorded.description[at], { shown: false }),
+    column('Parent', (at) => node[recorded.parent[at]], { shown: false }),
   ];
 }
 
 /** What the newest event of an execution has of a quantity. */
-function parameterColumn(recorded, quantity) {
-  const newest = () => {
-    if (!quantity.read) {
-      quantity.read = new Map();
-      for (const event of recorded.events) {
-        const value = recorded.valueOf(event, quantity);
-        if (value !== undefined) {
-          quantity.read.set(event.execution, [value, recorded.kindOf(event, quantity)]);
-        }
-      }
-    }
-    return quantity.read;
+function parameterColumn(recorded, quantity, name) {
+  const newest = (at) => {
+    quantity.newest ??= newestOf(recorded, quantity);
+    const event = quantity.newest.get(at);
+    return event ? [recorded.valueOf(event, quantity), recorded.kindOf(event, quantity)] : [undefined];
   };
-  const text = (at) => (newest().has(at) ? valueText(...newest().get(at)) : '');
+  const text = (at) => valueText(...newest(at));
   const value = (at) => {
-    const number = numberOf(newest().get(at)?.[0]);
+    const number = numberOf(newest(at)[0]);
     return Number.isNaN(number) ? text(at) : number;
   };
-  const unique =
-    recorded.quantities.filter((other) => other.name === quantity.name && other.occurrence === quantity.occurrence)
-      .length === 1;
-  return {
-    name: unique ? quantity.name : `${quantity.event} · ${quantity.name}`,
-    occurrence: quantity.occurrence,
-    quantity,
-    number: quantity.numeric,
-    value,
-    text,
-    csv: (at) => (newest().has(at) ? csvValue(...newest().get(at)) : ''),
-    shown: false,
-  };
+  const csv = (at) => valueCell(...newest(at));
+  return column(name, value, {
+    ...{ text, csv, quantity, occurrence: quantity.occurrence, number: quantity.numeric, shown: false },
+  });
+}
+
+/** Of each execution the newest event that has a quantity. */
+function newestOf(recorded, quantity) {
+  const newest = new Map();
+  for (const shape of quantity.places.keys()) {
+    for (const event of shape.events) {
+      if (!(newest.get(event.execution)?.number > event.number)) {
+        newest.set(event.execution, event);
+      }
+    }
+  }
+  return newest;
 }
 
 export function pickLikely(recorded, columns, rows) {
-  const below = new Set(rows.slice(0, 1000));
-  const own = columns.filter(
-    ({ quantity }) =>
-      quantity && recorded.events.some((event) => below.has(event.execution) && quantity.places.has(event.batch.shape)),
-  );
-  const likely = own.filter((column) => likelyColumns.includes(column.name));
-  const varying = own.filter(
-    (column) =>
-      !likely.includes(column) &&
-      new Set([...below].map((at) => column.value(at)).filter((value) => value !== '')).size > 1,
-  );
-  const picked = likely
-    .concat(varying)
-    .concat(own.filter((column) => !likely.includes(column) && !varying.includes(column)));
-  picked.slice(0, mostOwnColumns).forEach((column) => (column.shown = true));
+  const below = rows.slice(0, 1000);
+  const shapes = new Set(below.flatMap((at) => recorded.eventsOf[at].map((event) => event.batch.shape)));
+  const own = columns.filter(({ quantity }) => quantity && [...quantity.places.keys()].some((one) => shapes.has(one)));
+  const varies = ({ value }) => new Set(below.map(value).filter((one) => one !== '')).size > 1;
+  const picked = new Set(own.filter(({ name }) => likelyColumns.includes(name)));
+  for (const one of own) {
+    if (picked.size < mostOwnColumns && !picked.has(one) && varies(one)) {
+      picked.add(one);
+    }
+  }
+  [...picked, ...own.filter((one) => !picked.has(one))].slice(0, mostOwnColumns).forEach((one) => {
+    one.shown = true;
+  });
 }

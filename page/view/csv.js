@@ -1,72 +1,88 @@
-// What is in the page as comma-separated values, for spreadsheets and programs.
+// What is in the page as comma-separated values: docs/velora-ts.md, "Tables and timelines".
 
 import { make } from './element.js';
 import { statusName } from './statuses.js';
 import { wellFormed } from './text.js';
 import { numberOf, valueText } from './values.js';
 
-/** A cell. A text that a spreadsheet would take for a formula has a quotation mark before it there. */
-function csvCell(value) {
-  const text = typeof value === 'number' ? valueText(value) : wellFormed(String(value ?? ''));
-  const formula = typeof value !== 'number' && /^[=+\-@\t\r\n']/.test(text) && Number.isNaN(numberOf(text));
-  const harmless = formula ? `'${text}` : text;
-  return /[",;\t\r\n]/.test(harmless) ? `"${harmless.replaceAll('"', '""')}"` : harmless;
+/** A stored text; undefined for none, which an empty one is not. */
+export function textCell(stored) {
+  if (stored === undefined) {
+    return '';
+  }
+  const text = wellFormed(stored);
+  // What a spreadsheet program would take for a formula, and what would look like that mark.
+  const marked = /^[=+\-@\t\r\n']/.test(text) && Number.isNaN(numberOf(text)) ? `'${text}` : text;
+  return marked === '' || /[",;\t\r\n]|^ | $/.test(marked) ? `"${marked.replaceAll('"', '""')}"` : marked;
 }
 
-const csvOf = (rows) => rows.map((row) => `${row.map(csvCell).join(',')}\r\n`).join('');
+/** A number in as few characters as tell it from any other; NaN for none. */
+export function numberCell(number) {
+  if (Number.isNaN(number) || Number.isSafeInteger(number) || !Number.isFinite(number)) {
+    return Number.isNaN(number) ? '' : valueText(number);
+  }
+  const [digits, exponent] = number.toExponential().split('e');
+  const scientific = `${digits}e${exponent[0]}${exponent.slice(1).padStart(2, '0')}`;
+  const plain = Number.isInteger(number) ? String(BigInt(number)) : String(number);
+  return plain.length > scientific.length || plain.includes('e') ? scientific : plain;
+}
 
-/** Names that no other column has. */
-function distinct(names) {
-  const seen = new Set();
-  return names.map((name) => {
-    let fresh = name;
-    for (let more = 2; seen.has(fresh); ++more) {
-      fresh = `${name} (${more})`;
+/** A value of a parameter; undefined for none. */
+export function valueCell(value, kind) {
+  if (typeof value === 'number' && kind !== 'bool') {
+    return numberCell(value);
+  }
+  if (value === null) {
+    return 'null';
+  }
+  return textCell(value === undefined ? value : valueText(value, kind));
+}
+
+const csvOf = (rows) => rows.map((row) => `${row.join(',')}\r\n`).join('');
+
+/** Cells for names, of which no two are alike. */
+function headCells(columns) {
+  const taken = new Set();
+  return columns.map(({ name, occurrence }) => {
+    const readable = wellFormed(name);
+    let unique = occurrence === 1 ? readable : `${readable} (${occurrence})`;
+    for (let more = occurrence + 1; taken.has(unique); ++more) {
+      unique = `${readable} (${more})`;
     }
-    seen.add(fresh);
-    return fresh;
+    taken.add(unique);
+    return textCell(unique);
   });
 }
 
 /** The table as it is chosen and sorted, all of its rows. */
 export function csvOfTable(table) {
   const columns = table.shown;
-  const names = distinct(columns.map((column) => column.csvName ?? column.name));
-  return csvOf([names, ...table.ordered().map((at) => columns.map((column) => (column.csv ?? column.text)(at)))]);
+  const names = columns.map(({ name, csvName, occurrence }) => ({ name: csvName ?? name, occurrence }));
+  return csvOf([headCells(names), ...table.ordered().map((at) => columns.map((column) => column.csv(at)))]);
 }
 
-/** A value for a cell: a number stays one. */
-export const csvValue = (value, kind) =>
-  typeof value === 'number' && kind !== 'bool' ? value : valueText(value, kind);
+const eventColumns = ['Event number', 'Event', 'Time', 'Execution', 'Status'].map((name) => ({ name, occurrence: 1 }));
 
 /** A row for each event in the page, a column for each name of a parameter; another one where an event has it twice. */
 export function csvOfEvents(recorded) {
   const columns = new Map();
   for (const quantity of recorded.quantities) {
-    const name = quantity.occurrence > 1 ? `${quantity.name} (${quantity.occurrence})` : quantity.name;
     const key = JSON.stringify([quantity.name, quantity.occurrence]);
-    columns.set(key, { name, quantities: [...(columns.get(key)?.quantities ?? []), quantity] });
+    columns.set(key, [...(columns.get(key) ?? []), quantity]);
   }
-  const names = distinct([
-    'Event number',
-    'Event',
-    'Time',
-    'Execution',
-    'Status',
-    ...[...columns.values()].map(({ name }) => name),
-  ]);
+  const quantities = [...columns.values()];
   const rows = recorded.events.map((event) => [
-    event.number,
-    event.batch.shape.name,
-    recorded.clock.stored(event.at),
-    recorded.node[event.execution],
-    statusName(recorded.status[event.execution]),
-    ...[...columns.values()].map(({ quantities }) => {
-      const quantity = quantities.find((one) => recorded.valueOf(event, one) !== undefined);
-      return quantity ? csvValue(recorded.valueOf(event, quantity), recorded.kindOf(event, quantity)) : '';
+    numberCell(event.number),
+    textCell(event.batch.shape.name),
+    textCell(recorded.clock.stored(event.at)),
+    textCell(recorded.node[event.execution]),
+    textCell(statusName(recorded.status[event.execution])),
+    ...quantities.map((ofName) => {
+      const quantity = ofName.find(({ places }) => places.has(event.batch.shape));
+      return quantity ? valueCell(recorded.valueOf(event, quantity), recorded.kindOf(event, quantity)) : '';
     }),
   ]);
-  return csvOf([names, ...rows]);
+  return csvOf([headCells([...eventColumns, ...quantities.map(([first]) => first)]), ...rows]);
 }
 
 export function download(name, text) {

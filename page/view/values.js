@@ -2,19 +2,19 @@
 
 /** A value of any kind as a stored text. */
 export function valueText(value, kind) {
-  if (value === null) {
+  if (value === null || value === undefined) {
     return '';
   }
-  if (value === Infinity || value === -Infinity) {
-    return value > 0 ? 'inf' : '-inf';
+  if (typeof value === 'object') {
+    return `blob ${value.blob}`;
+  }
+  if (kind === 'bool' && (value === 0 || value === 1)) {
+    return String(value === 1);
   }
   if (kind === 'double' && String(value).startsWith('NaN:')) {
     return 'NaN';
   }
-  if (kind === 'bool' && (value === 0 || value === 1)) {
-    return value === 1 ? 'true' : 'false';
-  }
-  return typeof value === 'object' ? `blob ${value.blob}` : String(value);
+  return typeof value === 'number' && !Number.isFinite(value) ? (value > 0 ? 'inf' : '-inf') : String(value);
 }
 
 /** A value as a number that can be drawn; NaN for none. Texts that read as a number count: 3.10 is kept as one. */

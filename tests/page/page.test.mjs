@@ -4,7 +4,7 @@ import { readFileSync, rmSync } from 'node:fs';
 import { after, before, test } from 'node:test';
 
 import { afterDrawing, launch, openReport } from './browser.mjs';
-import { ask, deep, hostile, hostileTexts, long, scratch, tiltSeries, unfinished } from './recordings.mjs';
+import { ask, csvCases, deep, hostile, hostileTexts, long, scratch, tiltSeries, unfinished } from './recordings.mjs';
 
 let browser;
 before(async () => {
@@ -75,10 +75,14 @@ async function columnOf(page, name) {
   return (await rowsOf(page)).map((row) => row[place]);
 }
 
-/** Names and rows of a CSV file. */
 async function downloaded(page, button) {
   const [file] = await Promise.all([page.waitForEvent('download'), page.click(button)]);
-  const text = readFileSync(await file.path(), 'utf8');
+  return readFileSync(await file.path(), 'utf8');
+}
+
+/** Names and columns of a CSV file. */
+async function tableIn(page, button) {
+  const text = await downloaded(page, button);
   const rows = [[]];
   for (const [, quoted, bare, end] of text.matchAll(/\ufeff?(?:"((?:[^"]|"")*)"|([^",\r\n]*))(,|\r\n)/g)) {
     rows.at(-1).push(quoted?.replaceAll('""', '"') ?? bare);
@@ -167,10 +171,10 @@ testPage('the table of a tilt series', { recording: tiltSeries }, async (page, {
   await page.check('#column-choice label:has-text("SubFramePath") input');
   assert.ok((await heads(page)).includes('SubFramePath'));
 
-  const table = await downloaded(page, '#download');
+  const table = await tableIn(page, '#download');
   assert.deepEqual(table.cellsOf('TiltAngle'), await columnOf(page, 'TiltAngle'));
   assert.deepEqual(table.cellsOf('SubFramePath').sort(), texts(folder, 'SubFramePath').sort());
-  const events = await downloaded(page, '#download-events');
+  const events = await tableIn(page, '#download-events');
   assert.deepEqual(
     events.cellsOf('Time'),
     ask(folder, 'SELECT at FROM events').map(({ at }) => at),
@@ -228,12 +232,21 @@ testPage('a run of markup, script, quotes and broken UTF-8', { recording: hostil
     assert.ok(shown.includes(text), `${text} is shown: ${shown}`);
   }
   assert.equal(shown.filter((text) => text === 'Twice').length, 2);
-  const { cellsOf } = await downloaded(page, '#download-events');
+  const { cellsOf } = await tableIn(page, '#download-events');
   const names = ['Formula', 'Twice', 'Twice (2)', braces, 'Bytes'];
   assert.deepEqual(
     names.map((field) => cellsOf(field).find((text) => text !== '')),
     [`'${formula}`, '1', '2', braces, 'a\ufffd\ufffd(<u>'],
   );
+});
+
+testPage('CSV by the rules of velora-ts', { recording: csvCases }, async (page, { folder }) => {
+  const lines = ask(folder, 'SELECT event, cells FROM csv_lines').map(({ event, cells }) =>
+    event === null
+      ? `\ufeffEvent number,Event,Time,Execution,Status,${cells}\r\n`
+      : `${event},case,2026-11-26T10:00:00.000000Z,cases,done,${cells}\r\n`,
+  );
+  assert.equal(await downloaded(page, '#download-events'), lines.join(''));
 });
 
 testPage('scripts that were not there when the page was made', { recording: tiltSeries }, async (page) => {

@@ -1,6 +1,6 @@
 // The runs whose pages are tested, each recorded or written into a store of its own. VELORA_BIN has the programs.
 import { execFileSync } from 'node:child_process';
-import { mkdirSync, mkdtempSync, statSync, writeFileSync } from 'node:fs';
+import { mkdirSync, mkdtempSync, readFileSync, statSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 
@@ -92,6 +92,13 @@ export function hostile() {
     INSERT INTO parameters VALUES (900, 1, '\\x00ff', 'double', NULL, 1.5),
       (900, 2, 'none', 'double', 'NaN:7ff8000000000000', NULL), (900, 3, 'much', 'double', NULL, 9e999);`,
   );
+  return report(folder);
+}
+
+/** A run of the cases that CSV is held against. */
+export function csvCases() {
+  const folder = record('csv', 'sample.mdoc', sample());
+  write(folder, readFileSync(join(process.env.SOURCE, 'tests/csv-cases.sql')));
   return report(folder);
 }
 

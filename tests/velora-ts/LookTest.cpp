@@ -122,6 +122,19 @@ TEST_F(Look, ExportsATableThatIsReadAsItWasMeant) {
             "6,2026-11-26T10:00:04.000000Z,,,,,of no run,,,,,,,,,,,\r\n");
 }
 
+TEST_F(Look, ExportsATableByTheRulesOfThePage) {
+  EXPECT_EQ(Shell("sqlite3 -bail ts.db '.read " SOURCE "/tests/csv-cases.sql'"), 0) << said;
+  folder.Write("ask.sql", R"(
+    SELECT group_concat(CASE WHEN event IS NULL THEN char(65279) || 'number,at,run,execution,node,activity,event'
+      ELSE printf('%d,2026-11-26T10:00:00.000000Z,%s,%s,cases,,case', event, guid, guid) END ||
+      ',' || cells || char(13), char(10)) FROM csv_lines JOIN executions WHERE execution_id = 70000;
+  )");
+  EXPECT_EQ(Shell("sqlite3 ts.db < ask.sql"), 0) << said;
+  const std::string expected = said;
+  EXPECT_EQ(Tool("export dddddddd --format csv"), 0) << said;
+  EXPECT_EQ(said, expected);
+}
+
 TEST_F(Look, ExportsATimelineThatAgreesWithTheStore) {
   ASSERT_EQ(
       Tool("export ffffffff --format trace > t.json && '" VELORA_TS "' show ffffffff --json --tree --events > s.json"),
