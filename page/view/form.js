@@ -1,4 +1,6 @@
-// Columns of the data: page/FORM.md.
+// The columns of a page's data: page/FORM.md.
+
+export const form = 1;
 
 /** A column of whole numbers, as differences from the one before or [difference, times]; NaN for none. */
 export function wholes(column) {

@@ -1,7 +1,7 @@
 // What was recorded, from the data of the page: page/FORM.md.
 
 import { Clock } from './clock.js';
-import { texts, values, wholeColumn, wholes } from './form.js';
+import { form, texts, values, wholeColumn, wholes } from './form.js';
 import { running } from './statuses.js';
 import { readable } from './text.js';
 import { numberOf } from './values.js';
@@ -26,6 +26,9 @@ class Quantity {
 
 export class Recorded {
   constructor(raw) {
+    if (raw.form !== form) {
+      throw new Error(`the data of the page has form ${raw.form}; expected ${form}`);
+    }
     this.raw = raw;
     this.clock = new Clock(raw.start);
     this.readExecutions();

@@ -1,10 +1,22 @@
 // What the page of a run shows, in a real browser, against what the store holds.
 import assert from 'node:assert/strict';
 import { readFileSync, rmSync } from 'node:fs';
+import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 
 import { afterDrawing, launch, openReport } from './browser.mjs';
-import { ask, csvCases, deep, hostile, hostileTexts, long, scratch, tiltSeries, unfinished } from './recordings.mjs';
+import {
+  ask,
+  binned,
+  csvCases,
+  deep,
+  hostile,
+  hostileTexts,
+  long,
+  scratch,
+  tiltSeries,
+  unfinished,
+} from './recordings.mjs';
 
 let browser;
 before(async () => {
@@ -103,6 +115,26 @@ const readings = (folder, parameter) =>
   );
 const numbers = (folder, parameter) => readings(folder, parameter).map(({ number }) => number);
 const texts = (folder, parameter) => readings(folder, parameter).map(({ text }) => String(text));
+
+/** The members of an object and of what is in it, as page/FORM.md names them. */
+function membersOf(value, path = '') {
+  if (Array.isArray(value)) {
+    return value.flatMap((item) => membersOf(item, `${path}[].`));
+  }
+  return Object.entries(value instanceof Object ? value : {}).flatMap(([name, member]) => [
+    path + name,
+    ...membersOf(member, path + name + (Array.isArray(member) ? '' : '.')),
+  ]);
+}
+
+test('the form of the data', () => {
+  const found = [tiltSeries(), csvCases(), binned()].flatMap(({ file }) =>
+    membersOf(JSON.parse(/id="recorded">([^<]*)/.exec(readFileSync(file, 'utf8'))[1])),
+  );
+  const description = readFileSync(join(process.env.SOURCE, 'page/FORM.md'), 'utf8');
+  const described = [...description.matchAll(/^\| `(.*?)` \|/gm)].map(([, member]) => member);
+  assert.deepEqual([...new Set(found)].sort(), described.sort());
+});
 
 const everySecond = (list) => list.filter((unused, at) => at % 2 === 1);
 
@@ -302,7 +334,7 @@ testPage('100,000 events', { recording: () => long(100000) }, async (page, { fol
   assert.deepEqual([events, bars], [within, 0]);
 });
 
-testPage('more than a plot can draw', { recording: () => long(250000) }, async (page, { folder }) => {
+testPage('more than a plot can draw', { recording: binned }, async (page, { folder }) => {
   const [, kept] = /binned: ([\d,]+) of 250,000 events/.exec(await page.textContent('#facts'));
   assert.ok(Number(kept.replaceAll(',', '')) < 50000, kept);
   assert.equal(await eventsShown(page), 250000);

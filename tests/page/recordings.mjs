@@ -50,8 +50,13 @@ const asOnAnInstrument = `
 
 const sample = () => execFileSync(join(process.env.SOURCE, 'examples/record-tilt-series/make-sample-series'));
 
-let series;
-export const tiltSeries = () => (series ??= report(record('tilt', 'sample.mdoc', sample())));
+/** A recording that several tests use. */
+function once(make) {
+  let made;
+  return () => (made ??= make());
+}
+
+export const tiltSeries = once(() => report(record('tilt', 'sample.mdoc', sample())));
 
 export const unfinished = () =>
   report(record('unfinished', 'stopped.mdoc', `${sample().subarray(0, 4000)}\nno value\n`));
@@ -96,11 +101,12 @@ export function hostile() {
 }
 
 /** A run of the cases that CSV is held against. */
-export function csvCases() {
+export const csvCases = once(() => {
   const folder = record('csv', 'sample.mdoc', sample());
   write(folder, readFileSync(join(process.env.SOURCE, 'tests/csv-cases.sql')));
+  execFileSync(`${bin}/velora-ts`, ['seal'], { cwd: folder });
   return report(folder);
-}
+});
 
 /** A run in which each execution but the last has one below it. */
 export function deep(levels) {
@@ -143,3 +149,6 @@ export function long(events) {
   );
   return report(folder);
 }
+
+/** One with more events than a plot can draw. */
+export const binned = once(() => long(250000));

@@ -28,7 +28,7 @@ class Writer {
       : store(store), run(run), kept(kept), sink(sink), start(Microseconds(run.startedAt).value_or(0)) {}
 
   void Write() {
-    json = "{\"tool\":\"" VELORA_VERSION "\",\"made\":";
+    json = "{\"form\":1,\"tool\":\"" VELORA_VERSION "\",\"made\":";
     json += std::to_string(Now().time_since_epoch().count() - start) + ",\"run\":";
     AppendText(json, run.guid);
     json += ",\"start\":";
