@@ -1,4 +1,4 @@
-// embed.js OUTPUT LIBRARY SCRIPT LICENCE...: writes the C++ in which report/Frame.h finds the page around its data.
+// embed.js OUTPUT LIBRARY SCRIPT LICENCE...: writes the C++ in which page/writer/Frame.h finds the page around its data.
 import { createHash } from 'node:crypto';
 import { readFileSync, writeFileSync } from 'node:fs';
 
@@ -53,14 +53,14 @@ const definition = (variable, text) =>
   `const FramePart ${variable}(std::begin(${variable}Pieces), std::end(${variable}Pieces));\n`;
 writeFileSync(
   output,
-  `#include "report/Frame.h"
+  `#include "page/writer/Frame.h"
 
 #include <iterator>
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 ${definition('frameHead', head)}
 ${definition('frameTail', tail)}
-}  // namespace Velora::Ts
+}  // namespace Velora::Page
 `,
 );

@@ -1,8 +1,9 @@
 #include "output/Output.h"
+#include "output/Progress.h"
 #include "output/Words.h"
-#include "report/Frame.h"
-#include "report/KeptEvents.h"
-#include "report/ReportData.h"
+#include "page/writer/Frame.h"
+#include "page/writer/KeptEvents.h"
+#include "page/writer/RunData.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
 #include "verbs/StoreVerb.h"
@@ -89,15 +90,17 @@ std::string WithoutTags(std::string_view json) {
   return text;
 }
 
-void WritePage(PageFile& page, const Store::Reader& store, const Run& run, const KeptEvents& kept) {
-  const auto write = [&page](FramePart part) {
+void WritePage(PageFile& page, const Store::Reader& store, const Run& run, const Page::KeptEvents& kept) {
+  const auto write = [&page](Page::FramePart part) {
     for (const std::string_view piece : part) {
       page.Write(piece);
     }
   };
-  write(frameHead);
-  WriteReportData(store, run, kept, [&page](std::string_view json) { page.Write(WithoutTags(json)); });
-  write(frameTail);
+  write(Page::frameHead);
+  Progress progress("Writing events", kept.Recorded());
+  Page::WriteRunData(
+      store, run, kept, [&page](std::string_view json) { page.Write(WithoutTags(json)); }, [&] { progress.Add(1); });
+  write(Page::frameTail);
 }
 
 class ReportVerb : public StoreVerb {
@@ -115,7 +118,7 @@ class ReportVerb : public StoreVerb {
       return Found;
     }
     const std::string path = file.empty() ? "run-" + run->guid.substr(0, 8) + ".html" : file;
-    const KeptEvents kept(store, run->root);
+    const Page::KeptEvents kept(store, run->root);
     PageFile page(path);
     WritePage(page, store, *run, kept);
     store.ExpectUntouched();

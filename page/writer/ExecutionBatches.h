@@ -1,18 +1,18 @@
 #pragma once
 
-#include "report/PageColumn.h"
+#include "page/writer/Column.h"
 #include "store/reading/Rows.h"
 
 #include <set>
 #include <string>
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 /// The executions of a run with their statuses, as columns of the page's data.
-class ReportExecutions {
+class ExecutionBatches {
  public:
   /// @param start what times are counted from, in microseconds since 1970.
-  ReportExecutions(const Store::Reader& store, long long root, long long start);
+  ExecutionBatches(const Store::Reader& store, long long root, long long start);
 
   /// Appends the next batch. @return whether there was one.
   bool AppendBatch(std::string& json);
@@ -28,9 +28,9 @@ class ReportExecutions {
   Store::Rows rows;  // one for each status, or one for an execution without any
   bool more;
   const long long start;
-  PageColumn number, parent, session, version, started, node, description;
-  PageColumn statuses, statusAt;  // the codes of each execution, and the times of all statuses since its start
+  Column number, parent, session, version, started, node, description;
+  Column statuses, statusAt;  // the codes of each execution, and the times of all statuses since its start
   std::set<long long> sessions, versions;
 };
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "report/RunEvents.h"
+#include "page/writer/RunEvents.h"
 
 #include <array>
 #include <map>
 #include <string>
 #include <vector>
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 /// Which events of a run a page holds: all of them, but of a kind that has more than a plot can draw those that have
 /// the lowest or the highest value of any parameter within one of the slices of the run's time, and the newest with
@@ -54,4 +54,4 @@ class KeptEvents {
   std::vector<long long> kept;  // of the binned kinds, ascending
 };
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

@@ -1,11 +1,11 @@
-#include "report/RunEvents.h"
+#include "page/writer/RunEvents.h"
 
 #include "store/reading/ParameterValue.h"
 #include "store/values/Json.h"
 #include "store/values/RecordedText.h"
 #include "store/values/StoredTime.h"
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 using namespace Store;
 
@@ -59,4 +59,4 @@ void RunEvents::AddReading(const Rows& parameter) {
   }
 }
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

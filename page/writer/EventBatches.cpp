@@ -1,9 +1,9 @@
-#include "report/ReportEvents.h"
+#include "page/writer/EventBatches.h"
 
-#include "report/KeptEvents.h"
+#include "page/writer/KeptEvents.h"
 #include "store/values/Json.h"
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 using namespace Store;
 
@@ -14,10 +14,11 @@ constexpr std::size_t batchBytes = std::size_t{16} << 20U;
 
 }  // namespace
 
-ReportEvents::ReportEvents(const Store::Reader& store, long long root, const KeptEvents& kept, long long start)
-    : events(store, root), kept(kept), start(start), progress("Writing events", kept.Recorded()) {}
+EventBatches::EventBatches(const Store::Reader& store, long long root, const KeptEvents& kept, long long start,
+                           Step step)
+    : events(store, root), kept(kept), start(start), step(std::move(step)) {}
 
-bool ReportEvents::AppendBatch(std::string& json) {
+bool EventBatches::AppendBatch(std::string& json) {
   do {
     for (; next != shapes.end(); ++next) {
       if (next->second.rows > 0) {
@@ -29,7 +30,7 @@ bool ReportEvents::AppendBatch(std::string& json) {
   return false;
 }
 
-void ReportEvents::AppendShapes(std::string& json) const {
+void EventBatches::AppendShapes(std::string& json) const {
   std::vector<const std::string*> keys(shapes.size());
   for (const auto& [key, shape] : shapes) {
     keys[shape.index] = &key;
@@ -43,11 +44,11 @@ void ReportEvents::AppendShapes(std::string& json) const {
   json += ']';
 }
 
-bool ReportEvents::Fill() {
+bool EventBatches::Fill() {
   std::size_t values = 0;
   std::size_t bytes = 0;
   while (values < batchValues && bytes < batchBytes && events.Next()) {
-    progress.Add(1);
+    step();
     if (kept.Keeps(events.Current())) {
       Add(events.Current());
       values += 3 + events.Current().readings.size();
@@ -60,7 +61,7 @@ bool ReportEvents::Fill() {
   return values > 0;
 }
 
-void ReportEvents::Add(const Event& event) {
+void EventBatches::Add(const Event& event) {
   std::string key;
   AppendText(key, event.name);
   for (const Reading& reading : event.readings) {
@@ -91,7 +92,7 @@ void ReportEvents::Add(const Event& event) {
   }
 }
 
-void ReportEvents::Move(Shape& shape, std::string& json) {
+void EventBatches::Move(Shape& shape, std::string& json) {
   json += "{\"shape\":" + std::to_string(shape.index) + ",\"number\":";
   shape.number.MoveTo(json);
   json += ",\"execution\":";
@@ -107,4 +108,4 @@ void ReportEvents::Move(Shape& shape, std::string& json) {
   shape.rows = 0;
 }
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

@@ -1,8 +1,8 @@
-#include "report/ReportData.h"
+#include "page/writer/RunData.h"
 
-#include "report/KeptEvents.h"
-#include "report/ReportEvents.h"
-#include "report/ReportExecutions.h"
+#include "page/writer/EventBatches.h"
+#include "page/writer/ExecutionBatches.h"
+#include "page/writer/KeptEvents.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
@@ -11,21 +11,22 @@
 #include "store/values/Json.h"
 #include "store/values/StoredTime.h"
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 using namespace Store;
 
 namespace {
 
 using Sink = std::function<void(std::string_view)>;
+using Step = EventBatches::Step;
 
 /// Appends the next item of a list. @return whether there was one.
 using NextItem = std::function<bool(std::string& json)>;
 
 class Writer {
  public:
-  Writer(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Sink& sink)
-      : store(store), run(run), kept(kept), sink(sink), start(Microseconds(run.startedAt).value_or(0)) {}
+  Writer(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Sink& sink, const Step& step)
+      : store(store), run(run), kept(kept), sink(sink), step(step), start(Microseconds(run.startedAt).value_or(0)) {}
 
   void Write() {
     json = "{\"form\":1,\"tool\":\"" VELORA_VERSION "\",\"made\":";
@@ -38,9 +39,9 @@ class Writer {
     json += ",\"seal\":";
     AppendSeal();
 
-    ReportExecutions executions(store, run.root, start);
+    ExecutionBatches executions(store, run.root, start);
     WriteList("executions", [&](std::string& to) { return executions.AppendBatch(to); });
-    ReportEvents events(store, run.root, kept, start);
+    EventBatches events(store, run.root, kept, start, step);
     WriteList("events", [&](std::string& to) { return events.AppendBatch(to); });
     json += ",\"shapes\":";
     events.AppendShapes(json);
@@ -118,14 +119,16 @@ class Writer {
   const Run& run;
   const KeptEvents& kept;
   const Sink& sink;
+  const Step& step;
   const long long start;
   std::string json;
 };
 
 }  // namespace
 
-void WriteReportData(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Sink& write) {
-  Writer(store, run, kept, write).Write();
+void WriteRunData(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Sink& write,
+                  const Step& step) {
+  Writer(store, run, kept, write, step).Write();
 }
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

@@ -1,13 +1,13 @@
-#include "report/PageColumn.h"
+#include "page/writer/Column.h"
 
-#include "output/Base64.h"
+#include "page/writer/Base64.h"
 
 #include <bit>
 #include <cstdint>
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
-void PageColumn::AddWhole(std::optional<long long> value) {
+void Column::AddWhole(std::optional<long long> value) {
   if (!value || *value - whole != difference) {
     EndRepetition();
   }
@@ -20,19 +20,19 @@ void PageColumn::AddWhole(std::optional<long long> value) {
   }
 }
 
-void PageColumn::AddText(std::string_view text) {
+void Column::AddText(std::string_view text) {
   Add(text == last ? "0" : text);
   last = text;
 }
 
-void PageColumn::AddNumber(double number, std::string_view text) {
+void Column::AddNumber(double number, std::string_view text) {
   Add(text);
   numbers.push_back(number);
 }
 
-void PageColumn::AddOther(std::string_view text) { Add(text); }
+void Column::AddOther(std::string_view text) { Add(text); }
 
-void PageColumn::MoveTo(std::string& to) {
+void Column::MoveTo(std::string& to) {
   EndRepetition();
   constexpr std::size_t lengthAsBase64 = 11;  // of eight bytes
   if (count > 0 && numbers.size() == count && json.size() > lengthAsBase64 * count) {
@@ -46,17 +46,17 @@ void PageColumn::MoveTo(std::string& to) {
   } else {
     to += '[' + json + ']';
   }
-  *this = PageColumn();
+  *this = Column();
 }
 
-void PageColumn::Add(std::string_view text) {
+void Column::Add(std::string_view text) {
   if (count++ > 0) {
     json += ',';
   }
   json += text;
 }
 
-void PageColumn::EndRepetition() {
+void Column::EndRepetition() {
   constexpr std::size_t worthIt = 4;
   const std::string text = std::to_string(difference);
   if (times >= worthIt) {
@@ -68,4 +68,4 @@ void PageColumn::EndRepetition() {
   }
 }
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

@@ -1,4 +1,4 @@
-#include "report/KeptEvents.h"
+#include "page/writer/KeptEvents.h"
 
 #include "store/reading/Reader.h"
 #include "store/values/Json.h"
@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <limits>
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 using namespace Store;
 
@@ -142,4 +142,4 @@ std::size_t KeptEvents::SliceOf(long long at) const {
   return std::min(slice, sliceCount - 1);
 }
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

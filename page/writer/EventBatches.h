@@ -1,23 +1,26 @@
 #pragma once
 
-#include "output/Progress.h"
-#include "report/PageColumn.h"
-#include "report/RunEvents.h"
+#include "page/writer/Column.h"
+#include "page/writer/RunEvents.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 class KeptEvents;
 
 /// The events of a run as columns of the page's data: those of one shape, that is of one name and with parameters of
 /// the same names and kinds, stand together.
-class ReportEvents {
+class EventBatches {
  public:
+  /// Told of each event that has been read.
+  using Step = std::function<void()>;
+
   /// @param start what times are counted from, in microseconds since 1970.
-  ReportEvents(const Store::Reader& store, long long root, const KeptEvents& kept, long long start);
+  EventBatches(const Store::Reader& store, long long root, const KeptEvents& kept, long long start, Step step);
 
   /// Appends the next batch of one shape. @return whether there was one.
   bool AppendBatch(std::string& json);
@@ -31,8 +34,8 @@ class ReportEvents {
   struct Shape {
     std::size_t index = 0;
     std::size_t rows = 0;
-    PageColumn number, execution, at;
-    std::vector<PageColumn> values;
+    Column number, execution, at;
+    std::vector<Column> values;
   };
 
   /// Reads on until there is enough for a batch. @return whether there was anything.
@@ -43,9 +46,9 @@ class ReportEvents {
   RunEvents events;
   const KeptEvents& kept;
   const long long start;
-  Progress progress;
+  const Step step;
   std::map<std::string, Shape> shapes;
   std::map<std::string, Shape>::iterator next = shapes.end();  // to be moved
 };
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
-/// A column of the page's data, as JSON. What repeats or grows little takes little room; `form.js` reads it.
-class PageColumn {
+/// A column of the page's data, as JSON. What repeats or grows little takes little room: page/FORM.md.
+class Column {
  public:
   /// A whole number, written as the difference from the one before, and where that repeats as [difference, times]; null
   /// for none.
@@ -35,4 +35,4 @@ class PageColumn {
   std::vector<double> numbers;
 };
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

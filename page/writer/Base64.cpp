@@ -1,10 +1,10 @@
-#include "output/Base64.h"
+#include "page/writer/Base64.h"
 
 #include <openssl/evp.h>
 
 #include <vector>
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 std::string Base64(std::string_view bytes) {
   const std::vector<unsigned char> plain(bytes.begin(), bytes.end());
@@ -13,4 +13,4 @@ std::string Base64(std::string_view bytes) {
   return {text.begin(), text.begin() + length};
 }
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

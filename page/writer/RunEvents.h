@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 /// A parameter of an event.
 struct Reading {
@@ -46,4 +46,4 @@ class RunEvents {
   std::set<long long> configurations;
 };
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

@@ -1,9 +1,9 @@
-#include "report/ReportExecutions.h"
+#include "page/writer/ExecutionBatches.h"
 
 #include "store/values/Json.h"
 #include "store/values/StoredTime.h"
 
-namespace Velora::Ts {
+namespace Velora::Page {
 
 using namespace Store;
 
@@ -31,7 +31,7 @@ std::string TextIn(const Rows& rows, int column) {
 
 }  // namespace
 
-ReportExecutions::ReportExecutions(const Store::Reader& store, long long root, long long start)
+ExecutionBatches::ExecutionBatches(const Store::Reader& store, long long root, long long start)
     : rows(store,
            "SELECT x.execution_id, x.parent_id, x.session_id, x.version_id, x.started_at, x.node, x.description, "
            "s.code, s.at FROM executions x LEFT JOIN statuses s ON s.execution_id = x.execution_id "
@@ -39,7 +39,7 @@ ReportExecutions::ReportExecutions(const Store::Reader& store, long long root, l
       more(rows.Ask(root).Next()),
       start(start) {}
 
-bool ReportExecutions::AppendBatch(std::string& json) {
+bool ExecutionBatches::AppendBatch(std::string& json) {
   if (!more) {
     return false;
   }
@@ -64,7 +64,7 @@ bool ReportExecutions::AppendBatch(std::string& json) {
   return true;
 }
 
-void ReportExecutions::AddOne() {
+void ExecutionBatches::AddOne() {
   const long long execution = rows.Integer(Number);
   const auto startedAt = Since(start, rows.Text(Started));
   number.AddWhole(execution);
@@ -79,7 +79,7 @@ void ReportExecutions::AddOne() {
   AddStatuses(execution, startedAt);
 }
 
-void ReportExecutions::AddStatuses(long long execution, std::optional<long long> startedAt) {
+void ExecutionBatches::AddStatuses(long long execution, std::optional<long long> startedAt) {
   std::string codes = "\"";
   do {
     if (!rows.IsNull(Code)) {
@@ -92,4 +92,4 @@ void ReportExecutions::AddStatuses(long long execution, std::optional<long long>
   statuses.AddText(codes + '"');
 }
 
-}  // namespace Velora::Ts
+}  // namespace Velora::Page

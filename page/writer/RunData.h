@@ -1,0 +1,21 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace Velora::Store {
+class Reader;
+struct Run;
+}  // namespace Velora::Store
+
+namespace Velora::Page {
+
+class KeptEvents;
+
+/// Writes the data of a run's page, piece by piece: page/FORM.md.
+/// @param step is told of each event of the run.
+void WriteRunData(const Store::Reader& store, const Store::Run& run, const KeptEvents& kept,
+                  const std::function<void(std::string_view piece)>& write, const std::function<void()>& step);
+
+}  // namespace Velora::Page
