@@ -1,9 +1,7 @@
 #include "output/Output.h"
 #include "output/Progress.h"
 #include "output/Words.h"
-#include "page/writer/Frame.h"
-#include "page/writer/KeptEvents.h"
-#include "page/writer/RunData.h"
+#include "page/writer/RunPage.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
 #include "verbs/StoreVerb.h"
@@ -77,32 +75,6 @@ class PageFile {
   std::size_t bytes = 0;
 };
 
-// In a script of data a "<" could only begin its end, or a comment.
-std::string WithoutTags(std::string_view json) {
-  std::string text;
-  for (const char character : json) {
-    if (character == '<') {
-      text += "\\u003c";
-    } else {
-      text += character;
-    }
-  }
-  return text;
-}
-
-void WritePage(PageFile& page, const Store::Reader& store, const Run& run, const Page::KeptEvents& kept) {
-  const auto write = [&page](Page::FramePart part) {
-    for (const std::string_view piece : part) {
-      page.Write(piece);
-    }
-  };
-  write(Page::frameHead);
-  Progress progress("Writing events", kept.Recorded());
-  Page::WriteRunData(
-      store, run, kept, [&page](std::string_view json) { page.Write(WithoutTags(json)); }, [&] { progress.Add(1); });
-  write(Page::frameTail);
-}
-
 class ReportVerb : public StoreVerb {
  public:
   explicit ReportVerb(Options& options) : StoreVerb(options) {
@@ -118,13 +90,16 @@ class ReportVerb : public StoreVerb {
       return Found;
     }
     const std::string path = file.empty() ? "run-" + run->guid.substr(0, 8) + ".html" : file;
-    const Page::KeptEvents kept(store, run->root);
-    PageFile page(path);
-    WritePage(page, store, *run, kept);
+    const Page::RunPage page(store, *run);
+    PageFile target(path);
+    {
+      Progress progress("Writing events", page.Events());
+      page.Write([&](std::string_view piece) { target.Write(piece); }, [&] { progress.Add(1); });
+    }
     store.ExpectUntouched();
-    page.Finish();
-    Complain(InWords(*run) + ": " + kept.InWords() + ", written to '" + path + "', " + std::to_string(page.Bytes()) +
-             " bytes");
+    target.Finish();
+    Complain(InWords(*run) + ": " + page.EventsInWords() + ", written to '" + path + "', " +
+             std::to_string(target.Bytes()) + " bytes");
     return Done;
   }
 

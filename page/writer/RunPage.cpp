@@ -1,0 +1,40 @@
+#include "page/writer/RunPage.h"
+
+#include "page/writer/Frame.h"
+#include "page/writer/RunData.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Runs.h"
+
+namespace Velora::Page {
+
+namespace {
+
+// In a script of data a "<" could only begin its end, or a comment.
+std::string WithoutTags(std::string_view json) {
+  std::string text;
+  for (const char character : json) {
+    if (character == '<') {
+      text += "\\u003c";
+    } else {
+      text += character;
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+RunPage::RunPage(const Store::Reader& store, const Store::Run& run) : store(store), run(run), kept(store, run.root) {}
+
+void RunPage::Write(const std::function<void(std::string_view)>& write, const std::function<void()>& step) const {
+  for (const std::string_view piece : frameHead) {
+    write(piece);
+  }
+  WriteRunData(
+      store, run, kept, [&write](std::string_view json) { write(WithoutTags(json)); }, step);
+  for (const std::string_view piece : frameTail) {
+    write(piece);
+  }
+}
+
+}  // namespace Velora::Page
