@@ -1,4 +1,4 @@
-// embed.js OUTPUT LIBRARY SCRIPT LICENCE...: writes the C++ in which page/writer/Frame.h finds the page around its data.
+// embed.js OUTPUT LIBRARY SCRIPT LICENCE...: writes the page without its data as C++ for page/writer/Frame.h.
 import { createHash } from 'node:crypto';
 import { readFileSync, writeFileSync } from 'node:fs';
 
