@@ -92,11 +92,11 @@ function newestOf(recorded, quantity) {
   return newest;
 }
 
-export function pickLikely(recorded, columns, rows) {
-  const below = rows.slice(0, 1000);
-  const shapes = new Set(below.flatMap((at) => recorded.eventsOf[at].map((event) => event.batch.shape)));
-  const own = columns.filter(({ quantity }) => quantity && [...quantity.places.keys()].some((one) => shapes.has(one)));
-  const varies = ({ value }) => new Set(below.map(value).filter((one) => one !== '')).size > 1;
+export function pickLikely(columns, rows) {
+  const below = new Set(rows.slice(0, 1000));
+  const isBelow = ({ events }) => events.some((event) => below.has(event.execution));
+  const own = columns.filter(({ quantity }) => quantity && [...quantity.places.keys()].some(isBelow));
+  const varies = ({ value }) => new Set([...below].map(value).filter((one) => one !== '')).size > 1;
   const picked = new Set(own.filter(({ name }) => likelyColumns.includes(name)));
   for (const one of own) {
     if (picked.size < mostOwnColumns && !picked.has(one) && varies(one)) {

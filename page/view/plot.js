@@ -90,7 +90,8 @@ export class Plot {
 
   varies(quantity) {
     const { events } = this.recorded.kinds.find((kind) => kind.name === quantity.event);
-    return new Set(events.map((event) => this.recorded.valueOf(event, quantity))).size > 1;
+    const valueOf = (event) => this.recorded.valueOf(event, quantity);
+    return events.some((event) => valueOf(event) !== valueOf(events[0]));
   }
 
   draw() {

@@ -14,7 +14,7 @@ export class Table {
     Object.assign(this, { element, recorded, page: 0, rowsShown: rowsAtOnce });
     this.rows = this.inTreeOrder();
     this.columns = columnsOf(recorded);
-    pickLikely(recorded, this.columns, this.rows);
+    pickLikely(this.columns, this.rows);
     this.sorted = { column: null, descending: false };
     this.opened = new Map(); // the history of each
     this.offerColumns();
