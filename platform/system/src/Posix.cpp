@@ -4,7 +4,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -15,7 +14,6 @@
 #include <fstream>
 #include <sstream>
 #include <system_error>
-#include <utility>
 
 namespace Velora::System {
 namespace {
@@ -92,30 +90,11 @@ std::string LockerOf(const std::string& path, unsigned byte) {
   return "process " + std::to_string(process) + (name.empty() ? "" : " (" + name + ')');
 }
 
-int DuplicateSocket(int socket) { return fcntl(socket, F_DUPFD_CLOEXEC, 0); }
-
 void ShutDownSocket(int socket) { shutdown(socket, SHUT_RDWR); }
-
-void CloseSocket(int socket) { close(socket); }
 
 bool AwaitSocket(int socket, bool toWrite, std::chrono::milliseconds longest) {
   pollfd awaited{socket, static_cast<short>(toWrite ? POLLOUT : POLLIN), 0};
   return poll(&awaited, 1, static_cast<int>(longest.count())) > 0;
-}
-
-std::thread StartWithoutSignals(std::function<void()> run) {
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);  // which the thread begins with
-  try {
-    std::thread thread(std::move(run));
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    return thread;
-  } catch (...) {
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    throw;
-  }
 }
 
 }  // namespace Velora::System

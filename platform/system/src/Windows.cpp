@@ -10,7 +10,6 @@
 #include <array>
 #include <cerrno>
 #include <string>
-#include <utility>
 
 namespace Velora::System {
 
@@ -50,18 +49,7 @@ std::string ComputerName() {
 
 std::string LockerOf(const std::string& /*path*/, unsigned /*byte*/) { return "another process or thread"; }
 
-int DuplicateSocket(int socket) {
-  WSAPROTOCOL_INFOA information;
-  if (WSADuplicateSocketA(static_cast<SOCKET>(socket), GetCurrentProcessId(), &information) != 0) {
-    return -1;
-  }
-  return static_cast<int>(
-      WSASocketA(FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, FROM_PROTOCOL_INFO, &information, 0, WSA_FLAG_OVERLAPPED));
-}
-
 void ShutDownSocket(int socket) { shutdown(static_cast<SOCKET>(socket), SD_BOTH); }
-
-void CloseSocket(int socket) { closesocket(static_cast<SOCKET>(socket)); }
 
 bool AwaitSocket(int socket, bool toWrite, std::chrono::milliseconds longest) {
   fd_set awaited;
@@ -71,7 +59,5 @@ bool AwaitSocket(int socket, bool toWrite, std::chrono::milliseconds longest) {
   timeval time{static_cast<long>(longest.count() / 1000), static_cast<long>(longest.count() % 1000 * 1000)};
   return select(0, toWrite ? nullptr : &awaited, toWrite ? &awaited : nullptr, &failed, &time) > 0;
 }
-
-std::thread StartWithoutSignals(std::function<void()> run) { return std::thread(std::move(run)); }
 
 }  // namespace Velora::System
