@@ -17,6 +17,7 @@ class Cursor {
 
   /// Goes back to the state before the first row; values are kept until others are bound.
   virtual void Restart() = 0;
+  /// Binds a value, before the first row.
   /// @param place of the value in the statement, from 1 on.
   virtual void Bind(int place, std::nullptr_t null) = 0;
   virtual void Bind(int place, long long value) = 0;

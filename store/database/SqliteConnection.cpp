@@ -20,12 +20,12 @@ class SqliteCursor : public Cursor {
     sqlite3_reset(statement.get());
     over = false;
   }
-  void Bind(int place, std::nullptr_t) override { Expect(sqlite3_bind_null(Fresh(), place)); }
-  void Bind(int place, long long value) override { Expect(sqlite3_bind_int64(Fresh(), place, value)); }
-  void Bind(int place, double value) override { Expect(sqlite3_bind_double(Fresh(), place, value)); }
+  void Bind(int place, std::nullptr_t) override { Expect(sqlite3_bind_null(statement.get(), place)); }
+  void Bind(int place, long long value) override { Expect(sqlite3_bind_int64(statement.get(), place, value)); }
+  void Bind(int place, double value) override { Expect(sqlite3_bind_double(statement.get(), place, value)); }
   void Bind(int place, std::string_view value) override {
     const char* const text = value.data() == nullptr ? "" : value.data();  // which would be NULL
-    Expect(sqlite3_bind_text64(Fresh(), place, text, value.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
+    Expect(sqlite3_bind_text64(statement.get(), place, text, value.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
   }
   bool Next() override {
     if (over) {
@@ -63,11 +63,6 @@ class SqliteCursor : public Cursor {
   }
 
  private:
-  // SQLite takes no value for a statement in the middle of its answer.
-  sqlite3_stmt* Fresh() {
-    Restart();
-    return statement.get();
-  }
   void Expect(int result) const {
     if (result != SQLITE_OK) {
       connection.Fail();
