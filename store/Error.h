@@ -5,11 +5,11 @@
 
 namespace Velora::Store {
 
-/// What the store raises when it cannot do what it was asked: which thing, what is wrong with it, what was expected.
-/// Nothing that was acknowledged before is lost.
+/// The store cannot do what it was asked. The text says which thing is wrong, how, and what was expected. Records that
+/// were acknowledged before are not lost.
 class Error : public std::runtime_error {
  public:
-  /// @param what may quote texts with zero bytes.
+  /// @param what the text; it may contain zero bytes.
   explicit Error(const std::string& what);
 };
 

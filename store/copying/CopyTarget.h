@@ -11,7 +11,7 @@ namespace Velora::Store {
 class Writer;
 struct Database;
 
-/// A store that another one is copied into, and what the databases do each in its own way.
+/// The store into which another one is copied. The subclasses do what differs between the databases.
 class CopyTarget {
  public:
   CopyTarget() = default;
@@ -19,15 +19,17 @@ class CopyTarget {
   CopyTarget& operator=(const CopyTarget&) = delete;
   virtual ~CopyTarget() = default;
 
+  /// A writer for the rows of a table.
   virtual std::unique_ptr<RowWriter> RowsOf(const StoredTable& table) = 0;
-  /// Does something that deletes rows of ts_schema, within a transaction.
+  /// Calls a function that deletes rows of ts_schema, which the database otherwise refuses. Within a transaction.
   virtual void WithoutGuardOfHistory(const std::function<void()>& work) = 0;
-  /// Makes what the row of an event needs beside its table.
+  /// Makes what the row of an event needs: on a server, a partition.
   virtual void MakeRoomFor(long long event) = 0;
-  /// Lets new rows follow those that were copied.
+  /// Makes new rows get higher numbers than the copied ones.
   virtual void Finish() = 0;
 };
 
+/// Makes the target for the kind of a database.
 std::unique_ptr<CopyTarget> MakeCopyTarget(Writer& store, const Database& database);
 
 }  // namespace Velora::Store

@@ -12,7 +12,7 @@ namespace {
 constexpr long long keysInAMonth = 10'000'000'000;  // docs/postgresql.md
 constexpr long long firstMonth = 200001;
 
-/// One statement for many rows: a server may be far away.
+/// Inserts many rows with one statement, because each statement is a round trip.
 class ServerRows : public RowWriter {
  public:
   ServerRows(Connection& connection, const StoredTable& table) : connection(connection), columns(table.columns) {

@@ -11,9 +11,9 @@ class PostgreSqlTarget : public CopyTarget {
 
   std::unique_ptr<RowWriter> RowsOf(const StoredTable& table) override;
   void WithoutGuardOfHistory(const std::function<void()>& work) override;
-  /// The partition of the event's month.
+  /// Makes the partition of the event's month.
   void MakeRoomFor(long long event) override;
-  /// Sets the sequences.
+  /// Sets the sequences behind the copied keys.
   void Finish() override;
 
  private:

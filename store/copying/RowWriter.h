@@ -4,7 +4,7 @@ namespace Velora::Store {
 
 class Rows;
 
-/// Inserts rows into a table as they were read from another store's, within a transaction.
+/// Inserts rows into a table that were read from the same table of another store, within a transaction.
 class RowWriter {
  public:
   RowWriter() = default;
@@ -12,9 +12,9 @@ class RowWriter {
   RowWriter& operator=(const RowWriter&) = delete;
   virtual ~RowWriter() = default;
 
-  /// Adds the row where `rows` stands, which has the table's columns in their order.
+  /// Adds the current row, which must have all columns of the table in their order.
   virtual void Add(const Rows& rows) = 0;
-  /// Puts what was added into the table, where that did not happen yet.
+  /// Inserts the added rows that are not inserted yet.
   virtual void Flush() = 0;
 };
 

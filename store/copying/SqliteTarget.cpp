@@ -6,7 +6,7 @@
 namespace Velora::Store {
 namespace {
 
-/// One prepared statement for each row: a file is near.
+/// Inserts each row with a prepared statement.
 class FileRows : public RowWriter {
  public:
   FileRows(Connection& connection, const StoredTable& table) : columns(table.columns) {

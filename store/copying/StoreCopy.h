@@ -9,9 +9,9 @@ namespace Velora::Store {
 
 class Reader;
 
-/// Copies all rows of a store into another database, or goes on with a copy that was interrupted.
-/// @param copied called with the table of each row that was copied.
-/// @throws Error when the target holds rows that are not of this store.
+/// Copies all rows of a store into another database, or continues an earlier copy.
+/// @param copied is called with the table of each copied row.
+/// @throws Error when the target has rows that are not in the store.
 void CopyRows(const Reader& from, const Database& target, const std::function<void(const std::string& table)>& copied);
 
 }  // namespace Velora::Store

@@ -6,7 +6,7 @@
 
 namespace Velora::Store {
 
-/// A column of a store, by what its values are bound as.
+/// A column of a store, with the type of its values in statements.
 struct StoredColumn {
   enum class Type { Integer, Text, Number };
 
@@ -17,14 +17,14 @@ struct StoredColumn {
 /// A table of a store.
 struct StoredTable {
   std::string name;
-  std::vector<StoredColumn> columns;  ///< The first one numbers the rows.
+  std::vector<StoredColumn> columns;  ///< The first one is the key.
 
   const std::string& Key() const { return columns.front().name; }
-  /// The names of all columns, as a statement lists them.
+  /// The names of all columns, separated by commas.
   std::string ColumnList() const;
 };
 
-/// All tables but those of events and parameters, in an order in which rows follow what they refer to.
+/// All tables except events and parameters, each after the tables to which its rows refer.
 const std::vector<StoredTable>& TablesBeforeEvents();
 const StoredTable& EventTable();
 const StoredTable& ParameterTable();

@@ -13,11 +13,11 @@
 
 namespace Velora::Store {
 
-/// A connection to a database of either kind, used by one thread at a time. Statements have their values at ?1, ?2...,
-/// in SQL that both take. Every operation raises a DatabaseError when the database refuses it.
+/// A connection to a database of either kind. One thread at a time may use it. Statements are in SQL that both
+/// databases accept, with values at ?1, ?2... Every operation throws a DatabaseError if the database refuses it.
 class Connection {
  public:
-  /// @param name as errors call the database.
+  /// @param name the name of the database in errors.
   explicit Connection(std::string name) : name(std::move(name)) {}
   Connection(const Connection&) = delete;
   Connection& operator=(const Connection&) = delete;
@@ -25,14 +25,15 @@ class Connection {
 
   const std::string& Name() const { return name; }
 
-  /// A statement whose answer may be of any length: it comes in portions. On a server it needs a transaction.
+  /// Prepares a statement whose result can be of any length; it is fetched in portions. On a server, this needs a
+  /// transaction.
   virtual std::unique_ptr<Cursor> Prepare(const std::string& statement) = 0;
-  /// A statement whose answer is short, and comes whole.
+  /// Prepares a statement whose result is short; it is fetched at once.
   virtual std::unique_ptr<Cursor> PrepareShort(const std::string& statement) = 0;
-  /// Runs statements without values one after the other.
+  /// Runs several statements without values.
   virtual void RunScript(const std::string& statements) = 0;
 
-  /// Runs a statement, which the connection keeps prepared.
+  /// Runs a statement. The connection keeps it prepared.
   template <typename... Values>
   void Run(std::string_view statement, const Values&... values) {
     const InUse used(Kept(statement));
@@ -40,8 +41,8 @@ class Connection {
     used.cursor.Next();
   }
 
-  /// Runs a statement, which the connection keeps prepared, and reads the first row of its answer.
-  /// @return the row's values; of one column the value alone. Nothing where there is no row.
+  /// Runs a statement and reads the first row of its result. The connection keeps the statement prepared.
+  /// @return the values of the row as a tuple, or as a value if there is one column. Nothing if there is no row.
   template <typename... Columns, typename... Values>
   auto Find(std::string_view statement, const Values&... values) {
     const InUse used(Kept(statement));
@@ -55,14 +56,14 @@ class Connection {
     }
   }
 
-  /// Says what an error means before it is raised: the explainer may raise another in its place.
+  /// Is called before an error is thrown, and can throw another error with more information instead.
   using Explainer = std::function<void(const DatabaseError& error)>;
   void ExplainErrorsBy(Explainer explainer) { explain = std::move(explainer); }
 
  protected:
-  /// Raises what the database said.
+  /// Throws an error of the database.
   [[noreturn]] void Raise(const std::string& reason, const std::string& code) const;
-  /// Lets go of the kept statements: to be called before the connection is closed.
+  /// Releases the prepared statements. Must be called before the connection is closed.
   void ForgetStatements() { kept.clear(); }
 
  private:
@@ -81,7 +82,7 @@ class Connection {
   std::map<std::string, std::unique_ptr<Cursor>, std::less<>> kept;
 };
 
-/// Opens no database of a store: an empty one of SQLite in memory.
+/// Opens an empty SQLite database in memory.
 std::unique_ptr<Connection> ConnectToMemory();
 
 }  // namespace Velora::Store

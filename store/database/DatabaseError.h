@@ -6,12 +6,12 @@
 
 namespace Velora::Store {
 
-/// A database refused a statement, or was lost during it.
+/// A database refused a statement, or its connection was lost during one.
 class DatabaseError : public Error {
  public:
-  /// @param text what the error says.
-  /// @param reason what the database said, on one line.
-  /// @param code what the database calls that: an SQLSTATE, or SQLite's primary result code.
+  /// @param text the text of the error.
+  /// @param reason the message of the database, on one line.
+  /// @param code the error code of the database: an SQLSTATE, or SQLite's primary result code.
   DatabaseError(const std::string& text, std::string reason, std::string code)
       : Error(text), reason(std::move(reason)), code(std::move(code)) {}
 
@@ -19,19 +19,19 @@ class DatabaseError : public Error {
   std::string code;
 };
 
-/// The database could not be opened or reached at all, as opposed to one that is there and cannot be used.
+/// The database could not be opened or reached.
 class NotReachable : public Error {
  public:
   using Error::Error;
 };
 
-/// There is no store yet.
+/// The store does not exist yet.
 class NoStoreYet : public Error {
  public:
   using Error::Error;
 };
 
-/// The store that a session records into is no longer the one that it began in.
+/// The store of a session was replaced by another one since the session began.
 class StoreReplaced : public Error {
  public:
   explicit StoreReplaced(const std::string& name)
@@ -39,7 +39,7 @@ class StoreReplaced : public Error {
               "' was removed or replaced since the session began; expected it to stay until the next session") {}
 };
 
-/// Asked for something that this kind of database has not.
+/// This kind of database does not offer what was asked for.
 class NotOffered : public Error {
  public:
   using Error::Error;

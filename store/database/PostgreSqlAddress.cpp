@@ -10,7 +10,7 @@
 namespace Velora::Store {
 namespace {
 
-// A server that is gone is noticed in time for an operation to fail within five seconds.
+// Short enough for an operation to fail within five seconds when the server is gone.
 constexpr std::pair<const char*, const char*> defaults[] = {
     {"connect_timeout", "3"},     {"fallback_application_name", "Velora"},
     {"keepalives_count", "2"},    {"keepalives_idle", "2"},
@@ -47,7 +47,7 @@ std::string ToUri(const std::map<std::string, std::string>& options) {
   return uri;
 }
 
-// A password with an "@" or a "/" that is not escaped ends a part of a URI too early: its rest would stand in errors.
+// An unescaped "@" or "/" in a password ends a part of the URI too early; the rest of the password would be in errors.
 bool IsTornPassword(std::map<std::string, std::string>& options) {
   return options["host"].find('@') != std::string::npos ||
          options["port"].find_first_not_of("0123456789,") != std::string::npos ||

@@ -2,22 +2,22 @@
 
 #include <string>
 
-// How PostgreSQL's client library is told where to connect: key words and values, "service=NAME", or a URI.
+// Addresses for PostgreSQL's client library: key words and values, "service=NAME", or a URI.
 
 namespace Velora::Store {
 
-/// Whether PostgreSQL's client library understands a text as saying where to connect.
+/// Whether PostgreSQL's client library understands a text as an address.
 bool IsPostgreSqlAddress(const std::string& text);
 
-/// The same address as a URI, for texts in UTF-8, with timeouts by which a server that does not answer is noticed
-/// within seconds, where neither the text nor the environment states any.
+/// An address as a URI, with UTF-8 as the encoding. If neither the address nor the environment sets timeouts, adds some
+/// that detect within seconds that a server does not answer.
 std::string UriWithTimeouts(const std::string& address);
 
-/// An address, from UriWithTimeouts, narrowed down to the one server that a connection led to.
+/// An address from UriWithTimeouts(), restricted to the server to which a connection was made.
 std::string UriOfServer(const std::string& uri, const std::string& host, const std::string& hostAddress,
                         const std::string& port);
 
-/// The database in words and without a password: "velora on db.example".
+/// The name of the database in errors, without a password: "velora on db.example".
 std::string NameOfDatabaseAt(const std::string& address);
 
 }  // namespace Velora::Store

@@ -13,10 +13,10 @@
 namespace Velora::Store {
 namespace {
 
-// The client library may hold a part of an answer that the socket does not tell of, so it is asked again and again.
+// The client library can have a part of a result in its buffer, of which the socket does not know; so it is polled.
 constexpr std::chrono::milliseconds longestLook{100};
 
-// Without the words before it, which say how bad it is.
+// Removes the severity that precedes the message.
 std::string OnOneLine(const char* message) {
   static const std::regex before(R"(^(ERROR|FATAL|PANIC): +)");
   static const std::regex breaks(R"(\s*\n\s*)");
@@ -111,7 +111,7 @@ bool PostgreSqlConnection::AwaitAnswer() {
       return true;
     }
     if (unsent < 0 || silent) {
-      return !silent;  // what the server said before it closed the connection is still to be taken
+      return !silent;  // the server's last message must still be read
     }
     if (AwaitSocket(unsent == 1) && PQconsumeInput(handle.get()) != 1) {
       return true;
@@ -119,7 +119,7 @@ bool PostgreSqlConnection::AwaitAnswer() {
   }
 }
 
-// After the last moment the connection is closed to both sides, so that the server gives up too.
+// After the time limit, the connection is closed in both directions, so that the server gives up too.
 bool PostgreSqlConnection::AwaitSocket(bool toWrite) {
   const auto left = end ? std::chrono::duration_cast<std::chrono::milliseconds>(*end - Clock::now()) : longestLook;
   if (left.count() <= 0) {
@@ -135,7 +135,7 @@ std::string PostgreSqlConnection::Quoted(std::string_view text) const {
   const std::unique_ptr<char, decltype(&PQfreemem)> quoted(PQescapeLiteral(handle.get(), text.data(), text.size()),
                                                            &PQfreemem);
   if (!quoted) {
-    throw Error("TS database '" + Name() + "' cannot be asked for a text that is not UTF-8");
+    throw Error("TS database '" + Name() + "' cannot search for a text that is not UTF-8");
   }
   return quoted.get();
 }
@@ -144,7 +144,7 @@ void PostgreSqlConnection::Close(const std::string& cursor) noexcept {
   try {
     closing += "CLOSE " + cursor + "; ";
   } catch (...) {
-    // Then it stays open until the end.
+    // If this fails, the cursor stays open until the transaction ends.
   }
 }
 
@@ -159,7 +159,7 @@ PostgreSqlConnection ConnectToServer(const std::string& address) {
     return PostgreSqlConnection(address);
   } catch (const DatabaseError& error) {
     throw NotReachable("TS database '" + NameOfDatabaseAt(address) + "' cannot be reached: " + error.reason +
-                       "; expected a server there that runs and lets this user in");
+                       "; expected a running server that accepts this user");
   }
 }
 

@@ -18,11 +18,11 @@ class PostgreSqlConnection : public Connection {
  public:
   using Clock = std::chrono::steady_clock;
   using Answer = std::unique_ptr<PGresult, decltype(&PQclear)>;
-  using Value = std::optional<std::string>;  ///< Of a statement; nothing for NULL.
+  using Value = std::optional<std::string>;  ///< A value in a statement; nothing for NULL.
 
-  /// @param address what PostgreSQL's client library takes.
-  /// @param end when connecting is given up. The address then has to name the server by its number, since the time to
-  /// find that out has no limit. Without it the timeouts of the address hold for each server that it names.
+  /// @param address an address for PostgreSQL's client library.
+  /// @param end when to give up connecting. The address must then have the server's IP address, because looking up a
+  /// name has no time limit. Without `end`, the timeouts of the address hold for each server in it.
   /// @throws DatabaseError
   explicit PostgreSqlConnection(const std::string& address, std::optional<Clock::time_point> end = std::nullopt);
   ~PostgreSqlConnection() override { ForgetStatements(); }
@@ -31,30 +31,30 @@ class PostgreSqlConnection : public Connection {
   std::unique_ptr<Cursor> PrepareShort(const std::string& statement) override;
   void RunScript(const std::string& statements) override { Ask(statements); }
 
-  /// Runs statements without values. @return the answer to the last.
+  /// Runs statements without values. @return the result of the last one.
   Answer Ask(const std::string& statements);
-  /// Runs one statement, with its values at $1, $2...
+  /// Runs one statement with values at $1, $2...
   Answer Ask(const std::string& statement, const std::vector<Value>& values);
-  /// A text as a statement takes it.
+  /// A text as a literal in a statement.
   std::string Quoted(std::string_view text) const;
-  /// Has a cursor closed on the server, together with what is asked next.
+  /// Closes a cursor on the server, together with the next statement.
   void Close(const std::string& cursor) noexcept;
 
-  /// When an answer is given up, whatever the network does: the connection is lost then. Never, without a time.
+  /// Sets a time after which the connection gives up waiting for a result and is lost; nothing for no limit.
   void LimitTo(std::optional<Clock::time_point> when) { end = when; }
-  /// Whether it was lost: what was asked last may have happened, or not.
+  /// Whether the connection was lost. The last statement may or may not have had its effect.
   bool IsLost() const { return silent || PQstatus(handle.get()) != CONNECTION_OK; }
 
   PGconn* Handle() const { return handle.get(); }
-  /// The same address, narrowed down to the server that it led to.
+  /// The address of the connection, restricted to the server to which it was made.
   std::string ServerUri() const;
 
  private:
   bool ConnectUntil(Clock::time_point when);
   void Expect(int sent);
-  /// Waits for all of the answer to what was sent.
+  /// Waits for the whole result of what was sent.
   Answer TakeAnswer();
-  /// Sends the rest of what is asked, and waits until a part of the answer is there.
+  /// Sends the rest of the statement, and waits until a part of the result has arrived.
   bool AwaitAnswer();
   bool AwaitSocket(bool toWrite);
   [[noreturn]] void Fail(const std::string& reason, const std::string& state = "");
@@ -67,7 +67,7 @@ class PostgreSqlConnection : public Connection {
   int cursors = 0;
 };
 
-/// Connects to the database at an address. @throws NotReachable
+/// Connects to the database at an address. @throws NotReachable when that fails.
 PostgreSqlConnection ConnectToServer(const std::string& address);
 
 }  // namespace Velora::Store

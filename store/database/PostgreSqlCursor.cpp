@@ -9,7 +9,7 @@ namespace {
 
 constexpr int rowsAtOnce = 500;
 
-// The server's numbers for the types that a store's columns and counts have.
+// The type numbers of the server for the columns and counts of a store.
 enum : Oid { Boolean = 16, Int8 = 20, Int2 = 21, Int4 = 23, Float4 = 700, Float8 = 701, Numeric = 1700 };
 
 template <typename Value>
@@ -19,7 +19,7 @@ Value Read(std::string_view text) {
   return value;
 }
 
-/// A statement with something else in the places of its values.
+/// A statement in which the values at ?1, ?2... are replaced.
 template <typename Filler>
 std::string Filled(const std::string& text, const Filler& filler) {
   std::string filled;

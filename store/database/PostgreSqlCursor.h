@@ -8,7 +8,7 @@
 
 namespace Velora::Store {
 
-/// Rows of an answer from a server.
+/// The rows of a result from a server.
 class PostgreSqlRows : public Cursor {
  public:
   int Columns() const override { return PQnfields(rows.get()); }
@@ -26,7 +26,7 @@ class PostgreSqlRows : public Cursor {
   int row = -1;
 };
 
-/// A statement whose answer comes whole.
+/// A statement whose result is fetched at once.
 class PostgreSqlStatement : public PostgreSqlRows {
  public:
   PostgreSqlStatement(PostgreSqlConnection& connection, const std::string& text);
@@ -45,8 +45,8 @@ class PostgreSqlStatement : public PostgreSqlRows {
   std::vector<PostgreSqlConnection::Value> values;
 };
 
-/// A statement whose answer comes in portions, so that it may be of any length. Asked and answered with one message
-/// each way as long as it has one portion. The answer is that of the transaction's state when it was asked.
+/// A statement whose result is fetched in portions, so that it can be of any length. A result of one portion takes one
+/// message in each direction. The result is from the state that the transaction had when the statement was run.
 class PostgreSqlStream : public PostgreSqlRows {
  public:
   PostgreSqlStream(PostgreSqlConnection& connection, std::string name, std::string text)

@@ -2,12 +2,12 @@
 
 namespace Velora::Store {
 
-/// What a new connection runs first, to read a store or to record in one: makes the store's schema the current one, and
-/// does away with what a role may have set for itself that keeps it from recording.
+/// The first statement of every connection to a store: makes the schema of the store the current one, and resets what a
+/// role can have set for itself that prevents recording.
 ///
-/// A store is in the first schema of the connection's path that holds one. Where that path is not stated by the
-/// connection itself, a store that it does not lead to is looked for on the database's path and on the usual one. Where
-/// there is no store, the current schema is the first of these paths.
+/// The store is in the first schema of the search path that has one. If the connection does not set the path itself,
+/// the path of the database and the usual path are searched too. If there is no store, the current schema is the first
+/// schema of these paths.
 inline constexpr const char* findStore = R"(
     DO $$
     DECLARE
@@ -37,7 +37,7 @@ inline constexpr const char* findStore = R"(
       PERFORM set_config('search_path', COALESCE(quote_ident(COALESCE(store, place)) || ', pg_temp', ''), false);
     END $$)";
 
-/// Asks why a server takes no records, or might lose them: empty where it does.
+/// A query for the reason why a server accepts no records or can lose them; empty if there is none.
 inline constexpr const char* askWhyNot = R"(
     SELECT CASE
       WHEN pg_is_in_recovery() THEN 'its server is a standby, which only reads; expected the primary'

@@ -15,7 +15,7 @@ class SqliteCursor : public Cursor {
     statement.reset(prepared);
   }
 
-  // What a run of the statement ended with was raised when it did.
+  // An error of the run was already thrown when it happened.
   void Restart() override {
     sqlite3_reset(statement.get());
     over = false;
@@ -24,12 +24,12 @@ class SqliteCursor : public Cursor {
   void Bind(int place, long long value) override { Expect(sqlite3_bind_int64(statement.get(), place, value)); }
   void Bind(int place, double value) override { Expect(sqlite3_bind_double(statement.get(), place, value)); }
   void Bind(int place, std::string_view value) override {
-    const char* const text = value.data() == nullptr ? "" : value.data();  // which would be NULL
+    const char* const text = value.data() == nullptr ? "" : value.data();  // a null pointer would bind NULL
     Expect(sqlite3_bind_text64(statement.get(), place, text, value.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
   }
   bool Next() override {
     if (over) {
-      return false;  // SQLite would begin again
+      return false;  // SQLite would run the statement again
     }
     const int result = sqlite3_step(statement.get());
     if (result != SQLITE_ROW && result != SQLITE_DONE) {

@@ -9,13 +9,13 @@
 
 namespace Velora::Store {
 
-/// A connection to a file of SQLite.
+/// A connection to an SQLite file.
 class SqliteConnection : public Connection {
  public:
-  /// @param name as errors call it.
-  /// @param file its path, or a URI where the flags say so.
-  /// @param flags as sqlite3_open_v2 takes them.
-  /// @throws DatabaseError
+  /// @param name the name of the file in errors.
+  /// @param file its path, or a URI if the flags say so.
+  /// @param flags the flags for sqlite3_open_v2().
+  /// @throws DatabaseError when it cannot be opened.
   SqliteConnection(std::string name, const std::string& file, int flags);
   ~SqliteConnection() override { ForgetStatements(); }
 
@@ -24,14 +24,14 @@ class SqliteConnection : public Connection {
   void RunScript(const std::string& statements) override;
 
   sqlite3* Handle() const { return handle.get(); }
-  /// Raises what SQLite said last on this connection.
+  /// Throws the last error of SQLite on this connection.
   [[noreturn]] void Fail() const;
 
  private:
   std::unique_ptr<sqlite3, decltype(&sqlite3_close)> handle{nullptr, &sqlite3_close};
 };
 
-/// Whether an error says that another connection has the file.
+/// Whether an error says that another connection has locked the file.
 bool IsBusy(const DatabaseError& error);
 
 }  // namespace Velora::Store

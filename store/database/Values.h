@@ -9,7 +9,7 @@
 #include <type_traits>
 #include <utility>
 
-// The values of statements and rows, by their types in C++.
+// Values of statements and rows as C++ types.
 
 namespace Velora::Store {
 
@@ -24,14 +24,14 @@ void BindValue(Cursor& cursor, int place, const std::optional<Value>& value) {
   value ? BindValue(cursor, place, *value) : cursor.Bind(place, nullptr);
 }
 
-/// Binds values to ?1, ?2...
+/// Binds values to ?1, ?2... of a statement.
 template <typename... Values>
 void BindValues(Cursor& cursor, const Values&... values) {
   int place = 0;
   (BindValue(cursor, ++place, values), ...);
 }
 
-/// Reads a value of the row where a cursor stands: a whole number, a double, a text, or one of them that may be NULL.
+/// Reads a value of the current row: an integer, a double, a text, or an optional one for a value that can be NULL.
 template <typename Value>
 struct ValueIn {
   static Value Read(const Cursor& cursor, int column) {

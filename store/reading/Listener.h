@@ -5,7 +5,7 @@
 
 namespace Velora::Store {
 
-/// Hears every question to a store, so that a test can have their plans explained. Empty otherwise.
+/// If it is set, called with each query to a store. Tests use it to look at the plans of the queries.
 inline std::function<void(const std::string& question)> questionListener;
 
 }  // namespace Velora::Store

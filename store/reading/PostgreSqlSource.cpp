@@ -8,8 +8,8 @@ PostgreSqlSource::PostgreSqlSource(const std::string& address, const std::string
     : connection(ConnectToServer(address)) {
   connection.RunScript(findStore);
   connection.RunScript("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
-  connection.RunScript("SET LOCAL cursor_tuple_fraction = 1; SET LOCAL jit = off");  // every answer is read to its end
-  connection.RunScript("SET LOCAL extra_float_digits = 1");                          // and numbers to theirs
+  connection.RunScript("SET LOCAL cursor_tuple_fraction = 1; SET LOCAL jit = off");  // every result is read completely
+  connection.RunScript("SET LOCAL extra_float_digits = 1");  // numbers come with all their digits
   if (!snapshot.empty()) {
     connection.RunScript("SET TRANSACTION SNAPSHOT " + connection.Quoted(snapshot));
   }

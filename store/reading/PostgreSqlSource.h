@@ -7,11 +7,11 @@
 
 namespace Velora::Store {
 
-/// A database of a PostgreSQL server, opened for reading.
+/// A database on a PostgreSQL server, opened for reading.
 class PostgreSqlSource : public Source {
  public:
-  /// @param address what PostgreSQL's client library takes.
-  /// @param snapshot of another connection, whose state is to be read; empty for that of this moment.
+  /// @param address an address for PostgreSQL's client library.
+  /// @param snapshot the snapshot of another connection, to read the same state; empty for the current state.
   explicit PostgreSqlSource(const std::string& address, const std::string& snapshot);
 
   Connection& Sql() override { return connection; }

@@ -20,7 +20,7 @@ std::unique_ptr<Source> Open(const Database& database, const std::string& snapsh
 Reader::Reader(const Database& database, const std::string& snapshot)
     : database(database), source(Open(database, snapshot)) {
   if (!source->IsStore()) {
-    throw Error("'" + Name() + "' is no TS store; expected a database with the tables of one");
+    throw Error("'" + Name() + "' is not a TS store; expected a database with the tables of a TS store");
   }
   Rows version(*this, "SELECT COALESCE(MAX(version), 0) FROM ts_schema");
   version.Next();

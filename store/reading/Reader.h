@@ -8,20 +8,21 @@
 
 namespace Velora::Store {
 
-/// A store opened for reading: one state of it, as it was at the opening, whatever hosts record meanwhile. Reading
-/// neither changes the store, nor waits for those who write it, nor makes them wait.
+/// A store opened for reading, in the state that it had at the opening, whatever hosts record later. Reading does not
+/// change the store, does not wait for hosts that write, and does not make them wait.
 class Reader {
  public:
-  /// @param snapshot of a connection to the same server, whose state is to be read; empty for that of this moment.
-  /// @throws NoStoreYet; Error when it is not a store that this program can read.
+  /// @param snapshot the snapshot of another connection to the server, to read the same state; empty for the current
+  /// state.
+  /// @throws NoStoreYet when there is no store. @throws Error when this program cannot read the store.
   explicit Reader(const Database& database, const std::string& snapshot = "");
 
   const Database& Where() const { return database; }
-  /// As messages call it.
+  /// The name of the store in messages.
   const std::string& Name() const { return source->Sql().Name(); }
   int SchemaVersion() const { return schemaVersion; }
   Connection& Sql() const { return source->Sql(); }
-  /// @throws Error when what was read may be a mixture, since hosts began to write while it was read.
+  /// @throws Error when a host began to write meanwhile, so that what was read can be a mixture of two states.
   void ExpectUntouched() const { source->ExpectUntouched(); }
 
  private:

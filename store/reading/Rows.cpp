@@ -19,8 +19,8 @@ Rows::Rows(Connection& connection, const std::string& question) : cursor(connect
 Rows::Rows(const Reader& store, const std::string& question) : Rows(store.Sql(), question) {}
 
 void Rows::Refuse(int column) const {
-  throw Error(PlaceOf(column) + " has " + std::to_string(Whole(column).size()) + " bytes, and at most " +
-              std::to_string(longestShown) + " can be shown; expected export without --format, which writes all");
+  throw Error(PlaceOf(column) + " has " + std::to_string(Whole(column).size()) + " bytes; at most " +
+              std::to_string(longestShown) + " can be shown; export without --format writes texts of any length");
 }
 
 void Rows::AppendValue(std::string& json, int column) const {
@@ -28,7 +28,7 @@ void Rows::AppendValue(std::string& json, int column) const {
     Append(json, column);
   } catch (const std::bad_alloc&) {
     throw Error(PlaceOf(column) + " has " + std::to_string(Whole(column).size()) +
-                " bytes, and there is not enough memory for them");
+                " bytes, for which there is not enough memory");
   }
 }
 

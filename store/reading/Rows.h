@@ -10,16 +10,16 @@ namespace Velora::Store {
 
 class Reader;
 
-/// A question to a store and its rows, in SQL that every database of a store takes.
+/// A query to a store and its rows. The SQL must be accepted by both databases.
 class Rows {
  public:
-  /// Bytes of a text. A longer one would take a verb that shows it too much memory.
+  /// The most bytes of a text that is shown. A longer one would need too much memory.
   static constexpr std::size_t longestShown = std::size_t{64} << 20U;
 
   Rows(Connection& connection, const std::string& question);
   Rows(const Reader& store, const std::string& question);
 
-  /// Asks from the beginning, with these values for ?1, ?2...
+  /// Runs the query with these values for ?1, ?2..., and stands before the first row.
   template <typename... Values>
   Rows& Ask(const Values&... values) {
     cursor->Restart();
@@ -35,7 +35,7 @@ class Rows {
   }
   long long Integer(int column) const { return cursor->Integer(column); }
   double Number(int column) const { return cursor->Number(column); }
-  /// A value to be shown. @throws Error naming its row where it is longer than `longestShown`.
+  /// A value to be shown. @throws Error, naming its row, when it is longer than `longestShown`.
   std::string_view Text(int column) const {
     const std::string_view text = Whole(column);
     if (text.size() > longestShown) {
@@ -43,19 +43,20 @@ class Rows {
     }
     return text;
   }
-  /// The same of any length, for what copies or compares it.
+  /// A value of any length, to be copied or compared.
   std::string_view Whole(int column) const { return cursor->Text(column); }
+  /// @throws Error, naming the row, when a value is longer than `longestShown`.
   void ExpectShowable(int column) const { static_cast<void>(Text(column)); }
   int Columns() const { return cursor->Columns(); }
   const char* Name(int column) const { return cursor->Name(column); }
-  /// Appends a value of any length as JSON, by the type that it is really stored with.
-  /// @throws Error naming its row where memory does not take it.
+  /// Appends a value of any length as JSON. Its form follows the type with which the value is stored.
+  /// @throws Error, naming its row, when there is not enough memory for it.
   void AppendValue(std::string& json, int column) const;
 
  private:
   void Append(std::string& json, int column) const;
   [[noreturn]] void Refuse(int column) const;
-  /// A value's column and row, in words.
+  /// The column and row of a value, in words.
   std::string PlaceOf(int column) const;
 
   std::unique_ptr<Cursor> cursor;

@@ -5,8 +5,8 @@
 
 namespace Velora::Store {
 
-// On a server a number is taken before its row can be seen. So what is under way is let finish first, and more is held
-// up until the state to read is fixed. The tables stand in the order in which hosts write them.
+// On a server, a row gets its number before others can see it. So the locks wait for the transactions that have begun,
+// and hold back others until the state to read is fixed. The tables are in the order in which hosts write them.
 Reader SettledReader(const Database& database) {
   if (database.kind == Database::Kind::Sqlite) {
     return Reader(database);

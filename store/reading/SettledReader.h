@@ -4,8 +4,8 @@
 
 namespace Velora::Store {
 
-/// A state of a store after which no row comes with a lower number than those that it has. On a server this takes the
-/// rights of the store's owner, and holds hosts up for milliseconds.
+/// Opens a store for reading, in a state after which no row gets a lower number than the rows in it. On a server, this
+/// needs the rights of the owner of the store, and hosts wait for milliseconds.
 Reader SettledReader(const Database& database);
 
 }  // namespace Velora::Store

@@ -15,7 +15,7 @@ class Source {
   virtual Connection& Sql() = 0;
   /// Whether it has the tables of a store.
   virtual bool IsStore() = 0;
-  /// @throws Error when what was read may be a mixture, since hosts began to write while it was read.
+  /// @throws Error when a host began to write meanwhile, so that what was read can be a mixture of two states.
   virtual void ExpectUntouched() const = 0;
 };
 

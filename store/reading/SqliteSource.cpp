@@ -12,7 +12,8 @@ namespace Velora::Store {
 
 namespace {
 
-constexpr int longestWaitMilliseconds = 5000;  // for a host that tidies up after a crash, not for one that writes
+constexpr int longestWaitMilliseconds =
+    5000;  // for a host that recovers after a crash; hosts that write make nobody wait
 
 std::filesystem::file_time_type WrittenAt(const std::string& path) {
   std::error_code unknown;
@@ -51,13 +52,13 @@ SqliteSource::SqliteSource(const std::string& path) : path(path) {
     throw Error("TS database '" + path + "' is " + kind + "; expected a regular file");
   }
   Open(path, "?mode=ro");
-  // SQLite follows links, and keeps its log and its journal beside the file that they lead to.
+  // SQLite follows links, and keeps its log and journal beside the file to which they lead.
   const char* const name = sqlite3_db_filename(connection->Handle(), "main");
   file = name;
   ExpectOneName();
   written = WrittenAt(file);
-  // A host that has the file open keeps its log beside it. Without one, SQLite would make one for a reader as well,
-  // which one who may not write the folder cannot, and which would stay behind.
+  // If a host has the file open, its log lies beside it. If there is no log, SQLite would make one for a reader too,
+  // which would stay behind, and would fail for a user who may not write to the folder.
   closed = !std::filesystem::exists(sqlite3_filename_wal(name), unknown) && !HasContent(sqlite3_filename_journal(name));
   if (closed) {
     Open(file, "?immutable=1");
@@ -85,7 +86,7 @@ void SqliteSource::ExpectOneName() const {
   }
 }
 
-// Begins to read, so that all questions are answered from one state.
+// Begins to read, so that all queries see one state.
 void SqliteSource::Begin() {
   sqlite3* const handle = connection->Handle();
   if (sqlite3_exec(handle, "BEGIN; SELECT 1 FROM sqlite_master", nullptr, nullptr, nullptr) == SQLITE_OK) {
@@ -98,7 +99,7 @@ void SqliteSource::Begin() {
     words = reason == SQLITE_CANTOPEN ? std::string("cannot be read with its log '") + sqlite3_filename_wal(name)
                                       : std::string("cannot be read: a program ended while it wrote, and left '") +
                                             sqlite3_filename_journal(name);
-    words += "'; expected one who may write there to open it first: the next host, or sqlite3 '" + path +
+    words += "'; expected a user who may write there to open it first: the next host, or sqlite3 '" + path +
              "' 'PRAGMA quick_check'";
   }
   throw Error("TS database '" + path + "' " + words);
@@ -111,7 +112,7 @@ bool SqliteSource::IsStore() {
 void SqliteSource::ExpectUntouched() const {
   if (closed && WrittenAt(file) != written) {
     throw Error("TS database '" + path +
-                "' was closed, and a host began to write it while it was read; run this again");
+                "' was not in use, and a host began to write to it while it was read; run the command again");
   }
 }
 

@@ -9,7 +9,7 @@
 
 namespace Velora::Store {
 
-/// A file of SQLite, opened for reading.
+/// An SQLite file, opened for reading.
 class SqliteSource : public Source {
  public:
   /// @throws NoStoreYet when there is no such file; Error when it cannot be read.
@@ -25,8 +25,8 @@ class SqliteSource : public Source {
   void Begin();
 
   const std::string path;
-  std::string file;     // where the path leads
-  bool closed = false;  // nobody had it open: read without the files that its users share
+  std::string file;     // the path without links
+  bool closed = false;  // no program had it open, so it is read without log and shared memory
   std::filesystem::file_time_type written;
   std::unique_ptr<SqliteConnection> connection;
 };

@@ -13,9 +13,9 @@ namespace Velora::Store {
 
 class Reader;
 
-// The canonical form of what was recorded: docs/record-format.md. Keep the two together.
+// The canonical form of what was recorded: docs/record-format.md. Change both together.
 
-/// The kinds of record, in the order in which they are counted.
+/// The kinds of record, in the order of their numbers in seals.
 enum Kind {
   Schema,
   Sessions,
@@ -30,49 +30,52 @@ enum Kind {
   kindCount
 };
 
-/// What they are called.
+/// The names of the kinds in records and seals.
 inline constexpr std::array<const char*, kindCount> kindNames = {"schema",  "session",       "registration", "activity",
                                                                  "version", "configuration", "execution",    "status",
                                                                  "event",   "parameter"};
 
-/// A number for each kind: how many there are, or the highest that counts.
+/// A number for each kind: a count, or the highest number of a row.
 using Numbers = std::array<long long, kindCount>;
 
-/// Below every number: nothing is covered yet.
+/// Numbers below all rows: nothing is covered yet.
 inline constexpr Numbers none = [] {
   Numbers numbers{};
   numbers.fill(std::numeric_limits<long long>::min());
   return numbers;
 }();
 
-/// The highest number of each kind that the store has now; parameters have none of their own.
+/// The highest number of each kind in the store. Parameters have no numbers of their own.
 Numbers HighestNumbers(const Reader& store);
 
-/// Writes records one after the other, each on a line. What a record refers to stands before it, once in each part.
+/// Writes records, each on a line. What a record refers to is written before it, once in each part.
 class Records {
  public:
   using Sink = std::function<void(std::string_view line)>;
 
-  /// @param upTo records with a higher number are left out.
+  /// @param upTo the highest numbers to write.
   Records(const Reader& store, const Numbers& upTo, Sink sink);
 
-  /// A run, or what was added to it since.
-  /// @param root key of its topmost execution.
+  /// Writes a part with a run.
+  /// @param root the key of the root of the run.
+  /// @param since writes only records with higher numbers.
   void WriteRun(long long root, const Numbers& since = none);
-  /// What belongs to no run, by itself.
+  /// Writes a part with the records that belong to no run.
+  /// @param since writes only records with higher numbers.
   void WriteRest(const Numbers& since = none);
-  /// The events of no run from a time on and before another, with what they refer to.
+  /// Writes a part with the events that belong to no run, at or after one time and before another, and with what they
+  /// refer to.
   void WriteEventsOfNoRun(const std::string& from, const std::string& before);
 
-  /// How many records of each kind were written in the part begun last.
+  /// The number of records of each kind in the current part.
   const Numbers& Counts() const { return counts; }
 
  private:
   void BeginPart(const std::string& header, bool withReferences);
-  /// Writes what the row refers to and has not been written yet.
+  /// Writes the records to which a row refers and that are not in this part yet.
   void MentionReferences(const Rows& from);
   void Mention(Kind kind, long long key);
-  /// Writes the row where `rows` stands.
+  /// Writes the current row.
   void Write(Kind kind, const Rows& rows);
   void WriteAll(Kind kind, Rows& rows);
   void WriteEvents(EventRows& rows);

@@ -75,13 +75,13 @@ std::vector<std::string> ChainFindings(const std::vector<Seal>& seals) {
   for (const Seal& seal : seals) {
     const std::string name = "seal " + std::to_string(seal.number);
     if (seal.number != ++number) {
-      findings.push_back("seal " + std::to_string(number) + " is missing: " + name + " stands in its place");
+      findings.push_back("seal " + std::to_string(number) + " is missing: " + name + " follows the one before it");
       number = seal.number;
     }
     if (seal.hash != seal.ownHash || !FromText(seal.upTo) || !FromText(seal.counts)) {
       findings.push_back(name + " was altered");
     } else if (seal.previousHash != previous) {
-      findings.push_back(name + " does not follow from the seal before it");
+      findings.push_back(name + " does not contain the hash of the seal before it");
     }
     previous = seal.hash;
   }

@@ -12,7 +12,7 @@ namespace {
 
 void Expect(int result) {
   if (result != 1) {
-    throw Error("SHA-256 cannot be computed: OpenSSL refuses it");
+    throw Error("OpenSSL cannot compute SHA-256");
   }
 }
 

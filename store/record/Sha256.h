@@ -8,13 +8,13 @@
 
 namespace Velora::Store {
 
-/// SHA-256 of what is added to it, piece by piece.
+/// The SHA-256 hash of bytes that are added piece by piece.
 class Sha256 {
  public:
   Sha256();
 
   void Add(std::string_view piece);
-  /// In 64 hexadecimal digits. Begins anew afterwards.
+  /// The hash in 64 hexadecimal digits. Afterwards, the object is as new.
   std::string Finish();
 
  private:

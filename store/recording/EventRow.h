@@ -6,7 +6,7 @@
 
 namespace Velora::Store {
 
-/// A parameter as its row has it: a text or a number.
+/// The row of a parameter: its value is a text or a number.
 struct ParameterRow {
   std::string name;
   const char* kind = "";
@@ -14,8 +14,8 @@ struct ParameterRow {
   std::optional<double> number;
 };
 
-/// An event as its row has it, and its parameters in the order of their positions, from 1 on. Texts are in the form in
-/// which the store keeps them.
+/// The row of an event, and the rows of its parameters in the order of their positions from 1. Texts are in their
+/// stored form.
 struct EventRow {
   long long session = 0;
   std::optional<long long> execution;

@@ -11,18 +11,18 @@ namespace {
 
 using Clock = PostgreSqlConnection::Clock;
 
-constexpr std::chrono::milliseconds longestOperation{4500};  // whatever the network does
+constexpr std::chrono::milliseconds longestOperation{4500};  // even if the network fails
 constexpr std::chrono::seconds longestBringUp{40};
-constexpr std::chrono::seconds longestDoubt{2};  // how long a commit without an answer is asked after
+constexpr std::chrono::seconds longestDoubt{2};  // how long to ask whether a transaction was committed
 
-// Keys of the locks that transactions of all hosts share; "TS" in front, since a database has one set of them.
+// The keys of the advisory locks that all hosts use. They begin with "TS", because a database has one set of keys.
 constexpr const char* schemaLock = "SELECT pg_advisory_xact_lock(21587, 1)";
 constexpr const char* activitiesLock = "SELECT pg_advisory_xact_lock(21587, 2)";
 
 constexpr const char* insufficientPrivilege = "42501";
 
-// Which server that is: the number that its cluster was made with, and the line of its history, which is another one
-// after a standby took its place.
+// Identifies the server: the identifier of its cluster and its timeline, which changes when a standby becomes the
+// primary.
 constexpr const char* identity =
     "(CAST(system_identifier AS text) || '/' || left(pg_walfile_name(pg_current_wal_insert_lsn()), 8))";
 
@@ -70,8 +70,8 @@ PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
 
 void PostgreSqlWriter::Configure() {
   connection.RunScript(findStore);
-  // A server that is set to lose what it acknowledged is told not to; one that is set to do more goes on doing so. A
-  // host that stops in the middle of a transaction gives up its locks in the end.
+  // Commits must be on the disk when they are acknowledged; a server that is set to do more keeps its setting. A host
+  // that stops in the middle of a transaction loses its locks after some time.
   connection.RunScript(
       "SET statement_timeout = '4s'; SET lock_timeout = '4s'; SET default_transaction_isolation = 'read committed';"
       "SET idle_in_transaction_session_timeout = '60s';"
@@ -84,13 +84,14 @@ void PostgreSqlWriter::Configure() {
     throw NotReachable("TS database '" + Name() + "' cannot be recorded into: " + whyNot);
   }
   if (encoding != "UTF8") {
-    throw Error("TS database '" + Name() + "' has the encoding " + encoding + "; expected UTF8, which has every text");
+    throw Error("TS database '" + Name() + "' has the encoding " + encoding +
+                "; expected UTF8, which can store every text");
   }
   server = connection.Find<std::string>("SELECT " + std::string(identity) + " FROM pg_control_system()").value();
 }
 
-// The number of the transaction tells later whether it was committed, should the answer to that be lost. Partitions are
-// made before it, in a transaction of their own: one that holds locks could wait for a host that waits for it.
+// If the answer to the commit is lost, the number of the transaction says later whether it was committed. Partitions
+// are made before, in their own transaction: with locks, it could wait for a host that waits for it.
 void PostgreSqlWriter::Begin() {
   if (Clock::now() >= partitionsDue) {
     MakeRoom();
@@ -111,10 +112,11 @@ void PostgreSqlWriter::Commit() {
   }
 }
 
-// The lost connection's server process may still be at the commit, so it is asked after until there is an answer. That
-// counts from the very server only: one that took its place may lack the commit. One that crashed gives out again the
-// numbers of which nothing had reached its disk: then "committed" may be said of another's transaction. It begins anew
-// with a checkpoint, so there has been none since this one began.
+// The server process of the lost connection may still be committing, so the query is repeated until there is an answer.
+// Only the answer of the same server counts: a standby that took its place can lack the commit. After a crash, a server
+// uses numbers again if nothing of their transactions had reached its disk, so that "committed" could be said of
+// another transaction. A server begins with a checkpoint after a crash, so there must be none since this transaction
+// began.
 bool PostgreSqlWriter::WasCommitted() {
   static const std::string question =
       "SELECT CASE WHEN " + std::string(identity) +
@@ -133,17 +135,17 @@ bool PostgreSqlWriter::WasCommitted() {
         return status == "committed";
       }
     } catch (const DatabaseError&) {
-      // It may be starting again.
+      // The server may be restarting.
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
   }
-  throw DatabaseError("TS database '" + Name() + "' was lost while it stored a record: the record may be there, or not",
+  throw DatabaseError("TS database '" + Name() + "' was lost while it stored a record; the record may be stored or not",
                       "", "");
 }
 
 void PostgreSqlWriter::StartOperation() { connection.LimitTo(Clock::now() + longestOperation); }
 
-// The lock before the number: who seals waits for it, and then no lower number can appear any more.
+// Takes the lock before the number: sealing waits for the lock, and after that no lower number can appear.
 long long PostgreSqlWriter::NextKey(const std::string& table, const std::string& column) {
   const PostgreSqlConnection::Answer key =
       connection.Ask("LOCK TABLE " + table + " IN ROW EXCLUSIVE MODE; SELECT nextval(pg_get_serial_sequence('" + table +
@@ -155,13 +157,13 @@ void PostgreSqlWriter::HoldActivities() { connection.RunScript(activitiesLock); 
 
 void PostgreSqlWriter::HoldSeals() { connection.RunScript("LOCK TABLE seals IN EXCLUSIVE MODE"); }
 
-// Whoever makes or brings up the store may take longer than an operation; the hosts that begin meanwhile wait for it.
+// Making or upgrading a store can take longer than an operation; hosts that begin meanwhile wait for it.
 void PostgreSqlWriter::HoldSchema() {
   connection.RunScript(std::string("SET LOCAL statement_timeout = '30s'; SET LOCAL lock_timeout = '30s'; ") +
                        schemaLock);
 }
 
-// The event and its parameters with one statement: the server may be far away.
+// Inserts the event and its parameters with one statement, because each statement is a round trip.
 void PostgreSqlWriter::Insert(const EventRow& event) {
   connection.Run(
       "WITH stored AS (INSERT INTO events (session_id, execution_id, configuration_id, name, at) "
@@ -177,7 +179,7 @@ void PostgreSqlWriter::MakeRoom() {
   partitionsDue = Clock::now() + std::chrono::hours(24);
 }
 
-// A server that ended said so before it closed the connection: the first look finds the words, the second the end.
+// A server that stops says so before it closes the connection: the first call reads the message, the second the end.
 bool PostgreSqlWriter::IsUsable() {
   PGconn* const handle = connection.Handle();
   return PQconsumeInput(handle) == 1 && PQconsumeInput(handle) == 1 && !IsLost();
@@ -205,7 +207,7 @@ Writer::Contents PostgreSqlWriter::FindTables() {
               "SELECT COUNT(*), COUNT(*) FILTER (WHERE relname = 'ts_schema') FROM pg_class c "
               "WHERE relkind IN ('r', 'p', 'v') AND relnamespace = to_regnamespace(quote_ident(current_schema())) AND "
               "NOT EXISTS (SELECT FROM pg_depend WHERE classid = CAST('pg_class' AS regclass) AND objid = c.oid "
-              "AND deptype = 'e')")  // which belong to extensions
+              "AND deptype = 'e')")  // tables of extensions
           .value();
   return {tables != 0, own != 0};
 }

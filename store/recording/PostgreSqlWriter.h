@@ -8,14 +8,14 @@
 
 namespace Velora::Store {
 
-/// A store in a database of a PostgreSQL server, from version 14 on.
+/// A store on a PostgreSQL server of version 14 or later, opened for recording.
 class PostgreSqlWriter : public Writer {
  public:
-  /// @param address what PostgreSQL's client library takes.
+  /// @param address an address for PostgreSQL's client library.
   PostgreSqlWriter(const std::string& address, Opening opening);
 
   Connection& Sql() override { return connection; }
-  /// Partitions for the months to come: from then on once a day, so that a host that runs for months finds its own.
+  /// Makes the partitions of the next months; from then on once a day, for hosts that run for months.
   void MakeRoom() override;
   void Begin() override;
   void Commit() override;
@@ -40,9 +40,9 @@ class PostgreSqlWriter : public Writer {
   bool WasCommitted();
 
   PostgreSqlConnection connection;
-  std::string server;       // its cluster, and the line of its history
-  std::string transaction;  // the server's number of the transaction that is open,
-  std::string logged;       // and what of its log was on its disk when that began
+  std::string server;       // the identifier of its cluster, and its timeline
+  std::string transaction;  // the number of the open transaction on the server
+  std::string logged;       // how much of the server's log was on its disk when the transaction began
   Clock::time_point partitionsDue = Clock::time_point::max();
 };
 

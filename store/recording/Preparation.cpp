@@ -8,7 +8,7 @@
 namespace Velora::Store {
 namespace {
 
-// What belongs to the store, as statements name it.
+// The names of the role, the schema, the database and the objects of the store, quoted for statements.
 constexpr const char* askNames = R"(
     SELECT quote_ident(rolname), quote_ident(nspname), quote_ident(current_database()),
       (SELECT string_agg(CAST(CAST(c.oid AS regclass) AS text), ', ') FROM pg_class c WHERE relowner = owner
@@ -22,7 +22,7 @@ constexpr const char* askNames = R"(
       t (schema, owner) JOIN pg_namespace s ON s.oid = schema JOIN pg_database ON datname = current_database()
     WHERE rolname = ?1)";
 
-// First whatever was given before is taken away, by an earlier version or by hand. Others keep what lets them read.
+// First revokes what an earlier version or a person granted. Other roles keep the right to read.
 constexpr const char* grants[] = {
     "REVOKE ALL ON SCHEMA {schema} FROM {role} CASCADE",
     "REVOKE ALL ON {tables} FROM {role} CASCADE",
@@ -30,7 +30,7 @@ constexpr const char* grants[] = {
     "REVOKE ALL ON FUNCTION {functions} FROM PUBLIC, {role} CASCADE",
     "REVOKE INSERT, UPDATE, DELETE, TRUNCATE, REFERENCES, TRIGGER ON {tables} FROM PUBLIC CASCADE",
     "REVOKE UPDATE ON SEQUENCE {sequences} FROM PUBLIC CASCADE",
-    "REVOKE CREATE ON SCHEMA {schema} FROM PUBLIC",  // up to PostgreSQL 14 everybody may, in the usual one
+    "REVOKE CREATE ON SCHEMA {schema} FROM PUBLIC",  // up to PostgreSQL 14, everybody may in the schema public
     "GRANT USAGE ON SCHEMA {schema} TO {role}",
     "GRANT USAGE ON SEQUENCE {sequences} TO {role}",
     "GRANT SELECT ON {tables} TO {role}",
@@ -38,8 +38,8 @@ constexpr const char* grants[] = {
     "GRANT EXECUTE ON FUNCTION {functions of hosts} TO {role}",
 };
 
-// Tables of its own, temporary ones too, would be found under the names of the store's. Only in a database of the
-// store's owner: others may be shared.
+// Otherwise a role could make tables with the names of the store's tables, also temporary ones, which would be found
+// first. Only in a database of the store's owner: other databases may be shared.
 constexpr const char* nothingBeside = "REVOKE CREATE, TEMPORARY ON DATABASE {database} FROM PUBLIC, {role} CASCADE";
 
 using Names = std::map<std::string, std::string>;

@@ -6,10 +6,10 @@
 
 namespace Velora::Store {
 
-/// Makes a store or brings it up, and lets a role of the server record in it and do nothing else.
+/// Makes or upgrades a store, and allows a role of the server to record into it and nothing else.
 /// @param hosts the role; empty for none.
-/// @throws NotOffered for a role where the database has none; Error when the server does not know it, or it owns the
-/// store.
+/// @throws NotOffered when a role is given for a database that has no roles. @throws Error when the server does not
+/// know the role, or the role owns the store.
 void PrepareStore(const Database& database, const std::string& hosts);
 
 }  // namespace Velora::Store

@@ -18,7 +18,7 @@ std::string SharedMemoryOf(sqlite3* database) { return std::string(sqlite3_db_fi
 SqliteFiles::SqliteFiles(sqlite3* database, const std::string& name)
     : database(database), main(Find(name)), log{Find(LogOf(database)), Find(SharedMemoryOf(database))} {}
 
-// SQLite removes the log when the last connection is closed, so never under this one.
+// SQLite removes the log only when the last connection is closed, so not while this one is open.
 bool SqliteFiles::AreInPlace() const {
   const auto isInPlace = [](const File& file) {
     return file.id != System::FileId() && file.id == System::IdOf(file.path);
@@ -28,8 +28,8 @@ bool SqliteFiles::AreInPlace() const {
   return moved == 0 && isInPlace(main) && std::all_of(log.begin(), log.end(), isInPlace);
 }
 
-// Closing the last connection moves the log that it has open into the database, which saves what is in a log that was
-// deleted, and then removes whatever has the log's name.
+// When the last connection is closed, SQLite moves its log into the database, even a log that was deleted, and then
+// removes any file with the name of the log.
 void SqliteFiles::SpareOthers() const {
   const auto isAnothers = [](const File& file) {
     std::error_code none;

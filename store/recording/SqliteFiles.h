@@ -9,18 +9,19 @@
 
 namespace Velora::Store {
 
-/// The file of shared memory of an open database.
+/// The path of the shared-memory file of an open database.
 std::string SharedMemoryOf(sqlite3* database);
 
-/// The three files of a store, as a connection has them open.
+/// The three files of a store that a connection has open: database, log and shared memory.
 class SqliteFiles {
  public:
-  /// @param name by which others find the database. It was read from, which opens all three.
+  /// @param name the path by which others find the database, which must have been read from, so that all three are
+  /// open.
   SqliteFiles(sqlite3* database, const std::string& name);
 
-  /// Whether others find the same ones, so that they see what is written, and its lock.
+  /// Whether the paths still lead to the same files, so that others see what is written and its lock.
   bool AreInPlace() const;
-  /// Lets closing the connection leave alone what others have written under these names since.
+  /// Makes the closing of the connection leave the log alone if others have made a new one under its name.
   void SpareOthers() const;
 
  private:

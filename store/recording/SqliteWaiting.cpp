@@ -5,7 +5,7 @@
 namespace Velora::Store {
 namespace {
 
-constexpr std::chrono::seconds longestTurn{4};  // whose turn it is may have been stopped
+constexpr std::chrono::seconds longestTurn{4};  // the program whose turn it is can be suspended
 
 }  // namespace
 
@@ -26,9 +26,9 @@ void SqliteWaiting::EndTurn() {
   inQueue = {};
 }
 
-// In short steps for the first in the queue: between two records of a host at full speed that stands in none there are
-// some microseconds, which SQLite's own steps of up to a tenth of a second would miss for seconds on end. Whoever is
-// not the first may be one of many, so that short steps would take up the processor.
+// The first in the queue polls in short steps: a host at full speed that does not use the queue leaves only
+// microseconds between two records, which SQLite's own steps of up to a tenth of a second would miss for seconds.
+// Others poll slowly: there can be many, and short steps would use up the processor.
 bool SqliteWaiting::WaitAgain(int tries) {
   const Clock::time_point now = Clock::now();
   if (tries == 0) {

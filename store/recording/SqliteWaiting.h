@@ -10,8 +10,8 @@
 
 namespace Velora::Store {
 
-/// How a connection waits for those that write the same file: in a queue, where only the first looks whether the file
-/// is free; and since not everybody stands there, by looking again and again.
+/// How a connection waits for others that write the same file: in a queue, of which only the first polls whether the
+/// file is free. Programs that do not use the queue can write too, so the first must poll.
 class SqliteWaiting {
  public:
   static constexpr std::chrono::seconds longest{30};
@@ -20,21 +20,22 @@ class SqliteWaiting {
   SqliteWaiting(const SqliteWaiting&) = delete;
   SqliteWaiting& operator=(const SqliteWaiting&) = delete;
 
-  /// Lets a connection wait like this as long as it is open.
+  /// Makes a connection wait like this until it is closed.
   void Serve(sqlite3* database);
-  /// To be called before a transaction, and after it.
+  /// Must be called before a transaction.
   void TakeTurn(const std::string& file);
+  /// Must be called after the transaction.
   void EndTurn();
 
  private:
   using Clock = std::chrono::steady_clock;
 
-  /// @return whether to look again.
+  /// Waits before the next try. @return whether to try again.
   bool WaitAgain(int tries);
 
   std::optional<System::Turn> turn;
-  Clock::duration inQueue{};  // for the transaction that begins
-  Clock::time_point end;      // of the waiting
+  Clock::duration inQueue{};  // time spent in the queue for this transaction
+  Clock::time_point end;      // when to give up
 };
 
 }  // namespace Velora::Store

@@ -15,18 +15,18 @@
 namespace Velora::Store {
 namespace {
 
-// The byte of the file of shared memory that SQLite locks for the one writer of its write-ahead log.
+// The byte of the shared-memory file that SQLite locks for the writer of the write-ahead log.
 constexpr unsigned writeLock = 120;
 
 constexpr const char* rightsExpected =
-    "; expected a folder that is there, and the right to write the file and that folder, since a log is kept beside it";
+    "; expected an existing folder, and the right to write it and the file, because a log is kept beside the file";
 
 SqliteConnection Open(const std::string& file, Opening opening) {
   if (const std::string kind = System::KindOfNoFile(file); !kind.empty()) {  // SQLite would wait for a FIFO
     throw Error("TS database '" + file + "' is " + kind + "; expected a regular file");
   }
   if (opening == Opening::MakesStore) {
-    // Made here, since SQLite lets everybody read what it makes; its other files get the mode of this one.
+    // SQLite would make a file that everybody can read. Its other files get the permissions of this one.
     System::MakeOwnFile(file);
   } else if (std::error_code unknown; !std::filesystem::exists(file, unknown) && !unknown) {
     throw StoreReplaced(file);
@@ -44,7 +44,7 @@ const char* ExpectedAfter(const DatabaseError& error) {
     case SQLITE_READONLY:
       return rightsExpected;
     case SQLITE_NOTADB:
-      return "; expected a file of SQLite, or none yet";
+      return "; expected an SQLite file, or none yet";
     default:
       return "";
   }
@@ -58,7 +58,7 @@ SqliteWriter::SqliteWriter(const std::string& file, Opening opening)
     throw Error("TS database '" + file + "' can only be read; expected a file that may be written");
   }
   Configure();
-  StoredVersion();  // asked first: nothing is changed in a file of another program
+  StoredVersion();  // first, so that a file of another program is not changed
   if (opening == Opening::Tries) {
     return;
   }
@@ -76,7 +76,7 @@ void SqliteWriter::Configure() {
       "PRAGMA foreign_keys = ON; PRAGMA synchronous = FULL");  // a commit is on the disk when it returns
 }
 
-// Without the statement and its values, which can be as long as what was to be recorded.
+// Leaves out the statement and its values, which can be as long as the record.
 void SqliteWriter::Explain(const DatabaseError& error) const {
   const std::string database = "TS database '" + connection.Name() + "'";
   if (IsBusy(error)) {
@@ -89,7 +89,7 @@ void SqliteWriter::Explain(const DatabaseError& error) const {
   throw DatabaseError(database + ": " + error.reason + ExpectedAfter(error), error.reason, error.code);
 }
 
-// To the statement's end, past its one row: there the change is committed.
+// Steps past the only row to the end of the statement, where the change is committed.
 std::string SqliteWriter::AskForWriteAheadLog() {
   const auto pragma = connection.Prepare("PRAGMA journal_mode = WAL");
   pragma->Next();
@@ -98,7 +98,7 @@ std::string SqliteWriter::AskForWriteAheadLog() {
   return mode;
 }
 
-// Turning the write-ahead log on is the one statement that fails at once when another process is about to do the same.
+// This statement alone fails at once, without waiting, when another process turns the log on at the same time.
 void SqliteWriter::TurnOnWriteAheadLog() {
   const auto deadline = std::chrono::steady_clock::now() + SqliteWaiting::longest;
   for (;;) {
@@ -117,14 +117,15 @@ void SqliteWriter::TurnOnWriteAheadLog() {
   }
 }
 
-// As a writer, since a reader that turns into one halfway fails at once when another has written meanwhile, however
-// long it would wait.
+// Begins as a writer: a transaction that begins by reading fails at once on its first write if another has written
+// since.
 void SqliteWriter::Begin() {
   waiting.TakeTurn(Name());
   connection.Run("BEGIN IMMEDIATE");
 }
 
-// Looked at before, since what raises must have stored nothing; and after, since what is acknowledged must be found.
+// Checks the files before the commit, so that an error means that nothing is stored, and after it, so that what is
+// acknowledged can be found.
 void SqliteWriter::Commit() {
   ExpectFilesInPlace();
   connection.Run("COMMIT");
@@ -160,7 +161,7 @@ bool SqliteWriter::IsUsable() {
   return true;
 }
 
-// Nobody would find what is written elsewhere.
+// If the files were replaced, nobody would find what is written.
 void SqliteWriter::ExpectFilesInPlace() const {
   if (files && !files->AreInPlace()) {
     files->SpareOthers();

@@ -10,10 +10,10 @@
 
 namespace Velora::Store {
 
-/// A store in a file of SQLite.
+/// A store in an SQLite file, opened for recording.
 class SqliteWriter : public Writer {
  public:
-  /// @param file absolute path.
+  /// @param file the absolute path.
   SqliteWriter(const std::string& file, Opening opening);
 
   Connection& Sql() override { return connection; }
@@ -39,7 +39,7 @@ class SqliteWriter : public Writer {
 
   SqliteConnection connection;
   SqliteWaiting waiting;
-  std::optional<SqliteFiles> files;  // once they are all open
+  std::optional<SqliteFiles> files;  // once all three are open
 };
 
 }  // namespace Velora::Store

@@ -22,11 +22,11 @@ void ExpectRoomFor(const fs::path& file) {
   std::error_code unknown;
   if (!fs::is_directory(folder, unknown)) {
     throw Error("TS database '" + file.string() + "' cannot be made: there is no folder '" + folder +
-                "'; expected one");
+                "'; expected an existing folder");
   }
   if (!System::TakesNewFiles(folder)) {
     throw Error("TS database '" + file.string() + "' cannot be made or written: no file can be made in the folder '" +
-                folder + "'; expected the right to write it, since a log is kept beside the database");
+                folder + "'; expected the right to write it, because a log is kept beside the database");
   }
 }
 
@@ -35,7 +35,7 @@ Trial TryIn(Writer& store, const Settings& settings) {
   const int version = store.BringUpWithin();
   store.MakeRoom();
   const auto newest = store.Sql().Find<std::optional<std::string>>("SELECT MAX(began_at) FROM sessions");
-  Trial trial{version, "a record was saved and taken back", newest.value().value_or("")};
+  Trial trial{version, "a record was saved and undone", newest.value().value_or("")};
   EventRow event;
   event.session = InsertSession(store, NewGuid(), settings.instrument, {});
   event.name = "trial";
@@ -43,9 +43,9 @@ Trial TryIn(Writer& store, const Settings& settings) {
   event.parameters.push_back({"trial", "int", std::nullopt, 1.0});
   store.Insert(event);
   if (version == 0) {
-    trial.words = "empty; the first host makes the store, which was tried and taken back";
+    trial.words = "empty; the first host makes the store, which was tried and undone";
   } else if (version < schemaVersion) {
-    trial.words += "; the next host that records brings the store up from version " + std::to_string(version);
+    trial.words += "; the next host that records upgrades the store from version " + std::to_string(version);
   }
   return trial;
 }
@@ -58,7 +58,7 @@ Trial TryToRecord(const Settings& settings) {
     ExpectRoomFor(database.where);
     std::error_code unknown;
     if (!fs::exists(database.where, unknown)) {
-      return {0, "'" + database.where + "' is not there yet; the first host that records makes it", ""};
+      return {0, "'" + database.where + "' does not exist yet; the first host that records makes it", ""};
     }
   }
   return TryIn(*OpenForWriting(database, Opening::Tries), settings);

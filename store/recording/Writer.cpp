@@ -16,7 +16,7 @@ int Writer::StoredVersion() {
   }
   if (!contents.isStore) {
     throw Error("TS database '" + Name() +
-                "' is no TS store: it holds tables of another program; expected an empty database or a TS store");
+                "' is not a TS store: it has tables of another program; expected an empty database or a TS store");
   }
   const int version = Sql().Find<int>("SELECT COALESCE(MAX(version), 0) FROM ts_schema").value();
   if (version < 1 || version > schemaVersion) {
@@ -29,7 +29,7 @@ int Writer::StoredVersion() {
 
 void Writer::BringUp() {
   Transaction transaction(*this);
-  if (BringUpWithin() != schemaVersion) {  // another process may have been first
+  if (BringUpWithin() != schemaVersion) {  // unless another process was first
     transaction.Commit();
   }
 }
@@ -57,7 +57,7 @@ Transaction::~Transaction() {
   try {
     store.Rollback();
   } catch (...) {
-    // What made the transaction end is being raised already.
+    // The error that ended the transaction is already being thrown.
   }
 }
 

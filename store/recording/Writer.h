@@ -9,14 +9,14 @@
 
 namespace Velora::Store {
 
-/// What opening a store does where there is none yet, or one of an earlier version.
+/// What opening a store does if there is none yet or it has an earlier version.
 enum class Opening {
-  MakesStore,    ///< Makes it, or brings it up.
-  ExpectsStore,  ///< Raises where there is none.
-  Tries,         ///< Changes nothing: what records must bring it up within its own transaction.
+  MakesStore,    ///< Makes or upgrades it.
+  ExpectsStore,  ///< Throws if there is none.
+  Tries,         ///< Changes nothing. The caller upgrades the store in its own transaction.
 };
 
-/// A store opened for recording, used by one operation at a time, and what the databases do each in its own way.
+/// A store opened for recording, for one operation at a time. The subclasses do what differs between the databases.
 class Writer {
  public:
   explicit Writer(Opening opening) : opening(opening) {}
@@ -27,10 +27,10 @@ class Writer {
   virtual Connection& Sql() = 0;
   const std::string& Name() { return Sql().Name(); }
 
-  /// Makes what is missing of a store, or brings one of an earlier version up, within a transaction.
-  /// @return the version that it had; 0 for none.
+  /// Makes or upgrades the store, within a transaction.
+  /// @return the version that it had; 0 if there was none.
   int BringUpWithin();
-  /// Makes what the rows of these months need beside the tables.
+  /// Makes what rows of these months need: on a server, partitions.
   virtual void MakeRoom() {}
 
   virtual void Begin() = 0;
@@ -38,36 +38,37 @@ class Writer {
   virtual void Rollback() { Sql().RunScript("ROLLBACK"); }
   /// The key of the next row of a table, within the transaction that adds the row.
   virtual long long NextKey(const std::string& table, const std::string& column) = 0;
-  /// Lets nobody else add activities or versions until the transaction ends.
+  /// Keeps others from adding activities and versions until the transaction ends.
   virtual void HoldActivities() = 0;
-  /// Lets nobody else seal until the transaction ends.
+  /// Keeps others from sealing until the transaction ends.
   virtual void HoldSeals() = 0;
   /// Inserts an event and its parameters, within a transaction.
   virtual void Insert(const EventRow& event) = 0;
 
-  /// Begins and ends the time within which an operation ends, where a network could hold it up for ever.
+  /// Starts the time limit of an operation, if a network could delay it for ever.
   virtual void StartOperation() {}
+  /// Ends the time limit of an operation.
   virtual void EndOperation() {}
 
-  /// Whether the next operation can use it after some time without one; otherwise it has to be closed.
-  /// @throws StoreReplaced where its store is no longer the one that others find.
+  /// Whether the next operation can use the connection. If not, it must be closed.
+  /// @throws StoreReplaced when the store was replaced by another one.
   virtual bool IsUsable() = 0;
-  /// Whether no transaction is open: then an operation that raised has left nothing behind.
+  /// Whether no transaction is open, so that an operation that failed has left nothing.
   virtual bool IsOutsideTransaction() = 0;
-  /// Whether the server is gone, and with it perhaps all other connections.
+  /// Whether the connection was lost. Then other connections to the server can be lost too.
   virtual bool IsLost() { return false; }
 
  protected:
-  /// Makes the tables where there are none yet, and brings up a store of an earlier version.
+  /// Makes or upgrades the store, in a transaction of its own.
   void BringUp();
-  /// The version of the store's schema; 0 where there are no tables yet.
-  /// @throws StoreReplaced where there should be some; Error for a database of another program, or with a schema of a
-  /// later version.
+  /// The version of the store's schema; 0 if there are no tables yet.
+  /// @throws StoreReplaced when there must be tables. @throws Error when the database belongs to another program or has
+  /// a later version.
   int StoredVersion();
 
   struct Contents {
-    bool any = false;      ///< Whether there is any table.
-    bool isStore = false;  ///< Whether there are those of a store.
+    bool any = false;      ///< Whether the database has a table.
+    bool isStore = false;  ///< Whether it has the tables of a store.
   };
 
   const Opening opening;
@@ -78,17 +79,17 @@ class Writer {
   virtual void HoldSchema() = 0;
 };
 
-/// Opens a store for recording, which makes it or brings it up where that is needed.
-/// @throws NotReachable; StoreReplaced; Error when it is not a store that this code can record in.
+/// Opens a store for recording.
+/// @throws NotReachable, StoreReplaced, or Error when this code cannot record into it.
 std::unique_ptr<Writer> OpenForWriting(const Database& database, Opening opening = Opening::MakesStore);
 
-/// A write, all or nothing: rolls back unless committed.
+/// A transaction: is rolled back unless Commit() was called.
 class Transaction {
  public:
   explicit Transaction(Writer& store) : store(store) { store.Begin(); }
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
-  /// Ignores an error of the rollback: a connection with an open transaction is closed.
+  /// Ignores an error of the rollback: a connection with an open transaction is closed afterwards.
   ~Transaction();
 
   void Commit();

@@ -6,11 +6,11 @@ namespace Velora::Store {
 
 class Connection;
 
-// Bring the schema of a database from one version up to another, within a transaction; an empty database has version 0.
+// Upgrade the schema of a database from one version to another, within a transaction. An empty database has version 0.
 
 void BringUpSqlite(Connection& connection, int from, int to = schemaVersion);
 
-/// The connection's current schema. Version 2 is the first that a server can have.
+/// Upgrades the current schema of the connection. Servers have version 2 or later.
 void BringUpPostgreSql(Connection& connection, int from, int to = schemaVersion);
 
 }  // namespace Velora::Store

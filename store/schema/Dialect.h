@@ -8,7 +8,7 @@
 
 namespace Velora::Store {
 
-/// Writes what a version of the schema brings (Versions.h) as the statements of one database.
+/// Writes the changes of a schema version (Versions.h) as statements for one database.
 class Dialect {
  public:
   Dialect() = default;
@@ -16,28 +16,30 @@ class Dialect {
   Dialect& operator=(const Dialect&) = delete;
   virtual ~Dialect() = default;
 
-  /// Makes a table with its indexes.
+  /// Creates a table and its indexes.
   void Make(const Table& table);
+  /// Creates a view.
   void Make(const View& view);
-  /// Has a view read otherwise than before.
+  /// Replaces the definition of a view.
   virtual void Replace(const View& view) = 0;
-  /// Has the database refuse whatever changes, deletes or replaces a row.
+  /// Makes the database refuse to change, delete or replace rows.
   virtual void KeepRows(const Table& table) = 0;
-  /// Has it refuse rows that are not numbered from 1 on, and on a server those that come out of turn.
+  /// Makes the database refuse rows whose number is below 1 and, on a server, rows with numbers out of order.
   virtual void NumberRows(const Table& table) = 0;
-  /// What a server alone has; {schema} stands for the name of its schema.
+  /// Adds statements that only a server needs; {schema} stands for the name of its schema.
   virtual void OnServer(const std::string& /*statements*/) {}
 
   const std::vector<std::string>& Statements() const { return statements; }
 
  protected:
-  /// A column's type; empty where the database has the column by itself.
+  /// The type of a column; empty if the database has the column without a declaration.
   virtual std::string TypeOf(const Table& table, const Column& column) const = 0;
   virtual const std::string& DefinitionOf(const View& view) const = 0;
-  /// Makes sure of the columns that are unique together: within the statement, or after it.
+  /// The constraint for the columns that are unique together, within CREATE TABLE; or empty.
   virtual std::string UniqueTogether(const Table& table) const = 0;
+  /// Adds the index for the columns that are unique together, after CREATE TABLE.
   virtual void MakeUnique(const Table& /*table*/) {}
-  /// What stands behind the columns.
+  /// The end of CREATE TABLE, after the columns.
   virtual std::string EndOf(const Table& table) const = 0;
 
   void Add(std::string statement) { statements.push_back(std::move(statement)); }

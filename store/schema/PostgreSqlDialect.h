@@ -6,7 +6,7 @@ namespace Velora::Store {
 
 class PostgreSqlDialect : public Dialect {
  public:
-  /// @param schema the name of the database's schema, quoted.
+  /// @param schema the name of the schema, quoted.
   explicit PostgreSqlDialect(std::string schema) : schema(std::move(schema)) {}
 
   void Replace(const View& view) override;
@@ -25,9 +25,9 @@ class PostgreSqlDialect : public Dialect {
   const std::string schema;
 };
 
-/// The index by which columns are unique together, if there are any. An index takes no text above a third of a page, so
-/// it has the digests of texts.
-/// @param digest the function that makes them.
+/// The statement for the index that keeps columns unique together; empty if there are none. An index cannot contain
+/// texts longer than a third of a page, so it contains their digests.
+/// @param digest the function that makes a digest.
 std::string UniqueIndex(const Table& table, const std::string& digest);
 
 }  // namespace Velora::Store

@@ -1,8 +1,8 @@
 #pragma once
 
-// What a store has on a server alone, by the version that brought it. In all of it {schema} stands for the name of the
-// store's schema: a function that names a table takes that of its own schema, whatever the session's path, and one with
-// its owner's rights takes none of what another may have made there under the name of PostgreSQL's own.
+// Statements for a server only, by the version that added them. {schema} stands for the name of the store's schema.
+// Functions name it, so that they use the tables of their own schema whatever the path of the session is, and so that a
+// function with the rights of its owner uses no object that somebody else made under the name of one of PostgreSQL's.
 
 namespace Velora::Store::Server {
 
@@ -16,7 +16,7 @@ extern const char* const partitions;
 
 namespace Version3 {
 
-/// Locks what the rest changes, also while hosts of version 2 record.
+/// Locks the tables that the other statements change, while hosts of version 2 may record.
 extern const char* const locks;
 extern const char* const microseconds;
 extern const char* const textDigest;

@@ -5,10 +5,10 @@
 
 namespace Velora::Store {
 
-/// Rows are numbered from 1 up to this, the last whole number up to which every program reads them all exactly.
+/// The highest number of a row. Up to this number, every program reads all whole numbers exactly.
 inline constexpr long long highestKey = 9'007'199'254'740'992;
 
-/// What the values of a column are.
+/// The type of the values of a column.
 enum class Type { Key, Integer, Text, Number };
 
 /// A column of a table.
@@ -19,13 +19,13 @@ struct Column {
   std::string refersTo = "";  ///< The table whose key it holds; empty for none.
   bool mayBeNull = false;
   bool isUnique = false;
-  bool leadsRecord = false;  ///< In a record it stands directly behind the number.
+  bool leadsRecord = false;  ///< In a record, the field comes directly after the number.
 
-  /// As the record format calls it, where a reference is the guid of what is meant.
+  /// The name of the field in a record. There, a reference is a guid.
   std::string Field() const;
 };
 
-/// An index that a question needs.
+/// An index that queries need.
 struct Index {
   std::string name;
   std::vector<std::string> columns;
@@ -34,28 +34,28 @@ struct Index {
 /// A table of a store.
 struct Table {
   std::string name;
-  std::string record;                            ///< As records, and the numbers in seals, call a row.
+  std::string record;                            ///< The name of a row in records and in seals.
   std::vector<Column> columns;                   ///< The first one is the key, or the first of `primaryKey`.
-  std::vector<std::string> primaryKey = {};      ///< Of several columns; empty where the first one is the key.
-  std::vector<std::string> uniqueTogether = {};  ///< Columns of which no two rows have the same values.
+  std::vector<std::string> primaryKey = {};      ///< If it has several columns; empty if the first column is the key.
+  std::vector<std::string> uniqueTogether = {};  ///< Columns whose values together are unique.
   std::vector<Index> indexes = {};
   bool hostsAdd = true;    ///< Whether the role of hosts may add rows.
-  bool isByMonth = false;  ///< Whether a server keeps each month of events apart.
+  bool isByMonth = false;  ///< Whether a server has a partition for each month of events.
   int since = 1;           ///< The first version of the schema that has it.
 
   const std::string& Key() const { return columns.front().name; }
-  /// The column that counts from 1 on, in the table or among the rows of one event.
+  /// The column that numbers rows from 1, in the table or in one event.
   const std::string& Number() const { return primaryKey.empty() ? Key() : primaryKey.back(); }
-  /// The names of all columns, as a statement lists them.
+  /// The names of all columns, separated by commas.
   std::string ColumnList() const;
-  /// The columns in the order in which a record has them.
+  /// The columns in the order of the fields of a record.
   std::vector<Column> RecordColumns() const;
 };
 
-/// SQLite has a key of this name in every table, without its being declared.
+/// The key that SQLite has in every table without a declaration.
 inline constexpr const char* undeclaredKey = "rowid";
 
-/// Names as a statement lists them.
+/// Names, separated by commas.
 std::string Listed(const std::vector<std::string>& names);
 
 }  // namespace Velora::Store

@@ -4,20 +4,21 @@
 
 namespace Velora::Store {
 
-/// Every table of a store, in an order in which rows follow what they refer to. What a store is made of, copied as,
-/// checked for and read by comes from here; docs/local-ts.md is held against it.
+/// All tables of a store, each after the tables to which its rows refer. Making, copying, checking and reading a store
+/// use this description; a test compares docs/local-ts.md with it.
 const std::vector<Table>& Tables();
 
-/// @param name of a table that is there.
+/// The table with a name.
+/// @param name must be the name of a table.
 const Table& TableNamed(const std::string& name);
 
-/// The tables that a version of the schema has.
+/// The tables of a version of the schema.
 std::vector<Table> TablesOf(int version);
 
-/// The names of the tables that the role of hosts adds rows to.
+/// The names of the tables into which hosts insert rows.
 std::vector<std::string> HostTables();
 
-/// What the role of the hosts calls with the rights of the store's owner.
+/// The function that hosts call with the rights of the store's owner.
 inline constexpr const char* hostFunctions = "make_partitions()";
 
 }  // namespace Velora::Store

@@ -4,11 +4,11 @@
 
 namespace Velora::Store {
 
-/// A view, which saves a reader the joins: docs/local-ts.md.
+/// A view, which spares readers the joins: docs/local-ts.md.
 struct View {
   std::string name;
   std::string definition;
-  std::string onServer = "";  ///< Where a server is better asked otherwise.
+  std::string onServer = "";  ///< Another definition for a server; empty if it is the same.
 };
 
 namespace Views {

@@ -7,13 +7,13 @@
 namespace Velora::Store {
 namespace {
 
-/// Names that may stand once in a file.
+/// Names that must be unique in a file.
 class UniqueNames {
  public:
   std::string Take(const XmlFile& xml, const XmlElement& element) {
     std::string name = xml.Required(element, "Name");
     if (!names.insert(name).second) {
-      xml.Fail(element, "a second '" + element.name + "' is called '" + name + "'; expected a name that no other has");
+      xml.Fail(element, "a second '" + element.name + "' has the name '" + name + "'; expected a unique name");
     }
     return name;
   }

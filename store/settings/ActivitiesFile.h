@@ -14,8 +14,8 @@ struct DescribedVersion {
   std::string description;
 };
 
-/// The activity versions that a file describes, in the file's order.
-/// @throws Error naming file and line when the file cannot be used.
+/// The activity versions in a file, in their order.
+/// @throws Error, naming file and line, when the file cannot be used.
 std::vector<DescribedVersion> ReadActivitiesFile(const std::string& path);
 
 }  // namespace Velora::Store

@@ -4,7 +4,7 @@
 
 namespace Velora::Store {
 
-/// Why TS counts as not installed on this computer; empty where it is present.
+/// The reason why TS counts as not installed on this computer; empty if it is installed.
 std::string WhyServiceIsAbsent();
 
 }  // namespace Velora::Store

@@ -13,7 +13,7 @@
 namespace Velora::Store {
 
 Settings ReadSettings(const std::string& folder) {
-  // Absolute, since a session keeps its database when the current directory changes.
+  // Absolute, so that a session keeps its database when the current directory changes.
   std::error_code error;
   const std::filesystem::path file = std::filesystem::absolute(std::filesystem::path(folder) / "TSAL.config", error);
   if (error) {
@@ -33,9 +33,9 @@ Settings ReadSettings(const std::string& folder) {
     return {instrument, {Database::Kind::Sqlite, (file.parent_path() / connection).string()}};
   }
   if (backend == "postgresql") {
-    if (!IsPostgreSqlAddress(connection)) {  // what is wrong with it is not said, since a password may stand in it
+    if (!IsPostgreSqlAddress(connection)) {  // the library's reason is left out: it can contain a password
       xml.Fail(database,
-               "this Connection is none to PostgreSQL; expected 'KEYWORD=VALUE ...', 'service=NAME' or a URI");
+               "PostgreSQL does not understand this Connection; expected 'KEYWORD=VALUE ...', 'service=NAME' or a URI");
     }
     return {instrument, {Database::Kind::PostgreSql, connection}};
   }

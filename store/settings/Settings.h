@@ -6,15 +6,15 @@
 
 namespace Velora::Store {
 
-/// What "TSAL.config" says.
+/// The content of "TSAL.config".
 struct Settings {
-  std::string instrument;  ///< Under whose name a session's records stand.
+  std::string instrument;  ///< The name of the instrument in the records.
   Database database;
 };
 
 /// Reads "TSAL.config" in a folder.
 /// @param folder empty for the current directory.
-/// @throws Error naming file and line when the file cannot be used.
+/// @throws Error, naming file and line, when the file cannot be used.
 Settings ReadSettings(const std::string& folder);
 
 }  // namespace Velora::Store

@@ -16,7 +16,7 @@ std::string ReadWholeFile(const std::string& path, std::uintmax_t limit) {
     throw Error("file '" + path + "' cannot be read: " + reason);
   };
   if (path.find('\0') != std::string::npos) {
-    fail("its name has a zero byte");  // the system would open the file that the part before it names
+    fail("its name has a zero byte");  // the system would ignore the rest of the name
   }
   if (const std::string kind = System::KindOfNoFile(path); !kind.empty()) {
     fail("it is " + kind + "; expected a regular file");
@@ -29,7 +29,7 @@ std::string ReadWholeFile(const std::string& path, std::uintmax_t limit) {
   std::array<char, 16384> block;
   while (const std::size_t read = std::fread(block.data(), 1, block.size(), file.get())) {
     content.append(block.data(), read);
-    if (content.size() > limit) {  // whatever size the system tells: a file may grow
+    if (content.size() > limit) {  // counts what was read, because a file can grow
       fail("it is larger than expected: at most " + std::to_string(limit) + " bytes");
     }
   }

@@ -5,12 +5,12 @@
 
 namespace Velora::Store {
 
-/// Larger than any settings, activities or instrument configuration that a person writes.
+/// The largest file that is read. No person writes larger settings, activities or instrument configurations.
 inline constexpr std::uintmax_t largestFile = std::uintmax_t{64} * 1024 * 1024;
 
-/// The whole content of a regular file, links followed, byte for byte.
+/// The content of a regular file, or of the file to which a link leads.
 /// @param limit the largest size in bytes that is accepted.
-/// @throws Error naming the file when it cannot be read, is none, or is larger.
+/// @throws Error, naming the file, when it cannot be read, is not a regular file, or is larger.
 std::string ReadWholeFile(const std::string& path, std::uintmax_t limit = largestFile);
 
 }  // namespace Velora::Store

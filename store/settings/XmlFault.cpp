@@ -10,11 +10,12 @@ namespace {
 
 constexpr std::size_t longestShown = 80;
 constexpr const char* bareAmpersand = "a bare '&'; expected &amp;";
-constexpr const char* referenceToNothing = "a reference to no character; expected the number of one, as in &#228;";
+constexpr const char* invalidReference =
+    "an invalid character reference; expected the number of a character, as in &#228;";
 
 XmlFault NotWellFormed(std::size_t offset, const std::string& text) { return {offset, "not well-formed XML: " + text}; }
 
-// The name of an element, a tag or an attribute.
+// The name of the element, tag or attribute that begins at an offset.
 std::string_view NameAt(std::string_view content, std::size_t offset) {
   const std::string_view rest = content.substr(offset);
   const std::size_t marks = rest.starts_with("<") ? 1 : 0;
@@ -24,7 +25,7 @@ std::string_view NameAt(std::string_view content, std::size_t offset) {
 XmlFault InvalidToken(std::string_view content, std::size_t offset) {
   const std::size_t mark = content.substr(0, offset).find_last_of("&;<>='\" \t\r\n");
   if (mark != std::string_view::npos && content[mark] == '&') {
-    return content.substr(mark + 1).starts_with("#") ? XmlFault(mark, referenceToNothing)
+    return content.substr(mark + 1).starts_with("#") ? XmlFault(mark, invalidReference)
                                                      : NotWellFormed(mark, bareAmpersand);
   }
   const std::string_view rest = content.substr(offset);
@@ -42,7 +43,7 @@ XmlFault InvalidToken(std::string_view content, std::size_t offset) {
                                    "; expected tags as in <Name Attribute=\"value\"/>");
 }
 
-// The parser gives the place of the tag when the entity stands in an attribute of it.
+// For an entity in an attribute, the parser gives the place of the tag.
 XmlFault UndefinedEntity(std::string_view content, std::size_t offset) {
   static const std::regex entity("&(?!(?:amp|lt|gt|quot|apos);|#)[^;]{1,80}");
   std::cmatch found;
@@ -89,7 +90,7 @@ XmlFault FaultOf(XML_Error error, std::string_view content, std::size_t offset, 
     case XML_ERROR_UNDEFINED_ENTITY:
       return UndefinedEntity(content, offset);
     case XML_ERROR_BAD_CHAR_REF:
-      return {offset, referenceToNothing};
+      return {offset, invalidReference};
     case XML_ERROR_MISPLACED_XML_PI:
       return NotWellFormed(offset, "'<?xml' within the file; expected it at the very start");
     case XML_ERROR_XML_DECL:

@@ -9,7 +9,7 @@
 
 namespace Velora::Store {
 
-/// What is wrong with a text of XML and what was expected, and where.
+/// An error in an XML text: what is wrong, what was expected, and where.
 class XmlFault : public std::runtime_error {
  public:
   XmlFault(std::size_t offset, const std::string& text) : std::runtime_error(text), offset(offset) {}
@@ -17,13 +17,13 @@ class XmlFault : public std::runtime_error {
   std::size_t offset;  ///< in bytes
 };
 
-/// A word of a file as errors show it: in quotes, and not at any length.
+/// A word of a file for an error: in quotes, and shortened if it is long.
 std::string InQuotes(std::string_view text);
 
-/// What the parser refused.
-/// @param offset where.
-/// @param root the element that the text should hold.
-/// @param open the innermost element that is open there; empty for none.
+/// The error for what the parser refused.
+/// @param offset the place in the text, in bytes.
+/// @param root the name of the expected root element.
+/// @param open the innermost element that is open at that place; empty if there is none.
 XmlFault FaultOf(XML_Error error, std::string_view content, std::size_t offset, const std::string& root,
                  const std::string& open);
 

@@ -12,7 +12,7 @@
 namespace Velora::Store {
 namespace {
 
-// For the errors, which a reader may see when the current directory is another.
+// The absolute path, for errors: a reader of the log does not know the current directory.
 std::string AbsoluteWhereKnown(const std::string& path) {
   std::error_code unknown;
   const std::filesystem::path absolute = std::filesystem::absolute(path, unknown);

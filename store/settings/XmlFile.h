@@ -7,28 +7,28 @@
 
 namespace Velora::Store {
 
-/// An XML file of at most 64 MiB in which every element and attribute must be known and stand where it may. What is
-/// wrong raises a Error that names file and line.
+/// An XML file of at most 64 MiB. Every element and attribute must be known and be at its place. Errors name file and
+/// line.
 class XmlFile {
  public:
-  /// @param levels what may stand in it, from the root on.
-  /// @throws Error when the file cannot be read, is too large, not well-formed, or holds something else.
+  /// @param levels the elements that may be in it, by their depth.
+  /// @throws Error when the file cannot be read, is too large, is not well-formed, or contains anything else.
   XmlFile(const std::string& path, const std::vector<XmlLevel>& levels);
 
-  /// All of them in their order, the root first.
+  /// All elements in their order, the root first.
   const std::vector<XmlElement>& Elements() const { return elements; }
 
-  /// The value of an attribute that must be there and not be empty.
+  /// The value of an attribute. @throws Error when the attribute is missing or empty.
   std::string Required(const XmlElement& element, const std::string& name) const;
 
-  /// Raises a Error: "file 'PATH', line N: " and the text.
+  /// Throws an Error: "file 'PATH', line N: " and the text.
   [[noreturn]] void Fail(const XmlElement& at, const std::string& text) const;
 
  private:
   [[noreturn]] void FailAtOffset(std::size_t offset, const std::string& text) const;
 
   std::string path;
-  std::string content;  // lines are counted in it
+  std::string content;  // to find the line of an offset
   std::vector<XmlElement> elements;
 };
 

@@ -19,7 +19,7 @@ std::string ListOf(const std::vector<std::string>& names) {
   return list.empty() ? "none" : list;
 }
 
-// The parser would take UTF-16 for what it is, and not say which bytes are no UTF-8.
+// Checked here, because the parser would accept UTF-16, and does not say which bytes are not UTF-8.
 void ExpectUtf8(std::string_view content) {
   if (content.starts_with("\xFF\xFE") || content.starts_with("\xFE\xFF")) {
     throw XmlFault(0, "the file is in UTF-16; expected UTF-8");
@@ -80,12 +80,12 @@ class Parser {
   }
 
  private:
-  // No exception may pass through the parser, which is C: the first one ends it and waits for its return.
+  // No exception may pass through the parser, which is in C. The first one is kept, and thrown when the parser returns.
   template <typename Action>
   static void Guard(void* self, const Action& action) noexcept {
     auto& parser = *static_cast<Parser*>(self);
     if (parser.raised) {
-      return;  // the end of an element that was refused
+      return;  // the element was refused at its start
     }
     try {
       action(parser);
@@ -104,7 +104,7 @@ class Parser {
 
   void RefuseDoctype() const {
     throw XmlFault(content.rfind("<!DOCTYPE", Offset()),
-                   "unexpected '<!DOCTYPE'; expected none, and characters in the place of its entities");
+                   "unexpected '<!DOCTYPE'; expected a file without it, with characters instead of its entities");
   }
 
   void Start(const std::string& name, const char** attributes) {
@@ -149,7 +149,7 @@ class Parser {
   const std::vector<XmlLevel>& levels;
   const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> expat{XML_ParserCreate("UTF-8"), &XML_ParserFree};
   std::vector<XmlElement> elements;
-  std::size_t depth = 0;  // of what is open
+  std::size_t depth = 0;  // the number of open elements
   std::exception_ptr raised;
 };
 

@@ -9,7 +9,7 @@
 
 namespace Velora::Store {
 
-/// The elements that may stand at one depth: all have this name, and no attributes but these.
+/// The elements that may be at one depth: all have this name and only these attributes.
 struct XmlLevel {
   std::string element;
   std::vector<std::string> attributes;
@@ -18,15 +18,15 @@ struct XmlLevel {
 struct XmlElement {
   std::string name;
   std::map<std::string, std::string> attributes;
-  std::size_t offset = 0;  ///< of its start
+  std::size_t offset = 0;  ///< Of its start, in bytes.
 
-  /// The value of an attribute; empty when it is not there.
+  /// The value of an attribute; empty if it is missing.
   std::string Value(const std::string& attribute) const;
 };
 
 /// The elements of an XML text in UTF-8, in their order.
-/// @param levels one root element of the first, in it elements of the second, and so on; no text.
-/// @throws XmlFault for everything else.
+/// @param levels the first level is that of the single root element, the second that of the elements in it, and so on.
+/// @throws XmlFault for anything else, also for text.
 std::vector<XmlElement> ParseXml(const std::string& content, const std::vector<XmlLevel>& levels);
 
 }  // namespace Velora::Store

@@ -5,12 +5,12 @@
 
 namespace Velora::Store {
 
-/// All objects of a database: what each is and is called, and, after the table that it belongs to, the statement that
-/// made it. No name is left out, and no kind, which SQLite reads in any case of letters.
+/// A query for all objects of a database: type and name, and the table and statement of each. It leaves out nothing,
+/// also no types in capital letters, which SQLite accepts.
 inline constexpr const char* schemaObjects =
     "SELECT type || ' ' || name, tbl_name || ': ' || COALESCE(sql, '') FROM sqlite_master";
 
-/// What a store of a version holds of them.
+/// The rows of `schemaObjects` in a new store of a version.
 std::map<std::string, std::string> ExpectedSchema(int version);
 
 }  // namespace Velora::Store

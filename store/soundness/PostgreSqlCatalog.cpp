@@ -36,7 +36,8 @@ constexpr const char* relations = R"(
 // count.
 constexpr const char* linesOfParts = R"(
     lines (oid, part, definition, harm) AS (
-      SELECT oid, kind, concat_ws(' ', relpersistence, relkind), 'is none of TS''s, and its rows appear in ' || parent
+      SELECT oid, kind, concat_ws(' ', relpersistence, relkind),
+             'does not belong to a TS store, and its rows appear in ' || parent
       FROM relations WHERE kind = 'table'
       UNION ALL
       SELECT oid, kind, concat_ws(' ', pg_get_viewdef(oid), reloptions, (SELECT string_agg(CAST(ev_enabled AS text), '')
@@ -59,13 +60,13 @@ constexpr const char* linesOfParts = R"(
       UNION ALL
       SELECT attrelid, 'column ' || attname || ' of', concat_ws(' ', format_type(atttypid, atttypmod),
              CASE WHEN attcollation <> 0 THEN CAST(attcollation AS regcollation) END, attnotnull, attidentity,
-             attgenerated, pg_get_expr(adbin, adrelid)), 'is none of TS''s'
+             attgenerated, pg_get_expr(adbin, adrelid)), 'does not belong to a TS store'
       FROM relations r JOIN pg_attribute ON attrelid = r.oid
       LEFT JOIN pg_attrdef ON adrelid = attrelid AND adnum = attnum
       WHERE kind = 'table' AND attnum > 0 AND NOT attisdropped
       UNION ALL
       SELECT conrelid, 'constraint ' || pg_get_constraintdef(k.oid, true) || ' on', '',
-             'is none of TS''s, and may refuse what hosts record'
+             'does not belong to a TS store and may refuse what hosts record'
       FROM relations r JOIN pg_constraint k ON conrelid = r.oid
       WHERE contype IN ('c', 'f', 'p', 'u', 'x') AND confrelid NOT IN (SELECT inhrelid FROM pg_inherits)
       UNION ALL
@@ -73,12 +74,12 @@ constexpr const char* linesOfParts = R"(
              substring(pg_get_indexdef(indexrelid, 0, true), ' USING (.*)$'), 'on'),
              concat_ws(' ', indisvalid, indisready, indislive, indimmediate),
              CASE WHEN indisunique OR indexprs IS NOT NULL OR indpred IS NOT NULL
-               THEN 'is none of TS''s, and may refuse what hosts record' END
+               THEN 'does not belong to a TS store and may refuse what hosts record' END
       FROM relations r JOIN pg_index ON indrelid = r.oid
       UNION ALL
       SELECT tgrelid, 'trigger ' || tgname || ' on',
              concat_ws(' ', pg_get_triggerdef(t.oid, true), tgenabled IN ('O', 'A')),
-             'is none of TS''s, and may change what is recorded'
+             'does not belong to a TS store and may change what is recorded'
       FROM relations r JOIN pg_trigger t ON tgrelid = r.oid JOIN checks c ON c.oid = t.oid AND NOT ofkey
       UNION ALL
       SELECT tgrelid, 'checking of foreign keys of', CAST(COUNT(*) AS text), NULL
@@ -87,12 +88,12 @@ constexpr const char* linesOfParts = R"(
       WHERE tgenabled IN ('O', 'A') GROUP BY tgrelid
       UNION ALL
       SELECT ev_class, 'rule ' || rulename || ' on', concat_ws(' ', pg_get_ruledef(w.oid, true), ev_enabled),
-             'is none of TS''s, and may change what is recorded'
+             'does not belong to a TS store and may change what is recorded'
       FROM relations r JOIN pg_rewrite w ON ev_class = r.oid WHERE kind <> 'view' OR rulename <> '_RETURN'
       UNION ALL
       SELECT polrelid, 'policy ' || polname || ' on', concat_ws(' ', polcmd, polpermissive, polroles,
              pg_get_expr(polqual, polrelid), pg_get_expr(polwithcheck, polrelid)),
-             'is none of TS''s, and may hide or refuse records'
+             'does not belong to a TS store and may hide or refuse records'
       FROM relations r JOIN pg_policy ON polrelid = r.oid))";
 
 // Functions name their schema. Of two indexes that are the same, while one is made anew, the valid one comes last and
@@ -124,7 +125,7 @@ std::string InWords(const CatalogEntry& entry, const std::string& part) {
   return words;
 }
 
-/// That of the relation itself, on which all others hang.
+/// The line of the relation itself, to which all others belong.
 const char* KindOf(const CatalogParts& parts) {
   for (const char* kind : {"table", "view", "sequence"}) {
     if (parts.count(kind) > 0) {
@@ -143,7 +144,7 @@ class Comparison {
       if (same == found.end()) {
         Find(entry, parent, part, "is missing");
       } else if (same->second.definition != line.definition) {
-        Find(entry, parent, part, "is not what it should be");
+        Find(entry, parent, part, "is not as in a new store");
       }
     }
     for (const auto& [part, line] : found) {
@@ -153,7 +154,7 @@ class Comparison {
     }
   }
 
-  /// What a table's partitions have from it is said of the table alone, which comes before them.
+  /// Reports a finding once for a table and not again for its partitions, which come after it.
   void Find(const CatalogEntry& entry, const std::string& parent, const std::string& part, const std::string& wrong) {
     if (known.count({parent, part}) == 0) {
       findings.push_back(InWords(entry, part) + ' ' + wrong);

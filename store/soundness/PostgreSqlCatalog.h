@@ -9,14 +9,14 @@ namespace Velora::Store {
 
 class Connection;
 
-/// One thing that a server's catalogs say of a schema.
+/// A line of a server's catalogs about a schema.
 struct CatalogLine {
   std::string definition;
-  std::string foreign;  ///< What is wrong where no store has such a thing; empty where it does no harm.
-  std::string parent;   ///< Of a table, the one in which its rows appear too.
+  std::string foreign;  ///< What is wrong if a new store does not have it; empty if it does no harm.
+  std::string parent;   ///< For a table, the table in which its rows appear too.
 };
 
-/// A relation, with "YYYYMM" for the month in the names of a month's partitions, and that month; empty for functions.
+/// A relation; in the name of a partition, "YYYYMM" replaces the month. Both are empty for functions.
 struct CatalogEntry {
   std::string relation;
   std::string month;
@@ -26,14 +26,14 @@ struct CatalogEntry {
   }
 };
 
-/// What stands in the catalogs of each relation of a schema: "table", "column name of", "trigger x on"...
+/// The lines about a relation: "table", "column name of", "trigger x on"...
 using CatalogParts = std::map<std::string, CatalogLine>;
 using Catalog = std::map<CatalogEntry, CatalogParts>;
 
-/// That of the current schema, without its name, so that two can be compared.
+/// The catalog of the current schema, without the name of the schema, so that two can be compared.
 Catalog ReadCatalog(Connection& connection);
 
-/// What a store lacks of another, has otherwise, or has beyond it and should not; months may be missing.
+/// What is missing in a store, different, or should not exist, compared with a new one. Months may be missing.
 std::vector<std::string> Differences(const Catalog& found, const Catalog& expected);
 
 }  // namespace Velora::Store

@@ -8,7 +8,7 @@ namespace Velora::Store {
 
 namespace {
 
-// Names of the store's, for what follows.
+// The names of the tables of a store, for the queries below.
 std::string Names() {
   std::vector<std::string> recorded;
   for (const Table& table : Tables()) {
@@ -19,9 +19,9 @@ std::string Names() {
          list(Listed(HostTables())) + ", " + list(hostFunctions) + ")),";
 }
 
-// Whatever is granted on what belongs to a store, and whether hosts need it. A view of the owner's lets through what
-// its owner may do, wherever it stands, and so does a function, to triggers of any table without asking; those of
-// another store are its own matter.
+// All rights that are granted on the objects of a store, and whether hosts need them. Views of the owner, in any
+// schema, act with the owner's rights; so do functions, also as triggers of any table without a grant. Functions of
+// another store are checked with that store.
 constexpr const char* rights = R"(
     store AS (
       SELECT relnamespace AS schema, relowner AS owner FROM pg_class WHERE oid = to_regclass('ts_schema')),
@@ -78,7 +78,8 @@ constexpr const char* tooMuch = R"(
          aclexplode(defaclacl)
     WHERE grantee <> owner AND privilege_type <> 'SELECT')";
 
-// Roles whose attributes or memberships make grants meaningless. Up to PostgreSQL 15, whoever makes roles takes any.
+// Roles whose attributes or memberships make grants useless. Up to PostgreSQL 15, a role that may create roles can give
+// itself any role.
 constexpr const char* tooMighty = R"(
     SELECT 'role ' || rolname || ' may record, and ' || power
     FROM store, pg_roles r, LATERAL (VALUES

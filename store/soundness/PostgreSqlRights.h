@@ -7,7 +7,7 @@ namespace Velora::Store {
 
 class Reader;
 
-/// Rights in a store on a server that go beyond those with which a role of hosts records, or anybody reads.
+/// Rights in a store on a server beyond those that a role of hosts needs to record and that others need to read.
 std::vector<std::string> RightsFindings(const Reader& store);
 
 }  // namespace Velora::Store

@@ -32,7 +32,7 @@ constexpr const char* missingPartitions = R"(
       FROM counted, generate_series(present, LEAST(newest, present) + 1) number)
     SELECT 'the partition of ' || parent || ' for ' || month || ' is missing; ' ||
            CASE WHEN to_regclass(parent || '_' || month) IS NULL THEN 'velora-ts prepare makes it'
-                ELSE 'a table that is none has its name' END
+                ELSE 'another relation has its name' END
     FROM needed, (VALUES ('events'), ('parameters')) parents (parent)
     WHERE NOT EXISTS (
       SELECT FROM pg_inherits JOIN pg_class c ON c.oid = inhrelid
@@ -71,7 +71,7 @@ std::string Dangling(const Reference& reference) {
          " IS NOT NULL AND y." + reference.targetKey + " IS NULL";
 }
 
-/// Makes a store of a version beside this one, looks at both, and leaves nothing behind.
+/// Compares the store with a new one of its version, which it makes in a transaction that is rolled back.
 std::vector<std::string> CompareWithANewStore(Connection& connection, const std::string& schema, int version) {
   connection.RunScript(
       "SET client_min_messages = error; SET statement_timeout = '30s'; SET lock_timeout = '1s'; SET jit = off");
@@ -114,7 +114,7 @@ std::vector<std::string> PostgreSqlDamageFindings(const Reader& store) {
   for (const Reference& reference : references) {
     for (Rows rows(store, Dangling(reference)); rows.Next();) {
       findings.push_back("row " + std::string(rows.Text(0)) + " of " + reference.table + " refers to a row of " +
-                         reference.target + " that is not there");
+                         reference.target + " that does not exist");
     }
   }
   return findings;

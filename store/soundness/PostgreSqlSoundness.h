@@ -4,12 +4,12 @@
 
 namespace Velora::Store {
 
-// What Soundness.h asks for, of a database on a server.
+// The checks of Soundness.h for a database on a server.
 
 Findings PostgreSqlSchemaFindings(const Reader& store);
 std::vector<std::string> PostgreSqlDamageFindings(const Reader& store);
 
-/// Partitions that hosts should have made by now. A host that finds none for its month cannot record.
+/// Partitions that hosts should have made by now. Without the partition of its month, a host cannot record.
 std::vector<std::string> MissingPartitions(const Reader& store);
 
 }  // namespace Velora::Store

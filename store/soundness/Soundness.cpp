@@ -13,18 +13,18 @@ namespace Velora::Store {
 
 namespace {
 
-// Executions that no run has, or another one than that of their parent, and what is wrong with them.
+// Queries for executions whose root is wrong, and what is wrong with it.
 constexpr std::pair<const char*, const char*> misplaced[] = {
     {"SELECT x.execution_id FROM executions x LEFT JOIN executions r ON r.execution_id = COALESCE(x.parent_id, "
      "x.execution_id) WHERE x.root_id IS DISTINCT FROM "
      "CASE WHEN x.parent_id IS NULL THEN x.execution_id ELSE r.root_id END",
-     "another root than its parent"},
+     "a root that is not that of its parent"},
     {"SELECT x.execution_id FROM executions x JOIN executions r ON r.execution_id = x.root_id "
      "WHERE r.parent_id IS NOT NULL",
-     "a root that is none"},
+     "a root that has a parent"},
 };
 
-/// Asks for the rows that no count from 1 on leads to, at either end.
+/// A query for the rows whose number is outside the range that hosts use.
 std::string WrongNumbers(const StoredTable& table) {
   const auto wrong = [](const std::string& key) { return key + " < 1 OR " + key + " > " + std::to_string(highestKey); };
   return "SELECT " + table.Key() + " FROM " + table.name + " WHERE " + wrong(table.Key()) +
@@ -76,7 +76,7 @@ std::vector<std::string> ValueFindings(const Reader& store) {
     }
     for (Rows rows(store, SqliteWrongTypes(table)); rows.Next();) {
       findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name +
-                         " has a value of another type in column " + std::string(rows.Text(1)));
+                         " has a value of the wrong type in column " + std::string(rows.Text(1)));
     }
   }
   return findings;

@@ -14,7 +14,7 @@ namespace Velora::Store {
 
 namespace {
 
-// What ANALYZE adds, which steers how questions are answered, and no more.
+// The tables that ANALYZE adds. They influence only the plans of queries.
 const std::set<std::pair<std::string, std::string>> statistics = {
     {"table sqlite_stat1", "sqlite_stat1: CREATE TABLE sqlite_stat1(tbl,idx,stat)"},
     {"table sqlite_stat4", "sqlite_stat4: CREATE TABLE sqlite_stat4(tbl,idx,neq,nlt,ndlt,sample)"},
@@ -51,12 +51,12 @@ std::vector<std::string> SqliteSchemaFindings(const Reader& store) {
     const auto expected = missing.find(name);
     if (expected == missing.end()) {
       if (statistics.count({name, std::string(rows.Text(1))}) == 0) {
-        findings.push_back(name + " is none of TS's, and may change what is recorded");
+        findings.push_back(name + " does not belong to a TS store and may change what is recorded");
       }
       continue;
     }
     if (expected->second != rows.Text(1)) {
-      findings.push_back(name + " is not what it should be");
+      findings.push_back(name + " is not as in a new store");
     }
     missing.erase(expected);
   }
@@ -76,7 +76,7 @@ std::vector<std::string> SqliteDamageFindings(const Reader& store, const std::fu
   }
   for (Rows rows(store, "PRAGMA foreign_key_check"); rows.Next();) {
     findings.push_back("row " + std::string(rows.Text(1)) + " of " + std::string(rows.Text(0)) +
-                       " refers to a row of " + std::string(rows.Text(2)) + " that is not there");
+                       " refers to a row of " + std::string(rows.Text(2)) + " that does not exist");
   }
   return findings;
 }

@@ -5,18 +5,19 @@
 
 namespace Velora::Store {
 
-// One way to write each value as JSON, so that equal values are equal bytes, and different ones never look the same.
+// Values as JSON. Equal values have equal bytes, and different values have different bytes.
 
-/// A text. A byte that is no part of a character, which only another program can have stored, becomes "\udcXX".
+/// Appends a text. A byte that belongs to no character becomes "\udcXX"; only another program can have stored it.
 void AppendText(std::string& json, std::string_view text);
-/// The shortest number that reads back the same; whole ones below 2^53 without an exponent, infinity as 1e999.
+/// Appends the shortest digits from which the same number is read; whole numbers below 2^53 without an exponent,
+/// infinity as 1e999.
 void AppendNumber(std::string& json, double number);
-/// A number for a PostgreSQL server to take as a double precision: as AppendNumber writes it, but infinity in the
-/// server's own words.
+/// Appends a number that a PostgreSQL server reads as double precision: like AppendNumber(), but with the server's
+/// words for infinity.
 void AppendServerNumber(std::string& json, double number);
 /// Appends bytes as {"blob":"..."} in hexadecimal digits. No host stores a blob, but another program can.
 void AppendBlob(std::string& json, std::string_view bytes);
-/// Two hexadecimal digits, in lower case.
+/// Appends a byte as two hexadecimal digits in lower case.
 void AppendHex(std::string& json, char byte);
 
 }  // namespace Velora::Store

@@ -34,7 +34,7 @@ std::string ToStoredTime(Time time) {
   static constexpr Time end = sys_days(year(10000) / January / 1);
   if (time < first || time >= end) {
     throw Error("time of " + std::to_string(time.time_since_epoch().count()) +
-                " microseconds since 1970 cannot be stored; expected one in the years 0 to 9999");
+                " microseconds since 1970 cannot be stored; expected a time in the years 0 to 9999");
   }
   const auto day = floor<days>(time);
   const year_month_day date(day);

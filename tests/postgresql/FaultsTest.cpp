@@ -145,7 +145,7 @@ TEST_F(Faults, ANetworkThatStallsHoldsAnOperationUpForSecondsOnly) {
   goOn();
   EXPECT_EQ(ErrorOfNext(recording), "");
   TheInterruptions().atCommit = [&proxy](PGconn*) { proxy.stalls = true; };
-  EXPECT_NE(ErrorOfNext(recording, std::chrono::seconds(7)).find("the record may be there, or not"), std::string::npos);
+  EXPECT_NE(ErrorOfNext(recording, std::chrono::seconds(7)).find("the record may be stored or not"), std::string::npos);
   goOn();
   EXPECT_EQ(ErrorOfNext(recording), "");
   ExpectAllThereOnce();
@@ -160,7 +160,7 @@ TEST_F(Faults, ACommitIsBelievedOfTheVeryServerOnly) {
   Recording recording = Begin("replaced");
   EXPECT_EQ(ErrorOfNext(recording), "");
   TheInterruptions().atCommit = [&](PGconn*) { proxy.LeadTo(other.folder); };
-  EXPECT_NE(ErrorOfNext(recording).find("the record may be there, or not"), std::string::npos);
+  EXPECT_NE(ErrorOfNext(recording).find("the record may be stored or not"), std::string::npos);
   proxy.LeadTo(server.folder);
   EXPECT_EQ(ErrorOfNext(recording), "");
   ExpectAllThereOnce();

@@ -40,8 +40,8 @@ struct Case {
 };
 
 const std::vector<Case> cases = {
-    {":", true, "ts.db' is not there yet; the first host that records makes it"},
-    {"sqlite3 ts.db '.read " SOURCE "/tests/local-ts/version-1.sql'", true, "brings the store up from version 1"},
+    {":", true, "ts.db' does not exist yet; the first host that records makes it"},
+    {"sqlite3 ts.db '.read " SOURCE "/tests/local-ts/version-1.sql'", true, "upgrades the store from version 1"},
     {"touch ts.db", true, "empty; the first host makes the store"},
     {"rm *", false, "/host' lacks TSAL.config and activities.xml"},
     {"rm activities.xml", false, "/host' lacks activities.xml"},
@@ -53,15 +53,15 @@ const std::vector<Case> cases = {
     {"sed -i s/sqlite3/mysql/ TSAL.config", false, "TSAL.config', line 7: unknown Backend 'mysql'; expected"},
     {"sed -i s,ts.db,no/ts.db, TSAL.config", false, "there is no folder '"},
     {"mkdir ts.db", false, "ts.db' is a folder; expected a regular file"},
-    {"echo 'no database at all, but text' > ts.db", false, "file is not a database; expected a file of SQLite"},
-    {"sqlite3 ts.db 'CREATE TABLE microscopes (name)'", false, "is no TS store: it holds tables of another program"},
+    {"echo 'no database at all, but text' > ts.db", false, "file is not a database; expected an SQLite file"},
+    {"sqlite3 ts.db 'CREATE TABLE microscopes (name)'", false, "is not a TS store: it has tables of another program"},
     {"sqlite3 ts.db 'CREATE TABLE ts_schema (version)' 'INSERT INTO ts_schema VALUES (99)'", false,
      "has a schema of version 99; expected version 3 at most"},
     {"sed -i 's,\"sqlite3\" Connection=\"ts.db\",\"postgresql\" Connection=\"host=127.0.0.1 port=1\",' TSAL.config",
-     false, "; expected a server there that runs and lets this user in"},
+     false, "; expected a running server that accepts this user"},
     {":", false, "TSAL_SERVICE is 'absent'", "TSAL_SERVICE=absent"},
     {"mkdir ../library && mv TSAL.config activities.xml instrument.xml ../library", true,
-     "/library/ts.db' is not there yet", "LD_LIBRARY_PATH=../library:" LIBRARIES, "--library ../library/" LIBRARY},
+     "/library/ts.db' does not exist yet", "LD_LIBRARY_PATH=../library:" LIBRARIES, "--library ../library/" LIBRARY},
 };
 
 TEST_F(Check, SaysWhatAHostThatStartsThereMeets) {
@@ -97,10 +97,10 @@ TEST_F(Mistakes, AreNamedWhereNoOperationRefusesThem) {
   EXPECT_EQ(Tool("check"), 0) << said;
   for (const char* const words :
        {"warning: 1 of the newest 1000 events have no name: ",
-        "warning: 1 of the newest 1000 events belong to an execution that was done before, for example 'late'",
+        "warning: 1 of the newest 1000 events belong to an execution that was already done, for example 'late'",
         "warning: 2 of the newest 1000 executions have no activity version: ", "execution of node 'stray'",
-        "warning: 1 of the newest 1000 executions were to have a parent and have none: ",
-        "letters only: 'LATE' and 'late'", "letters only: 'Dose' and 'dose'"}) {
+        "warning: 1 of the newest 1000 executions have no parent, although the host named one: ",
+        "only in case: 'LATE' and 'late'", "only in case: 'Dose' and 'dose'"}) {
     EXPECT_TRUE(Says(words)) << words << '\n' << said;
   }
 }

@@ -45,7 +45,7 @@ TEST_F(Files, WhatMustFirstBeRolledBackIsNotRead) {
             0);
   for (const char* verb : {"show last", "runs", "verify", "backup copy.db"}) {
     EXPECT_EQ(Tool(verb), 3) << verb;
-    EXPECT_TRUE(Says("away/ts.db-journal'; expected one who may write there to open it first")) << verb << said;
+    EXPECT_TRUE(Says("away/ts.db-journal'; expected a user who may write there to open it first")) << verb << said;
   }
   EXPECT_EQ(Shell("sqlite3 ts.db 'PRAGMA quick_check'"), 0);
   EXPECT_EQ(Tool("check"), 0) << said;

@@ -193,13 +193,13 @@ TEST_F(Look, WhatIsTooLongOrTooWideIsRefusedWithItsLimit) {
       "INSERT INTO parameters VALUES (9, 7, 'P', 'text', printf('%.*c', 67108865, 'x'), NULL)");
   for (const std::string verb : {"show --events", "show --events --json", "report", "export --format csv"}) {
     EXPECT_EQ(Tool(verb + " ffffffff > long"), 3) << verb << ": " << said;
-    EXPECT_TRUE(Says("'value_text' of the row with position 7, event_id 9 has 67108865 bytes, and at most 67108864"))
+    EXPECT_TRUE(Says("'value_text' of the row with position 7, event_id 9 has 67108865 bytes; at most 67108864"))
         << verb << ": " << said;
   }
   EXPECT_EQ(Tool("export ffffffff > long && grep -c x.*x long"), 0) << said;
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // which take memory of their own
   EXPECT_EQ(Shell("ulimit -v 200000; '" VELORA_TS "' export ffffffff > long"), 3);
-  EXPECT_TRUE(Says("event_id 9 has 67108865 bytes, and there is not enough memory for them")) << said;
+  EXPECT_TRUE(Says("event_id 9 has 67108865 bytes, for which there is not enough memory")) << said;
 #endif
 }
 

@@ -114,7 +114,7 @@ constexpr const char* unsealedRun = "not sealed: run run-2";
 const std::vector<Alteration> alterations = {
     {"ts_schema", "DELETE FROM ts_schema WHERE version = 1"},
     {"ts_schema", "INSERT INTO ts_schema VALUES (2, '')", unsealedRest},
-    {"sessions", "DELETE FROM sessions WHERE session_id = 2", "refers to a row of sessions that is not there"},
+    {"sessions", "DELETE FROM sessions WHERE session_id = 2", "refers to a row of sessions that does not exist"},
     {"sessions",
      "UPDATE sessions SET guid = 'x' WHERE session_id = 1; UPDATE sessions SET guid = (SELECT guid FROM sessions WHERE "
      "session_id = 1) || 'y' WHERE session_id = 2"},
@@ -157,7 +157,8 @@ const std::vector<Alteration> alterations = {
      "WHERE execution_id BETWEEN 4 AND 6; DELETE FROM executions WHERE root_id = 4",
      "run run-2 is missing"},
     {"executions", "UPDATE executions SET parent_id = 7, root_id = 7 WHERE execution_id = 6"},
-    {"executions", "UPDATE executions SET root_id = 7 WHERE execution_id = 6", "has another root than its parent"},
+    {"executions", "UPDATE executions SET root_id = 7 WHERE execution_id = 6",
+     "has a root that is not that of its parent"},
     {"executions", "UPDATE executions SET parent_id = 7 WHERE execution_id = 4", "run run-2 is missing"},
     {"executions",
      "UPDATE executions SET node = CASE node WHEN 'step' THEN 'stop' ELSE 'step' END WHERE parent_id = 4"},
@@ -171,7 +172,8 @@ const std::vector<Alteration> alterations = {
      unsealedRun},
     {"executions", "INSERT INTO executions VALUES (NULL, 'new', NULL, 8, 2, NULL, '', '', 0, '')",
      "not sealed: run new"},
-    {"executions", "INSERT INTO executions VALUES (8, 'new', 8, 8, 2, NULL, '', '', 0, '')", "has a root that is none"},
+    {"executions", "INSERT INTO executions VALUES (8, 'new', 8, 8, 2, NULL, '', '', 0, '')",
+     "has a root that has a parent"},
     {"statuses", "UPDATE statuses SET code = 14.5 WHERE status_id = 10"},
     {"statuses", "DELETE FROM statuses WHERE status_id = 11"},
     {"statuses", "DELETE FROM statuses WHERE status_id = 12"},
@@ -231,20 +233,21 @@ const std::vector<Alteration> alterations = {
      "WHERE seal_id = 6",
      "seal 7 was altered"},
     {"schema", "DROP VIEW unfinished; CREATE VIEW unfinished AS SELECT * FROM execution_states WHERE false",
-     "view unfinished is not what it should be"},
+     "view unfinished is not as in a new store"},
     {"schema", "DROP INDEX executions_by_root", "index executions_by_root is missing"},
-    {"schema", "ALTER TABLE events ADD COLUMN note TEXT", "table events is not what it should be"},
+    {"schema", "ALTER TABLE events ADD COLUMN note TEXT", "table events is not as in a new store"},
     {"statuses", WithoutTypes("code", "UPDATE statuses SET code = 14.0 WHERE status_id = 10"),
-     "row 10 of statuses has a value of another type in column code"},
+     "row 10 of statuses has a value of the wrong type in column code"},
     {"parameters", "INSERT INTO parameters VALUES (4, 1.5, 'New', 'int', NULL, 1)", "in column position"},
     {"parameters", "UPDATE parameters SET position = 0 WHERE event_id = 4 AND position = 3", "is not numbered from 1"},
     {"events", "INSERT INTO events VALUES (9223372036854775807, 2, 4, NULL, '', '')", "is not numbered from 1"},
-    {"schema", "ANALYZE; CREATE INDEX mine ON events (name)", "^finding: index mine is none of TS's"},
-    {"schema", "CREATE TABLE notes (note); INSERT INTO notes VALUES ('')", "table notes is none of TS's"},
-    {"schema", Hidden("type = 'TRIGGER'"), "TRIGGER mine is none of TS's"},
+    {"schema", "ANALYZE; CREATE INDEX mine ON events (name)", "^finding: index mine does not belong to a TS store"},
+    {"schema", "CREATE TABLE notes (note); INSERT INTO notes VALUES ('')", "table notes does not belong to a TS store"},
+    {"schema", Hidden("type = 'TRIGGER'"), "TRIGGER mine does not belong to a TS store"},
     {"schema", Hidden("name = 'sqlite_mine', sql = replace(sql, 'mine', 'sqlite_mine')"),
-     "sqlite_mine is none of TS's"},
-    {"schema", "CREATE TRIGGER mine AFTER INSERT ON events BEGIN SELECT 1; END", "trigger mine is none of TS's"},
+     "sqlite_mine does not belong to a TS store"},
+    {"schema", "CREATE TRIGGER mine AFTER INSERT ON events BEGIN SELECT 1; END",
+     "trigger mine does not belong to a TS store"},
 };
 
 TEST_F(Seals, EveryAlterationIsFoundAndAnUntouchedStoreGivesNoFinding) {
@@ -254,7 +257,8 @@ TEST_F(Seals, EveryAlterationIsFoundAndAnUntouchedStoreGivesNoFinding) {
   EXPECT_EQ(said, Query(folder / "sealed.db", "SELECT content_hash FROM seals WHERE run = 'run-3'"));
   EXPECT_EQ(Shell("sqlite3 ts.db VACUUM"), 0);
   EXPECT_EQ(Tool("verify --anchor anchor"), 0) << said;
-  std::vector<Alteration> all = Made(folder / "sealed.db", everyColumn, "altered|is missing|another root|is none of");
+  std::vector<Alteration> all =
+      Made(folder / "sealed.db", everyColumn, "altered|is missing|a root that|does not belong");
   EXPECT_GT(all.size(), 60U);
   for (const auto& more : {Made(folder / "sealed.db", everyTable, "is not numbered from 1"), alterations}) {
     all.insert(all.end(), more.begin(), more.end());
@@ -278,15 +282,15 @@ TEST_F(Seals, EveryAlterationIsFoundAndAnUntouchedStoreGivesNoFinding) {
 TEST_F(Seals, OnlyAnAnchorFindsAChainThatWasComputedAnewOrCutOff) {
   const std::pair<const char*, const char*> rows[] = {
       {"UPDATE events SET name = 'E' WHERE event_id = 4; DELETE FROM seals WHERE seal_id > 2",
-       "the seals were computed anew"},
+       "the seals were computed again"},
       {"DELETE FROM events WHERE event_id = 9; DELETE FROM events WHERE execution_id = 7; DELETE FROM statuses WHERE "
        "execution_id = 7; DELETE FROM executions WHERE execution_id = 7; DELETE FROM seals WHERE seal_id > 3",
-       "the end of the seals was cut off"},
+       "the newest seals were deleted"},
   };
   for (const auto& [statements, found] : rows) {
     Restore();
     ASSERT_EQ(Sql(statements), 0) << said;
-    const bool anew = std::string(found).find("anew") != std::string::npos;
+    const bool anew = std::string(found).find("computed again") != std::string::npos;
     EXPECT_EQ(Tool(anew ? "seal" : "check"), 0) << said;
     EXPECT_EQ(Tool("seal --anchor anchor"), 1);  // neither sealed over nor the anchor replaced
     EXPECT_TRUE(Says(found)) << said;

@@ -31,12 +31,12 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
     int code;
     std::string words;
   } rows[] = {
-      {"check", 0, "the next host that records brings the store up from version 1"},
+      {"check", 0, "the next host that records upgrades the store from version 1"},
       {"check", 0, "4 executions, 6 statuses, 3 events, 6 parameters"},
       {"runs --config broken", 3, "broken/TSAL.config', line 2: unknown element 'Server'"},
       {"runs --config nowhere", 3, "No such file"},
       {"runs --config empty", 3, "there is no TS store"},
-      {"runs --config other", 3, "is no TS store; expected"},
+      {"runs --config other", 3, "is not a TS store; expected"},
       {"runs --config waiting", 3, "/waiting/fifo' is a FIFO; expected a regular file"},
       {"check", 0, "last: run ffffffff-0000-4000-8000-000000000000 \"grid.mdoc\" of 2026-11-26"},
       {"export last", 0, "\"number\":4,\"guid\":\"ffffffff"},
@@ -60,7 +60,7 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
       {"", 2, "expected a verb\n"},
       {"look", 2, "there is no verb 'look'\n"},
       {"seal --anchor no/such/anchor", 3, "file 'no/such/anchor' cannot be written: No such file"},
-      {"verify --anchor TSAL.config", 3, "is no anchor"},
+      {"verify --anchor TSAL.config", 3, "is not an anchor"},
       {"verify", 0, "0 findings, 0 not sealed"},
       {"backup --help", 0, "velora-ts backup /backup"},
       {"--version", 0, "velora-ts 0."},

@@ -25,20 +25,18 @@ struct Kind {
 
 constexpr Kind kinds[] = {
     {NEWEST "SELECT COUNT(*), MIN(event_id) FROM newest WHERE name = ''",
-     "of the newest 1000 events have no name: one was saved, or given a parameter, that was never created; the first "
-     "is "
+     "of the newest 1000 events have no name: a host saved or extended one that it had not created; the first is "
      "number "},
     {NEWEST "SELECT COUNT(*), MIN(name) FROM newest v WHERE EXISTS (SELECT 1 FROM statuses s WHERE s.execution_id = "
             "v.execution_id AND s.code = 4) AND EXISTS (SELECT 1 FROM statuses s WHERE s.execution_id = v.execution_id "
             "AND s.code = 14 AND s.at < v.at)",
-     "of the newest 1000 events belong to an execution that was done before, for example "},
+     "of the newest 1000 events belong to an execution that was already done, for example "},
     {OF_NEWEST_EXECUTIONS "WHERE version_id IS NULL",
-     "of the newest 1000 executions have no activity version: the activities file had none of the name that the host "
-     "gave; for example the execution of node "},
+     "of the newest 1000 executions have no activity version: the activities file does not have the name that the "
+     "host gave; for example the execution of node "},
     {OF_NEWEST_EXECUTIONS "WHERE parent_id IS NULL AND kind <> 5",
-     "of the newest 1000 executions were to have a parent and have none: the parent has no description; for example "
-     "the "
-     "execution of node "},
+     "of the newest 1000 executions have no parent, although the host named one: the parent has no description; for "
+     "example the execution of node "},
 };
 
 constexpr const char* namesInUse[] = {
@@ -55,7 +53,7 @@ std::string InSmallLetters(std::string text) {
   return text;
 }
 
-/// Names that are the same but for small and capital letters.
+/// Pairs of names that differ only in case.
 std::vector<std::string> Twins(const Store::Reader& store, const char* question) {
   std::map<std::string, std::set<std::string>> spellings;
   for (Rows rows(store, question); rows.Next();) {
@@ -83,7 +81,7 @@ std::vector<std::string> LikelyMistakes(const Store::Reader& store) {
   }
   for (const char* question : namesInUse) {
     for (const std::string& twins : Twins(store, question)) {
-      mistakes.push_back("two names that differ in small and capital letters only: " + twins);
+      mistakes.push_back("two names that differ only in case: " + twins);
     }
   }
   return mistakes;

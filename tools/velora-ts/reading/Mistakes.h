@@ -9,8 +9,8 @@ class Reader;
 
 namespace Velora::Ts {
 
-/// What looks like a mistake of a host in the newest thousand events and executions, one line each. TS takes all of it,
-/// so nobody hears of it otherwise.
+/// Likely mistakes of hosts in the newest thousand events and executions, one line each. TS accepts them, so hosts get
+/// no error.
 std::vector<std::string> LikelyMistakes(const Store::Reader& store);
 
 }  // namespace Velora::Ts

@@ -23,7 +23,7 @@ Anchor ReadAnchor(const std::string& file) {
   static const std::regex form("seal (\\d{1,18}) ([0-9a-f]{64})\n");
   std::smatch parts;
   if (!std::regex_match(content, parts, form)) {
-    throw Error("file '" + file + "' is no anchor; expected 'seal', a number and 64 hexadecimal digits");
+    throw Error("file '" + file + "' is not an anchor; expected 'seal', a number and 64 hexadecimal digits");
   }
   return {std::stoll(parts[1]), parts[2]};
 }
@@ -36,15 +36,16 @@ void WriteAnchor(const std::string& file, const Anchor& anchor) {
 
 std::string AnchorFinding(const Anchor& anchor, const std::vector<Seal>& seals) {
   if (anchor.number == 0) {
-    return anchor.hash == noHash ? "" : "the anchor names a seal 0, and there is none before the first";
+    return anchor.hash == noHash ? "" : "the anchor has a hash for seal 0, but the first seal is seal 1";
   }
   const auto seal = std::find_if(seals.begin(), seals.end(),
                                  [&anchor](const Seal& candidate) { return candidate.number == anchor.number; });
   const std::string name = "seal " + std::to_string(anchor.number);
   if (seal == seals.end()) {
-    return name + " of the anchor is missing: the end of the seals was cut off";
+    return name + ", which the anchor names, is missing: the newest seals were deleted";
   }
-  return seal->ownHash == anchor.hash ? "" : name + " is not that of the anchor: the seals were computed anew";
+  return seal->ownHash == anchor.hash ? ""
+                                      : name + " has another hash than in the anchor: the seals were computed again";
 }
 
 }  // namespace Velora::Ts

@@ -8,18 +8,18 @@
 
 namespace Velora::Ts {
 
-/// Where the chain of seals ended, kept in a file away from the store: "seal 12 HASH".
+/// The last seal of a chain at some time. It is kept in a file away from the store: "seal 12 HASH".
 struct Anchor {
-  long long number = 0;  ///< 0, and a hash of zeros, before the first seal.
+  long long number = 0;  ///< Before the first seal 0, with a hash of zeros.
   std::string hash;
 };
 
-/// @throws Error when the file cannot be read or is no anchor.
+/// Reads an anchor. @throws Error when the file cannot be read or is not an anchor.
 Anchor ReadAnchor(const std::string& file);
-/// Replaces the file as a whole, so that none is ever half there.
+/// Writes an anchor. An existing file is replaced at once, so that it is never incomplete.
 void WriteAnchor(const std::string& file, const Anchor& anchor);
 
-/// What a chain of seals lacks or has otherwise than the anchor says; empty when it goes on from there.
+/// How a chain of seals contradicts an anchor; empty if the chain contains it.
 std::string AnchorFinding(const Anchor& anchor, const std::vector<Store::Seal>& seals);
 
 }  // namespace Velora::Ts
