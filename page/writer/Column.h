@@ -7,20 +7,20 @@
 
 namespace Velora::Page {
 
-/// A column of the page's data, as JSON. What repeats or grows little takes little room: page/FORM.md.
+/// A column of the page's data as JSON, in a form in which repeated and slowly growing values are short: page/FORM.md.
 class Column {
  public:
-  /// A whole number, written as the difference from the one before, and where that repeats as [difference, times]; null
-  /// for none.
+  /// Appends a whole number, or null. It is written as the difference from the one before; a repeated difference as
+  /// [difference, times].
   void AddWhole(std::optional<long long> value);
-  /// A text in JSON; 0 where it is the one before.
+  /// Appends a text as JSON; 0 if it is equal to the one before.
   void AddText(std::string_view text);
-  /// A value: a number, or anything else in JSON. A column of nothing but numbers becomes the Base64 of little-endian
-  /// doubles where that is shorter.
+  /// Appends a value: a number, or other JSON. If a column contains only numbers, it becomes the Base64 encoding of
+  /// little-endian doubles, if that is shorter.
   void AddNumber(double number, std::string_view text);
   void AddOther(std::string_view text);
 
-  /// Appends the whole column and begins anew.
+  /// Appends the column to a text and empties it.
   void MoveTo(std::string& json);
 
  private:

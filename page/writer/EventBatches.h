@@ -12,22 +12,22 @@ namespace Velora::Page {
 
 class KeptEvents;
 
-/// The events of a run as columns of the page's data: those of one shape, that is of one name and with parameters of
-/// the same names and kinds, stand together.
+/// The events of a run as columns of the page's data. Events of one shape are together: they have the same name, and
+/// parameters of the same names and kinds.
 class EventBatches {
  public:
-  /// Told of each event that has been read.
+  /// Called for each event that was read.
   using Step = std::function<void()>;
 
-  /// @param start what times are counted from, in microseconds since 1970.
+  /// @param start the time from which times are counted, in microseconds since 1970.
   EventBatches(const Store::Reader& store, long long root, const KeptEvents& kept, long long start, Step step);
 
-  /// Appends the next batch of one shape. @return whether there was one.
+  /// Appends the next batch of events of one shape. @return whether there was one.
   bool AppendBatch(std::string& json);
-  /// Appends the shapes so far as a list: of each the event's name, then name and kind of each parameter.
+  /// Appends the shapes so far as a list. A shape is the name of the event, then name and kind of each parameter.
   void AppendShapes(std::string& json) const;
 
-  /// Keys of the configurations that were in force.
+  /// The keys of the configurations of the events.
   const std::set<long long>& Configurations() const { return events.Configurations(); }
 
  private:
@@ -38,7 +38,7 @@ class EventBatches {
     std::vector<Column> values;
   };
 
-  /// Reads on until there is enough for a batch. @return whether there was anything.
+  /// Reads events until there are enough for a batch. @return whether there was any.
   bool Fill();
   void Add(const Event& event);
   static void Move(Shape& shape, std::string& json);

@@ -11,13 +11,13 @@ namespace Velora::Page {
 /// The executions of a run with their statuses, as columns of the page's data.
 class ExecutionBatches {
  public:
-  /// @param start what times are counted from, in microseconds since 1970.
+  /// @param start the time from which times are counted, in microseconds since 1970.
   ExecutionBatches(const Store::Reader& store, long long root, long long start);
 
   /// Appends the next batch. @return whether there was one.
   bool AppendBatch(std::string& json);
 
-  /// Keys of what the executions so far refer to.
+  /// The keys of the records to which the executions so far refer.
   const std::set<long long>& Sessions() const { return sessions; }
   const std::set<long long>& Versions() const { return versions; }
 

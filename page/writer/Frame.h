@@ -5,10 +5,10 @@
 
 namespace Velora::Page {
 
-/// A part of the page in pieces: a compiler need not take a text of any length. `page/embed.js` makes them.
+/// A part of the page, in pieces because compilers limit the length of a text. `page/embed.js` generates them.
 using FramePart = std::span<const std::string_view>;
 
-/// What stands before the data of a page, and what behind it.
+/// The parts of a page before and after its data.
 extern const FramePart frameHead, frameTail;
 
 }  // namespace Velora::Page

@@ -9,9 +9,9 @@
 
 namespace Velora::Page {
 
-/// Which events of a run a page holds: all of them, but of a kind that has more than a plot can draw those that have
-/// the lowest or the highest value of any parameter within one of the slices of the run's time, and the newest with
-/// each parameter of each execution.
+/// Decides which events of a run a page contains: all of them, unless a kind has more than a plot can draw. Of such a
+/// kind, it contains the events with the lowest and highest value of each parameter in each slice of the run's time,
+/// and the newest event with each parameter of each execution.
 class KeptEvents {
  public:
   static constexpr long long mostPoints = 200000;
@@ -23,7 +23,7 @@ class KeptEvents {
   long long Recorded() const { return recorded; }
   /// "all 41 events", or "binned: 8000 of 1000000 events".
   std::string InWords() const;
-  /// The slices and how many events of each such kind are in them, as JSON; null where all events are kept.
+  /// The slices and the number of events of each such kind in them, as JSON; null if all events are kept.
   void AppendSlices(std::string& json, long long start) const;
 
  private:
@@ -31,7 +31,7 @@ class KeptEvents {
     double lowest, highest;
     long long lowestEvent, highestEvent;
   };
-  /// A parameter's name and which one of that name it is; none of that name stands for the event itself.
+  /// The name of a parameter and its number among the parameters of that name; number 0 is the event itself.
   using Parameter = std::pair<std::string, int>;
   struct Kind {
     long long recorded = 0;

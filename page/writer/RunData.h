@@ -13,8 +13,8 @@ namespace Velora::Page {
 
 class KeptEvents;
 
-/// Writes the data of a run's page, piece by piece: page/FORM.md.
-/// @param step is told of each event of the run.
+/// Writes the data of a run's page in pieces, in the form of page/FORM.md.
+/// @param step is called for each event of the run.
 void WriteRunData(const Store::Reader& store, const Store::Run& run, const KeptEvents& kept,
                   const std::function<void(std::string_view piece)>& write, const std::function<void()>& step);
 

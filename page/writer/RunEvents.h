@@ -27,7 +27,7 @@ struct Event {
   std::vector<Reading> readings;
 };
 
-/// The events of a run, execution after execution, each in the order of saving. Holds one at a time.
+/// The events of a run, by execution and then in the order of saving. Keeps one event in memory.
 class RunEvents {
  public:
   RunEvents(const Store::Reader& store, long long root);
@@ -35,7 +35,7 @@ class RunEvents {
   /// Goes to the next event. @return whether there is one.
   bool Next();
   const Event& Current() const { return event; }
-  /// Keys of the configurations that were in force, as far as it has gone.
+  /// The keys of the configurations of the events so far.
   const std::set<long long>& Configurations() const { return configurations; }
 
  private:

@@ -9,7 +9,7 @@ namespace Velora::Page {
 
 namespace {
 
-// In a script of data a "<" could only begin its end, or a comment.
+// In a script element that contains data, a "<" could begin the end tag or a comment.
 std::string WithoutTags(std::string_view json) {
   std::string text;
   for (const char character : json) {

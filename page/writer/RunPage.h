@@ -12,18 +12,18 @@ struct Run;
 
 namespace Velora::Page {
 
-/// The page of a run: one HTML file, which needs no other and no network.
+/// The page of a run: one HTML file that needs neither another file nor a network.
 class RunPage {
  public:
-  /// Reads which events the page will have. Store and run must outlive it.
+  /// Decides which events the page has. Store and run must outlive this object.
   RunPage(const Store::Reader& store, const Store::Run& run);
 
-  /// How many events the store has of the run.
+  /// The number of events of the run in the store.
   long long Events() const { return kept.Recorded(); }
   /// "all 41 events", or "binned: 8000 of 1000000 events".
   std::string EventsInWords() const { return kept.InWords(); }
 
-  /// Writes the page, piece by piece.
+  /// Writes the page in pieces.
   /// @param step is called for each event of the run.
   void Write(const std::function<void(std::string_view piece)>& write, const std::function<void()>& step) const;
 
