@@ -15,11 +15,11 @@ namespace {
 
 constexpr int format = 1;
 
-// Begins the name of a column that has the key of what the record refers to, and is not written; the name of that kind
-// of record follows.
+// A column whose name begins with this mark is not written: it has the key of a record to which this one refers, and
+// the rest of its name is the kind of that record.
 constexpr char keyMark = '_';
 
-// What a record refers to is written as its guid; as its key where another program left no such row.
+// A reference is written as the guid of the record; if there is no such row, because of another program, as its key.
 #define GUID_OF(table, key, of) "COALESCE((SELECT guid FROM " table " WHERE " key " = " of "), CAST(" of " AS TEXT))"
 #define SESSION GUID_OF("sessions", "session_id", "r.session_id") " AS session"
 

@@ -5,7 +5,7 @@
 namespace Velora::Store {
 namespace {
 
-// The layout is part of every store: SQLite keeps a statement as it was given, and verify compares it.
+// SQLite stores each statement as it was given, and verify compares it: do not change the layout.
 constexpr const char* margin = "         ";
 
 std::string LimitsOf(const Column& column) {

@@ -5,8 +5,8 @@
 namespace Velora::Store {
 namespace {
 
-// Whether a number is not the one that this session has taken last. One from far ahead, once sealed, would have all
-// others refused; so would an event of a month to come.
+// Whether a number is not the last one that this session took from its sequence. After a number from far ahead was
+// sealed, all others would be refused; so would they after an event of a later month.
 std::string IsNotItsOwn(const Table& table) {
   if (table.isByMonth) {
     return "NEW.event_id % 10000000000 <> currval(CAST('event_numbers' AS regclass)) OR "
@@ -31,7 +31,7 @@ void PostgreSqlDialect::KeepRows(const Table& table) {
   Add(Refuse(table, "_no_truncate", "TRUNCATE") + refuse);
 }
 
-// Who may delete rows copies sealed ones from another store, and is no host. Parameters have a trigger of their own.
+// A role that may delete rows is not a host; it copies sealed rows from another store. Parameters have another trigger.
 void PostgreSqlDialect::NumberRows(const Table& table) {
   if (!table.primaryKey.empty()) {
     return;

@@ -4,8 +4,9 @@ namespace Velora::Store::Server {
 
 namespace Version2 {
 
-// An event's key begins with the month of its saving, 202611, by which events and parameters are partitioned. Ten
-// digits that count upwards follow: it stays below 2^53, up to which every program reads a number exactly.
+// The key of an event begins with the month of its saving, such as 202611, by which events and parameters are
+// partitioned. Ten digits that count upwards follow. So keys stay below 2^53, up to which every program reads numbers
+// exactly.
 const char* const eventNumbers = R"(
     CREATE SEQUENCE event_numbers MAXVALUE 9999999999 CYCLE;
     CREATE FUNCTION next_event_id() RETURNS bigint LANGUAGE sql AS $$
@@ -17,10 +18,11 @@ const char* const refuseChange = R"(
     CREATE FUNCTION refuse_change() RETURNS trigger LANGUAGE plpgsql AS
     $$ BEGIN RAISE EXCEPTION 'rows of % are only ever added', TG_ARGV[0]; END $$)";
 
-// With its owner's rights, so that a host that may only add rows has its partitions made too. A partition is made on
-// its own and then attached: made in place, it would wait for every reader, and every host for it. The next months' can
-// wait when somebody is in the way; this month's cannot. What comes out of a file of SQLite has keys without a month.
-// The first are made here, so that of many hosts that begin at once none has to wait for another that makes them.
+// The function has the rights of its owner, so that a host that may only add rows can make partitions. A partition is
+// made as a table and then attached: made in place, it would wait for every reader, and every host would wait for it.
+// The partitions of later months can wait if a lock is not free; that of this month cannot. Rows that were copied from
+// an SQLite file have keys without a month. The first partitions are made here, so that hosts that begin at the same
+// time need not wait for the one that makes them.
 const char* const partitions = R"(
     CREATE FUNCTION make_partition(month bigint) RETURNS void LANGUAGE plpgsql SECURITY DEFINER AS $$
        DECLARE
@@ -67,8 +69,8 @@ const char* const partitions = R"(
 
 namespace Version3 {
 
-// The rest locks every table. Here they are taken in the order in which hosts do, as far as these have one: each is
-// waited for too shortly to hold hosts up, and all are tried again.
+// The other statements lock every table. Here the tables are locked in the order in which hosts lock them, if they have
+// one. Each wait is too short to delay hosts; after a failure, all locks are tried again.
 const char* const locks = R"(
     SET LOCAL lock_timeout = '200ms';
     DO $$
@@ -89,8 +91,8 @@ const char* const locks = R"(
     END $$;
     SET LOCAL lock_timeout = '30s')";
 
-// Times are counted in whole microseconds, since a cast would fail for a text that is no time, or of the year 0, and
-// the whole view with it. The days are those of the Julian day number.
+// Times are counted in whole microseconds. A cast would fail for a text that is not a time, or for the year 0, and with
+// it the whole view. Days are counted by the Julian day number.
 const char* const microseconds = R"(
     CREATE FUNCTION microseconds(at text) RETURNS bigint LANGUAGE sql IMMUTABLE
     RETURN CASE WHEN at ~ ('^[0-9]{4}-(0[1-9]|1[0-2])-(0[1-9]|[12][0-9]|3[01])'
@@ -102,13 +104,13 @@ const char* const microseconds = R"(
        + CAST(substr(at, 12, 2) AS bigint) * 3600 + CAST(substr(at, 15, 2) AS bigint) * 60
        + CAST(substr(at, 18, 2) AS bigint)) * 1000000 + CAST(substr(at, 21, 6) AS bigint) END)";
 
-// A server that keeps to FIPS has no md5().
+// A server in FIPS mode has no md5().
 const char* const textDigest = R"(
     CREATE FUNCTION text_digest(text text) RETURNS bytea LANGUAGE sql IMMUTABLE
     RETURN sha256(convert_to(text, 'UTF8')))";
 
-// The month of an event's key is the clock's, or that of the newest seal where the clock was ahead when that was made:
-// a key below a sealed one would look as if it had been slipped in.
+// The month in an event's key is that of the clock. If the newest seal has a later month, because the clock was ahead,
+// it is that month: an event with a key below a sealed one would look as if it had been inserted later.
 const char* const keys = R"(
     CREATE FUNCTION sealed_number(kind text) RETURNS bigint LANGUAGE plpgsql STABLE AS $$
     BEGIN
@@ -122,10 +124,11 @@ const char* const keys = R"(
     RETURN event_month() * 10000000000 + nextval('event_numbers');
     ALTER FUNCTION sealed_number(text) SET search_path = {schema}, pg_temp)";
 
-// With its owner's rights, so that a host that may only add rows has its partitions made too. A partition is made on
-// its own and then attached: made in place, it would wait for every reader, and every host for it. The tables that
-// attaching locks are locked before, in the order in which hosts do; behind one that waits for a lock every host waits,
-// so it waits shortly. ts_schema is what two that make partitions wait for: a role of hosts cannot lock that.
+// The function has the rights of its owner, so that a host that may only add rows can make partitions. A partition is
+// made as a table and then attached: made in place, it would wait for every reader, and every host would wait for it.
+// The tables that attaching locks are locked before, in the order in which hosts lock them. Hosts wait behind a session
+// that waits for a lock, so each wait is short. Two sessions that make partitions wait for each other at ts_schema,
+// which a role of hosts cannot lock.
 const char* const partitions = R"(
     CREATE FUNCTION has_partitions(month bigint) RETURNS boolean LANGUAGE sql STABLE
     RETURN (SELECT COUNT(*) = 2 FROM pg_inherits i JOIN pg_class c ON c.oid = i.inhrelid

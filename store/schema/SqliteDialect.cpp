@@ -11,7 +11,7 @@ std::string SameAsNew(const std::vector<std::string>& columns) {
   return same;
 }
 
-/// The rows whose place a new one would take. Its key is -1 until SQLite has chosen one.
+/// The rows that a new row would replace. The key of the new row is -1 until SQLite has chosen one.
 std::string InTheWay(const Table& table) {
   std::vector<std::string> ways = {table.primaryKey.empty()
                                        ? SameAsNew({table.Key()}) + " AND NEW." + table.Key() + " > 0"
@@ -39,7 +39,7 @@ void SqliteDialect::Replace(const View& view) {
   Make(view);
 }
 
-// The third is for INSERT OR REPLACE, which deletes the rows that are in its way and asks no trigger about it.
+// The third trigger is for INSERT OR REPLACE, which deletes rows without calling their triggers.
 void SqliteDialect::KeepRows(const Table& table) {
   AddTrigger(table, "update", "UPDATE ON " + table.name);
   AddTrigger(table, "delete", "DELETE ON " + table.name);
@@ -53,7 +53,8 @@ void SqliteDialect::AddTrigger(const Table& table, const std::string& action, co
       table.name + " are only ever added'); END");
 }
 
-// Asked after the insertion, since SQLite may choose the key during it. Only a position can be no whole number.
+// Checked after the insertion, because SQLite can choose the key during it. Only a position can be another type than a
+// whole number.
 void SqliteDialect::NumberRows(const Table& table) {
   const std::string number = "NEW." + table.Number();
   const std::string highest = std::to_string(highestKey);

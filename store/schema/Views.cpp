@@ -2,8 +2,7 @@
 
 namespace Velora::Store::Views {
 
-// LATERAL has the newest status looked up for each execution that is asked for; the server's planner would rather read
-// all.
+// LATERAL makes the server look up the newest status for each selected execution; otherwise it would read all statuses.
 const View& ExecutionStates() {
   static const View view = {"execution_states",
                             R"(SELECT e.execution_id, e.guid, e.parent_id, e.root_id, e.session_id, n.instrument,
@@ -58,8 +57,9 @@ const View& DurationsOfVersion2() {
   return view;
 }
 
-// Whole microseconds, rounded to milliseconds alike on both; a text that is no time has no duration. In SQLite the
-// seconds are taken without their fraction, which strftime rounds, and without the hour 24, which it takes.
+// Durations in whole microseconds, rounded to milliseconds in the same way on both databases. A text that is not a time
+// has no duration. In SQLite, strftime gets the seconds without their fraction, which it would round, and not the hour
+// 24, which it would accept.
 #define TIME \
   "'[0-9][0-9][0-9][0-9]-[0-9][0-9]-[0-9][0-9]T[0-9][0-9]:[0-9][0-9]:[0-9][0-9].[0-9][0-9][0-9][0-9][0-9][0-9]Z'"
 const View& Durations() {

@@ -9,7 +9,7 @@ namespace Velora::Store {
 
 namespace {
 
-// Partitions of months are described by what they have in common: with YYYYMM for their month.
+// Partitions are described by what they have in common: YYYYMM replaces their month.
 constexpr const char* relations = R"(
     WITH store AS (
       SELECT n.oid, t.relowner AS owner, regexp_replace(quote_ident(n.nspname), '(\W)', '\\\1', 'g') AS name
@@ -31,9 +31,9 @@ constexpr const char* relations = R"(
       FROM pg_trigger t JOIN pg_proc f ON f.oid = tgfoid),
     )";
 
-// Each with what is wrong where no store has such a thing. Names of indexes and constraints are free. Triggers that
-// check foreign keys are numbered by the server, so they are counted; those of tables that refer to a store do not
-// count.
+// Each line has what is wrong if a new store does not have it. Names of indexes and constraints do not matter. Triggers
+// that check foreign keys have numbers from the server, so they are only counted, without those of tables outside the
+// store that refer to it.
 constexpr const char* linesOfParts = R"(
     lines (oid, part, definition, harm) AS (
       SELECT oid, kind, concat_ws(' ', relpersistence, relkind),
@@ -96,7 +96,7 @@ constexpr const char* linesOfParts = R"(
              'does not belong to a TS store and may hide or refuse records'
       FROM relations r JOIN pg_policy ON polrelid = r.oid))";
 
-// Functions name their schema. Of two indexes that are the same, while one is made anew, the valid one comes last and
+// Functions name their schema. While an index is being rebuilt there are two equal ones; the valid one comes last and
 // counts.
 constexpr const char* answer = R"(
     SELECT COALESCE(replace(name, CAST(month AS text), 'YYYYMM'), name), COALESCE(CAST(month AS text), ''),

@@ -16,8 +16,8 @@ constexpr const char* schemaOfStore =
     "SELECT quote_ident(nspname) FROM pg_namespace n JOIN pg_class c ON c.relnamespace = n.oid "
     "WHERE c.oid = to_regclass('ts_schema')";
 
-// For the month of keys that are given out now and the next, as far as events have come: the one after these may wait
-// for the next day of a host, and a store without hosts needs none. Counted in months; keys never fall below a seal.
+// The partitions of the current month of keys and, if there are events of it, of the next. Hosts make later ones within
+// a day, and a store without hosts needs none. The current month is never before that of the newest seal.
 constexpr const char* missingPartitions = R"(
     WITH keys (newest, sealed, now) AS (
       SELECT (SELECT COALESCE(MAX(event_id), 0) FROM events) / 10000000000,

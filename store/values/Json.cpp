@@ -11,7 +11,7 @@ namespace {
 
 constexpr double exactWhole = 9007199254740992.0;
 
-// How much of the text's beginning is ASCII that stands for itself.
+// The length of the beginning of a text that is ASCII and needs no escapes.
 std::size_t PlainLength(std::string_view text) {
   std::size_t length = 0;
   while (length < text.size() && text[length] >= 0x20 && text[length] < 0x7F && text[length] != '"' &&
