@@ -1,5 +1,6 @@
 # velora_npm_modules(FOLDER FILE): a rule that installs the packages of FOLDER/package-lock.json below the current build
-# folder. FILE is one of the installed files. It uses the network only if they are not installed yet.
+# folder, except those that only checks need. FILE is one of the installed files. It uses the network only if they are
+# not installed yet.
 function(velora_npm_modules folder file)
   find_program(NPM npm REQUIRED)
   add_custom_command(
