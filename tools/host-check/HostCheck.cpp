@@ -99,9 +99,9 @@ class HostCheck {
   }
 
   void LookAtRoom() {
-    const std::string folder = Store::FolderOf(settings->database);
+    const std::string ofDatabase = Store::FolderOf(settings->database);
     std::error_code unknown;
-    const fs::space_info space = fs::space(folder, unknown);
+    const fs::space_info space = fs::space(ofDatabase, unknown);
     if (!unknown && space.available < littleRoom) {
       Warn("the disk of '" + settings->database.where + "' has only " + Megabytes(space.available) + " left");
     }
