@@ -2,7 +2,7 @@
 
 #include "CommandLine.h"
 #include "ToolTest.h"
-#include "reading/EventLines.h"
+#include "output/EventLines.h"
 #include "store/reading/Listener.h"
 #include "store/reading/Reader.h"
 #include "store/settings/Settings.h"

@@ -1,12 +1,12 @@
 #include "host-check/SettingsOfHost.h"
 #include "output/Output.h"
 #include "output/Words.h"
-#include "reading/Mistakes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
 #include "store/settings/Settings.h"
 #include "store/soundness/Soundness.h"
+#include "verbs/Mistakes.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"

@@ -1,7 +1,6 @@
 #include "output/Output.h"
 #include "output/Progress.h"
 #include "output/Words.h"
-#include "records/Anchor.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
 #include "store/reading/SettledReader.h"
@@ -10,6 +9,7 @@
 #include "store/recording/Writer.h"
 #include "store/schema/Versions.h"
 #include "store/values/StoredTime.h"
+#include "verbs/Anchor.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"

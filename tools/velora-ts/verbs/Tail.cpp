@@ -1,6 +1,6 @@
+#include "output/EventLines.h"
 #include "output/Output.h"
 #include "output/Words.h"
-#include "reading/EventLines.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/Executions.h"
 #include "store/reading/Reader.h"

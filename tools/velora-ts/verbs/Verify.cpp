@@ -1,13 +1,13 @@
 #include "output/Output.h"
 #include "output/Progress.h"
 #include "output/Words.h"
-#include "records/Anchor.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
 #include "store/record/Seals.h"
 #include "store/record/Sha256.h"
 #include "store/soundness/Soundness.h"
+#include "verbs/Anchor.h"
 #include "verbs/StoreVerb.h"
 
 #include <algorithm>

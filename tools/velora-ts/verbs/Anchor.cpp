@@ -1,4 +1,4 @@
-#include "records/Anchor.h"
+#include "verbs/Anchor.h"
 
 #include "output/FreshFile.h"
 #include "store/settings/WholeFile.h"

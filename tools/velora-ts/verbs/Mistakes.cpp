@@ -1,4 +1,4 @@
-#include "reading/Mistakes.h"
+#include "verbs/Mistakes.h"
 
 #include "store/reading/Rows.h"
 #include "store/values/RecordedText.h"

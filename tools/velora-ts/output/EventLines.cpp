@@ -1,4 +1,4 @@
-#include "reading/EventLines.h"
+#include "output/EventLines.h"
 
 #include "output/Output.h"
 #include "output/Times.h"
