@@ -1,7 +1,7 @@
 #pragma once
 
 #include "store/copying/RowWriter.h"
-#include "store/copying/StoredTables.h"
+#include "store/schema/Tables.h"
 
 #include <functional>
 #include <memory>
@@ -20,7 +20,7 @@ class CopyTarget {
   virtual ~CopyTarget() = default;
 
   /// A writer for the rows of a table.
-  virtual std::unique_ptr<RowWriter> RowsOf(const StoredTable& table) = 0;
+  virtual std::unique_ptr<RowWriter> RowsOf(const Table& table) = 0;
   /// Calls a function that deletes rows of ts_schema, which the database otherwise refuses. Within a transaction.
   virtual void WithoutGuardOfHistory(const std::function<void()>& work) = 0;
   /// Makes what the row of an event needs: on a server, a partition.

@@ -12,14 +12,17 @@ namespace {
 constexpr long long keysInAMonth = 10'000'000'000;  // docs/postgresql.md
 constexpr long long firstMonth = 200001;
 
+const char* TypeOf(const Column& column) {
+  return column.type == Type::Text ? " text" : column.type == Type::Number ? " double precision" : " bigint";
+}
+
 /// Inserts many rows with one statement, because each statement is a round trip.
 class ServerRows : public RowWriter {
  public:
-  ServerRows(Connection& connection, const StoredTable& table) : connection(connection), columns(table.columns) {
-    static const std::string types[] = {" bigint", " text", " double precision"};
+  ServerRows(Connection& connection, const Table& table) : connection(connection), columns(table.columns) {
     std::string typed;
-    for (const StoredColumn& column : columns) {
-      typed += (typed.empty() ? "" : ", ") + column.name + types[static_cast<int>(column.type)];
+    for (const Column& column : columns) {
+      typed += (typed.empty() ? "" : ", ") + column.name + TypeOf(column);
     }
     statement = "INSERT INTO " + table.name + " (" + table.ColumnList() + ") SELECT " + table.ColumnList() +
                 " FROM json_to_recordset(CAST(?1 AS json)) AS given(" + typed + ")";
@@ -30,7 +33,7 @@ class ServerRows : public RowWriter {
     for (std::size_t at = 0; at < columns.size(); ++at) {
       const int column = static_cast<int>(at);
       json += (at == 0 ? "\"" : ",\"") + columns[at].name + "\":";
-      if (columns[at].type == StoredColumn::Type::Number && std::isinf(rows.Number(column))) {
+      if (columns[at].type == Type::Number && std::isinf(rows.Number(column))) {
         AppendServerNumber(json, rows.Number(column));
       } else {
         rows.AppendValue(json, column);
@@ -55,7 +58,7 @@ class ServerRows : public RowWriter {
   static constexpr std::size_t bytesAtOnce = 1'000'000;
 
   Connection& connection;
-  const std::vector<StoredColumn> columns;
+  const std::vector<Column> columns;
   std::string statement;
   std::string json;
   int count = 0;
@@ -63,7 +66,7 @@ class ServerRows : public RowWriter {
 
 }  // namespace
 
-std::unique_ptr<RowWriter> PostgreSqlTarget::RowsOf(const StoredTable& table) {
+std::unique_ptr<RowWriter> PostgreSqlTarget::RowsOf(const Table& table) {
   return std::make_unique<ServerRows>(store.Sql(), table);
 }
 
@@ -85,7 +88,7 @@ void PostgreSqlTarget::Finish() {
   Connection& sql = store.Sql();
   sql.RunScript("SET statement_timeout = 0");
   Transaction transaction(store);
-  for (const StoredTable& table : TablesBeforeEvents()) {
+  for (const Table& table : TablesBesideEvents()) {
     sql.RunScript("SELECT setval(pg_get_serial_sequence('" + table.name + "', '" + table.Key() + "'), COALESCE(MAX(" +
                   table.Key() + "), 0) + 1, false) FROM " + table.name);
   }

@@ -9,7 +9,7 @@ class PostgreSqlTarget : public CopyTarget {
  public:
   explicit PostgreSqlTarget(Writer& store) : store(store) {}
 
-  std::unique_ptr<RowWriter> RowsOf(const StoredTable& table) override;
+  std::unique_ptr<RowWriter> RowsOf(const Table& table) override;
   void WithoutGuardOfHistory(const std::function<void()>& work) override;
   /// Makes the partition of the event's month.
   void MakeRoomFor(long long event) override;

@@ -9,7 +9,7 @@ namespace {
 /// Inserts each row with a prepared statement.
 class FileRows : public RowWriter {
  public:
-  FileRows(Connection& connection, const StoredTable& table) : columns(table.columns) {
+  FileRows(Connection& connection, const Table& table) : columns(table.columns) {
     std::string places;
     for (std::size_t place = 1; place <= columns.size(); ++place) {
       places += (place == 1 ? "?" : ", ?") + std::to_string(place);
@@ -24,12 +24,12 @@ class FileRows : public RowWriter {
       const int place = column + 1;
       if (rows.IsNull(column)) {
         insert->Bind(place, nullptr);
-      } else if (columns[at].type == StoredColumn::Type::Integer) {
-        insert->Bind(place, rows.Integer(column));
-      } else if (columns[at].type == StoredColumn::Type::Number) {
+      } else if (columns[at].type == Type::Text) {
+        insert->Bind(place, rows.Whole(column));
+      } else if (columns[at].type == Type::Number) {
         insert->Bind(place, rows.Number(column));
       } else {
-        insert->Bind(place, rows.Whole(column));
+        insert->Bind(place, rows.Integer(column));
       }
     }
     insert->Next();
@@ -37,13 +37,13 @@ class FileRows : public RowWriter {
   void Flush() override {}
 
  private:
-  const std::vector<StoredColumn> columns;
+  const std::vector<Column> columns;
   std::unique_ptr<Cursor> insert;
 };
 
 }  // namespace
 
-std::unique_ptr<RowWriter> SqliteTarget::RowsOf(const StoredTable& table) {
+std::unique_ptr<RowWriter> SqliteTarget::RowsOf(const Table& table) {
   return std::make_unique<FileRows>(store.Sql(), table);
 }
 

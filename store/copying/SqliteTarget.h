@@ -9,7 +9,7 @@ class SqliteTarget : public CopyTarget {
  public:
   explicit SqliteTarget(Writer& store) : store(store) {}
 
-  std::unique_ptr<RowWriter> RowsOf(const StoredTable& table) override;
+  std::unique_ptr<RowWriter> RowsOf(const Table& table) override;
   void WithoutGuardOfHistory(const std::function<void()>& work) override;
   void MakeRoomFor(long long /*event*/) override {}
   void Finish() override {}

@@ -1,7 +1,6 @@
 #include "store/copying/StoreCopy.h"
 
 #include "store/copying/CopyTarget.h"
-#include "store/copying/StoredTables.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/recording/Writer.h"
@@ -15,7 +14,7 @@ namespace {
 constexpr int rowsInATransaction = 5000;
 
 /// The number of rows of a table up to a key and the values of the last one, as text; empty if there are none.
-std::string EndOf(const Reader& store, const StoredTable& table, long long key) {
+std::string EndOf(const Reader& store, const Table& table, long long key) {
   Rows count(store, "SELECT COUNT(*) FROM " + table.name + " WHERE " + table.Key() + " <= ?1");
   Rows last(store, "SELECT " + table.ColumnList() + " FROM " + table.name + " WHERE " + table.Key() + " = ?1");
   std::string end;
@@ -30,9 +29,9 @@ std::string EndOf(const Reader& store, const StoredTable& table, long long key) 
 
 /// The target must be empty or have the first rows of the source, as an earlier copy left them.
 void ExpectBeginning(const Reader& from, const Reader& to) {
-  std::vector<StoredTable> tables = TablesBeforeEvents();
-  tables.push_back(EventTable());
-  for (const StoredTable& table : tables) {
+  std::vector<Table> tables = TablesBesideEvents();
+  tables.push_back(TableNamed("events"));
+  for (const Table& table : tables) {
     Rows highest(to, "SELECT MAX(" + table.Key() + ") FROM " + table.name);
     if (!highest.Next() || highest.IsNull(0)) {
       continue;
@@ -64,7 +63,7 @@ class Copier {
     }
     Transaction transaction(to);
     target->WithoutGuardOfHistory([this] { to.Sql().RunScript("DELETE FROM ts_schema"); });
-    const StoredTable& history = TablesBeforeEvents().front();
+    const Table& history = TableNamed("ts_schema");
     const auto writer = target->RowsOf(history);
     for (Rows rows(from, "SELECT " + history.ColumnList() + " FROM ts_schema ORDER BY rowid"); rows.Next();) {
       writer->Add(rows);
@@ -74,7 +73,7 @@ class Copier {
   }
 
   void Copy() {
-    for (const StoredTable& table : TablesBeforeEvents()) {
+    for (const Table& table : TablesBesideEvents()) {
       CopyTable(table);
     }
     CopyEvents();
@@ -83,12 +82,12 @@ class Copier {
 
  private:
   /// The highest key of a table; for an empty table, a number below every key.
-  long long HighestKey(const StoredTable& table) {
+  long long HighestKey(const Table& table) {
     const auto highest = to.Sql().Find<std::optional<long long>>("SELECT MAX(" + table.Key() + ") FROM " + table.name);
     return highest.value().value_or(std::numeric_limits<long long>::min());
   }
 
-  void CopyTable(const StoredTable& table) {
+  void CopyTable(const Table& table) {
     const auto writer = target->RowsOf(table);
     Rows rows(from, "SELECT " + table.ColumnList() + " FROM " + table.name + " WHERE " + table.Key() +
                         " > ?1 ORDER BY " + table.Key());
@@ -106,12 +105,14 @@ class Copier {
 
   // Events and their parameters are in one transaction: after an interruption no event lacks its parameters.
   void CopyEvents() {
-    const auto events = target->RowsOf(EventTable());
-    const auto parameters = target->RowsOf(ParameterTable());
-    Rows rows(from, "SELECT " + EventTable().ColumnList() + " FROM events WHERE event_id > ?1 ORDER BY event_id");
-    Rows theirs(from, "SELECT " + ParameterTable().ColumnList() +
+    const Table& eventTable = TableNamed("events");
+    const Table& parameterTable = TableNamed("parameters");
+    const auto events = target->RowsOf(eventTable);
+    const auto parameters = target->RowsOf(parameterTable);
+    Rows rows(from, "SELECT " + eventTable.ColumnList() + " FROM events WHERE event_id > ?1 ORDER BY event_id");
+    Rows theirs(from, "SELECT " + parameterTable.ColumnList() +
                           " FROM parameters WHERE event_id >= ?1 AND event_id <= ?2 ORDER BY event_id, position");
-    rows.Ask(HighestKey(EventTable()));
+    rows.Ask(HighestKey(eventTable));
     for (bool more = rows.Next(); more;) {
       const long long first = rows.Integer(0);
       long long last = first;
@@ -120,7 +121,7 @@ class Copier {
         last = rows.Integer(0);
         target->MakeRoomFor(last);
         events->Add(rows);
-        copied(EventTable().name);
+        copied(eventTable.name);
       }
       events->Flush();
       for (theirs.Ask(first, last); theirs.Next();) {

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "store/reading/EventRows.h"
+#include "store/schema/Table.h"
 
 #include <array>
 #include <functional>
 #include <limits>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -34,6 +36,17 @@ enum Kind {
 inline constexpr std::array<const char*, kindCount> kindNames = {"schema",  "session",       "registration", "activity",
                                                                  "version", "configuration", "execution",    "status",
                                                                  "event",   "parameter"};
+
+inline constexpr std::array<Kind, kindCount> kinds = [] {
+  std::array<Kind, kindCount> all{};
+  for (std::size_t kind = 0; kind < all.size(); ++kind) {
+    all[kind] = static_cast<Kind>(kind);
+  }
+  return all;
+}();
+
+/// The table that has the rows of a kind.
+const Table& TableOf(Kind kind);
 
 /// A number for each kind: a count, or the highest number of a row.
 using Numbers = std::array<long long, kindCount>;
@@ -73,9 +86,9 @@ class Records {
  private:
   void BeginPart(const std::string& header, bool withReferences);
   /// Writes the records to which a row refers and that are not in this part yet.
-  void MentionReferences(const Rows& from);
-  void Mention(Kind kind, long long key);
-  /// Writes the current row.
+  void WriteReferences(const Rows& from);
+  void WriteOnce(Kind kind, long long key);
+  /// Writes the current row, after the records to which it refers.
   void Write(Kind kind, const Rows& rows);
   void WriteAll(Kind kind, Rows& rows);
   void WriteEvents(EventRows& rows);
@@ -89,10 +102,10 @@ class Records {
   std::string line;
   bool withReferences = true;
   Numbers counts{};
-  std::array<std::set<long long>, kindCount> mentioned;
+  std::array<std::set<long long>, kindCount> written;
 
-  Rows session, registrations, activity, version, configuration;
-  Rows executions, statuses;
+  std::map<Kind, Rows> byKey;  // of kinds that others refer to
+  Rows registrations, executions, statuses;
   EventRows events;
 };
 

@@ -7,20 +7,28 @@
 #include "store/values/Json.h"
 
 #include <charconv>
+#include <stdexcept>
 
 namespace Velora::Store {
 
 namespace {
 
-constexpr const char* question =
-    "SELECT seal_id AS number, run, sealed_at, up_to, counts, content_hash, previous_hash, schema_version, "
-    "tool_version, "
-    "seal_hash FROM seals ORDER BY seal_id";
-constexpr int hashColumn = 9;
+const std::string ownHash = "seal_hash";  // what the others make
+
+const Table& SealTable() { return TableNamed("seals"); }
+
+/// Asks for all seals, with their columns named as the fields of a record.
+std::string Question() {
+  std::vector<std::string> fields;
+  for (const Column& column : SealTable().columns) {
+    fields.push_back(column.name + " AS " + column.Field());
+  }
+  return "SELECT " + Listed(fields) + " FROM seals ORDER BY " + SealTable().Key();
+}
 
 std::string BeginLine() { return "{\"record\":\"seal\""; }
 
-void AppendField(std::string& line, const char* name) {
+void AppendField(std::string& line, const std::string& name) {
   line += ",\"";
   line += name;
   line += "\":";
@@ -51,19 +59,23 @@ std::optional<Numbers> FromText(const std::string& text) {
 
 std::vector<Seal> ReadSeals(const Reader& store) {
   std::vector<Seal> seals;
-  if (store.SchemaVersion() < TableNamed("seals").since) {
+  if (store.SchemaVersion() < SealTable().since) {
     return seals;
   }
   Sha256 sha;
-  for (Rows rows(store, question); rows.Next();) {
-    const auto text = [&rows](int column) { return std::string(rows.Text(column)); };
+  for (Rows rows(store, Question()); rows.Next();) {
+    std::map<std::string, std::string> texts;
     std::string line = BeginLine();
-    for (int column = 0; column < hashColumn; ++column) {
-      AppendField(line, rows.Name(column));
-      rows.AppendValue(line, column);
+    for (int column = 0; column < rows.Columns(); ++column) {
+      texts[rows.Name(column)] = rows.Text(column);
+      if (rows.Name(column) != ownHash) {
+        AppendField(line, rows.Name(column));
+        rows.AppendValue(line, column);
+      }
     }
     sha.Add(line + "}\n");
-    seals.push_back({rows.Integer(0), text(1), text(3), text(4), text(5), text(6), text(hashColumn), sha.Finish()});
+    seals.push_back({rows.Integer(0), texts["run"], texts["up_to"], texts["counts"], texts["content_hash"],
+                     texts["previous_hash"], texts[ownHash], sha.Finish()});
   }
   return seals;
 }
@@ -127,27 +139,34 @@ bool HasMoreOfNoRun(const Reader& store, const Sealed& sealed) {
 }
 
 std::string LineOf(const Seal& seal, const std::string& sealedAt, long long schema, const std::string& tool) {
+  const auto text = [](const std::string& value) {
+    std::string json;
+    AppendText(json, value);
+    return json;
+  };
+  const std::map<std::string, std::string> values = {
+      {"number", std::to_string(seal.number)},
+      {"run", seal.run.empty() ? "null" : text(seal.run)},
+      {"sealed_at", text(sealedAt)},
+      {"up_to", text(seal.upTo)},
+      {"counts", text(seal.counts)},
+      {"content_hash", text(seal.contentHash)},
+      {"previous_hash", text(seal.previousHash)},
+      {"schema_version", std::to_string(schema)},
+      {"tool_version", text(tool)},
+  };
   std::string line = BeginLine();
-  AppendField(line, "number");
-  line += std::to_string(seal.number);
-  AppendField(line, "run");
-  if (seal.run.empty()) {
-    line += "null";
-  } else {
-    AppendText(line, seal.run);
+  for (const Column& column : SealTable().columns) {
+    if (column.name == ownHash) {
+      continue;
+    }
+    const auto value = values.find(column.Field());
+    if (value == values.end()) {
+      throw std::logic_error("a seal has no value for its column " + column.name);
+    }
+    AppendField(line, value->first);
+    line += value->second;
   }
-  for (const auto& [name, value] : {std::pair("sealed_at", &sealedAt),
-                                    {"up_to", &seal.upTo},
-                                    {"counts", &seal.counts},
-                                    {"content_hash", &seal.contentHash},
-                                    {"previous_hash", &seal.previousHash}}) {
-    AppendField(line, name);
-    AppendText(line, *value);
-  }
-  AppendField(line, "schema_version");
-  line += std::to_string(schema);
-  AppendField(line, "tool_version");
-  AppendText(line, tool);
   return line + "}\n";
 }
 

@@ -148,6 +148,12 @@ std::vector<Table> TablesOf(int version) {
   return tables;
 }
 
+std::vector<Table> TablesBesideEvents() {
+  std::vector<Table> tables = Tables();
+  std::erase_if(tables, [](const Table& table) { return table.isByMonth; });
+  return tables;
+}
+
 std::vector<std::string> HostTables() {
   std::vector<std::string> names;
   for (const Table& table : Tables()) {

@@ -15,6 +15,9 @@ const Table& TableNamed(const std::string& name);
 /// The tables of a version of the schema.
 std::vector<Table> TablesOf(int version);
 
+/// All tables except events and parameters, which are copied together.
+std::vector<Table> TablesBesideEvents();
+
 /// The names of the tables into which hosts insert rows.
 std::vector<std::string> HostTables();
 

@@ -4,6 +4,7 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/schema/BringUp.h"
+#include "store/schema/Tables.h"
 #include "store/soundness/PostgreSqlCatalog.h"
 #include "store/soundness/PostgreSqlRights.h"
 
@@ -39,36 +40,12 @@ constexpr const char* missingPartitions = R"(
       WHERE inhparent = to_regclass(parent)
         AND pg_get_expr(relpartbound, c.oid) LIKE 'FOR VALUES FROM (''' || month || '0000000000'')%'))";
 
-struct Reference {
-  const char* table;
-  const char* key;
-  const char* column;
-  const char* target;
-  const char* targetKey;
-};
-
-constexpr Reference references[] = {
-    {"activity_versions", "version_id", "activity_id", "activities", "activity_id"},
-    {"registrations", "rowid", "session_id", "sessions", "session_id"},
-    {"registrations", "rowid", "version_id", "activity_versions", "version_id"},
-    {"configurations", "configuration_id", "session_id", "sessions", "session_id"},
-    {"executions", "execution_id", "parent_id", "executions", "execution_id"},
-    {"executions", "execution_id", "root_id", "executions", "execution_id"},
-    {"executions", "execution_id", "session_id", "sessions", "session_id"},
-    {"executions", "execution_id", "version_id", "activity_versions", "version_id"},
-    {"statuses", "status_id", "execution_id", "executions", "execution_id"},
-    {"statuses", "status_id", "session_id", "sessions", "session_id"},
-    {"events", "event_id", "session_id", "sessions", "session_id"},
-    {"events", "event_id", "execution_id", "executions", "execution_id"},
-    {"events", "event_id", "configuration_id", "configurations", "configuration_id"},
-    {"parameters", "event_id", "event_id", "events", "event_id"},
-};
-
-std::string Dangling(const Reference& reference) {
-  const std::string column = std::string("x.") + reference.column;
-  return std::string("SELECT DISTINCT x.") + reference.key + " FROM " + reference.table + " x LEFT JOIN " +
-         reference.target + " y ON y." + reference.targetKey + " = " + column + " WHERE " + column +
-         " IS NOT NULL AND y." + reference.targetKey + " IS NULL";
+/// A query for the rows of a table that refer to a row that does not exist.
+std::string Dangling(const Table& table, const Column& reference) {
+  const std::string& key = TableNamed(reference.refersTo).Key();
+  return "SELECT DISTINCT x." + table.Key() + " FROM " + table.name + " x LEFT JOIN " + reference.refersTo +
+         " y ON y." + key + " = x." + reference.name + " WHERE x." + reference.name + " IS NOT NULL AND y." + key +
+         " IS NULL";
 }
 
 /// Compares the store with a new one of its version, which it makes in a transaction that is rolled back.
@@ -111,10 +88,15 @@ std::vector<std::string> MissingPartitions(const Reader& store) {
 
 std::vector<std::string> PostgreSqlDamageFindings(const Reader& store) {
   std::vector<std::string> findings;
-  for (const Reference& reference : references) {
-    for (Rows rows(store, Dangling(reference)); rows.Next();) {
-      findings.push_back("row " + std::string(rows.Text(0)) + " of " + reference.table + " refers to a row of " +
-                         reference.target + " that does not exist");
+  for (const Table& table : Tables()) {
+    for (const Column& column : table.columns) {
+      if (column.refersTo.empty()) {
+        continue;
+      }
+      for (Rows rows(store, Dangling(table, column)); rows.Next();) {
+        findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name + " refers to a row of " +
+                           column.refersTo + " that does not exist");
+      }
     }
   }
   return findings;

@@ -1,6 +1,5 @@
 #include "store/soundness/Soundness.h"
 
-#include "store/copying/StoredTables.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/schema/Tables.h"
@@ -25,20 +24,10 @@ constexpr std::pair<const char*, const char*> misplaced[] = {
 };
 
 /// A query for the rows whose number is outside the range that hosts use.
-std::string WrongNumbers(const StoredTable& table) {
+std::string WrongNumbers(const Table& table) {
   const auto wrong = [](const std::string& key) { return key + " < 1 OR " + key + " > " + std::to_string(highestKey); };
   return "SELECT " + table.Key() + " FROM " + table.name + " WHERE " + wrong(table.Key()) +
-         (table.name == "parameters" ? " OR " + wrong("position") : "");
-}
-
-std::vector<StoredTable> TablesOf(const Reader& store) {
-  std::vector<StoredTable> tables = TablesBeforeEvents();
-  if (store.SchemaVersion() < TableNamed("seals").since) {
-    tables.pop_back();  // that of seals
-  }
-  tables.push_back(EventTable());
-  tables.push_back(ParameterTable());
-  return tables;
+         (table.primaryKey.empty() ? "" : " OR " + wrong(table.Number()));
 }
 
 bool IsOnServer(const Reader& store) { return store.Where().kind == Database::Kind::PostgreSql; }
@@ -66,7 +55,7 @@ std::vector<std::string> MissingRoom(const Reader& store) {
 
 std::vector<std::string> ValueFindings(const Reader& store) {
   std::vector<std::string> findings;
-  for (const StoredTable& table : TablesOf(store)) {
+  for (const Table& table : TablesOf(store.SchemaVersion())) {
     for (Rows rows(store, WrongNumbers(table)); rows.Next();) {
       findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name + " is not numbered from 1 to " +
                          std::to_string(highestKey));

@@ -1,9 +1,9 @@
 #include "store/soundness/SqliteSoundness.h"
 
-#include "store/copying/StoredTables.h"
 #include "store/database/SqliteConnection.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
+#include "store/schema/Tables.h"
 #include "store/soundness/ExpectedSchema.h"
 
 #include <map>
@@ -19,6 +19,11 @@ const std::set<std::pair<std::string, std::string>> statistics = {
     {"table sqlite_stat1", "sqlite_stat1: CREATE TABLE sqlite_stat1(tbl,idx,stat)"},
     {"table sqlite_stat4", "sqlite_stat4: CREATE TABLE sqlite_stat4(tbl,idx,neq,nlt,ndlt,sample)"},
 };
+
+/// As SQLite calls what a value is stored as.
+const char* TypeOf(const Column& column) {
+  return column.type == Type::Text ? "text" : column.type == Type::Number ? "real" : "integer";
+}
 
 constexpr int stepsBetweenShowing = 1'000'000;
 
@@ -81,12 +86,11 @@ std::vector<std::string> SqliteDamageFindings(const Reader& store, const std::fu
   return findings;
 }
 
-std::string SqliteWrongTypes(const StoredTable& table) {
-  static const char* const names[] = {"integer", "text", "real"};
+std::string SqliteWrongTypes(const Table& table) {
   std::string cases;
-  for (const StoredColumn& column : table.columns) {
-    cases += " WHEN " + column.name + " IS NOT NULL AND typeof(" + column.name + ") <> '" +
-             names[static_cast<int>(column.type)] + "' THEN '" + column.name + "'";
+  for (const Column& column : table.columns) {
+    cases += " WHEN " + column.name + " IS NOT NULL AND typeof(" + column.name + ") <> '" + TypeOf(column) +
+             "' THEN '" + column.name + "'";
   }
   return "SELECT " + table.Key() + ", CASE" + cases + " END AS wrong FROM " + table.name + " WHERE wrong IS NOT NULL";
 }

@@ -4,6 +4,7 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
+#include "store/record/Records.h"
 #include "store/settings/Settings.h"
 #include "store/soundness/Soundness.h"
 #include "verbs/Mistakes.h"
@@ -23,9 +24,12 @@ using namespace HostCheck;
 
 void SayHowMuch(const Store::Reader& store) {
   std::string records;
-  for (const char* table : {"sessions", "registrations", "activities", "activity_versions", "configurations",
-                            "executions", "statuses", "events", "parameters"}) {
-    Rows rows(store, "SELECT COUNT(*) FROM " + std::string(table));
+  for (const Kind kind : kinds) {
+    if (kind == Schema) {
+      continue;
+    }
+    const std::string& table = TableOf(kind).name;
+    Rows rows(store, "SELECT COUNT(*) FROM " + table);
     rows.Next();
     records += (records.empty() ? "records: " : ", ") + std::string(rows.Text(0)) + ' ' + table;
   }
