@@ -4,6 +4,7 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/recording/Writer.h"
+#include "store/schema/Versions.h"
 
 #include <limits>
 #include <optional>
@@ -58,7 +59,7 @@ class Copier {
             .Find<long long, long long>(
                 "SELECT (SELECT COUNT(*) FROM sessions) + (SELECT COUNT(*) FROM seals), COUNT(*) FROM ts_schema")
             .value();
-    if (records > 0 || versions != 1) {
+    if (records > 0 || versions != static_cast<long long>(VersionEntries(0).size())) {
       return;
     }
     Transaction transaction(to);
@@ -140,8 +141,17 @@ class Copier {
 
 }  // namespace
 
+void ExpectThisVersion(const Reader& store) {
+  if (const int version = store.SchemaVersion(); version != schemaVersion) {
+    throw Error("TS store '" + store.Name() + "' has a schema of version " + std::to_string(version) +
+                "; expected version " + std::to_string(schemaVersion) +
+                (version < schemaVersion ? ": run velora-ts prepare first" : ": a newer program made it"));
+  }
+}
+
 void CopyRows(const Reader& from, const Database& target, const Copier::Copied& copied) {
   const auto to = OpenForWriting(target);
+  ExpectThisVersion(Reader(target));
   Copier copier(from, *to, target, copied);
   copier.TakeOverHistory();
   ExpectBeginning(from, Reader(target));

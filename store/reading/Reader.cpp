@@ -3,7 +3,7 @@
 #include "store/reading/PostgreSqlSource.h"
 #include "store/reading/Rows.h"
 #include "store/reading/SqliteSource.h"
-#include "store/schema/Versions.h"
+#include "store/schema/BringUp.h"
 
 namespace Velora::Store {
 namespace {
@@ -22,13 +22,12 @@ Reader::Reader(const Database& database, const std::string& snapshot)
   if (!source->IsStore()) {
     throw Error("'" + Name() + "' is not a TS store; expected a database with the tables of a TS store");
   }
-  Rows version(*this, "SELECT COALESCE(MAX(version), 0) FROM ts_schema");
-  version.Next();
-  schemaVersion = static_cast<int>(version.Integer(0));
-  if (schemaVersion < 1 || schemaVersion > Store::schemaVersion) {
-    throw Error("TS store '" + Name() + "' has a schema of version " + std::to_string(schemaVersion) +
+  const StoreVersion version = VersionOf(Sql());
+  if (!version.IsUsable()) {
+    throw Error("TS store '" + Name() + "' has a schema of version " + std::to_string(version.lowestHost) +
                 "; expected version " + std::to_string(Store::schemaVersion) + " at most");
   }
+  schemaVersion = version.number;
 }
 
 }  // namespace Velora::Store

@@ -55,13 +55,13 @@ PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
   StartOperation();
   Configure();
   const int version = StoredVersion();
-  if (version != schemaVersion) {
+  if (version < schemaVersion) {
     connection.LimitTo(Clock::now() + longestBringUp);
   }
   if (opening == Opening::Tries) {
     return;
   }
-  if (version != schemaVersion) {
+  if (version < schemaVersion) {
     BringUp();
   }
   PostgreSqlWriter::MakeRoom();

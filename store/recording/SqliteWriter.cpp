@@ -63,7 +63,7 @@ SqliteWriter::SqliteWriter(const std::string& file, Opening opening)
     return;
   }
   TurnOnWriteAheadLog();
-  if (StoredVersion() != schemaVersion) {
+  if (StoredVersion() < schemaVersion) {
     BringUp();
   }
   files.emplace(connection.Handle(), file);

@@ -2,7 +2,7 @@
 
 #include "store/recording/PostgreSqlWriter.h"
 #include "store/recording/SqliteWriter.h"
-#include "store/schema/Versions.h"
+#include "store/schema/BringUp.h"
 
 namespace Velora::Store {
 
@@ -18,18 +18,18 @@ int Writer::StoredVersion() {
     throw Error("TS database '" + Name() +
                 "' is not a TS store: it has tables of another program; expected an empty database or a TS store");
   }
-  const int version = Sql().Find<int>("SELECT COALESCE(MAX(version), 0) FROM ts_schema").value();
-  if (version < 1 || version > schemaVersion) {
-    throw Error("TS database '" + Name() + "' has a schema of version " + std::to_string(version) +
+  const StoreVersion version = VersionOf(Sql());
+  if (!version.IsUsable()) {
+    throw Error("TS database '" + Name() + "' has a schema of version " + std::to_string(version.lowestHost) +
                 "; expected version " + std::to_string(schemaVersion) + " at most" +
-                (version > schemaVersion ? ": a newer program made it" : ""));
+                (version.lowestHost > schemaVersion ? ": a newer program made it" : ""));
   }
-  return version;
+  return version.number;
 }
 
 void Writer::BringUp() {
   Transaction transaction(*this);
-  if (BringUpWithin() != schemaVersion) {  // unless another process was first
+  if (BringUpWithin() < schemaVersion) {  // unless another process was first
     transaction.Commit();
   }
 }
@@ -37,7 +37,7 @@ void Writer::BringUp() {
 int Writer::BringUpWithin() {
   HoldSchema();
   const int version = StoredVersion();
-  if (version != schemaVersion) {
+  if (version < schemaVersion) {
     BringUpSchema(version);
   }
   return version;

@@ -6,23 +6,32 @@
 namespace Velora::Store {
 namespace {
 
-void AddVersion(Connection& connection, int version) {
-  connection.Run("INSERT INTO ts_schema (version, created_at) VALUES (?1, ?2)", version, ToStoredTime(Now()));
+void EnterVersions(Connection& connection, int from, int to) {
+  const std::string now = ToStoredTime(Now());
+  for (const int version : VersionEntries(from, to)) {
+    connection.Run("INSERT INTO ts_schema (version, created_at) VALUES (?1, ?2)", version, now);
+  }
 }
 
 }  // namespace
+
+StoreVersion VersionOf(Connection& store) {
+  const auto [number, lowestHost] =
+      store.Find<int, int>("SELECT COALESCE(MAX(ABS(version)), 0), COALESCE(MAX(version), 0) FROM ts_schema").value();
+  return {number, lowestHost};
+}
 
 void BringUpSqlite(Connection& connection, int from, int to) {
   for (const std::string& statement : SqliteSchema(from, to)) {
     connection.RunScript(statement);
   }
-  AddVersion(connection, to);
+  EnterVersions(connection, from, to);
 }
 
 void BringUpPostgreSql(Connection& connection, int from, int to) {
   const std::string schema = connection.Find<std::string>("SELECT quote_ident(current_schema())").value();
   connection.RunScript(PostgreSqlSchema(schema, from, to));
-  AddVersion(connection, to);
+  EnterVersions(connection, from, to);
 }
 
 }  // namespace Velora::Store

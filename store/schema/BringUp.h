@@ -6,6 +6,8 @@ namespace Velora::Store {
 
 class Connection;
 
+StoreVersion VersionOf(Connection& store);
+
 // Upgrade the schema of a database from one version to another, within a transaction. An empty database has version 0.
 
 void BringUpSqlite(Connection& connection, int from, int to = schemaVersion);

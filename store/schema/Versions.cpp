@@ -4,6 +4,9 @@
 #include "store/schema/ServerStatements.h"
 #include "store/schema/SqliteDialect.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace Velora::Store {
 namespace {
 
@@ -48,19 +51,36 @@ void Third(Dialect& to) {
 struct Version {
   int number;
   void (*bring)(Dialect&);
+  bool onlyAdds;  // hosts of the version before may record beside those of this one
 };
 
-constexpr Version versions[] = {{1, First}, {2, Second}, {3, Third}};
+constexpr Version versions[] = {{1, First, false}, {2, Second, false}, {3, Third, true}};
+
+std::vector<Version> Between(int from, int to) {
+  std::vector<Version> between;
+  std::copy_if(std::begin(versions), std::end(versions), std::back_inserter(between),
+               [&](const Version& version) { return version.number > from && version.number <= to; });
+  return between;
+}
 
 void Write(Dialect& dialect, int from, int to) {
-  for (const auto& [number, bring] : versions) {
-    if (number > from && number <= to) {
-      bring(dialect);
-    }
+  for (const Version& version : Between(from, to)) {
+    version.bring(dialect);
   }
 }
 
 }  // namespace
+
+std::vector<int> VersionEntries(int from, int to) {
+  std::vector<int> entries;
+  for (const Version& version : Between(from, to)) {
+    if (!version.onlyAdds) {
+      entries.clear();  // it says no less than those before it
+    }
+    entries.push_back(version.onlyAdds ? -version.number : version.number);
+  }
+  return entries;
+}
 
 std::vector<std::string> SqliteSchema(int from, int to) {
   SqliteDialect dialect;

@@ -3,6 +3,7 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/schema/Tables.h"
+#include "store/schema/Versions.h"
 #include "store/soundness/PostgreSqlSoundness.h"
 #include "store/soundness/SqliteSoundness.h"
 
@@ -35,6 +36,10 @@ bool IsOnServer(const Reader& store) { return store.Where().kind == Database::Ki
 }  // namespace
 
 Findings SchemaFindings(const Reader& store) {
+  if (store.SchemaVersion() > schemaVersion) {
+    return {{},
+            "the schema and the rights on it: a newer program made version " + std::to_string(store.SchemaVersion())};
+  }
   return IsOnServer(store) ? PostgreSqlSchemaFindings(store) : Findings{SqliteSchemaFindings(store), ""};
 }
 

@@ -122,7 +122,7 @@ TEST_F(Sessions, ProcessesThatMakeOneStoreAtOnceAndTheirThreadsLoseNothing) {
                      "x.parent_id JOIN parameters v USING (event_id) WHERE e.name = x.node AND e.name = p.node AND "
                      "e.name = v.name AND x.root_id = x.parent_id AND value_number = 2 * position GROUP BY e.name"),
             "a1|40|20|20|60\na2|40|20|20|60\nb1|40|20|20|60\nb2|40|20|20|60\nc1|40|20|20|60\nc2|40|20|20|60\n");
-  EXPECT_EQ(Recorded("SELECT COUNT(*), (SELECT COUNT(*) FROM ts_schema) FROM sessions"), "30|1\n");
+  EXPECT_EQ(Recorded("SELECT COUNT(*), (SELECT COUNT(*) FROM ts_schema) FROM sessions"), "30|2\n");
 }
 
 }  // namespace

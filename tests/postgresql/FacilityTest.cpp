@@ -84,7 +84,7 @@ TEST_F(PostgreSql, ThirtyTwoHostsThatBeginAtOnceLoseNothingAndMixNothingUp) {
                 "(event_id) WHERE s.instrument = e.name AND x.node = e.name AND x.session_id = e.session_id AND "
                 "p.name = e.name GROUP BY e.name) AS hosts"),
             "2000/1000/1000 32");
-  EXPECT_EQ(Sql("SELECT COUNT(*) || ' ' || (SELECT COUNT(*) FROM ts_schema) FROM events"), "32000 1");
+  EXPECT_EQ(Sql("SELECT COUNT(*) || ' ' || (SELECT COUNT(*) FROM ts_schema) FROM events"), "32000 2");
 }
 
 TEST_F(Facility, AHostsRoleRecordsAndCanDoNothingElse) {
@@ -333,6 +333,9 @@ TEST_F(Facility, AStoreOfTheFirstVersionOnServersIsRecordedIntoAsItIs) {
             "ZValue 0 ZValue 1 after good.mdoc 8");
   EXPECT_EQ(Shell("'" VELORA_TS "' verify"), 4) << said;
   EXPECT_NE(said.find(": 0 findings"), std::string::npos) << said;
+  Sql("INSERT INTO ts_schema (version, created_at) VALUES (-4, '')");  // which only adds
+  EXPECT_EQ(ErrorOf(Begin), "");
+  Record("beside", 1);
 }
 
 TEST_F(Facility, APeriodIsArchivedAndBroughtBackAsDocumented) {

@@ -7,7 +7,6 @@
 #include "store/record/Records.h"
 #include "store/record/Seals.h"
 #include "store/record/Sha256.h"
-#include "store/schema/Versions.h"
 #include "store/settings/Settings.h"
 #include "store/soundness/Soundness.h"
 #include "verbs/Verb.h"
@@ -98,10 +97,7 @@ class CopyVerb : public Verb {
   ExitCode Execute() override {
     const Database source = ReadSettings(from).database;
     const Database target = ReadSettings(to).database;
-    if (const Reader seen(source); seen.SchemaVersion() != schemaVersion) {
-      throw Error("TS store '" + seen.Name() + "' has a schema of version " + std::to_string(seen.SchemaVersion()) +
-                  "; expected version " + std::to_string(schemaVersion) + ": run velora-ts prepare first");
-    }
+    ExpectThisVersion(Reader(source));
     const Reader settled = SettledReader(source);  // so that a later copy can continue after its last row
     if (const auto findings = ValueFindings(settled); !findings.empty()) {
       throw Error("'" + settled.Name() + "' cannot be copied: " + findings.front() +
