@@ -1,14 +1,19 @@
 // What is recorded is only ever added to, also in a store of the first version.
 
 #include "LocalTsTest.h"
+#include "store/schema/Tables.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <regex>
-#include <sstream>
+#include <map>
+#include <vector>
 
 namespace {
+
+using Velora::Store::Column;
+using Velora::Store::Table;
+using Velora::Store::Type;
 
 class OnlyAdded : public LocalTsTest {
  protected:
@@ -18,6 +23,14 @@ class OnlyAdded : public LocalTsTest {
     return std::system(("cd '" + folder.path.string() + "' && " + command).c_str());
   }
   void Run(const std::string& statement) const { OpenFile(folder / "ts.db")->RunScript(statement); }
+  void ExpectRefused(const std::string& statement, const std::string& reason) const {
+    try {
+      Run(statement);
+      ADD_FAILURE() << "not refused: " << statement;
+    } catch (const Velora::Store::DatabaseError& error) {
+      EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << statement << error.what();
+    }
+  }
   /// Every row of the tables that both versions have.
   std::string Content() const {
     EXPECT_EQ(Shell("sqlite3 ts.db .dump | grep '^INSERT' | grep -v -e ts_schema -e seals > content"), 0);
@@ -25,47 +38,52 @@ class OnlyAdded : public LocalTsTest {
   }
 };
 
+using Values = std::map<std::string, std::string>;
+
+/// A table and a new row of it after each old one: with these values, and with others in texts.
+std::string Another(const Table& table, const Values& given) {
+  std::vector<std::string> values;
+  for (const Column& column : table.columns) {
+    const auto value = given.find(column.name);
+    values.push_back(value != given.end()        ? value->second
+                     : column.type == Type::Key  ? "NULL"
+                     : column.type == Type::Text ? column.name + " || 'x'"
+                                                 : column.name);
+  }
+  return table.name + " (" + table.ColumnList() + ") SELECT " + Velora::Store::Listed(values) + " FROM " + table.name;
+}
+
+/// The columns whose values no two rows have in common.
+std::vector<std::vector<std::string>> UniqueOf(const Table& table) {
+  std::vector<std::vector<std::string>> all = {table.primaryKey.empty() ? std::vector{table.Key()} : table.primaryKey};
+  for (const Column& column : table.columns) {
+    if (column.isUnique) {
+      all.push_back({column.name});
+    }
+  }
+  if (!table.uniqueTogether.empty()) {
+    all.push_back(table.uniqueTogether);
+  }
+  return all;
+}
+
 TEST_F(OnlyAdded, NoStatementChangesDeletesOrReplacesARow) {
   Begin();
   Run("INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 2, '', '')");
   const std::string before = Content();
-  const std::pair<const char*, const char*> rows[] = {
-      // a table, and a new row with something unique of an old one
-      {"ts_schema", "(rowid, version, created_at) SELECT rowid, 3, '' FROM ts_schema"},
-      {"sessions", "SELECT session_id, 'new', '', '', '', '', '', '' FROM sessions"},
-      {"sessions", "SELECT NULL, guid, '', '', '', '', '', '' FROM sessions"},
-      {"activities", "SELECT activity_id, 'new', '', '' FROM activities"},
-      {"activities", "SELECT NULL, guid, '', '' FROM activities"},
-      {"activities", "SELECT NULL, 'new', name, description FROM activities"},
-      {"activity_versions", "SELECT version_id, 'new', 1, '', '', '' FROM activity_versions"},
-      {"activity_versions", "SELECT NULL, guid, 1, '', '', '' FROM activity_versions"},
-      {"activity_versions", "SELECT NULL, 'new', activity_id, name, version, description FROM activity_versions"},
-      {"registrations",
-       "(rowid, session_id, version_id, file, registered_at) SELECT rowid, 1, 1, '', '' FROM "
-       "registrations"},
-      {"configurations",
-       "SELECT configuration_id, 'new', 1, '', '', '', '', '', '', '', '', '', '' FROM configurations"},
-      {"configurations", "SELECT NULL, guid, 1, '', '', '', '', '', '', '', '', '', '' FROM configurations"},
-      {"executions", "SELECT execution_id, 'new', NULL, 1, 1, NULL, '', '', 0, '' FROM executions"},
-      {"executions", "SELECT NULL, guid, NULL, 1, 1, NULL, '', '', 0, '' FROM executions"},
-      {"statuses", "SELECT status_id, 1, 1, 14, '' FROM statuses"},
-      {"events", "SELECT event_id, 1, 1, 1, '', '' FROM events"},
-      {"parameters", "SELECT event_id, position, '', 'int', NULL, 1 FROM parameters"},
-      {"seals", "SELECT seal_id, NULL, '', '', '', '', '', 2, '', '' FROM seals"}};
-  for (const auto& [name, row] : rows) {
-    const std::string table = name;
-    const std::string column = Recorded("SELECT name FROM pragma_table_info('" + table + "') LIMIT 1");
-    const std::string set = "SET " + column + " = " + column;
-    for (const std::string& statement :
-         {"UPDATE " + table + " " + set, "UPDATE OR REPLACE " + table + " " + set, "DELETE FROM " + table,
-          "INSERT OR REPLACE INTO " + table + " " + row, "REPLACE INTO " + table + " " + row + " LIMIT 1",
-          "INSERT INTO " + table + " " + row + " WHERE true ON CONFLICT DO UPDATE " + set}) {
-      try {
-        Run(statement);
-        ADD_FAILURE() << "not refused: " << statement;
-      } catch (const Velora::Store::DatabaseError& error) {
-        const std::string text = error.what();
-        EXPECT_NE(text.find("rows of " + table + " are only ever added"), std::string::npos) << statement << text;
+  for (const Table& table : Velora::Store::Tables()) {
+    const std::string set = "SET " + table.Number() + " = " + table.Number();
+    for (const std::vector<std::string>& unique : UniqueOf(table)) {
+      Values same;
+      for (const std::string& column : unique) {
+        same[column] = column;
+      }
+      const std::string row = Another(table, same);
+      for (const std::string& statement :
+           {"UPDATE " + table.name + " " + set, "UPDATE OR REPLACE " + table.name + " " + set,
+            "DELETE FROM " + table.name, "INSERT OR REPLACE INTO " + row, "REPLACE INTO " + row + " LIMIT 1",
+            "INSERT INTO " + row + " WHERE true ON CONFLICT DO UPDATE " + set}) {
+        ExpectRefused(statement, "rows of " + table.name + " are only ever added");
       }
     }
   }
@@ -75,30 +93,15 @@ TEST_F(OnlyAdded, NoStatementChangesDeletesOrReplacesARow) {
 TEST_F(OnlyAdded, NoStatementNumbersARowOutsideWhatSealsCover) {
   Begin();
   Run("INSERT INTO seals VALUES (NULL, NULL, '', '', '', '', '', 2, '', '')");
-  // Copies of the first row of every table under another number, with nothing unique of it.
-  std::istringstream copies(Recorded(
-      "SELECT t.name, replace('INSERT INTO ' || t.name || ' (KEY, ' || group_concat(c.name) || ') SELECT :n, ' || "
-      "group_concat(c.name || iif(c.name IN ('guid', 'name'), ' || ''x''', '')) || ' FROM ' || t.name || ' LIMIT 1', "
-      "'KEY', iif(t.name = 'parameters', 'position', 'rowid')) FROM sqlite_master t JOIN pragma_table_info(t.name) c "
-      "WHERE t.type = 'table' AND c.pk = (t.name = 'parameters' AND c.name = 'event_id') GROUP BY t.name"));
-  int tables = 0;
-  for (std::string table, copy; std::getline(copies, table, '|') && std::getline(copies, copy); ++tables) {
+  for (const Table& table : Velora::Store::Tables()) {
     for (const char* number : {"-9223372036854775808", "-1", "0", "9007199254740993", "9223372036854775807", "1.5"}) {
-      const std::string statement = std::regex_replace(copy, std::regex(":n"), number);
-      try {
-        Run(statement);
-        ADD_FAILURE() << "not refused: " << statement;
-      } catch (const Velora::Store::DatabaseError& error) {
-        const std::string text = error.what();
-        const std::string reason = "rows of " + table + " are numbered from 1 to 9007199254740992";
-        EXPECT_TRUE(text.find(reason) != std::string::npos ||
-                    (*number == '1' && text.find("datatype mismatch") != std::string::npos))
-            << statement << text;
-      }
+      const bool isTyped = table.primaryKey.empty() && number == "1.5"s;
+      ExpectRefused(
+          "INSERT INTO " + Another(table, {{table.Number(), number}}) + " LIMIT 1",
+          isTyped ? "datatype mismatch" : "rows of " + table.name + " are numbered from 1 to 9007199254740992");
     }
-    Run(std::regex_replace(copy, std::regex(":n"), "77"));
+    Run("INSERT INTO " + Another(table, {{table.Number(), "77"}}) + " LIMIT 1");
   }
-  EXPECT_EQ(tables, 11);
 }
 
 TEST_F(OnlyAdded, NothingRefersToARowThatIsNotThere) {

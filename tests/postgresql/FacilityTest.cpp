@@ -2,6 +2,7 @@
 
 #include "Server.h"
 #include "durability/Recording.h"
+#include "store/schema/Tables.h"
 #include "support/HostFiles.h"
 #include "support/Shell.h"
 #include "support/System.h"
@@ -112,17 +113,16 @@ TEST_F(Facility, AHostsRoleRecordsAndCanDoNothingElse) {
   Sql("SELECT make_partitions()", "dbname=postgres user=host");
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM pg_inherits WHERE inhrelid = CAST('parameters_" + next + "' AS regclass)"), "1");
   Sql("INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 2, '', '')");
-  for (const std::string table : {"ts_schema", "sessions", "activities", "activity_versions", "registrations",
-                                  "configurations", "executions", "statuses", "events", "parameters", "seals"}) {
-    const bool ofHosts = table != "ts_schema" && table != "seals";
-    const std::string partition = table + "_" + month;
-    for (const std::string& target : {table, table == "events" || table == "parameters" ? partition : table}) {
+  for (const auto& description : Velora::Store::Tables()) {
+    const std::string& table = description.name;
+    for (const std::string& target : {table, description.isByMonth ? table + "_" + month : table}) {
       const std::string column =
           Sql("SELECT attname FROM pg_attribute WHERE attnum = 1 AND attrelid = '" + table + "'::regclass");
       for (const std::string& statement :
            {"DELETE FROM " + target, "UPDATE " + target + " SET " + column + " = " + column,
             "TRUNCATE " + target + " CASCADE", "ALTER TABLE " + target + " DISABLE TRIGGER ALL",
-            "DROP TABLE " + target + " CASCADE", ofHosts ? "SELECT" : "INSERT INTO " + target + " DEFAULT VALUES"}) {
+            "DROP TABLE " + target + " CASCADE",
+            description.hostsAdd ? "SELECT" : "INSERT INTO " + target + " DEFAULT VALUES"}) {
         if (statement != "SELECT") {
           EXPECT_NE(ErrorOf([&] { Sql(statement, "dbname=postgres user=host"); }), "") << statement;
         }

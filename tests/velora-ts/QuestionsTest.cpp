@@ -5,6 +5,8 @@
 #include "output/EventLines.h"
 #include "store/reading/Listener.h"
 #include "store/reading/Reader.h"
+#include "store/record/Records.h"
+#include "store/schema/Tables.h"
 #include "store/settings/Settings.h"
 
 #include <iterator>
@@ -108,6 +110,16 @@ TEST_F(Questions, AreAnsweredByIndexes) {
       EXPECT_NE(plan.find("executions_by_parent (parent_id=? AND started_at>?)"), std::string::npos) << plan;
       EXPECT_EQ(plan.find("TEMP B-TREE"), std::string::npos) << question << '\n' << plan;
     }
+  }
+}
+
+TEST(Records, HaveAKindForEveryTableButThatOfSeals) {
+  std::set<std::string> ofKinds = {"seals"};
+  for (const Velora::Store::Kind kind : Velora::Store::kinds) {
+    ofKinds.insert(Velora::Store::TableOf(kind).name);
+  }
+  for (const Velora::Store::Table& table : Velora::Store::Tables()) {
+    EXPECT_EQ(ofKinds.count(table.name), 1U) << table.name;
   }
 }
 
