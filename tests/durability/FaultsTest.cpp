@@ -207,6 +207,20 @@ std::unique_ptr<FILE, int (*)(FILE*)> OtherProcess(const ScratchFolder& folder) 
   return shell;
 }
 
+void ExpectToWaitFor(const std::string& writer, Recording& host, const ScratchFolder& folder) {
+  const Clock::time_point start = Clock::now();
+  try {
+    host.Next();
+    ADD_FAILURE() << "written beside " << writer;
+  } catch (const TsError& error) {
+    const std::string text = error.what();
+    EXPECT_NE(text.find("'" + (folder / "ts.db").string() + "' was being written by " + writer), std::string::npos)
+        << text;
+    EXPECT_NE(text.find("30 seconds"), std::string::npos) << text;
+  }
+  EXPECT_NEAR(std::chrono::duration<double>(Clock::now() - start).count(), 30, 0.5);
+}
+
 TEST(Writer, IsWaitedForThirtySecondsAndThenNamed) {
   const ScratchFolder folder;
   PrepareFolder(folder.path);
@@ -214,19 +228,6 @@ TEST(Writer, IsWaitedForThirtySecondsAndThenNamed) {
   Told told;
   Recording host = Host(folder.path, "host", told);
   host.Next();
-  const auto expectToWaitFor = [&](const std::string& writer) {
-    const Clock::time_point start = Clock::now();
-    try {
-      host.Next();
-      ADD_FAILURE() << "written beside " << writer;
-    } catch (const TsError& error) {
-      const std::string text = error.what();
-      EXPECT_NE(text.find("'" + (folder / "ts.db").string() + "' was being written by " + writer), std::string::npos)
-          << text;
-      EXPECT_NE(text.find("30 seconds"), std::string::npos) << text;
-    }
-    EXPECT_NEAR(std::chrono::duration<double>(Clock::now() - start).count(), 30, 0.5);
-  };
   for (int again = 0; again < 2; ++again) {  // on one connection
     const SqlConnection slow = OpenFile(folder / "ts.db");
     slow->RunScript("BEGIN IMMEDIATE");
@@ -241,11 +242,11 @@ TEST(Writer, IsWaitedForThirtySecondsAndThenNamed) {
   {
     const SqlConnection slow = OpenFile(folder / "ts.db");
     slow->RunScript("BEGIN IMMEDIATE");
-    expectToWaitFor("another thread of this process");
+    ExpectToWaitFor("another thread of this process", host, folder);
   }
   {
     const auto slow = OtherProcess(folder);
-    expectToWaitFor("process ");
+    ExpectToWaitFor("process ", host, folder);
   }
   host.Next();
   EXPECT_EQ(StoredRecords(folder / "ts.db"), told.acknowledged);

@@ -37,55 +37,78 @@ class Recording {
 
   /// Saves the next record; the same one again when the last call raised.
   void Next() {
-    using namespace Quor::TolvaServices;
-    static const auto& session = Types::SessionHandle::Empty;
     const int round = step / 4;
     const std::string node = host + "-" + std::to_string(round);
     switch (step < 0 ? step : step % 4) {
       case -2:
-        Types::TSInstance::SetTsalPath(folder.string());
-        return Save("session " + host, [&] { Types::TSInstance::BeginSession(host, "", ""); });
+        return SaveSession();
       case -1:
-        return Save("registration " + host + " Expose,Focus", [&] {
-          version =
-              Methods::ActivityMethods::RegisterAndGetActivityVersions(folder / "activities.xml", session).at("Expose");
-        });
+        return SaveRegistration();
       case 0:
-        return Save("execution " + node + " Expose under " + (round == 0 ? "none" : first.Node) + " 4", [&] {
-          execution = {};
-          execution.Node = node;
-          execution.ActivityVersion = version;
-          execution.Parent = round == 0 ? nullptr : &first;
-          execution.Status = {Types::Enums::ActivityExecStatus::Running, Types::DateTimeOffset::Now()};
-          Methods::ActivityMethods::SaveActivityExecution(execution, session);
-          first = round == 0 ? execution : first;
-        });
-      case 1: {
-        const auto [text, event] = Event(node, round);
-        return Save(text, [&, saved = event] {
-          Methods::LoggingMethods::SaveEvent(saved, configuration, &execution.Id, false, session);
-        });
-      }
+        return SaveExecution(node, round);
+      case 1:
+        return SaveEvent(node, round);
       case 2:
-        return Save("status " + node + " 14", [&] {
-          execution.Status = {Types::Enums::ActivityExecStatus::Done, Types::DateTimeOffset::Now()};
-          Methods::ActivityMethods::SaveActivityExecution(execution, session);
-        });
+        return SaveStatus(node);
       default:
-        return Save("configuration " + node, [&] {
-          configuration = Methods::SystemMethods::SaveInstrumentConfigWithResult(node, "", "", "", "", "", "", "", "")
-                              .ConfigurationId;
-        });
+        return SaveConfiguration(node);
     }
   }
 
  private:
+  using Session = Quor::TolvaServices::Types::SessionHandle;
+  using Status = Quor::TolvaServices::Types::Enums::ActivityExecStatus;
+  using Time = Quor::TolvaServices::Types::DateTimeOffset;
+  using Activities = Quor::TolvaServices::Methods::ActivityMethods;
+
   template <typename Action>
   void Save(const std::string& record, Action action) {
     announced(record);
     action();
     acknowledged(record);
     ++step;
+  }
+
+  void SaveSession() {
+    using Quor::TolvaServices::Types::TSInstance;
+    TSInstance::SetTsalPath(folder.string());
+    Save("session " + host, [this] { TSInstance::BeginSession(host, "", ""); });
+  }
+  void SaveRegistration() {
+    Save("registration " + host + " Expose,Focus", [this] {
+      version = Activities::RegisterAndGetActivityVersions(folder / "activities.xml", Session::Empty).at("Expose");
+    });
+  }
+  void SaveExecution(const std::string& node, int round) {
+    Save("execution " + node + " Expose under " + (round == 0 ? "none" : first.Node) + " 4", [&] {
+      execution = {};
+      execution.Node = node;
+      execution.ActivityVersion = version;
+      execution.Parent = round == 0 ? nullptr : &first;
+      execution.Status = {Status::Running, Time::Now()};
+      Activities::SaveActivityExecution(execution, Session::Empty);
+      first = round == 0 ? execution : first;
+    });
+  }
+  void SaveEvent(const std::string& node, int round) {
+    using Quor::TolvaServices::Methods::LoggingMethods;
+    const auto [text, event] = Event(node, round);
+    Save(text, [this, saved = event] {
+      LoggingMethods::SaveEvent(saved, configuration, &execution.Id, false, Session::Empty);
+    });
+  }
+  void SaveStatus(const std::string& node) {
+    Save("status " + node + " 14", [this] {
+      execution.Status = {Status::Done, Time::Now()};
+      Activities::SaveActivityExecution(execution, Session::Empty);
+    });
+  }
+  void SaveConfiguration(const std::string& node) {
+    using Quor::TolvaServices::Methods::SystemMethods;
+    Save("configuration " + node, [&] {
+      configuration =
+          SystemMethods::SaveInstrumentConfigWithResult(node, "", "", "", "", "", "", "", "").ConfigurationId;
+    });
   }
 
   static std::pair<std::string, Quor::TolvaServices::Types::InstrumentEvent> Event(const std::string& node, int round) {

@@ -18,7 +18,7 @@ using namespace Quor::TolvaServices;
 using Types::TSInstance;
 using namespace std::string_literals;
 
-class Facility : public PostgreSql {
+class Facility : public WithShell<PostgreSql> {
  protected:
   /// Settings with which the next session is begun.
   void Configure(const std::string& connection, const std::string& instrument = "Scope") const {
@@ -36,10 +36,8 @@ class Facility : public PostgreSql {
     return "";
   }
   static void Begin() { TSInstance::BeginSession(); }
-  int Shell(const std::string& command) { return RunIn(folder, command, said); }
 
   const Server server{folder / "server"};
-  std::string said;
 };
 
 void Record(const std::string& name, int events) {

@@ -9,9 +9,8 @@ namespace {
 
 using namespace std::string_literals;
 
-class Check : public testing::Test {
+class Check : public WithShell<InFolder> {
  protected:
-  int Shell(const std::string& command) { return RunIn(folder, command, said); }
   /// Every file of the host's folder with its content.
   std::map<std::string, std::string> Files() const {
     std::map<std::string, std::string> files;
@@ -26,9 +25,6 @@ class Check : public testing::Test {
     static_cast<void>(Shell("cd host && sqlite3 -readonly ts.db 'SELECT COUNT(*) FROM executions' 2>/dev/null"));
     return said;
   }
-
-  const ScratchFolder folder;
-  std::string said;
 };
 
 struct Case {

@@ -12,7 +12,7 @@ namespace {
 using namespace Quor::TolvaServices;
 using namespace std::string_literals;
 
-class OnServer : public PostgreSql {
+class OnServer : public WithTool<PostgreSql> {
  protected:
   OnServer() {
     for (const auto& [name, database] : {std::pair("file", "Backend='sqlite3' Connection='ts.db'"),
@@ -24,8 +24,6 @@ class OnServer : public PostgreSql {
     }
   }
 
-  int Shell(const std::string& command) { return RunIn(folder, command, said); }
-  int Tool(const std::string& arguments) { return Shell("'" VELORA_TS "' " + arguments); }
   void Begin(const std::string& name) const {
     Types::TSInstance::SetTsalPath((folder / name).string());
     Types::TSInstance::BeginSession();
@@ -86,7 +84,6 @@ class OnServer : public PostgreSql {
   static constexpr const char* exportAll = "export --since 2000-01-01 --config ";
 
   const Server server{folder / "of the server"};
-  std::string said;
 };
 
 TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
@@ -127,9 +124,9 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   EXPECT_EQ(Tool("copy server back"), 0) << said;  // what came since
   EXPECT_EQ(Tool("verify --config back"), 0) << said;
   EXPECT_EQ(Tool("copy file back"), 3) << "another store's copy: " << said;
-  EXPECT_NE(said.find("that differ from"), std::string::npos) << said;
+  EXPECT_TRUE(Says("that differ from")) << said;
   EXPECT_EQ(Tool("backup copy.dump --config server"), 2);
-  EXPECT_NE(said.find("pg_dump"), std::string::npos) << said;
+  EXPECT_TRUE(Says("pg_dump")) << said;
 }
 
 TEST_F(OnServer, ACopyThatWasInterruptedGoesOnWhereItEnded) {
@@ -149,7 +146,7 @@ TEST_F(OnServer, ACopyThatWasInterruptedGoesOnWhereItEnded) {
     }
     EXPECT_GT(interrupted, 0);
     EXPECT_EQ(Tool(copy), 0) << said;
-    EXPECT_NE(said.find("compared: 1 executions, 29993 events, 30015 parameters"), std::string::npos) << said;
+    EXPECT_TRUE(Says("compared: 1 executions, 29993 events, 30015 parameters")) << said;
   }
 }
 
@@ -178,7 +175,7 @@ TEST_F(OnServer, WhatIsAlteredThereIsFound) {
     Alter((truncates ? triggers + " DISABLE TRIGGER ALL; " : ""s) + "SET session_replication_role = replica; " +
           statements + (truncates ? "; " + triggers + " ENABLE TRIGGER ALL" : ""));
     EXPECT_EQ(Tool("verify --config server"), 1);
-    EXPECT_NE(said.find(words), std::string::npos) << said;
+    EXPECT_TRUE(Says(words)) << said;
   }
 }
 
@@ -267,11 +264,11 @@ TEST_F(OnServer, ASchemaThatIsNotWhatItWasMadeIsFoundWhateverWasDoneToIt) {
   Alter(all);
   EXPECT_EQ(Tool("verify --config server"), 1);
   for (const auto& [statement, words] : rows) {
-    EXPECT_NE(said.find(words), std::string::npos) << statement << '\n' << said;
+    EXPECT_TRUE(Says(words)) << statement << '\n' << said;
   }
   EXPECT_EQ(said.find("events_no_change on events_"), std::string::npos) << "said of the table alone: " << said;
   EXPECT_EQ(Tool("prepare --hosts host --config server"), 1) << "it makes no partitions any more";
-  EXPECT_NE(said.find("for " + next + " is missing; another relation has its name"), std::string::npos) << said;
+  EXPECT_TRUE(Says("for " + next + " is missing; another relation has its name")) << said;
   EXPECT_EQ(Tool("check --config server"), 1);
   for (const char* const repaired : {"INSERT on ", "DELETE on ", "CREATE on ", "EXECUTE on function m", "on column "}) {
     EXPECT_EQ(said.find(repaired), std::string::npos) << said;
@@ -285,10 +282,10 @@ TEST_F(OnServer, APartitionThatIsMissingIsFoundBeforeItsMonthAndMade) {
   const std::string ahead = "INSERT INTO events VALUES (" + Month(2) + "0000000007, 1, NULL, NULL, 'ahead', '2026')";
   Alter(ahead + "; " + gone);
   EXPECT_EQ(Tool("check --config server"), 1);
-  EXPECT_NE(said.find("of parameters for " + Month(1) + " is missing; velora-ts prepare makes it"), std::string::npos);
+  EXPECT_TRUE(Says("of parameters for " + Month(1) + " is missing; velora-ts prepare makes it"));
   EXPECT_EQ(Tool("prepare --config server"), 0) << said;
   EXPECT_EQ(Tool("verify --config server"), 4) << said;
-  EXPECT_NE(said.find(": 0 findings, 1 not sealed"), std::string::npos) << said;
+  EXPECT_TRUE(Says(": 0 findings, 1 not sealed")) << said;
   Sql("CREATE DATABASE idle", "dbname=template1");
   LookAt("dbname=idle");
   EXPECT_EQ(Tool("prepare --config server"), 0) << said;
@@ -312,10 +309,10 @@ TEST_F(OnServer, WhatReadersAddAndAnotherServerMakesOfItIsNoFinding) {
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM pg_namespace WHERE nspname LIKE '%expected%'", "dbname=altered"), "0");
   LookAt("dbname=altered user=reader");
   EXPECT_EQ(Tool("verify --config server"), 4) << "it may lack what an altered view hides: " << said;
-  EXPECT_NE(said.find("not compared: tables, views, functions and triggers"), std::string::npos) << said;
-  EXPECT_NE(said.find("permission denied for database altered"), std::string::npos) << said;
+  EXPECT_TRUE(Says("not compared: tables, views, functions and triggers")) << said;
+  EXPECT_TRUE(Says("permission denied for database altered")) << said;
   EXPECT_EQ(Tool("check --config server"), 1) << "a host of that role records nothing: " << said;
-  EXPECT_NE(said.find("does not let this role do that"), std::string::npos) << said;
+  EXPECT_TRUE(Says("does not let this role do that")) << said;
   EXPECT_EQ(Shell("createdb restored && pg_dump sealed | psql -q -v ON_ERROR_STOP=1 -d restored"), 0) << said;
   LookAt("dbname=restored");
   EXPECT_EQ(Tool("verify --config server"), 0) << said;
