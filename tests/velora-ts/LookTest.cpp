@@ -38,7 +38,7 @@ class Look : public ToolTest {
     folder.Write("hostile.sql", hostileRun);
     EXPECT_EQ(Shell("sqlite3 -bail ts.db < hostile.sql"), 0) << said;
   }
-  /// The same on a terminal of so many columns.
+  /// Runs the tool on a terminal that has this many columns.
   int OnTerminal(const std::string& arguments, int columns) {
     return Shell("TERM=xterm script -qec \"stty cols " + std::to_string(columns) + "; '" VELORA_TS "' " + arguments +
                  "\" /dev/null");

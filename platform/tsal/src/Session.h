@@ -58,7 +58,7 @@ class Session {
 
   std::unique_ptr<Writer> Take();
   std::unique_ptr<Writer> TakeIdle();
-  /// Opens the store in which this session began once more.
+  /// Opens the store of this session for one more operation.
   std::unique_ptr<Writer> Connect();
   void Keep(std::unique_ptr<Writer> store) noexcept;
   void CloseIdle();
