@@ -3,11 +3,11 @@
 namespace Velora::Store {
 
 void Connection::Raise(const std::string& reason, const std::string& code) const {
-  const DatabaseError error("TS database '" + name + "': " + reason, reason, code);
+  const std::string text = "TS database '" + name + "': " + reason;
   if (explain) {
-    explain(error);
+    explain(DatabaseError(text, reason, code));
   }
-  throw error;
+  throw DatabaseError(text, reason, code);
 }
 
 Cursor& Connection::Kept(std::string_view statement) {

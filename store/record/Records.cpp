@@ -31,7 +31,7 @@ bool IsWrittenBefore(const Column& reference) {
 
 // A reference is written as the guid of the record; if there is no such row, because of another program, as its key.
 std::string ValueOf(const Column& column) {
-  const std::string value = "v." + column.name;
+  std::string value = "v." + column.name;
   if (column.refersTo.empty()) {
     return value;
   }
@@ -52,6 +52,9 @@ std::string ColumnsOf(Kind kind) {
   fields.insert(fields.end(), keys.begin(), keys.end());
   return Listed(fields);
 }
+
+// The condition of the rows behind one number and up to another, in their order.
+std::string Between(const std::string& key) { return key + " > ?1 AND " + key + " <= ?2 ORDER BY " + key; }
 
 Rows Question(const Reader& store, Kind kind, const std::string& which) {
   return {store, "SELECT " + ColumnsOf(kind) + " FROM " + TableOf(kind).name + " v WHERE " + which};
@@ -117,9 +120,7 @@ void Records::WriteRun(long long root, const Numbers& since) {
 void Records::WriteRest(const Numbers& since) {
   BeginPart("{\"record\":\"rest\",\"format\":" + std::to_string(format) + '}', false);
   for (const Kind kind : {Schema, Sessions, Activities, Versions, Registrations, Configurations}) {
-    const std::string& key = TableOf(kind).Key();
-    Rows rows = Question(store, kind, key + " > ?1 AND " + key + " <= ?2 ORDER BY " + key);
-    WriteAll(kind, rows.Ask(since[kind], upTo[kind]));
+    WriteAll(kind, Question(store, kind, Between(TableOf(kind).Key())).Ask(since[kind], upTo[kind]));
   }
   EventRows ofNoRun = EventsWhere(store, "v.execution_id IS NULL AND v.event_id > ?1 AND v.event_id <= ?2");
   WriteEvents(ofNoRun.Ask(since[Events], upTo[Events]));

@@ -52,7 +52,7 @@ std::string ParametersAsJson(const EventRow& event) {
 PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
     : Writer(opening), connection(ConnectToServer(address)) {
   connection.ExplainErrorsBy([this](const DatabaseError& error) { Explain(error); });
-  StartOperation();
+  PostgreSqlWriter::StartOperation();
   Configure();
   const int version = StoredVersion();
   if (version < schemaVersion) {
@@ -65,7 +65,7 @@ PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
     BringUp();
   }
   PostgreSqlWriter::MakeRoom();
-  EndOperation();
+  PostgreSqlWriter::EndOperation();
 }
 
 void PostgreSqlWriter::Configure() {
@@ -181,8 +181,12 @@ void PostgreSqlWriter::MakeRoom() {
 
 // A server that stops says so before it closes the connection: the first call reads the message, the second the end.
 bool PostgreSqlWriter::IsUsable() {
-  PGconn* const handle = connection.Handle();
-  return PQconsumeInput(handle) == 1 && PQconsumeInput(handle) == 1 && !IsLost();
+  for (int look = 0; look < 2; ++look) {
+    if (PQconsumeInput(connection.Handle()) != 1) {
+      return false;
+    }
+  }
+  return !IsLost();
 }
 
 bool PostgreSqlWriter::IsOutsideTransaction() { return PQtransactionStatus(connection.Handle()) == PQTRANS_IDLE; }

@@ -3,10 +3,13 @@
 namespace Velora::Store {
 namespace {
 
+std::string SameAsNew(const std::string& column) { return column + " = NEW." + column; }
+
 std::string SameAsNew(const std::vector<std::string>& columns) {
   std::string same;
   for (const std::string& column : columns) {
-    same += (same.empty() ? "" : " AND ") + column + " = NEW." + column;
+    same += same.empty() ? "" : " AND ";
+    same += SameAsNew(column);
   }
   return same;
 }
@@ -14,11 +17,11 @@ std::string SameAsNew(const std::vector<std::string>& columns) {
 /// The rows that a new row would replace. The key of the new row is -1 until SQLite has chosen one.
 std::string InTheWay(const Table& table) {
   std::vector<std::string> ways = {table.primaryKey.empty()
-                                       ? SameAsNew({table.Key()}) + " AND NEW." + table.Key() + " > 0"
+                                       ? SameAsNew(table.Key()) + " AND NEW." + table.Key() + " > 0"
                                        : SameAsNew(table.primaryKey)};
   for (const Column& column : table.columns) {
     if (column.isUnique) {
-      ways.push_back(SameAsNew({column.name}));
+      ways.push_back(SameAsNew(column.name));
     }
   }
   if (!table.uniqueTogether.empty()) {
