@@ -125,6 +125,8 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   EXPECT_EQ(Tool("verify --config back"), 0) << said;
   EXPECT_EQ(Tool("copy file back"), 3) << "another store's copy: " << said;
   EXPECT_TRUE(Says("that differ from")) << said;
+  EXPECT_EQ(Tool("backup backup.db --config back"), 0);  // whose keys are those of a server
+  EXPECT_TRUE(Says("checked: 3 executions, 6 events")) << said;
   EXPECT_EQ(Tool("backup copy.dump --config server"), 2);
   EXPECT_TRUE(Says("pg_dump")) << said;
 }

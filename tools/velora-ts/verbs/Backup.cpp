@@ -3,6 +3,7 @@
 #include "output/Progress.h"
 #include "store/copying/FileCopy.h"
 #include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
 #include "store/record/Records.h"
 #include "store/soundness/Soundness.h"
 #include "verbs/StoreVerb.h"
@@ -21,7 +22,14 @@ namespace {
 
 constexpr mode_t ownerAndGroup = 0640;  // the permissions of a store
 
-void ExpectSound(const Reader& store, const Reader& copy) {
+std::string CountOf(const Reader& store, Kind kind) {
+  Rows count(store, "SELECT COUNT(*) FROM " + TableOf(kind).name);
+  count.Next();
+  return std::to_string(count.Integer(0)) + ' ' + TableOf(kind).name;
+}
+
+/// Checks a copy. @return what it has, in words.
+std::string ExpectSound(const Reader& store, const Reader& copy) {
   Progress progress("Checking the file, million steps", 0);
   if (const auto damage = DamageFindings(copy, [&progress] { progress.Add(1); }); !damage.empty()) {
     throw Error("the copy of '" + store.Name() + "' is damaged: " + damage.front());
@@ -29,6 +37,7 @@ void ExpectSound(const Reader& store, const Reader& copy) {
   if (HighestNumbers(copy) != HighestNumbers(store)) {
     throw Error("the copy of '" + store.Name() + "' lacks rows");
   }
+  return CountOf(copy, Executions) + ", " + CountOf(copy, Events);
 }
 
 class BackupVerb : public StoreVerb {
@@ -43,17 +52,15 @@ class BackupVerb : public StoreVerb {
     if (std::error_code unknown; std::filesystem::exists(std::filesystem::symlink_status(file, unknown))) {
       throw Error("file '" + file + "' cannot be written: " + std::system_category().message(EEXIST));
     }
-    const Numbers highest = HighestNumbers(store);
     FreshFile fresh(file, ownerAndGroup);
     {
       Progress progress("Copying pages", 0);
       CopyFile(store, fresh.Path(), [&progress](long long pages) { progress.Show(pages); });
     }
     store.ExpectUntouched();
-    ExpectSound(store, Reader({Database::Kind::Sqlite, fresh.Path()}));
+    const std::string content = ExpectSound(store, Reader({Database::Kind::Sqlite, fresh.Path()}));
     fresh.TakeName(FreshFile::Existing::Keep);
-    Say("store '" + store.Name() + "' copied to '" + file + "' and checked: " + std::to_string(highest[Executions]) +
-        " executions, " + std::to_string(highest[Events]) + " events");
+    Say("store '" + store.Name() + "' copied to '" + file + "' and checked: " + content);
     return Done;
   }
 
