@@ -1,0 +1,94 @@
+// The functions of PostgreSQL's client library that are used here. The library is loaded when the first of them is
+// called: it brings twenty other libraries with it, and most programs ask for no server. To use another function, add
+// its line; the compiler compares it with the library's declaration.
+
+#include "store/database/DatabaseError.h"
+
+#include <dlfcn.h>
+#include <libpq-fe.h>
+
+#include <string>
+
+namespace {
+
+[[noreturn]] void Fail(const std::string& expected) {
+  throw Velora::Store::NotReachable("PostgreSQL's client library cannot be used: " + std::string(dlerror()) +
+                                    "; expected " + expected);
+}
+
+void* Load() {
+  void* const loaded = dlopen("libpq.so.5", RTLD_NOW | RTLD_LOCAL);
+  if (loaded == nullptr) {
+    Fail("Debian's package libpq5 or the same library from elsewhere");
+  }
+  return loaded;
+}
+
+// A program that links with the library itself keeps its own.
+void* Find(const char* name) {
+  if (void* const own = dlsym(RTLD_DEFAULT, name); own != nullptr) {
+    return own;
+  }
+  static void* const library = Load();
+  void* const found = dlsym(library, name);
+  if (found == nullptr) {
+    Fail("the library of PostgreSQL 14 or newer");
+  }
+  return found;
+}
+
+template <auto function, typename... Arguments>
+auto Call(const char* name, Arguments... arguments) {
+  static const auto found = reinterpret_cast<decltype(function)>(Find(name));
+  return found(arguments...);
+}
+
+}  // namespace
+
+extern "C" {
+int PQbackendPID(const PGconn* c) { return Call<&PQbackendPID>(__func__, c); }
+void PQclear(PGresult* r) { Call<&PQclear>(__func__, r); }
+PQconninfoOption* PQconndefaults() { return Call<&PQconndefaults>(__func__); }
+PGconn* PQconnectdb(const char* address) { return Call<&PQconnectdb>(__func__, address); }
+PostgresPollingStatusType PQconnectPoll(PGconn* c) { return Call<&PQconnectPoll>(__func__, c); }
+PGconn* PQconnectStart(const char* address) { return Call<&PQconnectStart>(__func__, address); }
+void PQconninfoFree(PQconninfoOption* options) { Call<&PQconninfoFree>(__func__, options); }
+PQconninfoOption* PQconninfoParse(const char* text, char** error) {
+  return Call<&PQconninfoParse>(__func__, text, error);
+}
+int PQconsumeInput(PGconn* c) { return Call<&PQconsumeInput>(__func__, c); }
+char* PQerrorMessage(const PGconn* c) { return Call<&PQerrorMessage>(__func__, c); }
+char* PQescapeLiteral(PGconn* c, const char* text, std::size_t size) {
+  return Call<&PQescapeLiteral>(__func__, c, text, size);
+}
+void PQfinish(PGconn* c) { Call<&PQfinish>(__func__, c); }
+int PQflush(PGconn* c) { return Call<&PQflush>(__func__, c); }
+char* PQfname(const PGresult* r, int column) { return Call<&PQfname>(__func__, r, column); }
+void PQfreemem(void* memory) { Call<&PQfreemem>(__func__, memory); }
+Oid PQftype(const PGresult* r, int column) { return Call<&PQftype>(__func__, r, column); }
+int PQgetisnull(const PGresult* r, int row, int column) { return Call<&PQgetisnull>(__func__, r, row, column); }
+int PQgetlength(const PGresult* r, int row, int column) { return Call<&PQgetlength>(__func__, r, row, column); }
+PGresult* PQgetResult(PGconn* c) { return Call<&PQgetResult>(__func__, c); }
+char* PQgetvalue(const PGresult* r, int row, int column) { return Call<&PQgetvalue>(__func__, r, row, column); }
+char* PQhost(const PGconn* c) { return Call<&PQhost>(__func__, c); }
+char* PQhostaddr(const PGconn* c) { return Call<&PQhostaddr>(__func__, c); }
+int PQisBusy(PGconn* c) { return Call<&PQisBusy>(__func__, c); }
+int PQnfields(const PGresult* r) { return Call<&PQnfields>(__func__, r); }
+int PQntuples(const PGresult* r) { return Call<&PQntuples>(__func__, r); }
+char* PQport(const PGconn* c) { return Call<&PQport>(__func__, c); }
+char* PQresultErrorField(const PGresult* r, int field) { return Call<&PQresultErrorField>(__func__, r, field); }
+char* PQresultErrorMessage(const PGresult* r) { return Call<&PQresultErrorMessage>(__func__, r); }
+ExecStatusType PQresultStatus(const PGresult* r) { return Call<&PQresultStatus>(__func__, r); }
+int PQsendQuery(PGconn* c, const char* statements) { return Call<&PQsendQuery>(__func__, c, statements); }
+int PQsendQueryParams(PGconn* c, const char* statement, int count, const Oid* types, const char* const* values,
+                      const int* lengths, const int* formats, int format) {
+  return Call<&PQsendQueryParams>(__func__, c, statement, count, types, values, lengths, formats, format);
+}
+PQnoticeProcessor PQsetNoticeProcessor(PGconn* c, PQnoticeProcessor processor, void* given) {
+  return Call<&PQsetNoticeProcessor>(__func__, c, processor, given);
+}
+int PQsetnonblocking(PGconn* c, int yes) { return Call<&PQsetnonblocking>(__func__, c, yes); }
+int PQsocket(const PGconn* c) { return Call<&PQsocket>(__func__, c); }
+ConnStatusType PQstatus(const PGconn* c) { return Call<&PQstatus>(__func__, c); }
+PGTransactionStatusType PQtransactionStatus(const PGconn* c) { return Call<&PQtransactionStatus>(__func__, c); }
+}
