@@ -25,15 +25,20 @@ TEST_F(Executions, AnUpdateAddsAStatusThatDiffersAndKeepsTheParentAndAllElse) {
       {"node", [](auto& changed) { changed.Node = "Node"; }},
       {"description", [](auto& changed) { changed.Description = "more"; }},
       {"kind", [](auto& changed) { changed.Kind = 0; }},
-      {"version", [](auto& changed) { changed.ActivityVersion.Id = Tsid(unknownGuid); }},
-      {"parent", [&](auto& changed) { changed.Parent = &child; }},
-      {"parent", [&](auto& changed) { changed = parent, changed.Parent = &child; }}};
+      {"activity version", [](auto& changed) { changed.ActivityVersion.Id = Tsid(unknownGuid); }},
+      {"parent, or none", [&](auto& changed) { changed.Parent = &child; }},
+      {"parent, or none", [&](auto& changed) { changed = parent, changed.Parent = &child; }}};
   for (const auto& [word, change] : rows) {
     ActivityExecution changed = Load(child.Id);
     change(changed);
     changed.Status = Status(14, 2);
-    ExpectError([&] { Save(changed); }, {changed.Id.GetGuid(), word});
+    ExpectError([&] { Save(changed); }, {"execution '" + changed.Id.GetGuid() + "' was first saved with another " +
+                                         word + "; expected that one again"});
   }
+  ActivityExecution versioned;  // with the version that was rolled back above
+  versioned.ActivityVersion.Id = Tsid(unknownGuid);
+  Save(versioned);
+  EXPECT_EQ(Load(versioned.Id).ActivityVersion.Id, Tsid(unknownGuid));
   for (ActivityExecution done : {parent, Saved("done", &parent)}) {
     done.Status = Status(14, 1);
     Save(done);
@@ -69,6 +74,35 @@ TEST_F(Executions, RegisteringAgainKeepsIdentitiesAndAnotherStoreTakesThemOver) 
   EXPECT_EQ(Recorded("SELECT v.name, v.description, a.name, a.description FROM activity_versions v, activities a",
                      "other.db"),
             "TiltSeries|one & all|Tomography|all of it\n");
+}
+
+TEST_F(Executions, WhatIsKnownOfThemIsBoundedAndHidesNothingThatOthersDo) {
+  const SessionHandle another = Begin();
+  Begin();
+  ActivityExecution first = Saved("node"), watched = Saved("node");
+  watched.Status = Status(14, 2);
+  ActivityMethods::SaveActivityExecution(watched, another);
+  EXPECT_EQ(Load(watched.Id).Status.Code, Enums::ActivityExecStatus::Done);
+  for (int more = 0; more < 256; ++more) {
+    Saved("more");
+  }
+  // As no host can: what was kept does not change, and what was not kept does.
+  const auto changeAll = [&](const std::string& assignment) {
+    TestStore(folder / "ts.db")
+        .Open()
+        ->RunScript((TestStore::OnServer() ? "ALTER TABLE executions DISABLE TRIGGER ALL;"
+                                           : "DROP TRIGGER IF EXISTS executions_no_update;") +
+                    ("UPDATE executions SET " + assignment));
+  };
+  const ActivityExecution wordy = Saved(std::string(3000, 'n')), last = Saved("node");
+  changeAll("node = 'changed'");
+  EXPECT_EQ(Load(last.Id).Node, "node");
+  EXPECT_EQ(Load(first.Id).Node, "changed");
+  EXPECT_EQ(Load(wordy.Id).Node, "changed");
+  changeAll("guid = 'another ' || execution_id");
+  for (const ActivityExecution& gone : {first, last}) {
+    ExpectError([&] { Load(gone.Id); }, {"execution '" + gone.Id.GetGuid() + "' is not known to this TS"});
+  }
 }
 
 TEST_F(Executions, AnIdentityThatIsNoneOrThatNobodyKnowsIsNamedAndCostsNoConnection) {

@@ -48,7 +48,8 @@ TEST_F(Sessions, NothingIsAcknowledgedIntoAFileThatIsNoLongerThere) {
   for (const auto& [what, replace] : rows) {
     SCOPED_TRACE(what);
     Begin();
-    SaveEvent(Event("kept"));
+    const ActivityExecution known = Saved("known");
+    SaveEvent(Event("kept"), Tsid(), &known.Id);
     const auto move = [&](const std::string& from, const std::string& to) {
       for (const char* const file : {"", "-wal", "-shm"}) {
         rename(folder / (from + file), folder / (to + file));
@@ -59,6 +60,7 @@ TEST_F(Sessions, NothingIsAcknowledgedIntoAFileThatIsNoLongerThere) {
     const std::string before = ContentOf(folder / "ts.db");
     for (int attempt = 0; attempt < 3; ++attempt) {
       ExpectError([] { SaveEvent(Event("lost")); }, {"ts.db", "removed or replaced", "expected"});
+      ExpectError([&] { Load(known.Id); }, {"ts.db", "removed or replaced", "expected"});
     }
     EXPECT_EQ(ContentOf(folder / "ts.db"), before);
     move("away.db", "ts.db");

@@ -13,9 +13,9 @@
 
 namespace Quor::TolvaServices {
 
+using Local::OpenStore;
 using Types::SessionHandle;
 using Types::Tsid;
-using Velora::Store::Writer;
 
 namespace {
 
@@ -74,22 +74,22 @@ std::map<std::string, Types::ActivityVersion> ActivityMethods::RegisterAndGetAct
     const auto session = Local::SessionOf(handle);
     const auto versions = Velora::Store::ReadActivitiesFile(activitiesFilePath);
     return session->Run(
-        [&](Writer& store) { return Local::RegisterVersions(store, session->Row(), activitiesFilePath, versions); });
+        [&](OpenStore& store) { return Local::RegisterVersions(store, session->Row(), activitiesFilePath, versions); });
   });
 }
 
 void ActivityMethods::SaveActivityExecution(Types::ActivityExecution& execution, const SessionHandle& handle) {
   execution.Id = AsTsal([&] {
     const auto session = Local::SessionOf(handle);
-    return session->Run([&](Writer& store) { return Local::StoreExecution(store, session->Row(), execution); });
+    return session->Run([&](OpenStore& store) { return Local::StoreExecution(store, session->Row(), execution); });
   });
 }
 
 Types::ActivityExecution ActivityMethods::GetActivityExecution(const Tsid& id, bool /*flag*/,
                                                                const Tsid* /*configurationId*/) {
   return AsTsal([&] {
-    return Local::SessionOf(SessionHandle::Empty)->Run([&](Writer& store) {
-      return Local::LoadExecution(store.Sql(), id);
+    return Local::SessionOf(SessionHandle::Empty)->Run([&](OpenStore& store) {
+      return Local::LoadExecution(store, id);
     });
   });
 }
@@ -98,17 +98,17 @@ void LoggingMethods::SaveEvent(const Types::InstrumentEvent& event, const Tsid& 
                                const Tsid* activityExecutionId, bool /*flag*/, const SessionHandle& handle) {
   AsTsal([&] {
     const auto session = Local::SessionOf(handle);
-    session->Run([&](Writer& store) {
-      Velora::Store::Transaction transaction(store);
-      const auto configuration = Local::ConfigurationRow(store.Sql(), configurationId);
+    session->Run([&](OpenStore& store) {
+      Velora::Store::Transaction transaction(*store.writer);
+      const auto configuration = Local::ConfigurationRow(store, configurationId);
       const auto execution = activityExecutionId == nullptr
                                  ? std::optional<long long>()
-                                 : std::optional(Local::ExecutionRow(store.Sql(), *activityExecutionId));
+                                 : std::optional(Local::ExecutionRow(store, *activityExecutionId));
       Velora::Store::EventRow row = Local::ToStored(event);
       row.session = session->Row();
       row.execution = execution;
       row.configuration = configuration;
-      store.Insert(row);
+      store.writer->Insert(row);
       transaction.Commit();
       return true;
     });
@@ -124,7 +124,7 @@ Types::InstrumentEventConfigResult SystemMethods::SaveInstrumentConfigWithResult
   return AsTsal([&] {
     const auto session = Local::SessionOf(SessionHandle::Empty);
     return session->Run(
-        [&](Writer& store) { return Local::StoreConfiguration(store, session->Row(), session->Guid(), texts); });
+        [&](OpenStore& store) { return Local::StoreConfiguration(store, session->Row(), session->Guid(), texts); });
   });
 }
 

@@ -11,18 +11,18 @@ using namespace Velora::Store;
 
 Session::Session(const Settings& settings, const std::string& text1, const std::string& text2, const std::string& text3)
     : database(settings.database), guid(NewGuid()) {
-  row = RunOn(OpenForWriting(database), [&](Writer& store) {
-    Transaction transaction(store);
-    const long long key = InsertSession(store, guid, settings.instrument, {text1, text2, text3});
+  row = RunOn(std::make_unique<OpenStore>(OpenForWriting(database)), [&](OpenStore& store) {
+    Transaction transaction(*store.writer);
+    const long long key = InsertSession(*store.writer, guid, settings.instrument, {text1, text2, text3});
     transaction.Commit();
     return key;
   });
 }
 
-std::unique_ptr<Writer> Session::Take() {
+std::unique_ptr<OpenStore> Session::Take() {
   try {
-    while (std::unique_ptr<Writer> store = TakeIdle()) {
-      if (store->IsUsable()) {
+    while (std::unique_ptr<OpenStore> store = TakeIdle()) {
+      if (store->writer->IsUsable()) {
         return store;
       }
     }
@@ -33,28 +33,28 @@ std::unique_ptr<Writer> Session::Take() {
   return Connect();
 }
 
-std::unique_ptr<Writer> Session::TakeIdle() {
+std::unique_ptr<OpenStore> Session::TakeIdle() {
   const std::lock_guard lock(mutex);
   if (idle.empty()) {
     return nullptr;
   }
-  std::unique_ptr<Writer> store = std::move(idle.back());
+  std::unique_ptr<OpenStore> store = std::move(idle.back());
   idle.pop_back();
   return store;
 }
 
 // Another store can be where this one was, and have another host's session in the same row.
-std::unique_ptr<Writer> Session::Connect() {
-  std::unique_ptr<Writer> store = OpenForWriting(database, Opening::ExpectsStore);
-  store->StartOperation();
+std::unique_ptr<OpenStore> Session::Connect() {
+  auto store = std::make_unique<OpenStore>(OpenForWriting(database, Opening::ExpectsStore));
+  store->writer->StartOperation();
   if (!store->Sql().Find<int>("SELECT 1 FROM sessions WHERE session_id = ?1 AND guid = ?2", row, guid)) {
-    throw StoreReplaced(store->Name());
+    throw StoreReplaced(store->writer->Name());
   }
   return store;
 }
 
-void Session::Keep(std::unique_ptr<Writer> store) noexcept {
-  store->EndOperation();
+void Session::Keep(std::unique_ptr<OpenStore> store) noexcept {
+  store->writer->EndOperation();
   try {
     const std::lock_guard lock(mutex);
     idle.push_back(std::move(store));
@@ -64,7 +64,7 @@ void Session::Keep(std::unique_ptr<Writer> store) noexcept {
 }
 
 void Session::CloseIdle() {
-  std::vector<std::unique_ptr<Writer>> closed;
+  std::vector<std::unique_ptr<OpenStore>> closed;
   const std::lock_guard lock(mutex);
   closed.swap(idle);
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/recording/Writer.h"
+#include "OpenStore.h"
 #include "store/settings/Settings.h"
 
 #include <memory>
@@ -10,12 +10,10 @@
 
 namespace Quor::TolvaServices::Local {
 
-using Velora::Store::Writer;
-
 /// A session of the local TS: the database that it began with, and its row there.
 ///
 /// Each operation has the store opened for itself, so that operations of different threads wait on one another no
-/// longer than the database makes them. What was opened is kept for the next operation.
+/// longer than the database makes them. What was opened is kept for the next operation, with what is known of it.
 class Session {
  public:
   /// Records a new session in the database that the settings name.
@@ -34,14 +32,14 @@ class Session {
 
  private:
   template <typename Operation>
-  auto RunOn(std::unique_ptr<Writer> store, const Operation& operation) {
-    store->StartOperation();
+  auto RunOn(std::unique_ptr<OpenStore> store, const Operation& operation) {
+    store->writer->StartOperation();
     try {
       auto result = operation(*store);
       Keep(std::move(store));
       return result;
     } catch (const Velora::Store::DatabaseError&) {
-      if (store->IsLost()) {
+      if (store->writer->IsLost()) {
         CloseIdle();
       }
       throw;
@@ -49,25 +47,25 @@ class Session {
       CloseIdle();
       throw;
     } catch (const std::runtime_error&) {
-      if (store->IsOutsideTransaction()) {
+      if (store->writer->IsOutsideTransaction()) {
         Keep(std::move(store));
       }
       throw;
     }
   }
 
-  std::unique_ptr<Writer> Take();
-  std::unique_ptr<Writer> TakeIdle();
+  std::unique_ptr<OpenStore> Take();
+  std::unique_ptr<OpenStore> TakeIdle();
   /// Opens the store of this session for one more operation.
-  std::unique_ptr<Writer> Connect();
-  void Keep(std::unique_ptr<Writer> store) noexcept;
+  std::unique_ptr<OpenStore> Connect();
+  void Keep(std::unique_ptr<OpenStore> store) noexcept;
   void CloseIdle();
 
   const Velora::Store::Database database;
   const std::string guid;
   long long row = 0;
   std::mutex mutex;
-  std::vector<std::unique_ptr<Writer>> idle;  // guarded by mutex
+  std::vector<std::unique_ptr<OpenStore>> idle;  // guarded by mutex
 };
 
 }  // namespace Quor::TolvaServices::Local

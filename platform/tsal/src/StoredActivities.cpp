@@ -49,53 +49,73 @@ long long FindOrAddVersion(Writer& store, const Types::ns1__ActivityVersion& wir
   return row;
 }
 
-}  // namespace
-
-std::optional<long long> VersionRow(Writer& store, const Types::ActivityVersion& version) {
-  if (version.Id == Types::Tsid()) {
-    return std::nullopt;
+/// @return null if there is no such version.
+template <typename Key>
+std::shared_ptr<const VersionRecord> ReadVersion(Connection& sql, const std::string& column, const Key& key) {
+  const auto found =
+      sql.Find<long long, std::string, std::string, std::string, std::string, std::string, std::string, std::string>(
+          "SELECT v.version_id, v.guid, v.name, v.version, v.description, a.guid, a.name, a.description "
+          "FROM activity_versions v JOIN activities a ON a.activity_id = v.activity_id WHERE v." +
+              column + " = ?1",
+          key);
+  if (!found) {
+    return nullptr;
   }
-  const std::string guid = GuidOf(version.Id.GetGuid(), "activity version");
-  if (const auto row = store.Sql().Find<long long>("SELECT version_id FROM activity_versions WHERE guid = ?1", guid)) {
-    return row;
-  }
-  store.HoldActivities();
-  return FindOrAddVersion(store, version.ToGsoap());
+  const auto& [row, guid, name, versionText, description, activityGuid, activityName, activityDescription] = *found;
+  auto read = std::make_shared<VersionRecord>();
+  read->row = row;
+  read->version.Id = Types::Tsid(guid);
+  read->version.Name = FromStoredText(name);
+  read->version.Version = FromStoredText(versionText);
+  read->version.Description = FromStoredText(description);
+  read->version.Activity.Id = Types::Tsid(activityGuid);
+  read->version.Activity.Name = FromStoredText(activityName);
+  read->version.Activity.Description = FromStoredText(activityDescription);
+  return read;
 }
 
-Types::ActivityVersion LoadVersion(Connection& sql, long long row) {
-  const auto [guid, name, versionText, description, activityGuid, activityName, activityDescription] =
-      sql.Find<std::string, std::string, std::string, std::string, std::string, std::string, std::string>(
-             "SELECT v.guid, v.name, v.version, v.description, a.guid, a.name, a.description FROM activity_versions v "
-             "JOIN activities a ON a.activity_id = v.activity_id WHERE v.version_id = ?1",
-             row)
-          .value();
-  Types::ActivityVersion version;
-  version.Id = Types::Tsid(guid);
-  version.Name = FromStoredText(name);
-  version.Version = FromStoredText(versionText);
-  version.Description = FromStoredText(description);
-  version.Activity.Id = Types::Tsid(activityGuid);
-  version.Activity.Name = FromStoredText(activityName);
-  version.Activity.Description = FromStoredText(activityDescription);
+}  // namespace
+
+std::shared_ptr<const VersionRecord> FindVersion(OpenStore& store, const std::string& guid) {
+  auto version = store.known.Version(guid);
+  if (!version && (version = ReadVersion(store.Sql(), "guid", guid))) {
+    store.known.Keep(guid, version);
+  }
   return version;
 }
 
-std::map<std::string, Types::ActivityVersion> RegisterVersions(Writer& store, long long session,
+std::optional<long long> VersionRow(OpenStore& store, const Types::ActivityVersion& version) {
+  if (version.Id == Types::Tsid()) {
+    return std::nullopt;
+  }
+  if (const auto found = FindVersion(store, GuidOf(version.Id.GetGuid(), "activity version"))) {
+    return found->row;
+  }
+  store.writer->HoldActivities();
+  return FindOrAddVersion(*store.writer, version.ToGsoap());
+}
+
+std::map<std::string, Types::ActivityVersion> RegisterVersions(OpenStore& store, long long session,
                                                                const std::string& file,
                                                                const std::vector<DescribedVersion>& versions) {
   const std::string storedFile = ToStoredText(file);
   const std::string now = ToStoredTime(Now());
   std::map<std::string, Types::ActivityVersion> registered;
-  Transaction transaction(store);
-  store.HoldActivities();
+  std::vector<std::shared_ptr<const VersionRecord>> records;
+  Transaction transaction(*store.writer);
+  store.writer->HoldActivities();
   for (const auto& [activity, activityDescription, name, version, description] : versions) {
-    const long long row = FindOrAddVersion(store, {"", name, version, description, "", activity, activityDescription});
+    const long long row =
+        FindOrAddVersion(*store.writer, {"", name, version, description, "", activity, activityDescription});
     store.Sql().Run("INSERT INTO registrations (session_id, version_id, file, registered_at) VALUES (?1, ?2, ?3, ?4)",
                     session, row, storedFile, now);
-    registered[name] = LoadVersion(store.Sql(), row);
+    records.push_back(ReadVersion(store.Sql(), "version_id", row));
+    registered[name] = records.back()->version;
   }
   transaction.Commit();
+  for (const auto& record : records) {
+    store.known.Keep(record->version.Id.GetGuid(), record);
+  }
   return registered;
 }
 

@@ -1,11 +1,12 @@
 #pragma once
 
-#include "store/recording/Writer.h"
+#include "OpenStore.h"
 #include "store/settings/ActivitiesFile.h"
 
 #include <TSAL/Types.h>
 
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,14 +17,14 @@ namespace Quor::TolvaServices::Local {
 /// @param file the activities file, as the session named it.
 /// @return the versions under their names, each with its identity and that of its activity.
 std::map<std::string, Types::ActivityVersion> RegisterVersions(
-    Velora::Store::Writer& store, long long session, const std::string& file,
+    OpenStore& store, long long session, const std::string& file,
     const std::vector<Velora::Store::DescribedVersion>& versions);
+
+/// A stored version with its activity. @param guid in lower case. @return null if this store does not know it.
+std::shared_ptr<const VersionRecord> FindVersion(OpenStore& store, const std::string& guid);
 
 /// The row of a version; none for an unset one. A version that this store does not know yet is added: it was registered
 /// with another. Within a transaction.
-std::optional<long long> VersionRow(Velora::Store::Writer& store, const Types::ActivityVersion& version);
-
-/// The version of a row, with its activity.
-Types::ActivityVersion LoadVersion(Velora::Store::Connection& sql, long long row);
+std::optional<long long> VersionRow(OpenStore& store, const Types::ActivityVersion& version);
 
 }  // namespace Quor::TolvaServices::Local

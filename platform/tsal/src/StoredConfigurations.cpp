@@ -12,8 +12,8 @@ namespace Quor::TolvaServices::Local {
 
 using namespace Velora::Store;
 
-Types::InstrumentEventConfigResult StoreConfiguration(Writer& store, long long session, const std::string& sessionGuid,
-                                                      const ConfigurationTexts& texts) {
+Types::InstrumentEventConfigResult StoreConfiguration(OpenStore& store, long long session,
+                                                      const std::string& sessionGuid, const ConfigurationTexts& texts) {
   ConfigurationTexts stored;
   std::transform(texts.begin(), texts.end(), stored.begin(), ToStoredText);
   const std::string guid = NewGuid();
@@ -22,7 +22,7 @@ Types::InstrumentEventConfigResult StoreConfiguration(Writer& store, long long s
   result.SessionId = Types::Tsid(sessionGuid);
   result.Time = Types::DateTimeOffset::Now();
   const std::string savedAt = StoredTimeOf(result.Time);
-  Transaction transaction(store);
+  Transaction transaction(*store.writer);
   std::apply(
       [&](const auto&... text) {
         store.Sql().Run(
@@ -36,15 +36,19 @@ Types::InstrumentEventConfigResult StoreConfiguration(Writer& store, long long s
   return result;
 }
 
-std::optional<long long> ConfigurationRow(Connection& sql, const Types::Tsid& id) {
+std::optional<long long> ConfigurationRow(OpenStore& store, const Types::Tsid& id) {
   if (id == Types::Tsid()) {
     return std::nullopt;
   }
   const std::string guid = GuidOf(id.GetGuid(), "instrument configuration");
-  const auto row = sql.Find<long long>("SELECT configuration_id FROM configurations WHERE guid = ?1", guid);
+  if (const auto known = store.known.Configuration(guid)) {
+    return *known;
+  }
+  const auto row = store.Sql().Find<long long>("SELECT configuration_id FROM configurations WHERE guid = ?1", guid);
   if (!row) {
     throw TsError("instrument configuration '" + guid + "' is not known to this TS; expected one that it has stored");
   }
+  store.known.KeepConfiguration(guid, *row);
   return row;
 }
 

@@ -9,6 +9,8 @@
 
 #include <optional>
 #include <string>
+#include <tuple>
+#include <utility>
 
 namespace Quor::TolvaServices::Local {
 
@@ -20,65 +22,87 @@ using Types::ActivityExecution;
 using Types::ActivityExecutionStatus;
 using Types::Tsid;
 
-/// What an execution is first saved as, and stays.
-struct ExecutionRecord {
-  std::optional<long long> parent;
-  long long root = 0;
-  std::optional<long long> version;
-  std::string node;
-  std::string description;
-  int kind = 0;
-};
+using Record = std::shared_ptr<const ExecutionRecord>;
 
-std::optional<ExecutionRecord> FindRecord(Connection& sql, long long row) {
-  const auto found =
-      sql.Find<std::optional<long long>, long long, std::optional<long long>, std::string, std::string, int>(
-          "SELECT parent_id, root_id, version_id, node, description, kind FROM executions WHERE execution_id = ?1",
-          row);
+std::string GuidOfExecution(const Tsid& id) { return GuidOf(id.GetGuid(), "execution"); }
+
+Record ReadRecord(OpenStore& store, const std::string& guid) {
+  const auto found = store.Sql()
+                         .Find<long long, std::optional<long long>, long long, std::optional<std::string>, std::string,
+                               std::string, int>(
+                             "SELECT x.execution_id, x.parent_id, x.root_id, v.guid, x.node, x.description, x.kind "
+                             "FROM executions x LEFT JOIN activity_versions v ON v.version_id = x.version_id "
+                             "WHERE x.guid = ?1",
+                             guid);
+  if (!found) {
+    throw TsError("execution '" + guid + "' is not known to this TS; expected one that it has stored");
+  }
+  const auto& [row, parent, root, version, node, description, kind] = *found;
+  const auto read = std::make_shared<const ExecutionRecord>(
+      ExecutionRecord{row, parent, root, version ? FindVersion(store, *version) : nullptr, FromStoredText(node),
+                      FromStoredText(description), kind});
+  store.known.Keep(guid, read);
+  return read;
+}
+
+Record FindRecord(OpenStore& store, const std::string& guid) {
+  const Record known = store.known.Execution(guid);
+  return known ? known : ReadRecord(store, guid);
+}
+
+// Asks for the guid too, so that an answer proves that this still is the store that had the row.
+std::optional<ActivityExecutionStatus> NewestStatus(Connection& sql, long long row, const std::string& guid) {
+  const auto found = sql.Find<int, std::string>(
+      "SELECT s.code, s.at FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
+      "WHERE x.execution_id = ?1 AND x.guid = ?2 ORDER BY s.status_id DESC LIMIT 1",
+      row, guid);
   if (!found) {
     return std::nullopt;
   }
-  const auto& [parent, root, version, node, description, kind] = *found;
-  return ExecutionRecord{parent, root, version, node, description, kind};
+  const auto& [code, at] = *found;
+  return ActivityExecutionStatus(
+      static_cast<Types::Enums::ActivityExecStatus>(code),
+      Types::DateTimeOffset::FromMicroseconds(FromStoredTime(at).time_since_epoch().count()));
 }
 
-ExecutionRecord RecordOf(Writer& store, const ActivityExecution& execution) {
-  ExecutionRecord record;
-  if (execution.Parent != nullptr) {
-    record.parent = ExecutionRow(store.Sql(), execution.Parent->Id);
+std::pair<Record, ActivityExecutionStatus> FindWithStatus(OpenStore& store, const std::string& guid) {
+  if (Record known = store.known.Execution(guid)) {
+    if (const auto status = NewestStatus(store.Sql(), known->row, guid)) {
+      return {std::move(known), *status};
+    }
   }
-  record.version = VersionRow(store, execution.ActivityVersion);
-  record.node = ToStoredText(execution.Node);
-  record.description = ToStoredText(execution.Description);
-  record.kind = execution.Kind;
-  return record;
+  Record read = ReadRecord(store, guid);
+  const auto status = NewestStatus(store.Sql(), read->row, guid);
+  return {std::move(read), status.value()};
 }
 
 void AddStatus(Connection& sql, long long row, long long session, int code, const std::string& at) {
   sql.Run("INSERT INTO statuses (execution_id, session_id, code, at) VALUES (?1, ?2, ?3, ?4)", row, session, code, at);
 }
 
-ActivityExecutionStatus NewestStatus(Connection& sql, long long row) {
-  const auto [code, at] =
-      sql.Find<int, std::string>(
-             "SELECT code, at FROM statuses WHERE execution_id = ?1 ORDER BY status_id DESC LIMIT 1", row)
-          .value();
-  return {static_cast<Types::Enums::ActivityExecStatus>(code),
-          Types::DateTimeOffset::FromMicroseconds(FromStoredTime(at).time_since_epoch().count())};
-}
-
-void Insert(Writer& store, long long session, const std::string& guid, const ActivityExecution& execution) {
-  Connection& sql = store.Sql();
-  const ExecutionRecord record = RecordOf(store, execution);
-  // Known before the insertion, since a top-level execution is its own root.
-  const long long row = store.NextKey("executions", "execution_id");
-  const long long root = record.parent ? FindRecord(sql, *record.parent)->root : row;
+/// @return what may be kept after the commit; null if the version is not known yet.
+Record Insert(OpenStore& store, long long session, const std::string& guid, const ActivityExecution& execution) {
+  const Record parent =
+      execution.Parent == nullptr ? nullptr : FindRecord(store, GuidOfExecution(execution.Parent->Id));
+  const std::optional<long long> version = VersionRow(store, execution.ActivityVersion);
+  ExecutionRecord made;
+  // Before the insertion, since a top-level execution is its own root.
+  made.row = store.writer->NextKey("executions", "execution_id");
+  made.parent = parent ? std::optional(parent->row) : std::nullopt;
+  made.root = parent ? parent->root : made.row;
+  made.version =
+      version ? store.known.Version(GuidOf(execution.ActivityVersion.Id.GetGuid(), "activity version")) : nullptr;
+  made.node = execution.Node;
+  made.description = execution.Description;
+  made.kind = execution.Kind;
   const std::string startedAt = StoredTimeOf(execution.Status.Time);
-  sql.Run(
+  store.Sql().Run(
       "INSERT INTO executions (execution_id, guid, parent_id, root_id, session_id, version_id, node, description, "
       "kind, started_at) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)",
-      row, guid, record.parent, root, session, record.version, record.node, record.description, record.kind, startedAt);
-  AddStatus(sql, row, session, static_cast<int>(execution.Status.Code), startedAt);
+      made.row, guid, made.parent, made.root, session, version, ToStoredText(made.node), ToStoredText(made.description),
+      made.kind, startedAt);
+  AddStatus(store.Sql(), made.row, session, static_cast<int>(execution.Status.Code), startedAt);
+  return version && !made.version ? nullptr : std::make_shared<const ExecutionRecord>(std::move(made));
 }
 
 void ExpectUnchanged(bool unchanged, const std::string& guid, const char* what) {
@@ -87,59 +111,58 @@ void ExpectUnchanged(bool unchanged, const std::string& guid, const char* what) 
   }
 }
 
-void Update(Writer& store, long long session, const std::string& guid, const ActivityExecution& execution) {
-  Connection& sql = store.Sql();
-  const long long row = ExecutionRow(sql, execution.Id);
-  const ExecutionRecord stored = FindRecord(sql, row).value();
-  const ExecutionRecord given = RecordOf(store, execution);
-  ExpectUnchanged(given.version == stored.version, guid, "activity version");
-  ExpectUnchanged(given.node == stored.node, guid, "node");
-  ExpectUnchanged(given.description == stored.description, guid, "description");
-  ExpectUnchanged(given.kind == stored.kind, guid, "kind");
-  ExpectUnchanged(!given.parent || given.parent == stored.parent, guid, "parent, or none");
-  const ActivityExecutionStatus newest = NewestStatus(sql, row);
+void Update(OpenStore& store, long long session, const std::string& guid, const ActivityExecution& execution) {
+  const auto [stored, newest] = FindWithStatus(store, guid);
+  const Record parent =
+      execution.Parent == nullptr ? nullptr : FindRecord(store, GuidOfExecution(execution.Parent->Id));
+  const std::optional<long long> version = VersionRow(store, execution.ActivityVersion);
+  ExpectUnchanged(version == (stored->version ? std::optional(stored->version->row) : std::nullopt), guid,
+                  "activity version");
+  ExpectUnchanged(execution.Node == stored->node, guid, "node");
+  ExpectUnchanged(execution.Description == stored->description, guid, "description");
+  ExpectUnchanged(execution.Kind == stored->kind, guid, "kind");
+  ExpectUnchanged(!parent || parent->row == stored->parent, guid, "parent, or none");
   if (execution.Status.Code != newest.Code || execution.Status.Time != newest.Time) {
-    AddStatus(sql, row, session, static_cast<int>(execution.Status.Code), StoredTimeOf(execution.Status.Time));
+    AddStatus(store.Sql(), stored->row, session, static_cast<int>(execution.Status.Code),
+              StoredTimeOf(execution.Status.Time));
   }
 }
 
 }  // namespace
 
-Tsid StoreExecution(Writer& store, long long session, const ActivityExecution& execution) {
+Tsid StoreExecution(OpenStore& store, long long session, const ActivityExecution& execution) {
   const bool known = execution.Id != Tsid();
-  Tsid id(known ? GuidOf(execution.Id.GetGuid(), "execution") : NewGuid());
-  Transaction transaction(store);
+  Tsid id(known ? GuidOfExecution(execution.Id) : NewGuid());
+  const std::string guid = id.GetGuid();
+  Transaction transaction(*store.writer);
   if (known) {
-    Update(store, session, id.GetGuid(), execution);
-  } else {
-    Insert(store, session, id.GetGuid(), execution);
+    Update(store, session, guid, execution);
+    transaction.Commit();
+    return id;
   }
+  const Record made = Insert(store, session, guid, execution);
   transaction.Commit();
+  if (made) {
+    store.known.Keep(guid, made);
+  }
   return id;
 }
 
-ActivityExecution LoadExecution(Connection& sql, const Tsid& id) {
-  const long long row = ExecutionRow(sql, id);
-  const ExecutionRecord record = FindRecord(sql, row).value();
+ActivityExecution LoadExecution(OpenStore& store, const Tsid& id) {
+  const std::string guid = GuidOfExecution(id);
+  const auto [record, status] = FindWithStatus(store, guid);
   ActivityExecution execution;
-  execution.Id = Tsid(GuidOf(id.GetGuid(), "execution"));
-  execution.Node = FromStoredText(record.node);
-  execution.Description = FromStoredText(record.description);
-  execution.Kind = record.kind;
-  execution.Status = NewestStatus(sql, row);
-  if (record.version) {
-    execution.ActivityVersion = LoadVersion(sql, *record.version);
+  execution.Id = Tsid(guid);
+  execution.Node = record->node;
+  execution.Description = record->description;
+  execution.Kind = record->kind;
+  execution.Status = status;
+  if (record->version) {
+    execution.ActivityVersion = record->version->version;
   }
   return execution;
 }
 
-long long ExecutionRow(Connection& sql, const Tsid& id) {
-  const std::string guid = GuidOf(id.GetGuid(), "execution");
-  const auto row = sql.Find<long long>("SELECT execution_id FROM executions WHERE guid = ?1", guid);
-  if (!row) {
-    throw TsError("execution '" + guid + "' is not known to this TS; expected one that it has stored");
-  }
-  return *row;
-}
+long long ExecutionRow(OpenStore& store, const Tsid& id) { return FindRecord(store, GuidOfExecution(id))->row; }
 
 }  // namespace Quor::TolvaServices::Local
