@@ -1,5 +1,6 @@
 #include "Lines.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 #include <type_traits>
@@ -7,28 +8,44 @@
 namespace Quor::Velora::Infra::Logging {
 namespace {
 
-void AppendEscaped(std::string& line, char character) {
-  static constexpr std::string_view digits = "0123456789abcdef";
+bool NeedsEscape(char character) {
   const auto byte = static_cast<unsigned char>(character);
-  if (byte >= 32 && byte != 127) {
-    line += character;
-  } else if (character == '\n') {
+  return byte < 32 || byte == 127;
+}
+
+void AppendEscape(std::string& line, char character) {
+  static constexpr std::string_view digits = "0123456789abcdef";
+  if (character == '\n') {
     line += "\\n";
   } else if (character == '\r') {
     line += "\\r";
   } else if (character == '\t') {
     line += "\\t";
   } else {
+    const auto byte = static_cast<unsigned char>(character);
     line += "\\x";
     line += digits[byte >> 4U];
     line += digits[byte & 15U];
   }
 }
 
+// Appends all that stands before an escape in one piece: most texts need none.
+void AppendEscaped(std::string& line, std::string_view text) {
+  for (auto at = text.begin(); at != text.end();) {
+    const auto escape = std::find_if(at, text.end(), NeedsEscape);
+    line.append(at, escape);
+    at = escape;
+    if (at != text.end()) {
+      AppendEscape(line, *at++);
+    }
+  }
+}
+
 void AppendUtf8(std::string& line, std::uint32_t point) {
   const auto tail = [&line, point](unsigned shift) { line += static_cast<char>(0x80U | ((point >> shift) & 0x3FU)); };
   if (point < 0x80) {
-    AppendEscaped(line, static_cast<char>(point));
+    const auto character = static_cast<char>(point);
+    NeedsEscape(character) ? AppendEscape(line, character) : line.push_back(character);
   } else if (point < 0x800) {
     line += static_cast<char>(0xC0U | (point >> 6U));
     tail(0);
@@ -63,14 +80,14 @@ std::uint32_t NextPoint(std::wstring_view text, std::size_t& at) {
 }  // namespace
 
 std::string LineText(const std::wstring& source, const std::string& message) {
-  std::string line = "[";
+  std::string line;
+  line.reserve(source.size() + message.size() + 3);
+  line += '[';
   for (std::size_t at = 0; at < source.size();) {
     AppendUtf8(line, NextPoint(source, at));
   }
   line += "] ";
-  for (const char character : message) {
-    AppendEscaped(line, character);
-  }
+  AppendEscaped(line, message);
   return line;
 }
 
