@@ -76,9 +76,10 @@ class SqliteCursor : public Cursor {
 
 }  // namespace
 
+// Without SQLite's mutex, which every call would lock: one thread at a time uses a connection.
 SqliteConnection::SqliteConnection(std::string name, const std::string& file, int flags) : Connection(std::move(name)) {
   sqlite3* opened = nullptr;
-  const int result = sqlite3_open_v2(file.c_str(), &opened, flags, nullptr);
+  const int result = sqlite3_open_v2(file.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
   handle.reset(opened);
   if (result == SQLITE_NOMEM) {
     throw std::bad_alloc();
