@@ -3,7 +3,6 @@
 #include "store/Error.h"
 
 #include <array>
-#include <cctype>
 #include <cstdint>
 #include <random>
 
@@ -13,7 +12,8 @@ namespace {
 constexpr std::string_view shape = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
 
 bool FitsShape(char wanted, char character) {
-  return wanted == 'x' ? std::isxdigit(static_cast<unsigned char>(character)) != 0 : character == wanted;
+  const bool isDigit = (character >= '0' && character <= '9') || (character >= 'a' && character <= 'f');
+  return wanted == 'x' ? isDigit : character == wanted;
 }
 
 }  // namespace
@@ -35,8 +35,10 @@ std::string GuidOf(const std::string& given, const char* what) {
   std::string guid = given;
   bool fits = guid.size() == shape.size();
   for (std::size_t at = 0; fits && at < guid.size(); ++at) {
+    if (guid[at] >= 'A' && guid[at] <= 'F') {
+      guid[at] = static_cast<char>(guid[at] - 'A' + 'a');
+    }
     fits = FitsShape(shape[at], guid[at]);
-    guid[at] = static_cast<char>(std::tolower(static_cast<unsigned char>(guid[at])));
   }
   if (!fits) {
     throw Error(std::string(what) + " '" + given + "' is not a guid; expected 32 hexadecimal digits in the form " +

@@ -2,9 +2,7 @@
 
 #include "store/Error.h"
 
-#include <array>
 #include <charconv>
-#include <cstdio>
 #include <string_view>
 
 namespace Velora::Store {
@@ -25,6 +23,13 @@ int PartOf(const std::string& time, std::size_t from, std::size_t length) {
   return number;
 }
 
+template <typename Number>
+void PutDigits(std::string& text, std::size_t at, std::size_t count, Number number) {
+  for (; count > 0; number /= 10) {
+    text[at + --count] = static_cast<char>('0' + number % 10);
+  }
+}
+
 }  // namespace
 
 Time Now() { return floor<microseconds>(system_clock::now()); }
@@ -39,13 +44,15 @@ std::string ToStoredTime(Time time) {
   const auto day = floor<days>(time);
   const year_month_day date(day);
   const hh_mm_ss clock(time - day);
-  std::array<char, 64> text{};
-  static_cast<void>(std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%06dZ",
-                                  static_cast<int>(date.year()), static_cast<unsigned>(date.month()),
-                                  static_cast<unsigned>(date.day()), static_cast<int>(clock.hours().count()),
-                                  static_cast<int>(clock.minutes().count()), static_cast<int>(clock.seconds().count()),
-                                  static_cast<int>(clock.subseconds().count())));
-  return text.data();
+  std::string text(form);
+  PutDigits(text, 0, 4, static_cast<int>(date.year()));
+  PutDigits(text, 5, 2, static_cast<unsigned>(date.month()));
+  PutDigits(text, 8, 2, static_cast<unsigned>(date.day()));
+  PutDigits(text, 11, 2, clock.hours().count());
+  PutDigits(text, 14, 2, clock.minutes().count());
+  PutDigits(text, 17, 2, clock.seconds().count());
+  PutDigits(text, 20, 6, clock.subseconds().count());
+  return text;
 }
 
 Time FromStoredTime(const std::string& stored) {
