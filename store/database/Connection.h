@@ -28,7 +28,8 @@ class Connection {
   /// Prepares a statement whose result can be of any length; it is fetched in portions. On a server, this needs a
   /// transaction.
   virtual std::unique_ptr<Cursor> Prepare(const std::string& statement) = 0;
-  /// Prepares a statement whose result is short; it is fetched at once.
+  /// Prepares a statement that is kept and whose result is short; it is fetched at once. Texts are not copied when they
+  /// are bound: they must stay until the result was read.
   virtual std::unique_ptr<Cursor> PrepareShort(const std::string& statement) = 0;
   /// Runs several statements without values.
   virtual void RunScript(const std::string& statements) = 0;
@@ -75,11 +76,18 @@ class Connection {
 
     Cursor& cursor;
   };
+  /// Most texts differ in their lengths, so few of them need to be compared.
+  struct ShorterFirst {
+    using is_transparent = void;
+    bool operator()(std::string_view one, std::string_view other) const {
+      return one.size() != other.size() ? one.size() < other.size() : one < other;
+    }
+  };
   Cursor& Kept(std::string_view statement);
 
   const std::string name;
   Explainer explain;
-  std::map<std::string, std::unique_ptr<Cursor>, std::less<>> kept;
+  std::map<std::string, std::unique_ptr<Cursor>, ShorterFirst> kept;
 };
 
 /// Opens an empty SQLite database in memory.

@@ -8,10 +8,11 @@ namespace {
 
 class SqliteCursor : public Cursor {
  public:
-  SqliteCursor(const SqliteConnection& connection, const std::string& text) : connection(connection) {
+  SqliteCursor(const SqliteConnection& connection, const std::string& text, bool isKept)
+      : connection(connection), boundTexts(isKept ? SQLITE_STATIC : SQLITE_TRANSIENT) {
     sqlite3_stmt* prepared = nullptr;
-    Expect(
-        sqlite3_prepare_v2(connection.Handle(), text.c_str(), static_cast<int>(text.size() + 1), &prepared, nullptr));
+    Expect(sqlite3_prepare_v3(connection.Handle(), text.c_str(), static_cast<int>(text.size() + 1),
+                              isKept ? SQLITE_PREPARE_PERSISTENT : 0, &prepared, nullptr));
     statement.reset(prepared);
   }
 
@@ -25,7 +26,7 @@ class SqliteCursor : public Cursor {
   void Bind(int place, double value) override { Expect(sqlite3_bind_double(statement.get(), place, value)); }
   void Bind(int place, std::string_view value) override {
     const char* const text = value.data() == nullptr ? "" : value.data();  // a null pointer would bind NULL
-    Expect(sqlite3_bind_text64(statement.get(), place, text, value.size(), SQLITE_TRANSIENT, SQLITE_UTF8));
+    Expect(sqlite3_bind_text64(statement.get(), place, text, value.size(), boundTexts, SQLITE_UTF8));
   }
   bool Next() override {
     if (over) {
@@ -70,6 +71,7 @@ class SqliteCursor : public Cursor {
   }
 
   const SqliteConnection& connection;
+  const sqlite3_destructor_type boundTexts;
   std::unique_ptr<sqlite3_stmt, decltype(&sqlite3_finalize)> statement{nullptr, &sqlite3_finalize};
   bool over = false;
 };
@@ -90,7 +92,11 @@ SqliteConnection::SqliteConnection(std::string name, const std::string& file, in
 }
 
 std::unique_ptr<Cursor> SqliteConnection::Prepare(const std::string& statement) {
-  return std::make_unique<SqliteCursor>(*this, statement);
+  return std::make_unique<SqliteCursor>(*this, statement, false);
+}
+
+std::unique_ptr<Cursor> SqliteConnection::PrepareShort(const std::string& statement) {
+  return std::make_unique<SqliteCursor>(*this, statement, true);
 }
 
 void SqliteConnection::RunScript(const std::string& statements) {

@@ -20,7 +20,7 @@ class SqliteConnection : public Connection {
   ~SqliteConnection() override { ForgetStatements(); }
 
   std::unique_ptr<Cursor> Prepare(const std::string& statement) override;
-  std::unique_ptr<Cursor> PrepareShort(const std::string& statement) override { return Prepare(statement); }
+  std::unique_ptr<Cursor> PrepareShort(const std::string& statement) override;
   void RunScript(const std::string& statements) override;
 
   sqlite3* Handle() const { return handle.get(); }
