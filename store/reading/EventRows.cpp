@@ -18,14 +18,18 @@ EventRows::EventRows(const Reader& store, const std::string& columns, const std:
 bool EventRows::Next() {
   while (begun && NextParameter()) {
   }
-  return begun = events.Next();
+  begun = events.Next();
+  if (begun) {
+    event = events.Integer(0);
+  }
+  return begun;
 }
 
 bool EventRows::NextParameter() {
   if (onParameter) {
     more = parameters.Next();
   }
-  return onParameter = more && parameters.Integer(eventColumn) == events.Integer(0);
+  return onParameter = more && parameters.Integer(eventColumn) == event;
 }
 
 }  // namespace Velora::Store

@@ -37,6 +37,7 @@ class EventRows {
 
  private:
   Rows events, parameters;
+  long long event = 0;       // the number of the current event
   bool begun = false;        // whether `events` stands on an event
   bool more = false;         // whether `parameters` stands on a parameter
   bool onParameter = false;  // whether NextParameter() returned that parameter

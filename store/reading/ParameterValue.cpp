@@ -11,23 +11,26 @@ namespace {
 
 enum Column { Position, Name, Kind, Text, Number };
 
+bool IsTruth(const Rows& parameters) {
+  const double number = parameters.Number(Number);
+  return (number == 1 || (number == 0 && !std::signbit(number))) && parameters.IsNumber(Number) &&
+         parameters.Whole(Kind) == "bool";
+}
+
 }  // namespace
 
 void AppendParameterValue(std::string& json, const Rows& parameters) {
   const bool hasText = !parameters.IsNull(Text);
-  const bool hasNumber = !parameters.IsNull(Number);
-  const double number = parameters.Number(Number);
-  if (hasText && hasNumber) {  // no host does that; it must not look like either
+  if (hasText && !parameters.IsNull(Number)) {  // no host does that; it must not look like either
     json += '[';
     parameters.AppendValue(json, Text);
     json += ',';
     parameters.AppendValue(json, Number);
     json += ']';
-  } else if (parameters.IsNumber(Number) && ((number == 0 && !std::signbit(number)) || number == 1) &&
-             parameters.Whole(Kind) == "bool") {
-    json += number == 0 ? "false" : "true";
-  } else {
+  } else if (hasText || !IsTruth(parameters)) {
     parameters.AppendValue(json, hasText ? Text : Number);
+  } else {
+    json += parameters.Number(Number) == 0 ? "false" : "true";
   }
 }
 
@@ -37,21 +40,32 @@ void ExpectShowable(const Rows& parameters) {
 }
 
 bool IsText(const Rows& parameters) {
+  if (parameters.IsNull(Text)) {
+    return false;
+  }
   const std::string_view text = parameters.Text(Text);
-  return !parameters.IsNull(Text) &&
-         (parameters.Text(Kind) != "double" || (text != "-0.0" && !text.starts_with("NaN:")));
+  return parameters.Text(Kind) != "double" || (text != "-0.0" && !text.starts_with("NaN:"));
 }
 
 std::string ValueInWords(const Rows& parameters) {
+  std::string words;
+  AppendValueInWords(words, parameters);
+  return words;
+}
+
+bool AppendValueInWords(std::string& words, const Rows& parameters) {
   if (IsText(parameters)) {
-    return Readable(parameters.Text(Text));
+    AppendReadable(words, parameters.Text(Text));
+    return true;
   }
   if (!parameters.IsNull(Text)) {
-    return parameters.Text(Text) == "-0.0" ? "-0.0" : "NaN";
+    words += parameters.Text(Text) == "-0.0" ? "-0.0" : "NaN";
+  } else {
+    std::string value;
+    AppendParameterValue(value, parameters);
+    words += value == "1e999" ? "inf" : value == "-1e999" ? "-inf" : value;
   }
-  std::string value;
-  AppendParameterValue(value, parameters);
-  return value == "1e999" ? "inf" : value == "-1e999" ? "-inf" : value;
+  return false;
 }
 
 }  // namespace Velora::Store

@@ -13,6 +13,8 @@ void AppendParameterValue(std::string& json, const Rows& parameters);
 
 /// The value for a reader: a text as it was given, true or false, a number in digits, "NaN", "inf".
 std::string ValueInWords(const Rows& parameters);
+/// Appends that. @return whether the host recorded a text.
+bool AppendValueInWords(std::string& words, const Rows& parameters);
 
 /// Whether the host recorded a text. Some numbers, such as NaN, are stored as texts too.
 bool IsText(const Rows& parameters);

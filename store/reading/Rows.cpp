@@ -46,7 +46,7 @@ std::string Rows::PlaceOf(int column) const {
 void Rows::Append(std::string& json, int column) const {
   switch (cursor->TypeOf(column)) {
     case Cursor::Type::Integer:
-      json += std::to_string(Integer(column));
+      AppendInteger(json, Integer(column));
       break;
     case Cursor::Type::Number:
       AppendNumber(json, Number(column));

@@ -16,8 +16,7 @@ namespace {
 
 constexpr int format = 1;
 
-// A column whose name begins with this mark is not written: it has the key of a record to which this one refers, and
-// the rest of its name is the kind of that record.
+// The name of a column that is not written begins with this mark (Rows::AppendValue()).
 constexpr char keyMark = '_';
 
 Kind KindNamed(std::string_view name) {
@@ -39,29 +38,51 @@ std::string ValueOf(const Column& column) {
          value + "), CAST(" + value + " AS TEXT))";
 }
 
-/// What is asked of the rows of a kind, which are called v, to write their records.
-std::string ColumnsOf(Kind kind) {
-  std::vector<std::string> fields;
+/// How a row of a kind is asked for and written.
+struct Form {
+  std::string columns;              ///< What is asked of the row, which is called v: the fields, then the references.
+  std::string begin;                ///< The beginning of the record.
+  std::vector<std::string> fields;  ///< The beginning of each field.
+  std::vector<Kind> references;     ///< The kinds of the records to which it refers, and which stand before it.
+};
+
+Form MakeForm(Kind kind) {
+  Form form;
+  form.begin = std::string("{\"record\":\"") + kindNames[kind] + '"';
+  std::vector<std::string> columns;
   std::vector<std::string> keys;
   for (const Column& column : TableOf(kind).RecordColumns()) {
-    fields.push_back(ValueOf(column) + " AS " + column.Field());
+    columns.push_back(ValueOf(column) + " AS " + column.Field());
+    form.fields.push_back(",\"" + column.Field() + "\":");
     if (IsWrittenBefore(column)) {
-      keys.push_back("v." + column.name + " AS " + keyMark + TableNamed(column.refersTo).record);
+      const std::string& record = TableNamed(column.refersTo).record;
+      keys.push_back("v." + column.name + " AS " + keyMark + record);
+      form.references.push_back(KindNamed(record));
     }
   }
-  fields.insert(fields.end(), keys.begin(), keys.end());
-  return Listed(fields);
+  columns.insert(columns.end(), keys.begin(), keys.end());
+  form.columns = Listed(columns);
+  return form;
+}
+
+const Form& FormOf(Kind kind) {
+  static const std::array<Form, kindCount> forms = [] {
+    std::array<Form, kindCount> all;
+    std::transform(kinds.begin(), kinds.end(), all.begin(), &MakeForm);
+    return all;
+  }();
+  return forms[kind];
 }
 
 // The condition of the rows behind one number and up to another, in their order.
 std::string Between(const std::string& key) { return key + " > ?1 AND " + key + " <= ?2 ORDER BY " + key; }
 
 Rows Question(const Reader& store, Kind kind, const std::string& which) {
-  return {store, "SELECT " + ColumnsOf(kind) + " FROM " + TableOf(kind).name + " v WHERE " + which};
+  return {store, "SELECT " + FormOf(kind).columns + " FROM " + TableOf(kind).name + " v WHERE " + which};
 }
 
 EventRows EventsWhere(const Reader& store, const std::string& condition) {
-  return {store, ColumnsOf(Events), TableOf(Events).name + " v", condition};
+  return {store, FormOf(Events).columns, TableOf(Events).name + " v", condition};
 }
 
 }  // namespace
@@ -141,11 +162,16 @@ void Records::BeginPart(const std::string& header, bool references) {
   sink(header + '\n');
 }
 
-void Records::WriteReferences(const Rows& from) {
-  for (int column = 0; withReferences && column < from.Columns(); ++column) {
-    if (*from.Name(column) == keyMark && !from.IsNull(column)) {
-      WriteOnce(KindNamed(from.Name(column) + 1), from.Integer(column));
+void Records::WriteReferences(Kind kind, const Rows& rows) {
+  if (!withReferences) {
+    return;
+  }
+  int column = static_cast<int>(FormOf(kind).fields.size());
+  for (const Kind reference : FormOf(kind).references) {
+    if (!rows.IsNull(column)) {
+      WriteOnce(reference, rows.Integer(column));
     }
+    ++column;
   }
 }
 
@@ -164,7 +190,7 @@ void Records::WriteOnce(Kind kind, long long key) {
 }
 
 void Records::Write(Kind kind, const Rows& rows) {
-  WriteReferences(rows);
+  WriteReferences(kind, rows);
   BeginLine(kind, rows);
   EndLine();
 }
@@ -177,7 +203,7 @@ void Records::WriteAll(Kind kind, Rows& rows) {
 
 void Records::WriteEvents(EventRows& rows) {
   while (rows.Next()) {
-    WriteReferences(rows.Event());
+    WriteReferences(Events, rows.Event());
     BeginLine(Events, rows.Event());
     line += ",\"parameters\":[";
     for (const char* separator = ""; rows.NextParameter(); separator = ",") {
@@ -191,14 +217,11 @@ void Records::WriteEvents(EventRows& rows) {
 
 void Records::BeginLine(Kind kind, const Rows& rows) {
   ++counts[kind];
-  line = "{\"record\":\"";
-  line += kindNames[kind];
-  line += '"';
-  for (int column = 0; column < rows.Columns() && *rows.Name(column) != keyMark; ++column) {
-    line += ",\"";
-    line += rows.Name(column);
-    line += "\":";
-    rows.AppendValue(line, column);
+  line = FormOf(kind).begin;
+  int column = 0;
+  for (const std::string& field : FormOf(kind).fields) {
+    line += field;
+    rows.AppendValue(line, column++);
   }
 }
 

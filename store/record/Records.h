@@ -86,7 +86,7 @@ class Records {
  private:
   void BeginPart(const std::string& header, bool withReferences);
   /// Writes the records to which a row refers and that are not in this part yet.
-  void WriteReferences(const Rows& from);
+  void WriteReferences(Kind kind, const Rows& rows);
   void WriteOnce(Kind kind, long long key);
   /// Writes the current row, after the records to which it refers.
   void Write(Kind kind, const Rows& rows);

@@ -11,11 +11,18 @@ namespace {
 
 constexpr double exactWhole = 9007199254740992.0;
 
+constexpr std::array<bool, 256> isPlain = [] {
+  std::array<bool, 256> plain{};
+  for (std::size_t byte = 0x20; byte < 0x7F; ++byte) {
+    plain[byte] = byte != '"' && byte != '\\';
+  }
+  return plain;
+}();
+
 // The length of the beginning of a text that is ASCII and needs no escapes.
 std::size_t PlainLength(std::string_view text) {
   std::size_t length = 0;
-  while (length < text.size() && text[length] >= 0x20 && text[length] < 0x7F && text[length] != '"' &&
-         text[length] != '\\') {
+  while (length < text.size() && isPlain[static_cast<unsigned char>(text[length])]) {
     ++length;
   }
   return length;
@@ -57,6 +64,11 @@ void AppendText(std::string& json, std::string_view text) {
     text.remove_prefix(length);
   }
   json += '"';
+}
+
+void AppendInteger(std::string& json, long long number) {
+  std::array<char, 20> digits{};
+  json.append(digits.data(), std::to_chars(digits.begin(), digits.end(), number).ptr);
 }
 
 void AppendNumber(std::string& json, double number) {

@@ -9,6 +9,8 @@ namespace Velora::Store {
 
 /// Appends a text. A byte that belongs to no character becomes "\udcXX"; only another program can have stored it.
 void AppendText(std::string& json, std::string_view text);
+/// Appends a whole number.
+void AppendInteger(std::string& json, long long number);
 /// Appends the shortest digits from which the same number is read; whole numbers below 2^53 without an exponent,
 /// infinity as 1e999.
 void AppendNumber(std::string& json, double number);
