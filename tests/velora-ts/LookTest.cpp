@@ -112,14 +112,19 @@ TEST_F(Look, FitsTheTerminalAndNeverSteersIt) {
 }
 
 TEST_F(Look, ExportsATableThatIsReadAsItWasMeant) {
+  // The first execution goes on after the second one; columns stand in the order of saving.
+  EXPECT_EQ(Shell("sqlite3 ts.db \"INSERT INTO events VALUES (7, 1, 5, NULL, 'late', '2026-11-26T10:00:05.000000Z'); "
+                  "INSERT INTO parameters VALUES (7, 1, 'Late', 'int', NULL, 1), (7, 2, 'T', 'int', NULL, 2)\""),
+            0);
   ASSERT_EQ(Tool("export --since 2026-11-26 --format csv > t.csv"), 0) << said;
   EXPECT_EQ(ContentOf(folder / "t.csv"),
-            "\uFEFFnumber,at,run,execution,node,activity,event,T,T (2),at (2),'@N,B,Empty,Quote,Tab,Inf,Bad,I\r\n"
+            "\uFEFFnumber,at,run,execution,node,activity,event,T,T (2),at (2),'@N,B,Empty,Quote,Tab,Inf,Bad,I,Late\r\n"
             "4,2026-11-26T10:00:01.250000Z,ffffffff-0000-4000-8000-000000000000,ffffffff-1,step,,'=cmd(),+3.10,'-1+1,"
-            "\"a \"\"q\"\",\nb\",NaN,true,\"\",''x,\"'\tx\",,,\r\n"
+            "\"a \"\"q\"\",\nb\",NaN,true,\"\",''x,\"'\tx\",,,,\r\n"
             "5,2026-11-26T10:00:03.000000Z,ffffffff-0000-4000-8000-000000000000,ffffffff-2,a long name of a step,,e,"
-            "'=1,,,-0.0,false,,,,-inf,\uFFFD\uFFFD,9007199254740992\r\n"
-            "6,2026-11-26T10:00:04.000000Z,,,,,of no run,,,,,,,,,,,\r\n");
+            "'=1,,,-0.0,false,,,,-inf,\uFFFD\uFFFD,9007199254740992,\r\n"
+            "7,2026-11-26T10:00:05.000000Z,ffffffff-0000-4000-8000-000000000000,ffffffff-1,step,,late,2,,,,,,,,,,,1\r\n"
+            "6,2026-11-26T10:00:04.000000Z,,,,,of no run,,,,,,,,,,,,\r\n");
 }
 
 TEST_F(Look, ExportsATableByTheRulesOfThePage) {
