@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <new>
-#include <regex>
 #include <utility>
 
 namespace Velora::Store {
@@ -16,13 +15,19 @@ namespace {
 // The client library can have a part of a result in its buffer, of which the socket does not know; so it is polled.
 constexpr std::chrono::milliseconds longestLook{100};
 
-// Removes the severity that precedes the message.
-std::string OnOneLine(const char* message) {
-  static const std::regex before(R"(^(ERROR|FATAL|PANIC): +)");
-  static const std::regex breaks(R"(\s*\n\s*)");
-  std::string text = message;
-  text.erase(text.find_last_not_of(" \n") + 1);
-  return std::regex_replace(std::regex_replace(text, before, ""), breaks, "; ");
+// Without the severity that precedes the message.
+std::string OnOneLine(std::string_view rest) {
+  static constexpr std::string_view space = " \t\n\v\f\r";
+  rest = rest.substr(0, rest.find_last_not_of(" \n") + 1);
+  if (rest.starts_with("ERROR: ") || rest.starts_with("FATAL: ") || rest.starts_with("PANIC: ")) {
+    rest.remove_prefix(rest.find_first_not_of(' ', rest.find(' ')));
+  }
+  std::string line;
+  for (std::size_t end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
+    line.append(rest.substr(0, rest.find_last_not_of(space, end) + 1)).append("; ");
+    rest.remove_prefix(std::min(rest.find_first_not_of(space, end), rest.size()));
+  }
+  return line.append(rest);
 }
 
 std::string TextOf(const char* value) { return value == nullptr ? "" : value; }

@@ -49,6 +49,8 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
       {"export --since 2026-11-26", 0, "\"number\":4,\"guid\":\"ffffffff"},
       {"export --since 2026-11-26 --until 2026-11-26T00Z", 0, "{\"record\":\"rest\",\"format\":1}\n"},
       {"export --since yesterday", 2, "expected UTC"},
+      {"export --since 2026-11-26T24", 2, "expected UTC"},
+      {"export --since 2026-11-26T1", 2, "expected UTC"},
       {"export last --since 2026-11-26", 2, "excludes"},
       {"export --until 2026-11-26 last", 2, "--since"},
       {"export last --format xml", 2, "xml"},

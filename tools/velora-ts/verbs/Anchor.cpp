@@ -6,7 +6,8 @@
 #include "store/Error.h"
 
 #include <algorithm>
-#include <regex>
+#include <optional>
+#include <string_view>
 
 namespace Velora::Ts {
 
@@ -16,16 +17,32 @@ namespace {
 
 constexpr std::uintmax_t largestFile = 1024;
 
+bool Consists(std::string_view text, std::string_view characters) {
+  return text.find_first_not_of(characters) == std::string_view::npos;
+}
+
+// "seal 12 8f3a...", with the end of the line.
+std::optional<Anchor> AnchorIn(std::string_view line) {
+  static constexpr std::string_view start = "seal ";
+  const std::size_t gap = line.find(' ', start.size());
+  if (!line.starts_with(start) || !line.ends_with('\n') || gap == std::string_view::npos) {
+    return std::nullopt;
+  }
+  const std::string_view number = line.substr(start.size(), gap - start.size());
+  const std::string_view hash = line.substr(gap + 1, line.size() - gap - 2);
+  const bool right = !number.empty() && number.size() <= 18 && Consists(number, "0123456789") && hash.size() == 64 &&
+                     Consists(hash, "0123456789abcdef");
+  return right ? std::optional(Anchor{std::stoll(std::string(number)), std::string(hash)}) : std::nullopt;
+}
+
 }  // namespace
 
 Anchor ReadAnchor(const std::string& file) {
-  const std::string content = Store::ReadWholeFile(file, largestFile);
-  static const std::regex form("seal (\\d{1,18}) ([0-9a-f]{64})\n");
-  std::smatch parts;
-  if (!std::regex_match(content, parts, form)) {
+  const std::optional<Anchor> anchor = AnchorIn(Store::ReadWholeFile(file, largestFile));
+  if (!anchor) {
     throw Error("file '" + file + "' is not an anchor; expected 'seal', a number and 64 hexadecimal digits");
   }
-  return {std::stoll(parts[1]), parts[2]};
+  return *anchor;
 }
 
 void WriteAnchor(const std::string& file, const Anchor& anchor) {
