@@ -16,16 +16,24 @@ std::string LogOf(sqlite3* database) { return sqlite3_filename_wal(sqlite3_db_fi
 std::string SharedMemoryOf(sqlite3* database) { return std::string(sqlite3_db_filename(database, "main")) + "-shm"; }
 
 SqliteFiles::SqliteFiles(sqlite3* database, const std::string& name)
-    : database(database), main(Find(name)), log{Find(LogOf(database)), Find(SharedMemoryOf(database))} {}
+    : database(database), main{Find(name)}, log{Find(LogOf(database)), Find(SharedMemoryOf(database))} {
+  if (const std::string opened = sqlite3_db_filename(database, "main"); opened != name) {
+    main.push_back(Find(opened));
+  }
+  int moved = 0;
+  sqlite3_file_control(database, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
+  if (moved != 0) {
+    main.front().id = {};  // what was found is another file
+  }
+}
 
-// SQLite removes the log only when the last connection is closed, so not while this one is open.
+// SQLite removes the log only when the last connection is closed, so not while this one is open. No new file can have
+// the identity of one that is open.
 bool SqliteFiles::AreInPlace() const {
   const auto isInPlace = [](const File& file) {
     return file.id != System::FileId() && file.id == System::IdOf(file.path);
   };
-  int moved = 0;
-  sqlite3_file_control(database, "main", SQLITE_FCNTL_HAS_MOVED, &moved);
-  return moved == 0 && isInPlace(main) && std::all_of(log.begin(), log.end(), isInPlace);
+  return std::all_of(main.begin(), main.end(), isInPlace) && std::all_of(log.begin(), log.end(), isInPlace);
 }
 
 // When the last connection is closed, SQLite moves its log into the database, even a log that was deleted, and then

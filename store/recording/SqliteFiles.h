@@ -6,6 +6,7 @@
 
 #include <array>
 #include <string>
+#include <vector>
 
 namespace Velora::Store {
 
@@ -32,7 +33,7 @@ class SqliteFiles {
   static File Find(const std::string& path) { return {path, System::IdOf(path)}; }
 
   sqlite3* const database;
-  const File main;
+  std::vector<File> main;  // as others find it, and as SQLite opened it if that is another path
   const std::array<File, 2> log;
 };
 
