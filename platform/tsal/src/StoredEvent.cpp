@@ -41,6 +41,7 @@ Velora::Store::EventRow ToStored(const Types::InstrumentEvent& event) {
   Velora::Store::EventRow row;
   row.name = Velora::Store::ToStoredText(event.Name);
   row.at = StoredTimeOf(event.TimeStamp);
+  row.parameters.reserve(event.Parameters.size());
   for (const auto& parameter : event.Parameters) {
     if (!parameter) {
       throw TsError("event '" + event.Name + "' has no parameter at position " +
