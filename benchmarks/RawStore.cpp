@@ -21,23 +21,22 @@ constexpr std::array<Row, 4> parameters{{{"Good", "bool", nullptr, 1},
 }  // namespace
 
 RawStore::RawStore(const std::string& path) {
-  if (sqlite3_open(path.c_str(), &database) != SQLITE_OK ||
+  if (sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr) != SQLITE_OK ||
       sqlite3_exec(database, "PRAGMA synchronous = FULL; PRAGMA foreign_keys = ON; PRAGMA busy_timeout = 30000",
                    nullptr, nullptr, nullptr) != SQLITE_OK) {
     throw std::runtime_error(path + ": " + sqlite3_errmsg(database));
   }
   begin = Prepare("BEGIN IMMEDIATE");
-  findExecution = Prepare("SELECT execution_id FROM executions ORDER BY execution_id DESC LIMIT 1");
-  insertEvent = Prepare(
-      "INSERT INTO events (session_id, execution_id, configuration_id, name, at) "
-      "VALUES (1, ?, NULL, 'Exposure', '2026-11-25T02:09:21.123456Z')");
+  insertEvent =
+      Prepare("INSERT INTO events (session_id, execution_id, configuration_id, name, at) VALUES (1, ?, ?, ?, ?)");
   insertParameter = Prepare(
       "INSERT INTO parameters (event_id, position, name, kind, value_text, value_number) VALUES (?, ?, ?, ?, ?, ?)");
   commit = Prepare("COMMIT");
+  BindEvent();
 }
 
 RawStore::~RawStore() {
-  for (sqlite3_stmt* const statement : {begin, findExecution, insertEvent, insertParameter, commit}) {
+  for (sqlite3_stmt* const statement : {begin, insertEvent, insertParameter, commit}) {
     sqlite3_finalize(statement);
   }
   sqlite3_close(database);
@@ -45,7 +44,7 @@ RawStore::~RawStore() {
 
 void RawStore::SaveEvent() {
   Run(begin);
-  InsertEvent();
+  Run(insertEvent);
   for (int position = 1; position <= 4; ++position) {
     InsertParameter(position);
   }
@@ -53,7 +52,7 @@ void RawStore::SaveEvent() {
 }
 
 void RawStore::SaveEventRowByRow() {
-  InsertEvent();
+  Run(insertEvent);
   for (int position = 1; position <= 4; ++position) {
     InsertParameter(position);
   }
@@ -67,11 +66,15 @@ void RawStore::AddEvents(int count) {
   Run(commit);
 }
 
-void RawStore::InsertEvent() {
-  sqlite3_step(findExecution);
-  sqlite3_bind_int64(insertEvent, 1, sqlite3_column_int64(findExecution, 0));
-  sqlite3_reset(findExecution);
-  Run(insertEvent);
+void RawStore::BindEvent() {
+  sqlite3_stmt* const newest =
+      Prepare("SELECT (SELECT MAX(execution_id) FROM executions), (SELECT MAX(configuration_id) FROM configurations)");
+  sqlite3_step(newest);
+  sqlite3_bind_value(insertEvent, 1, sqlite3_column_value(newest, 0));
+  sqlite3_bind_value(insertEvent, 2, sqlite3_column_value(newest, 1));
+  sqlite3_finalize(newest);
+  sqlite3_bind_text(insertEvent, 3, "Exposure", -1, SQLITE_STATIC);
+  sqlite3_bind_text(insertEvent, 4, "2026-11-25T02:09:21.123456Z", -1, SQLITE_STATIC);
 }
 
 void RawStore::InsertParameter(int position) {

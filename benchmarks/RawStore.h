@@ -9,7 +9,7 @@ struct sqlite3_stmt;
 /// interface, with statements prepared once and the same settings.
 class RawStore {
  public:
-  /// @param database a store that was recorded in before.
+  /// @param database a store that was recorded in before; the events belong to its newest execution.
   explicit RawStore(const std::string& database);
   RawStore(const RawStore&) = delete;
   RawStore& operator=(const RawStore&) = delete;
@@ -23,14 +23,13 @@ class RawStore {
   void AddEvents(int count);
 
  private:
-  void InsertEvent();
+  void BindEvent();
   void InsertParameter(int position);
   void Run(sqlite3_stmt* statement);
   sqlite3_stmt* Prepare(const char* text);
 
   sqlite3* database = nullptr;
   sqlite3_stmt* begin = nullptr;
-  sqlite3_stmt* findExecution = nullptr;
   sqlite3_stmt* insertEvent = nullptr;
   sqlite3_stmt* insertParameter = nullptr;
   sqlite3_stmt* commit = nullptr;

@@ -3,6 +3,7 @@
 //   store-benchmark --growth EVENTS: memory in use and size of the file after each tenth of so many events.
 
 #include "RawStore.h"
+#include "RecordingHost.h"
 #include "Run.h"
 #include "support/ScratchFolder.h"
 
@@ -109,6 +110,19 @@ void SaveRaw(benchmark::State& state) {
   Repeat(state, [&] { raw.SaveEvent(); });
 }
 BENCHMARK(SaveRaw)->Name("save/raw")->UseRealTime();
+
+void SaveByHost(benchmark::State& state) {
+  const RecordingHost host;
+  Repeat(state, [&] { host.SaveEvent(); });
+}
+BENCHMARK(SaveByHost)->Name("host/file")->UseRealTime();
+
+void SaveRawForHost(benchmark::State& state) {
+  const RecordingHost host;
+  RawStore raw(host.Store().string());
+  Repeat(state, [&] { raw.SaveEvent(); });
+}
+BENCHMARK(SaveRawForHost)->Name("host/file-raw")->UseRealTime();
 
 void SaveRowByRow(benchmark::State& state) {
   const Store store;
