@@ -94,6 +94,11 @@ export class Chart {
     }
   }
 
+  /** Draws anew what an option names, and leaves the rest of the drawing. */
+  change(option) {
+    this.echarts.setOption(option, { replaceMerge: ['series'] });
+  }
+
   /** Puts a finished picture in the place of the drawing: paper does not wait for the next frame. */
   standStill() {
     const picture = this.echarts.renderToCanvas({ pixelRatio: 3 });

@@ -1,18 +1,22 @@
 // The lanes of the timeline: one for each level of the tree, in which what overlaps lies in sub-lanes, then one for
 // each kind of event. What there is no room for shares the last lane.
 
-/** Distributes executions, sorted by their start, over as few sub-lanes as keep them apart. */
+/**
+ * Distributes executions, sorted by their start, over as few sub-lanes as keep them apart. `reach` is how far each and
+ * all before it reach.
+ */
 function packed(recorded, executions, mostSubLanes) {
   const lanes = [];
   for (const at of executions) {
-    let lane = lanes.findIndex((candidate) => candidate.end <= recorded.started[at]);
+    let lane = lanes.findIndex(({ reach }) => reach[reach.length - 1] <= recorded.started[at]);
     if (lane < 0) {
-      lane = lanes.length < mostSubLanes ? lanes.push({ executions: [] }) - 1 : mostSubLanes - 1;
+      lane = lanes.length < mostSubLanes ? lanes.push({ executions: [], reach: [] }) - 1 : mostSubLanes - 1;
     }
-    lanes[lane].executions.push(at);
-    lanes[lane].end = Math.max(lanes[lane].end ?? -Infinity, recorded.endOf(at));
+    const { executions: own, reach } = lanes[lane];
+    own.push(at);
+    reach.push(Math.max(reach[reach.length - 1] ?? -Infinity, recorded.endOf(at)));
   }
-  return lanes.map((lane) => lane.executions);
+  return lanes;
 }
 
 /** What most of a level are. */
@@ -60,14 +64,4 @@ export function lanesOf(recorded, room) {
     top += lane.height + 7;
   }
   return lanes;
-}
-
-/** First place in a sorted list where a number is not below another. */
-export function lowerBound(list, wanted, numberOfItem) {
-  let [low, high] = [0, list.length];
-  while (low < high) {
-    const middle = (low + high) >> 1;
-    [low, high] = numberOfItem(list[middle]) < wanted ? [middle + 1, high] : [low, middle];
-  }
-  return low;
 }

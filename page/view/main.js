@@ -53,7 +53,7 @@ function redraw() {
 time.onChange(
   oncePerFrame(() => {
     showWindow();
-    timeline.draw();
+    timeline.drawWindow();
     plot?.drawWindow();
   }),
 );

@@ -3,13 +3,18 @@
 import { Chart, isPrinting, left, plain, right, shortened, timeAxis } from './chart.js';
 import { colour, statusColour } from './colours.js';
 import { make } from './element.js';
+import { drawnOf, fewPoints, placesIn, Points, rangeOf, side } from './points.js';
+import { barsIn, barsOfEnds, slicesOf } from './slices.js';
 import { done, statusName } from './statuses.js';
 import { count, eventName } from './text.js';
 import { elapsed } from './time-window.js';
 import { numberOf } from './values.js';
 
 const plotHeight = () => (isPrinting() ? 170 : 300);
-const manyPoints = 5000;
+const [top, bottom] = [12, 44]; // around the drawing
+// Pixels of each of many points: below 4, ECharts fills squares, which takes much less time than other shapes, but only
+// on the screen.
+const manySize = () => (isPrinting() ? 4 : 3.9);
 
 /** What a tilt series is looked at for: [y, x]. */
 const sensiblePairs = [
@@ -96,82 +101,110 @@ export class Plot {
 
   draw() {
     this.chart.fit(plotHeight());
-    const kind = this.recorded.kinds.find((candidate) => candidate.name === this.y.event);
-    const { points, left: notDrawn } = this.pointsOf(kind);
-    this.binned = kind.slices !== null && this.x === null;
-    const codes = [...new Set(points.map((point) => point.code))];
-    this.groups = codes.map((code) => ({ code, points: points.filter((point) => point.code === code) }));
-    if (this.binned) {
-      this.groups.forEach((group) => this.bin(group));
+    if (this.read?.y !== this.y || this.read.x !== this.x) {
+      this.read = this.pointsOf(this.recorded.kinds.find((kind) => kind.name === this.y.event));
     }
-    this.tell(kind, points.length, notDrawn);
     this.chart.draw({
-      grid: { left, right, top: 12, bottom: 44, outerBoundsMode: 'none' },
-      xAxis: this.axisX(),
+      grid: { left, right, top, bottom, outerBoundsMode: 'none' },
       yAxis: this.axis(this.y, { nameGap: 62, nameLocation: 'middle', nameRotate: 90 }),
-      series: this.groups.map((group) => (this.binned ? this.barSeries(group) : this.pointSeries(group))),
+      ...this.inTheTimeShown(),
     });
   }
 
   /** The time shown has changed. */
   drawWindow() {
-    if (this.x !== null) {
-      this.draw();
-      return;
-    }
-    Object.assign(this.element.dataset, { from: this.time.from, to: this.time.to });
-    this.chart.echarts.setOption({ xAxis: this.axisX() });
+    this.chart.change(this.inTheTimeShown());
   }
 
+  /** The points of what is chosen, in a group for each status of an execution. */
   pointsOf(kind) {
-    const points = [];
-    let notDrawn = 0;
+    const { recorded, x: quantityX, y: quantityY } = this;
+    const groups = new Map();
+    const noNumber = [];
     for (const event of kind.events) {
-      const value = this.recorded.valueOf(event, this.y);
-      if (value === undefined || (this.x !== null && (event.at < this.time.from || event.at > this.time.to))) {
+      const value = recorded.valueOf(event, quantityY);
+      if (value === undefined) {
         continue;
       }
       const y = numberOf(value);
-      const x = this.x === null ? event.at : numberOf(this.recorded.valueOf(event, this.x));
+      const x = quantityX === null ? event.at : numberOf(recorded.valueOf(event, quantityX));
+      const code = recorded.status[event.execution];
       if (Number.isNaN(x) || Number.isNaN(y)) {
-        ++notDrawn;
+        noNumber.push(event);
       } else {
-        points.push({ x, y, event, code: this.recorded.status[event.execution] });
+        groups.set(code, groups.get(code) ?? new Points(code));
+        groups.get(code).add(event, x, y);
       }
     }
-    return { points, left: notDrawn };
-  }
-
-  /** Puts in the place of points, for each slice of time, the lowest and the highest of them. */
-  bin(group) {
-    const { from, to, kinds } = this.recorded.raw.slices;
-    const width = (to - from) / kinds[0].counts.length;
-    const bars = new Map();
-    for (const point of group.points) {
-      const slice = Math.min(Math.floor((point.x - from) / width), kinds[0].counts.length - 1);
-      const bar = bars.get(slice) ?? { ...point, x: from + slice * width, width, y: point.y, high: point.y };
-      bars.set(slice, Object.assign(bar, { y: Math.min(bar.y, point.y), high: Math.max(bar.high, point.y) }));
+    const read = { kind, noNumber, x: quantityX, y: quantityY, groups: [...groups.values()] };
+    read.range = rangeOf(
+      read.groups,
+      'y',
+      read.groups.map(({ y }) => [0, y.length]),
+    );
+    if (kind.slices !== null && quantityX === null) {
+      read.slices = read.groups.map((group) => slicesOf(group, recorded.raw.slices));
     }
-    group.points = [...bars.values()];
+    return read;
   }
 
-  pointSeries({ code, points }) {
+  inTheTimeShown() {
+    const { groups, slices } = this.read;
+    this.spans = groups.map(({ events }) => placesIn(this.time, events));
+    const frame = this.frame();
+    this.groups = groups.map((group, at) => ({
+      code: group.code,
+      ...(slices ? this.bars(slices[at]) : this.points(group, this.spans[at], frame)),
+    }));
+    this.tell();
+    return {
+      xAxis: this.axisX(),
+      series: this.groups.map((group) => (slices ? this.barSeries(group) : this.pointSeries(group))),
+    };
+  }
+
+  /** Where points lie: numbers at the ends of both axes, and their lengths in pixels. */
+  frame() {
+    const { groups, range } = this.read;
+    return {
+      x: this.x === null ? [this.time.from, this.time.to] : rangeOf(groups, 'x', this.spans),
+      y: this.x === null ? range : rangeOf(groups, 'y', this.spans),
+      width: this.chart.width,
+      height: plotHeight() - top - bottom,
+    };
+  }
+
+  /** What is drawn of a group, and behind it what only keeps the axis as it is for the whole time. */
+  points(group, [begin, end], frame) {
+    const drawn = drawnOf(group, [begin, end], frame);
+    const ends = this.x === null ? group.ends.filter((at) => at < begin || at >= end) : [];
+    const pointAt = (at) => ({ x: group.x[at], y: group.y[at], event: group.events[at] });
+    return { drawn: drawn.length, many: end - begin > fewPoints, points: [...drawn, ...ends].map(pointAt) };
+  }
+
+  bars(slices) {
+    const { time } = this;
+    const drawn = barsIn(slices, time, (time.to - time.from) / this.chart.width);
+    const ends = barsOfEnds(slices).filter(({ from, to }) => to < time.from || from > time.to);
+    return { drawn: drawn.length, points: [...drawn, ...ends] };
+  }
+
+  pointSeries({ code, points, many }) {
     const flat = new Float64Array(2 * points.length);
     points.forEach((point, at) => {
       flat[2 * at] = point.x;
       flat[2 * at + 1] = point.y;
     });
-    const many = points.length > manyPoints;
     return {
       type: 'scatter',
       name: statusName(code),
       data: flat,
       dimensions: ['x', 'y'],
       progressive: 0,
-      large: many,
-      largeThreshold: manyPoints,
+      large: true,
+      largeThreshold: 500,
       symbol: code === done ? 'circle' : 'triangle',
-      symbolSize: many ? 4 : points.length > 500 ? 5 : 8,
+      symbolSize: many ? manySize() : points.length > 500 ? 5 : 8,
       itemStyle: { color: statusColour(code), opacity: 0.85 },
       tooltip: { formatter: ({ dataIndex }) => this.wordsFor(points[dataIndex]) },
     };
@@ -185,11 +218,11 @@ export class Plot {
       clip: true,
       dimensions: ['x', 'y', 'high'],
       encode: { x: 'x', y: ['y', 'high'] },
-      data: points.map((point) => [point.x, point.y, point.high]),
+      data: points.map(({ from, low, high }) => [from, low, high]),
       renderItem: (params, api) => {
-        const point = points[params.dataIndex];
-        const [x, low] = api.coord([point.x, point.y]);
-        const [end, high] = api.coord([point.x + point.width, point.high]);
+        const bar = points[params.dataIndex];
+        const [x, low] = api.coord([bar.from, bar.low]);
+        const [end, high] = api.coord([bar.to, bar.high]);
         return {
           type: 'rect',
           style: { fill: statusColour(code) },
@@ -198,8 +231,8 @@ export class Plot {
       },
       tooltip: {
         formatter: ({ dataIndex }) => {
-          const point = points[dataIndex];
-          return `${plain(this.y.name)}  ${point.y} to ${point.high}\nfrom ${this.recorded.clock.moment(point.x, 6)}`;
+          const { from, low, high } = points[dataIndex];
+          return `${plain(this.y.name)}  ${low} to ${high}\nfrom ${this.recorded.clock.moment(from, 6)}`;
         },
       },
     };
@@ -238,18 +271,33 @@ export class Plot {
     };
   }
 
-  tell(kind, drawn, notDrawn) {
-    const shown = this.groups.reduce((sum, group) => sum + group.points.length, 0);
-    Object.assign(this.element.dataset, { points: shown, from: this.time.from, to: this.time.to });
-    const where = this.x !== null && !this.time.isWhole ? ' in the time shown' : '';
-    this.note.textContent = this.binned
-      ? `binned: lowest and highest of ${count(shown, 'slice')} of time in place of ${count(kind.recorded, 'event')}`
-      : (kind.slices
-          ? `binned: ${drawn.toLocaleString('en')} of ${count(kind.recorded, 'event')}, ` +
-            'the lowest and highest of each slice of time'
-          : `${count(drawn, 'point')}${where}`) +
-        (notDrawn > 0 ? `; ${count(notDrawn, 'value is', 'values are')} no number` : '');
+  tell() {
+    const drawn = this.groups.reduce((sum, group) => sum + group.drawn, 0);
+    Object.assign(this.element.dataset, { points: drawn, from: this.time.from, to: this.time.to });
+    this.note.textContent = this.read.slices ? this.wordsForSlices() : this.wordsForPoints(drawn);
     this.chart.describe(`Plot of ${this.y.label} over ${this.x ? this.x.label : 'time'}: ${this.note.textContent}.`);
+  }
+
+  wordsForSlices() {
+    const { kind, slices } = this.read;
+    const total = slices.reduce((sum, { list }) => sum + list.length, 0);
+    const place = `in place of ${count(kind.recorded, 'event')}`;
+    return `binned: lowest and highest of ${count(total, 'slice')} of time ${place}`;
+  }
+
+  wordsForPoints(drawn) {
+    const { kind, noNumber } = this.read;
+    const shown = this.spans.reduce((sum, [begin, end]) => sum + end - begin, 0);
+    const where = this.time.isWhole ? '' : ' in the time shown';
+    const [first, behind] = placesIn(this.time, noNumber);
+    return [
+      kind.slices
+        ? `binned: ${shown.toLocaleString('en')} of ${count(kind.recorded, 'event')}, ` +
+          'the lowest and highest of each slice of time'
+        : `${count(shown, 'point')}${where}`,
+      ...(drawn < shown ? [`of those within ${side} pixels one is drawn`] : []),
+      ...(behind > first ? [`${count(behind - first, 'value is', 'values are')} no number`] : []),
+    ].join('; ');
   }
 
   wordsFor({ event, x, y }) {

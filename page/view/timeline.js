@@ -4,13 +4,14 @@
 import { Chart, isPrinting, left, plain, right, shortened, timeAxis, tooltipLine } from './chart.js';
 import { lengthOf } from './clock.js';
 import { colour, statusColour } from './colours.js';
-import { lanesOf, lowerBound } from './lanes.js';
+import { closest, Items } from './items.js';
+import { lanesOf } from './lanes.js';
 import { running, statusName } from './statuses.js';
 import { count, eventName, noName, readable } from './text.js';
 import { digitsFor } from './time-window.js';
 import { valueText } from './values.js';
 
-const closest = 2;
+const top = 30; // above the lanes: the axis
 const rooms = { onScreen: { levels: 24, kinds: 40, subLanes: 16 }, onPaper: { levels: 12, kinds: 8, subLanes: 4 } };
 
 export class Timeline {
@@ -29,39 +30,55 @@ export class Timeline {
     this.lanes = this.lanesFor(isPrinting() ? rooms.onPaper : rooms.onScreen);
     this.height = this.lanes.at(-1).top + this.lanes.at(-1).height;
     this.chart.fit(this.height + 38);
-    const items = this.lanes.flatMap((lane) => (lane.kind ? this.eventItems(lane) : this.executionItems(lane)));
-    this.items = items;
-    const drawn = (type) => items.filter((item) => item.type === type).length;
-    Object.assign(this.element.dataset, {
-      executions: drawn('execution'),
-      events: drawn('event'),
-      bars: drawn('bar'),
-      from: this.time.from,
-      to: this.time.to,
-    });
     const { recorded } = this;
     this.chart.describe(
       `Timeline of ${count(recorded.count, 'execution')} and ${count(recorded.raw.recorded, 'event')}, ` +
         `${recorded.unfinished.length} unfinished; the table below has the same by rows.`,
     );
-    const moment = (at, step) => recorded.clock.moment(at, digitsFor(step));
-    const tick = recorded.clock.spansDays ? 170 : 110;
     this.chart.draw({
-      grid: { left, right, top: 30, height: this.height, outerBoundsMode: 'none' },
-      xAxis: { ...timeAxis(this.time, this.chart.width / tick, moment, recorded.clock.midnight), position: 'top' },
+      grid: { left, right, top, height: this.height, outerBoundsMode: 'none' },
       yAxis: { type: 'value', min: 0, max: this.height, inverse: true, show: false },
       graphic: this.lanes.map((lane) => this.labelOf(lane)),
-      series: [
-        {
-          type: 'custom',
-          clip: true,
-          progressive: 0,
-          data: items.map((item) => [item.from, item.top]),
-          renderItem: (params) => this.shapeOf(items[params.dataIndex], params.coordSys),
-          tooltip: { formatter: ({ dataIndex }) => this.wordsFor(items[dataIndex]) },
-        },
-      ],
+      ...this.inTheTimeShown(),
     });
+  }
+
+  /** The time shown has changed. */
+  drawWindow() {
+    this.chart.change(this.inTheTimeShown());
+  }
+
+  inTheTimeShown() {
+    const { recorded, time } = this;
+    this.eventColour = colour('event');
+    this.view = new Items(recorded, time, this.chart.width);
+    this.items = this.lanes.flatMap((lane) => this.view.of(lane));
+    const drawn = { execution: 0, event: 0, bar: 0 };
+    this.items.forEach(({ type }) => ++drawn[type]);
+    Object.assign(this.element.dataset, {
+      executions: drawn.execution,
+      events: drawn.event,
+      bars: drawn.bar,
+      from: time.from,
+      to: time.to,
+    });
+    const moment = (at, step) => recorded.clock.moment(at, digitsFor(step));
+    const tick = recorded.clock.spansDays ? 170 : 110;
+    return {
+      xAxis: { ...timeAxis(time, this.chart.width / tick, moment, recorded.clock.midnight), position: 'top' },
+      series: [this.series(this.items)],
+    };
+  }
+
+  series(items) {
+    return {
+      type: 'custom',
+      clip: true,
+      progressive: 0,
+      data: items.map((item) => [item.from, item.top]),
+      renderItem: (params) => this.shapeOf(items[params.dataIndex], params.coordSys),
+      tooltip: { formatter: ({ dataIndex }) => this.wordsFor(items[dataIndex]) },
+    };
   }
 
   lanesFor(room) {
@@ -72,15 +89,11 @@ export class Timeline {
     return this.known.get(room);
   }
 
-  pixel(at) {
-    return ((at - this.time.from) / (this.time.to - this.time.from)) * this.chart.width;
-  }
-
   labelOf(lane) {
     return {
       type: 'text',
       left: 0,
-      top: 30 + lane.top + lane.height / 2 - 7,
+      top: top + lane.top + lane.height / 2 - 7,
       silent: true,
       style: {
         text: `${lane.kind ? eventName(lane.label) : readable(lane.label)}  ${lane.total.toLocaleString('en')}`,
@@ -92,108 +105,10 @@ export class Timeline {
     };
   }
 
-  executionItems(lane) {
-    const { recorded, time } = this;
-    return lane.subLanes.flatMap((executions, index) => {
-      const place = { top: lane.top + index * lane.subHeight, height: lane.subHeight - 2 };
-      const items = [];
-      const narrow = [];
-      const covered = new Set(); // by one that looks the same
-      for (const at of executions) {
-        const [from, to] = [recorded.started[at], recorded.endOf(at)];
-        if (to < time.from || from > time.to) {
-          continue;
-        }
-        if (this.pixel(to) - this.pixel(from) < closest) {
-          narrow.push({ ...place, type: 'execution', execution: at, from, to, at: from });
-          continue;
-        }
-        const look = [Math.round(this.pixel(from)), Math.round(this.pixel(to)), recorded.status[at]].join();
-        if (!covered.has(look)) {
-          covered.add(look);
-          items.push({ ...place, type: 'execution', execution: at, from, to });
-        }
-      }
-      return items.concat(this.barsWhereClose(narrow, place));
-    });
-  }
-
-  eventItems(lane) {
-    const { from, to } = this.time;
-    const place = { top: lane.top, height: lane.height };
-    if (lane.kind.slices) {
-      return this.sliceItems(lane.kind, place);
-    }
-    const { events } = lane.kind;
-    const visible = events.slice(
-      lowerBound(events, from, (event) => event.at),
-      lowerBound(events, to, (event) => event.at),
-    );
-    return this.barsWhereClose(
-      visible.map((event) => ({
-        ...place,
-        type: 'event',
-        event,
-        execution: event.execution,
-        at: event.at,
-        from: event.at,
-        to: event.at,
-      })),
-      place,
-    );
-  }
-
-  /** Items for places in time; those closer than two pixels to another become bars. */
-  barsWhereClose(items, place) {
-    const pixels = items.map((item) => this.pixel(item.at));
-    const alone = [];
-    const bins = new Map();
-    items.forEach((item, at) => {
-      if (pixels[at] - pixels[at - 1] < closest || pixels[at + 1] - pixels[at] < closest) {
-        const bin = Math.floor(pixels[at] / closest);
-        bins.set(bin, (bins.get(bin) ?? 0) + 1);
-      } else {
-        alone.push(item);
-      }
-    });
-    const perPixel = (this.time.to - this.time.from) / this.chart.width;
-    const start = (bin) => this.time.from + bin * closest * perPixel;
-    return alone.concat(
-      this.bars(
-        [...bins].map(([bin, total]) => [start(bin), start(bin + 1), total]),
-        place,
-      ),
-    );
-  }
-
-  bars(list, place) {
-    const highest = list.reduce((high, [, , total]) => Math.max(high, total), 1);
-    return list.map(([from, to, total]) => {
-      const height = place.height * (0.25 + 0.75 * Math.sqrt(total / highest));
-      return { type: 'bar', top: place.top + place.height - height, height, from, to, total };
-    });
-  }
-
-  sliceItems(kind, place) {
-    const { from, to } = this.recorded.raw.slices;
-    const { counts } = kind.slices;
-    const bins = new Map();
-    counts.forEach((total, at) => {
-      const edges = [at, at + 1].map((edge) => from + ((to - from) * edge) / counts.length);
-      if (total > 0 && edges[1] >= this.time.from && edges[0] <= this.time.to) {
-        const wide = this.pixel(edges[1]) - this.pixel(edges[0]) >= closest;
-        const bin = wide ? `${at}` : Math.floor(this.pixel(edges[0]) / closest);
-        const [start, end, sum] = bins.get(bin) ?? [...edges, 0];
-        bins.set(bin, [start, Math.max(end, edges[1]), sum + total]);
-      }
-    });
-    return this.bars([...bins.values()], place);
-  }
-
   shapeOf(item, area) {
-    const x = Math.max(area.x + this.pixel(item.from), area.x - 5);
+    const x = Math.max(area.x + this.view.pixel(item.from), area.x - 5);
     const end =
-      item.to === Infinity ? area.x + area.width : Math.min(area.x + this.pixel(item.to), area.x + area.width + 5);
+      item.to === Infinity ? area.x + area.width : Math.min(area.x + this.view.pixel(item.to), area.x + area.width + 5);
     const shape = {
       x,
       y: area.y + item.top,
@@ -201,7 +116,7 @@ export class Timeline {
       height: item.height,
     };
     if (item.type !== 'execution') {
-      return { type: 'rect', shape, style: { fill: colour('event') } };
+      return { type: 'rect', shape, style: { fill: this.eventColour } };
     }
     const code = this.recorded.status[item.execution];
     const fill = code === running ? this.hatched() : statusColour(code);

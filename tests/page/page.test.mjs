@@ -12,10 +12,11 @@ import {
   deep,
   hostile,
   hostileTexts,
-  long,
+  outlier,
   scratch,
   tiltSeries,
   unfinished,
+  withOutlier,
 } from './recordings.mjs';
 
 let browser;
@@ -314,42 +315,124 @@ testPage('3,000 levels', { recording: () => deep(3000) }, async (page) => {
   );
 });
 
-testPage('100,000 events', { recording: () => long(100000) }, async (page, { folder, bytes }) => {
+/** How often canvases are drawn on while something is done. */
+async function strokesDuring(page, action) {
+  await page.evaluate(() => {
+    window.strokes = 0;
+    for (const name of ['arc', 'fillRect', 'lineTo', 'rect']) {
+      const original = window.CanvasRenderingContext2D.prototype[name];
+      window.CanvasRenderingContext2D.prototype[name] = function (...places) {
+        ++window.strokes;
+        original.apply(this, places);
+      };
+    }
+  });
+  await action();
+  return page.evaluate(() => window.strokes);
+}
+
+/** The lowest and the highest of the points [x, y] in each column of two pixels. */
+function endsOfColumns(points, { ends: [from, to], pixels }) {
+  const columns = Math.ceil((pixels[1] - pixels[0]) / 2);
+  const found = new Map();
+  for (const [x, y] of points) {
+    const column = Math.floor(((x - from) / (to - from)) * columns);
+    const [low, high] = found.get(column) ?? [y, y];
+    found.set(column, [Math.min(low, y), Math.max(high, y)]);
+  }
+  return [...found].sort(([a], [b]) => a - b);
+}
+
+const pairs = (list) => Array.from({ length: list.length / 2 }, (unused, at) => [list[2 * at], list[2 * at + 1]]);
+
+testPage('100,000 events', { recording: withOutlier }, async (page, { folder, bytes }) => {
   assert.ok(bytes < 10e6, `${bytes} bytes`);
   assert.match(await page.textContent('#facts'), /all 100,000 events/);
-  const ascending = (list) => list.sort((a, b) => a - b);
-  const { plot } = await charts(page);
-  assert.deepEqual(ascending(everySecond(plot.data)), ascending(numbers(folder, 'Drift')));
   assert.equal(await eventsShown(page), 100000);
+  const recorded = numbers(folder, 'Drift').map((y, at) => [at * 360000, y]);
+  const look = async () => {
+    const { plot } = await charts(page);
+    const isShown = ([x]) => x >= plot.ends[0] && x <= plot.ends[1];
+    return { plot, drawn: pairs(plot.data).filter(isShown), within: recorded.filter(isShown) };
+  };
   for (let times = 0; times < 9; ++times) {
+    const { plot, drawn, within } = await look();
+    assert.deepEqual(endsOfColumns(drawn, plot), endsOfColumns(within, plot), `after zooming in ${times} times`);
     await afterDrawing(page, () => page.click('#zoom-in'));
   }
-  const [, events, bars] = await counts(page);
-  const { ends } = (await charts(page)).timeline;
-  const [{ within }] = ask(
-    folder,
-    `SELECT COUNT(*) AS within FROM events WHERE event_id >= 10000 AND
-      (event_id - 10000) * 360000 BETWEEN ${ends.join(' AND ')}`,
+  const { plot, drawn, within } = await look();
+  assert.deepEqual(
+    drawn.sort(([a], [b]) => a - b),
+    within,
   );
-  assert.deepEqual([events, bars], [within, 0]);
+  assert.deepEqual((await counts(page)).slice(1), [within.length, 0]);
+  assert.deepEqual((await charts(page)).timeline.ends, plot.ends);
 });
 
-testPage('more than a plot can draw', { recording: binned }, async (page, { folder }) => {
+testPage('what is drawn of 100,000 events', { recording: withOutlier }, async (page) => {
+  const point = [(outlier.event - 10000) * 360000, outlier.value];
+  const { plot } = await charts(page);
+  const strokes = await strokesDuring(page, () => afterDrawing(page, () => page.click('#zoom-in')));
+  assert.ok(strokes < 16 * (plot.pixels[1] - plot.pixels[0]), `${strokes} strokes for half of them`);
+
+  const place = await page.evaluate(
+    (values) => echarts.getInstanceByDom(document.querySelector('#plot .canvas')).convertToPixel('grid', values),
+    point,
+  );
+  const box = await page.locator('#plot canvas').boundingBox();
+  await page.mouse.move(box.x + place[0], box.y + place[1]);
+  const said = async () => (await charts(page)).plot.texts.join(' ');
+  for (let tries = 0; tries < 50 && !/Drift {2}9/.test(await said()); ++tries) {
+    await page.waitForTimeout(20);
+  }
+  assert.match(await said(), /Drift {2}9.step 32.04:08:01\.320000, done/s);
+
+  const [onIt, below] = await page.evaluate((values) => {
+    window.dispatchEvent(new window.Event('beforeprint'));
+    const [x, y] = echarts.getInstanceByDom(document.querySelector('#plot .canvas')).convertToPixel('grid', values);
+    const { data } = document
+      .querySelector('#plot .still')
+      .getContext('2d')
+      .getImageData(3 * x, 3 * y, 1, 37);
+    return [data[3], data[4 * 36 + 3]];
+  }, point);
+  assert.deepEqual([onIt > 128, below], [true, 0], `the outlier on paper: ${onIt}`);
+});
+
+/** Holds bars of the plot, so many slices in one, against the recorded values of a kind, which are as far apart. */
+async function checkBars(page, folder, { name, events, slices, together }) {
+  const { data, ends, pixels } = (await charts(page)).plot;
+  const bars = new Map(); // by where they begin: executions of another status have bars of their own
+  for (const [x, low, high] of Array.from({ length: data.length / 3 }, (unused, at) =>
+    data.slice(3 * at, 3 * at + 3),
+  )) {
+    const [lowest, highest] = bars.get(x) ?? [low, high];
+    bars.set(x, [Math.min(lowest, low), Math.max(highest, high)]);
+  }
+  const begins = [...bars.keys()].filter((x) => x >= ends[0] && x <= ends[1]).sort((a, b) => a - b);
+  assert.ok(begins.length > 300 && begins.length <= pixels[1] - pixels[0] + 1, `${begins.length} bars`);
+  for (let at = 1; at < begins.length - 1; at += 67) {
+    const [begin, end] = [begins[at], begins[at + 1]];
+    const width = (36e9 * (events - 1)) / events / slices;
+    assert.ok(Math.abs((end - begin) / width - together) < 1e-3, `${(end - begin) / width} slices in one bar`);
+    const [first, behind] = [begin, end].map((time) => 10000 + Math.ceil((time - 1e-3) / (36e9 / events)));
+    const [{ low, high }] = ask(
+      folder,
+      `SELECT MIN(value_number) AS low, MAX(value_number) AS high FROM events v JOIN parameters USING (event_id)
+        WHERE v.name = '${name}' AND position = 1 AND event_id >= ${first} AND event_id < ${behind}`,
+    );
+    assert.deepEqual(bars.get(begin), [low, high], `bar ${at}`);
+  }
+}
+
+testPage('more events of a kind than a page has', { recording: binned }, async (page, { folder }) => {
   const [, kept] = /binned: ([\d,]+) of 250,000 events/.exec(await page.textContent('#facts'));
   assert.ok(Number(kept.replaceAll(',', '')) < 50000, kept);
   assert.equal(await eventsShown(page), 250000);
-  const { data } = (await charts(page)).plot;
-  assert.equal(data.length, 3 * 2000);
-  const bars = Array.from({ length: 2000 }, (unused, at) => data.slice(3 * at, 3 * at + 3)).sort((a, b) => a[0] - b[0]);
-  for (let slice = 0; slice < 2000; slice += 111) {
-    const [x, low, high] = bars[slice];
-    const [first, end] = [x, x + (249999 * 144000) / 2000].map((time) => 10000 + Math.ceil((time - 1e-3) / 144000));
-    const expected = ask(
-      folder,
-      `SELECT MIN(value_number) AS low, MAX(value_number) AS high FROM parameters
-        WHERE position = 1 AND event_id >= ${first} AND event_id < ${end}`,
-    );
-    assert.deepEqual([{ low, high }], expected, `slice ${slice}`);
-  }
+  const slices = { name: 'Sample', events: 250000, slices: 2000 };
+  await checkBars(page, folder, { ...slices, together: 3 });
+  await afterDrawing(page, () => page.click('#zoom-in'));
+  await afterDrawing(page, () => page.click('#zoom-in'));
+  await checkBars(page, folder, { ...slices, together: 1 });
   assert.match(await page.textContent('#download-events'), /the kept events/);
 });

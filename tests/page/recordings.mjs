@@ -123,8 +123,13 @@ export function deep(levels) {
   return report(folder);
 }
 
-/** A run of ten hours with many events of four parameters, in a hundred executions of which one did not finish. */
-export function long(events) {
+/** An event of a long run, and what its first parameter has in place of its value there. */
+export const outlier = { event: 41337, value: 9 };
+
+/**
+ * A run of ten hours with many events of four parameters, in a hundred executions of which one did not finish.
+ */
+export function long(events, { hasOutlier = false } = {}) {
   const folder = record(`long-${events}`, 'sample.mdoc', sample());
   write(
     folder,
@@ -140,9 +145,10 @@ export function long(events) {
     WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ${events - 1})
       INSERT INTO events SELECT 10000 + i, 1, 1001 + i * 100 / ${events}, NULL, 'Sample',
         ${at(`i * 36000 / ${events}`)} || printf('.%06dZ', i * 36000000000 / ${events} % 1000000) FROM n;
-    INSERT INTO parameters SELECT event_id, column1, column2, column3, NULL, CASE column1
+    INSERT INTO parameters SELECT event_id, column1, column2, column3, NULL,
+        iif(${hasOutlier} AND column1 = 1 AND event_id = ${outlier.event}, ${outlier.value}, CASE column1
         WHEN 1 THEN sin(event_id / 3000.0) + event_id % 17 / 50.0 WHEN 2 THEN event_id / 7.0
-        WHEN 3 THEN round(20 + cos(event_id / 900.0), 2) ELSE event_id % 3 = 0 END
+        WHEN 3 THEN round(20 + cos(event_id / 900.0), 2) ELSE event_id % 3 = 0 END)
       FROM events, (VALUES (1, 'Drift', 'double'), (2, 'Dose', 'double'), (3, 'Temperature', 'double'),
         (4, 'Beam', 'bool'))
       WHERE event_id >= 10000;`,
@@ -150,5 +156,8 @@ export function long(events) {
   return report(folder);
 }
 
-/** One with more events than a plot can draw. */
+/** One in which one value is far from all others. */
+export const withOutlier = once(() => long(100000, { hasOutlier: true }));
+
+/** One with more events of a kind than a page has. */
 export const binned = once(() => long(250000));

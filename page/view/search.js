@@ -1,0 +1,11 @@
+// Searching in what is sorted.
+
+/** First place in a sorted list, from `low` on, where a number is not below another. */
+export function lowerBound(list, wanted, numberOfItem = (item) => item, low = 0) {
+  let high = list.length;
+  while (low < high) {
+    const middle = (low + high) >> 1;
+    [low, high] = numberOfItem(list[middle]) < wanted ? [middle + 1, high] : [low, middle];
+  }
+  return low;
+}
