@@ -41,17 +41,19 @@ TEST_F(Sessions, NothingIsAcknowledgedIntoAFileThatIsNoLongerThere) {
   }
   Begin("anothers.db");
   Begin("elsewhere.db");
-  const std::pair<const char*, std::function<void()>> rows[] = {
-      {"removed", [] {}},
-      {"empty", [&] { folder.Write("ts.db", ""); }},
-      {"with another host's session", [&] { copy(folder / "anothers.db", folder / "ts.db"); }}};
-  for (const auto& [what, replace] : rows) {
+  const std::vector<const char*> all = {"", "-wal", "-shm"};
+  const std::tuple<const char*, std::vector<const char*>, std::function<void()>> rows[] = {
+      {"removed", all, [] {}},
+      {"removed, but not its log", {""}, [] {}},
+      {"empty", all, [&] { folder.Write("ts.db", ""); }},
+      {"with another host's session", all, [&] { copy(folder / "anothers.db", folder / "ts.db"); }}};
+  for (const auto& [what, files, replace] : rows) {
     SCOPED_TRACE(what);
     Begin();
     const ActivityExecution known = Saved("known");
     SaveEvent(Event("kept"), Tsid(), &known.Id);
-    const auto move = [&](const std::string& from, const std::string& to) {
-      for (const char* const file : {"", "-wal", "-shm"}) {
+    const auto move = [&, &moved = files](const std::string& from, const std::string& to) {
+      for (const char* const file : moved) {
         rename(folder / (from + file), folder / (to + file));
       }
     };
@@ -69,6 +71,20 @@ TEST_F(Sessions, NothingIsAcknowledgedIntoAFileThatIsNoLongerThere) {
     Begin("elsewhere.db");
     fs::remove(folder / "ts.db");
   }
+}
+
+// Others would look for the log beside the new name.
+TEST_F(Sessions, NothingIsAcknowledgedIntoAFileThatWasRenamedBehindALink) {
+  if (!System::pathsAreBytes) {
+    GTEST_SKIP() << "a file stays here while a session has it open";
+  }
+  create_symlink("one.db", folder / "ts.db");
+  Begin();
+  SaveEvent(Event("kept"));
+  rename(folder / "one.db", folder / "two.db");
+  fs::remove(folder / "ts.db");
+  create_symlink("two.db", folder / "ts.db");
+  ExpectError([] { SaveEvent(Event("lost")); }, {"ts.db", "removed or replaced", "expected"});
 }
 
 TEST_F(Sessions, AFolderWithAnyNameHoldsItsOwnDatabase) {
