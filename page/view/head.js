@@ -4,7 +4,7 @@ import { lengthOf } from './clock.js';
 import { colour, statusColour } from './colours.js';
 import { make, show } from './element.js';
 import { running, statusName } from './statuses.js';
-import { count, eventName, noText, readable } from './text.js';
+import { count, eventName, noName, noText, readable } from './text.js';
 
 const mostNamed = 5;
 
@@ -31,7 +31,7 @@ export function showHead(recorded) {
   fact(open ? 'Duration so far' : 'Duration', lengthOf(end));
   fact('State', stateOf(recorded));
   fact('Sealed', ...sealOf(recorded));
-  fact('Shown', shownOf(recorded));
+  fact('Shown', ...shownOf(recorded));
   fact('Run', make('code', '', raw.run));
   showConfigurations(recorded);
   showAlarm(recorded);
@@ -42,10 +42,19 @@ export function showHead(recorded) {
 
 function shownOf(recorded) {
   const { raw, events, count: executions } = recorded;
-  const which = raw.slices
-    ? `binned: ${events.length.toLocaleString('en')} of ${count(raw.recorded, 'event')}`
-    : `all ${count(raw.recorded, 'event')}`;
-  return `${which}, ${count(executions, 'execution')}`;
+  const ofExecutions = `, ${count(executions, 'execution')}`;
+  if (!raw.slices) {
+    return [`all ${count(raw.recorded, 'event')}${ofExecutions}`];
+  }
+  const { kinds } = raw.slices;
+  const names = kinds.slice(0, mostNamed).flatMap(({ name }) => [show(make('strong'), name || noName), ', ']);
+  return [
+    `binned: ${events.length.toLocaleString('en')} of ${count(raw.recorded, 'event')}${ofExecutions}. Of `,
+    ...names.slice(0, kinds.length > mostNamed ? undefined : -1),
+    ...(kinds.length > mostNamed ? [`and ${(kinds.length - mostNamed).toLocaleString('en')} more kinds`] : []),
+    ` only the lowest and highest values in each of ${count(kinds[0].counts.length, 'slice')} of time, and the newest` +
+      ' of each execution',
+  ];
 }
 
 function stateOf(recorded) {

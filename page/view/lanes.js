@@ -34,6 +34,24 @@ function lastLevels(recorded, executions, depth) {
   return deepest > depth ? `levels ${depth} to ${deepest}` : levelName(recorded, executions, depth);
 }
 
+/** Several kinds as one. If there are only slices of one of them, there are only slices of all. */
+function together({ raw }, kinds) {
+  const total = kinds.reduce((sum, { recorded }) => sum + recorded, 0);
+  const binned = kinds.filter(({ slices }) => slices !== null);
+  const events = kinds.flatMap((kind) => (kind.slices ? [] : kind.events)).sort((a, b) => a.at - b.at);
+  if (binned.length === 0) {
+    return { slices: null, events, recorded: total };
+  }
+  const { from, to } = raw.slices;
+  const counts = binned[0].slices.counts.map((unused, at) =>
+    binned.reduce((sum, kind) => sum + kind.slices.counts[at], 0),
+  );
+  for (const { at } of events) {
+    ++counts[Math.min(Math.floor(((at - from) / (to - from)) * counts.length), counts.length - 1)];
+  }
+  return { slices: { counts }, events: [], recorded: total };
+}
+
 export function lanesOf(recorded, room) {
   const levels = [];
   for (let at = 0; at < recorded.count; ++at) {
@@ -54,8 +72,7 @@ export function lanesOf(recorded, room) {
   const kinds = recorded.kinds.slice(0, room.kinds);
   const others = recorded.kinds.slice(room.kinds);
   if (others.length > 0) {
-    const events = others.flatMap((kind) => kind.events).sort((a, b) => a.at - b.at);
-    kinds.push({ name: `${others.length} further kinds`, slices: null, events, recorded: events.length });
+    kinds.push({ name: `${others.length} further kinds`, ...together(recorded, others) });
   }
   lanes.push(...kinds.map((kind) => ({ label: kind.name, total: kind.recorded, kind, height: 18 })));
   let top = 0;

@@ -24,8 +24,13 @@ bool KeptEvents::Keeps(const Event& event) const {
 
 std::string KeptEvents::InWords() const {
   const std::string all = std::to_string(recorded) + " events";
+  if (binned.empty()) {
+    return "all " + all;
+  }
   const auto drawn = recorded - ofBinnedKinds + static_cast<long long>(kept.size());
-  return binned.empty() ? "all " + all : "binned: " + std::to_string(drawn) + " of " + all;
+  return "binned: " + std::to_string(drawn) + " of " + all + " (of " + std::to_string(binned.size()) + " of " +
+         std::to_string(kinds) + " kinds those with the lowest and highest values in each of " +
+         std::to_string(sliceCount) + " slices of time, and the newest of each execution)";
 }
 
 void KeptEvents::AppendSlices(std::string& json, long long start) const {
@@ -70,11 +75,16 @@ void KeptEvents::Count(const Store::Reader& store, long long root) {
   }
   first = Microseconds(earliest).value_or(0);
   last = std::max(first, Microseconds(latest).value_or(0));
+  kinds = counts.size();
+  std::vector<std::pair<long long, std::string>> largestLast;
   for (const auto& [name, count] : counts) {
-    if (count > mostPoints) {
-      binned[name].recorded = count;
-      ofBinnedKinds += count;
-    }
+    largestLast.emplace_back(count, name);
+  }
+  std::sort(largestLast.begin(), largestLast.end());
+  for (; recorded - ofBinnedKinds > static_cast<long long>(mostEvents); largestLast.pop_back()) {
+    const auto& [count, name] = largestLast.back();
+    binned[name].recorded = count;
+    ofBinnedKinds += count;
   }
 }
 
@@ -108,24 +118,51 @@ void KeptEvents::Consider(Kind& kind, const Event& event) {
   const long long at = event.at.value_or(first);
   const std::size_t slice = SliceOf(at);
   ++kind.inSlice[slice];
-  const auto consider = [&](Parameter parameter, double value) {
-    Extremes fresh{value, value, event.number, event.number};
-    Extremes& extremes = kind.extremes[std::move(parameter)].emplace(slice, fresh).first->second;
-    if (value < extremes.lowest) {
-      extremes.lowest = value, extremes.lowestEvent = event.number;
-    }
-    if (value > extremes.highest) {
-      extremes.highest = value, extremes.highestEvent = event.number;
-    }
-  };
-  consider({"", 0}, static_cast<double>(at));
+  ConsiderValue(kind.extremes[{"", 0}], slice, static_cast<double>(at), event.number);
   std::map<std::string_view, int> seen;
   for (const Reading& reading : event.readings) {
-    const int occurrence = ++seen[reading.name];
-    kind.newest[{reading.name, occurrence}] = event.number;
+    const Parameter parameter(reading.name, ++seen[reading.name]);
+    kind.newest[parameter] = event.number;
     if (reading.number) {
-      consider({reading.name, occurrence}, *reading.number);
+      ConsiderValue(kind.extremes[parameter], slice, *reading.number, event.number);
     }
+  }
+  while (2 * extremesCount > mostEvents && sliceCount > 1) {
+    HalveSlices();
+  }
+}
+
+void KeptEvents::ConsiderValue(Slices& slices, std::size_t slice, double value, long long event) {
+  const auto [place, isFirst] = slices.emplace(slice, Extremes{value, value, event, event});
+  extremesCount += isFirst ? 1 : 0;
+  place->second.Take({value, value, event, event});
+}
+
+void KeptEvents::HalveSlices() {
+  sliceCount /= 2;
+  extremesCount = 0;
+  for (auto& [name, kind] : binned) {
+    for (std::size_t slice = 0; slice < sliceCount; ++slice) {
+      kind.inSlice[slice] = kind.inSlice[2 * slice] + kind.inSlice[2 * slice + 1];
+    }
+    kind.inSlice.resize(sliceCount);
+    for (auto& [parameter, slices] : kind.extremes) {
+      Slices halved;
+      for (const auto& [slice, extremes] : slices) {
+        halved.emplace(slice / 2, extremes).first->second.Take(extremes);
+      }
+      slices = std::move(halved);
+      extremesCount += slices.size();
+    }
+  }
+}
+
+void KeptEvents::Extremes::Take(const Extremes& other) {
+  if (other.lowest < lowest) {
+    lowest = other.lowest, lowestEvent = other.lowestEvent;
+  }
+  if (other.highest > highest) {
+    highest = other.highest, highestEvent = other.highestEvent;
   }
 }
 
@@ -138,7 +175,7 @@ void KeptEvents::KeepNewest(Kind& kind) {
 
 std::size_t KeptEvents::SliceOf(long long at) const {
   const double share = static_cast<double>(at - first) / static_cast<double>(std::max(1LL, last - first));
-  const auto slice = static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) * sliceCount);
+  const auto slice = static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) * static_cast<double>(sliceCount));
   return std::min(slice, sliceCount - 1);
 }
 

@@ -20,7 +20,7 @@ class RunPage {
 
   /// The number of events of the run in the store.
   long long Events() const { return kept.Recorded(); }
-  /// "all 41 events", or "binned: 8000 of 1000000 events".
+  /// "all 41 events", or "binned: 8000 of 1000000 events" and what was kept of them.
   std::string EventsInWords() const { return kept.InWords(); }
 
   /// Writes the page in pieces.

@@ -12,6 +12,7 @@ import {
   deep,
   hostile,
   hostileTexts,
+  manyKinds,
   outlier,
   scratch,
   tiltSeries,
@@ -429,10 +430,27 @@ testPage('more events of a kind than a page has', { recording: binned }, async (
   const [, kept] = /binned: ([\d,]+) of 250,000 events/.exec(await page.textContent('#facts'));
   assert.ok(Number(kept.replaceAll(',', '')) < 50000, kept);
   assert.equal(await eventsShown(page), 250000);
-  const slices = { name: 'Sample', events: 250000, slices: 2000 };
+  const slices = { name: 'Sample', events: 250000, slices: 2048 };
   await checkBars(page, folder, { ...slices, together: 3 });
   await afterDrawing(page, () => page.click('#zoom-in'));
   await afterDrawing(page, () => page.click('#zoom-in'));
   await checkBars(page, folder, { ...slices, together: 1 });
   assert.match(await page.textContent('#download-events'), /the kept events/);
+});
+
+testPage('more events of many kinds than a page has', { recording: manyKinds }, async (page, { folder }) => {
+  const [, kept, names] =
+    /binned: ([\d,]+) of 450,000 events, 101 executions. Of (.*), and 20 more kinds only .* of 1,024 slices/.exec(
+      await page.textContent('#facts'),
+    );
+  assert.ok(Number(kept.replaceAll(',', '')) < 310000, kept);
+  assert.equal(names.split(', ').length, 5);
+  assert.equal(await eventsShown(page), 450000);
+  const drift = (name) => page.$eval(`#plot-y optgroup[label="${name}"] option`, (option) => option.value);
+  await afterDrawing(page, async () => page.selectOption('#plot-y', await drift('Sample 0')));
+  assert.match(await page.textContent('#plot-note'), /^10,000 points/);
+  await afterDrawing(page, async () => page.selectOption('#plot-y', await drift('Sample 9')));
+  await checkBars(page, folder, { name: 'Sample 9', events: 450000, slices: 1024, together: 2 });
+  await page.evaluate(() => window.dispatchEvent(new window.Event('beforeprint'))); // more kinds share the last lane
+  assert.equal(await eventsShown(page), 450000);
 });

@@ -127,10 +127,12 @@ export function deep(levels) {
 export const outlier = { event: 41337, value: 9 };
 
 /**
- * A run of ten hours with many events of four parameters, in a hundred executions of which one did not finish.
+ * A run of ten hours with many events of some kinds, four parameters each, in a hundred executions of which one did not
+ * finish.
  */
-export function long(events, { hasOutlier = false } = {}) {
-  const folder = record(`long-${events}`, 'sample.mdoc', sample());
+export function long(events, { kinds = 1, parameters = 4, hasOutlier = false } = {}) {
+  const folder = record(`long-${events}-${kinds}-${parameters}`, 'sample.mdoc', sample());
+  const name = kinds > 1 ? `'Sample ' || (i % ${kinds})` : `'Sample'`;
   write(
     folder,
     `
@@ -143,7 +145,7 @@ export function long(events, { hasOutlier = false } = {}) {
     INSERT INTO statuses SELECT execution_id, execution_id, 1, CASE execution_id WHEN 1050 THEN 4 ELSE 14 END,
       ${at('(execution_id - 1000) * 360 - 10')} || '.000000Z' FROM executions WHERE parent_id = 1000;
     WITH RECURSIVE n(i) AS (SELECT 0 UNION ALL SELECT i + 1 FROM n WHERE i < ${events - 1})
-      INSERT INTO events SELECT 10000 + i, 1, 1001 + i * 100 / ${events}, NULL, 'Sample',
+      INSERT INTO events SELECT 10000 + i, 1, 1001 + i * 100 / ${events}, NULL, ${name},
         ${at(`i * 36000 / ${events}`)} || printf('.%06dZ', i * 36000000000 / ${events} % 1000000) FROM n;
     INSERT INTO parameters SELECT event_id, column1, column2, column3, NULL,
         iif(${hasOutlier} AND column1 = 1 AND event_id = ${outlier.event}, ${outlier.value}, CASE column1
@@ -151,7 +153,7 @@ export function long(events, { hasOutlier = false } = {}) {
         WHEN 3 THEN round(20 + cos(event_id / 900.0), 2) ELSE event_id % 3 = 0 END)
       FROM events, (VALUES (1, 'Drift', 'double'), (2, 'Dose', 'double'), (3, 'Temperature', 'double'),
         (4, 'Beam', 'bool'))
-      WHERE event_id >= 10000;`,
+      WHERE event_id >= 10000 AND column1 <= ${parameters};`,
   );
   return report(folder);
 }
@@ -161,3 +163,6 @@ export const withOutlier = once(() => long(100000, { hasOutlier: true }));
 
 /** One with more events of a kind than a page has. */
 export const binned = once(() => long(250000));
+
+/** One with more events of all kinds together than a page has, and more slices of them. */
+export const manyKinds = once(() => long(450000, { kinds: 45, parameters: 1 }));
