@@ -26,11 +26,10 @@ std::string SetParent(const LoadedLibrary& component, const std::string& node) {
 int Main(int argc, char** argv) {
   std::string library;
   std::string node;
-  CLI::App app("Records tilt series from .mdoc files, all of them under one execution.");
-  app.add_option("--library", library, "The file of the TS logging library")->required();
-  app.add_option("--under", node, "The node of the parent execution")->required();
-  HostOptions options(app);
-  if (const std::optional<int> done = options.Parse(app, argc, argv)) {
+  HostOptions options("Records tilt series from .mdoc files, all of them under one execution.");
+  options.program.Own().AddRequiredText("--library", library, "The file of the TS logging library");
+  options.program.Own().AddRequiredText("--under", node, "The node of the parent execution");
+  if (const std::optional<int> done = options.Read(argc, argv)) {
     return *done;
   }
   const LoadedLibrary component(std::filesystem::absolute(library).string());

@@ -10,9 +10,9 @@
 namespace {
 
 int Main(int argc, char** argv) {
-  CLI::App app("Records tilt series from .mdoc files: one execution for each file and one for each of its sections.");
-  HostOptions options(app);
-  if (const std::optional<int> done = options.Parse(app, argc, argv)) {
+  HostOptions options(
+      "Records tilt series from .mdoc files: one execution for each file and one for each of its sections.");
+  if (const std::optional<int> done = options.Read(argc, argv)) {
     return *done;
   }
   const int entered = EnterRecordFolder(options.data.c_str());

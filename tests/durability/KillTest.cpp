@@ -5,7 +5,7 @@
 #include "Recording.h"
 #include "support/ScratchFolder.h"
 
-#include <CLI/CLI.hpp>
+#include <VeloraCommandLine/Program.h>
 
 #include <algorithm>
 #include <chrono>
@@ -139,16 +139,22 @@ bool TakeTurns(int count, int seconds) {
 }  // namespace
 
 int main(int count, char** arguments) {
-  CLI::App app("Kills hosts while they record, and looks at what they leave");
-  int kills = 0;
-  int seconds = 0;
-  int hosts = 2;
-  unsigned seed = std::random_device()();
-  auto* const killing = app.add_option("KILLS", kills, "How many hosts are killed")->check(CLI::PositiveNumber);
-  app.add_option("--seed", seed, "Where the moments of the kills come from");
-  auto* const together =
-      app.add_option("--together", seconds, "Let hosts record for so many seconds instead")->excludes(killing);
-  app.add_option("--hosts", hosts, "How many of them")->needs(together)->check(CLI::PositiveNumber);
-  CLI11_PARSE(app, count, arguments);
-  return (seconds > 0 ? TakeTurns(hosts, seconds) : KillMany(kills, seed)) ? EXIT_SUCCESS : EXIT_FAILURE;
+  Velora::CommandLine::Program program("Kills hosts while they record, and looks at what they leave");
+  auto options = program.Own();
+  long long kills = 0;
+  long long seconds = 0;
+  long long hosts = 2;
+  long long seed = std::random_device()();
+  options.AddCount("KILLS", kills, "How many hosts are killed");
+  options.AddCount("--seed", seed, "Where the moments of the kills come from");
+  options.AddCount("--together", seconds, "Let hosts record for so many seconds instead");
+  options.AddCount("--hosts", hosts, "How many of them");
+  options.Exclude("--together", "KILLS");
+  options.Require("--hosts", "--together");
+  if (const std::optional<bool> helped = program.Read(count, arguments)) {
+    return *helped ? EXIT_SUCCESS : EXIT_FAILURE;
+  }
+  const bool right = seconds > 0 ? TakeTurns(static_cast<int>(hosts), static_cast<int>(seconds))
+                                 : KillMany(static_cast<int>(kills), static_cast<unsigned>(seed));
+  return right ? EXIT_SUCCESS : EXIT_FAILURE;
 }

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "verbs/ExitCode.h"
-#include "verbs/Options.h"
+
+#include <VeloraCommandLine/Options.h>
 
 #include <memory>
 #include <stdexcept>
 
 namespace Velora::Ts {
+
+using CommandLine::Options;
 
 /// A verb of the command line. Its constructor declares its options; when it is executed, they have their values.
 class Verb {

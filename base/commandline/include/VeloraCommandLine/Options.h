@@ -7,10 +7,11 @@ namespace CLI {
 class App;
 }
 
-namespace Velora::Ts {
+namespace Velora::CommandLine {
 
-/// The options and arguments of a verb. Each is bound to a variable, which gets the value from the command line. If the
-/// option is not given, the variable keeps its value. A name without dashes, such as "RUN", is an argument.
+/// The options and arguments of a program or of a verb. Each is bound to a variable, which gets the value from the
+/// command line. If the option is not given, the variable keeps its value. A name without dashes, such as "RUN", is an
+/// argument.
 class Options {
  public:
   explicit Options(CLI::App& line) : line(line) {}
@@ -19,6 +20,8 @@ class Options {
   void AddText(const std::string& name, std::string& value, const std::string& help);
   /// A text that must be given.
   void AddRequiredText(const std::string& name, std::string& value, const std::string& help);
+  /// Texts of which at least one must be given.
+  void AddRequiredTexts(const std::string& name, std::vector<std::string>& values, const std::string& help);
   /// One of the texts in `choices`.
   void AddChoice(const std::string& name, std::string& value, const std::vector<std::string>& choices,
                  const std::string& help);
@@ -38,4 +41,4 @@ class Options {
   CLI::App& line;
 };
 
-}  // namespace Velora::Ts
+}  // namespace Velora::CommandLine

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <VeloraCommandLine/Options.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace Velora::CommandLine {
+
+/// The command line of a program, which has options, or verbs with options of their own.
+class Program {
+ public:
+  /// @param description one or two sentences about what the program does.
+  /// @param footer the end of the help.
+  /// @param name the name in the help; empty for the one that it is called by.
+  explicit Program(const std::string& description, const std::string& footer = "", const std::string& name = "");
+  ~Program();
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  /// The program's own options.
+  Options Own();
+  /// Adds --version, which writes a text.
+  void AddVersion(const std::string& text);
+  /// Adds a verb. The command line must then name one. @return the options of the verb.
+  Options AddVerb(const std::string& name, const std::string& help, const std::string& footer);
+
+  /// Gives the variables of the options their values. Writes the help to standard output if it is asked for, and what
+  /// is wrong with the command line to standard error.
+  /// @return nothing if the program goes on; else whether it was asked for help or the version, and has ended well.
+  std::optional<bool> Read(int argc, const char* const* argv);
+  /// The verb that was named.
+  std::string Verb() const;
+  /// Writes to standard error what is wrong, as Read does.
+  void Refuse(const std::string& mistake) const;
+
+ private:
+  const std::unique_ptr<CLI::App> app;
+};
+
+}  // namespace Velora::CommandLine
