@@ -20,7 +20,7 @@ class Recent {
     if (found == older.end()) {
       return nullptr;
     }
-    const auto value = found->second;
+    auto value = found->second;
     Keep(guid, value);
     return value;
   }

@@ -38,7 +38,7 @@ Record ReadRecord(OpenStore& store, const std::string& guid) {
     throw TsError("execution '" + guid + "' is not known to this TS; expected one that it has stored");
   }
   const auto& [row, parent, root, version, node, description, kind] = *found;
-  const auto read = std::make_shared<const ExecutionRecord>(
+  auto read = std::make_shared<const ExecutionRecord>(
       ExecutionRecord{row, parent, root, version ? FindVersion(store, *version) : nullptr, FromStoredText(node),
                       FromStoredText(description), kind});
   store.known.Keep(guid, read);
