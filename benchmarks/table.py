@@ -15,7 +15,7 @@ for path in sys.argv[1:]:
 def cost(name):
     """Nanoseconds: of the processor where nothing waits, else of the clock."""
     entry = results[name]
-    waits = name.startswith(("save", "after", "beside", "threads"))
+    waits = name.startswith(("save", "after", "beside", "threads", "host"))
     return entry["real_time" if waits else "cpu_time"]
 
 
@@ -47,6 +47,9 @@ writes = {
     "save beside a reader to alone": ("beside/reader", "save/ts", None),
     "line of the default logger to a raw line": ("line/logger", "line/raw", None),
 }
+hosts = {
+    "save on a file to the rows alone": ("host/file", "host/file-raw", 1.2),
+}
 rows = [
     ("event: component to the obvious way", ratio("event/component", "event/obvious"), 0.3),
     ("event: component to the floor", ratio("event/component", "event/floor"), 3),
@@ -58,11 +61,25 @@ rows = [
     ("call of four threads to call of one", 4 * ratio("threads/threads:4", "threads/threads:1"), None),
 ]
 
-print(f"{'What':48} {'Ratio':>8} {'Target':>8} {'p99 of both, µs':>20}")
+
+
+def print_heading(what):
+    print(f"{what:48} {'Ratio':>8} {'Target':>8} {'p99 of both, µs':>20}")
+
+
+def print_writes(writes):
+    for what, (one, other, target) in writes.items():
+        both = f"{percentile(one):.1f}, {percentile(other):.1f}"
+        print(f"{what:48} {ratio(one, other):8.2f} {target or '':>8} {both:>20}")
+
+
+print_heading("What")
 for what, value, target in rows:
     print(f"{what:48} {value:8.2f} {target or '':>8}")
-for what, (one, other, target) in writes.items():
-    both = f"{percentile(one):.1f}, {percentile(other):.1f}"
-    print(f"{what:48} {ratio(one, other):8.2f} {target or '':>8} {both:>20}")
-for name in ("event/component", "execution", "bring-up", "save/ts"):
+print_writes(writes)
+print_heading("What a host pays, through the exported surface")
+print_writes(hosts)
+processor = results["host/file"]["cpu_time"] / results["host/file-raw"]["cpu_time"]
+print(f"{'save on a file: processor time':48} {processor:8.2f}")
+for name in ("event/component", "execution", "bring-up", "save/ts", "host/file"):
     print(f"{name}: {cost(name) / 1000:.2f} µs")
