@@ -19,14 +19,18 @@ class CopyTarget {
   CopyTarget& operator=(const CopyTarget&) = delete;
   virtual ~CopyTarget() = default;
 
+  /// Fills the store in one transaction, in which nobody else uses it. Meanwhile it does not check each row: it has no
+  /// foreign keys, and none of the triggers that an insertion would call. Before the transaction ends, they are made
+  /// again, and it is proven that the rows obey the foreign keys and that the schema is what it was.
+  /// @param fill inserts the rows. It may also delete rows.
+  /// @throws Error when the rows break a foreign key. Then, and if `fill` throws, the store is as before.
+  virtual void Fill(const std::function<void()>& fill) = 0;
   /// A writer for the rows of a table.
   virtual std::unique_ptr<RowWriter> RowsOf(const Table& table) = 0;
-  /// Calls a function that deletes rows of ts_schema, which the database otherwise refuses. Within a transaction.
-  virtual void WithoutGuardOfHistory(const std::function<void()>& work) = 0;
-  /// Makes what the row of an event needs: on a server, a partition.
-  virtual void MakeRoomFor(long long event) = 0;
   /// Makes new rows get higher numbers than the copied ones.
-  virtual void Finish() = 0;
+  virtual void ContinueNumbers() {}
+  /// Is called after everything was copied.
+  virtual void Finish() {}
 };
 
 /// Makes the target for the kind of a database.

@@ -1,10 +1,10 @@
 #include "store/copying/PostgreSqlTarget.h"
 
+#include "store/copying/RowBytes.h"
+#include "store/database/PostgreSqlConnection.h"
 #include "store/reading/Rows.h"
 #include "store/recording/Writer.h"
-#include "store/values/Json.h"
-
-#include <cmath>
+#include "store/soundness/PostgreSqlCatalog.h"
 
 namespace Velora::Store {
 namespace {
@@ -12,89 +12,117 @@ namespace {
 constexpr long long keysInAMonth = 10'000'000'000;  // docs/postgresql.md
 constexpr long long firstMonth = 200001;
 
-const char* TypeOf(const Column& column) {
-  return column.type == Type::Text ? " text" : column.type == Type::Number ? " double precision" : " bigint";
-}
+// The statements that remove the foreign keys and triggers of the store, and those that make them again. Partitions get
+// theirs from the whole table.
+constexpr const char* askGuards = R"(
+    WITH guards (removal, definition) AS (
+      SELECT format('ALTER TABLE %s DROP CONSTRAINT %I', CAST(conrelid AS regclass), conname),
+             format('ALTER TABLE %s ADD CONSTRAINT %I %s', CAST(conrelid AS regclass), conname,
+                    pg_get_constraintdef(oid))
+      FROM pg_constraint
+      WHERE contype = 'f' AND conparentid = 0 AND connamespace = to_regnamespace(quote_ident(current_schema()))
+      UNION ALL
+      SELECT format('DROP TRIGGER %I ON %s', tgname, CAST(tgrelid AS regclass)), pg_get_triggerdef(t.oid)
+      FROM pg_trigger t JOIN pg_class c ON c.oid = tgrelid
+      WHERE NOT tgisinternal AND NOT relispartition AND tgenabled = 'O'
+        AND relnamespace = to_regnamespace(quote_ident(current_schema())))
+    SELECT string_agg(removal, '; '), string_agg(definition, '; ') FROM guards)";
 
-/// Inserts many rows with one statement, because each statement is a round trip.
+/// Sends rows with COPY, and makes the partition of the month of each.
 class ServerRows : public RowWriter {
  public:
-  ServerRows(Connection& connection, const Table& table) : connection(connection), columns(table.columns) {
-    std::string typed;
-    for (const Column& column : columns) {
-      typed += (typed.empty() ? "" : ", ") + column.name + TypeOf(column);
-    }
-    statement = "INSERT INTO " + table.name + " (" + table.ColumnList() + ") SELECT " + table.ColumnList() +
-                " FROM json_to_recordset(CAST(?1 AS json)) AS given(" + typed + ")";
-  }
+  ServerRows(PostgreSqlConnection& sql, const Table& table)
+      : sql(sql),
+        isByMonth(table.isByMonth),
+        statement("COPY " + table.name + " (" + table.ColumnList() + ") FROM STDIN (FORMAT binary)") {}
 
-  void Add(const Rows& rows) override {
-    json += count++ == 0 ? "[{" : ",{";
-    for (std::size_t at = 0; at < columns.size(); ++at) {
-      const int column = static_cast<int>(at);
-      json += (at == 0 ? "\"" : ",\"") + columns[at].name + "\":";
-      if (columns[at].type == Type::Number && std::isinf(rows.Number(column))) {
-        AppendServerNumber(json, rows.Number(column));
-      } else {
-        rows.AppendValue(json, column);
-      }
+  void Add(const Rows& rows, std::string_view bytes) override {
+    if (isByMonth) {
+      MakeRoomFor(rows.Integer(0));
     }
-    json += '}';
-    if (count == rowsAtOnce || json.size() > bytesAtOnce) {
-      Flush();
+    if (!sending) {
+      sql.BeginSending(statement);
+      unsent = beginOfRows;
+      sending = true;
+    }
+    unsent += bytes;
+    if (unsent.size() > bytesAtOnce) {
+      sql.Send(unsent);
+      unsent.clear();
     }
   }
   void Flush() override {
-    if (count > 0) {
-      json += ']';
-      connection.Run(statement, json);
-      json.clear();
-      count = 0;
+    if (sending) {
+      sql.Send(unsent += endOfRows);
+      sql.EndSending();
+      unsent.clear();
+      sending = false;
     }
   }
 
  private:
-  static constexpr int rowsAtOnce = 1000;
-  static constexpr std::size_t bytesAtOnce = 1'000'000;
+  static constexpr std::size_t bytesAtOnce = 100'000;
 
-  Connection& connection;
-  const std::vector<Column> columns;
-  std::string statement;
-  std::string json;
-  int count = 0;
+  void MakeRoomFor(long long event) {
+    const long long eventMonth = event / keysInAMonth;
+    if (eventMonth >= firstMonth && eventMonth != month) {
+      Flush();
+      sql.RunScript("SELECT make_partition(" + std::to_string(eventMonth) + ")");
+      month = eventMonth;
+    }
+  }
+
+  PostgreSqlConnection& sql;
+  const bool isByMonth;
+  const std::string statement;
+  long long month = 0;
+  bool sending = false;
+  std::string unsent;
 };
+
+std::string AllTables() {
+  std::vector<std::string> names;
+  for (const Table& table : Tables()) {
+    names.push_back(table.name);
+  }
+  return Listed(names);
+}
 
 }  // namespace
 
-std::unique_ptr<RowWriter> PostgreSqlTarget::RowsOf(const Table& table) {
-  return std::make_unique<ServerRows>(store.Sql(), table);
-}
-
-void PostgreSqlTarget::WithoutGuardOfHistory(const std::function<void()>& work) {
-  store.Sql().RunScript("ALTER TABLE ts_schema DISABLE TRIGGER ts_schema_no_change");
-  work();
-  store.Sql().RunScript("ALTER TABLE ts_schema ENABLE TRIGGER ts_schema_no_change");
-}
-
-void PostgreSqlTarget::MakeRoomFor(long long event) {
-  const long long month = event / keysInAMonth;
-  if (month >= firstMonth && month != lastMonth) {
-    store.Sql().RunScript("SELECT make_partition(" + std::to_string(month) + ")");
-    lastMonth = month;
-  }
-}
-
-void PostgreSqlTarget::Finish() {
-  Connection& sql = store.Sql();
+// A table can take longer than the time that a statement of a host has.
+PostgreSqlTarget::PostgreSqlTarget(Writer& store) : store(store), sql(static_cast<PostgreSqlConnection&>(store.Sql())) {
   sql.RunScript("SET statement_timeout = 0");
+}
+
+void PostgreSqlTarget::Fill(const std::function<void()>& fill) {
   Transaction transaction(store);
+  sql.RunScript("LOCK TABLE " + AllTables() + " IN ACCESS EXCLUSIVE MODE");
+  const Catalog schema = ReadCatalog(sql);
+  const auto [removal, definition] = sql.Find<std::string, std::string>(askGuards).value();
+  sql.RunScript(removal);
+  fill();
+  sql.RunScript(definition);  // which checks all rows
+  for (const std::string& difference : Differences(ReadCatalog(sql), schema)) {
+    throw Error("the schema of '" + store.Name() + "' is not what it was before the rows were copied: " + difference);
+  }
+  transaction.Commit();
+}
+
+std::unique_ptr<RowWriter> PostgreSqlTarget::RowsOf(const Table& table) {
+  return std::make_unique<ServerRows>(sql, table);
+}
+
+void PostgreSqlTarget::ContinueNumbers() {
   for (const Table& table : TablesBesideEvents()) {
     sql.RunScript("SELECT setval(pg_get_serial_sequence('" + table.name + "', '" + table.Key() + "'), COALESCE(MAX(" +
                   table.Key() + "), 0) + 1, false) FROM " + table.name);
   }
   sql.RunScript("SELECT setval('event_numbers', COALESCE(MAX(event_id % " + std::to_string(keysInAMonth) +
                 "), 0) + 1, false) FROM events");
-  transaction.Commit();
+}
+
+void PostgreSqlTarget::Finish() {
   sql.RunScript("ANALYZE");  // else the server plans the first queries for empty tables
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 namespace Velora::Store {
 
 class Rows;
@@ -13,7 +15,8 @@ class RowWriter {
   virtual ~RowWriter() = default;
 
   /// Adds the current row, which must have all columns of the table in their order.
-  virtual void Add(const Rows& rows) = 0;
+  /// @param bytes the same row in the form of RowBytes.h.
+  virtual void Add(const Rows& rows, std::string_view bytes) = 0;
   /// Inserts the added rows that are not inserted yet.
   virtual void Flush() = 0;
 };

@@ -9,10 +9,8 @@ class SqliteTarget : public CopyTarget {
  public:
   explicit SqliteTarget(Writer& store) : store(store) {}
 
+  void Fill(const std::function<void()>& fill) override;
   std::unique_ptr<RowWriter> RowsOf(const Table& table) override;
-  void WithoutGuardOfHistory(const std::function<void()>& work) override;
-  void MakeRoomFor(long long /*event*/) override {}
-  void Finish() override {}
 
  private:
   Writer& store;

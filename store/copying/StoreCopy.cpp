@@ -1,6 +1,7 @@
 #include "store/copying/StoreCopy.h"
 
 #include "store/copying/CopyTarget.h"
+#include "store/copying/RowBytes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/recording/Writer.h"
@@ -45,62 +46,120 @@ void ExpectBeginning(const Reader& from, const Reader& to) {
   }
 }
 
-class Copier {
+/// A question for the rows of a table behind a key and up to another.
+std::string RowsBetween(const Table& table) {
+  const std::string& key = table.Key();
+  return "SELECT " + table.ColumnList() + " FROM " + table.name + " WHERE " + key + " > ?1 AND " + key +
+         " <= ?2 ORDER BY " + (table.primaryKey.empty() ? key : Listed(table.primaryKey));
+}
+
+constexpr long long beforeAll = std::numeric_limits<long long>::min();
+constexpr long long afterAll = std::numeric_limits<long long>::max();
+
+class Visits {
  public:
-  using Copied = std::function<void(const std::string& table)>;
+  explicit Visits(const RowVisitor& visit) : visit(visit) {}
 
-  Copier(const Reader& from, Writer& to, const Database& target, const Copied& copied)
-      : from(from), to(to), target(MakeCopyTarget(to, target)), copied(copied) {}
-
-  // A new store has recorded when it was made. A copy has the history of its source instead.
-  void TakeOverHistory() {
-    const auto [records, versions] =
-        to.Sql()
-            .Find<long long, long long>(
-                "SELECT (SELECT COUNT(*) FROM sessions) + (SELECT COUNT(*) FROM seals), COUNT(*) FROM ts_schema")
-            .value();
-    if (records > 0 || versions != static_cast<long long>(VersionEntries(0).size())) {
-      return;
+  /// Visits the current row. @return its bytes, until the next visit.
+  std::string_view Visit(const Table& table, const Rows& rows) {
+    bytes.clear();
+    AppendRow(bytes, rows, table);
+    visit(table, bytes);
+    return bytes;
+  }
+  void VisitAll(const Table& table, Rows& rows) {
+    while (rows.Next()) {
+      Visit(table, rows);
     }
-    Transaction transaction(to);
-    target->WithoutGuardOfHistory([this] { to.Sql().RunScript("DELETE FROM ts_schema"); });
-    const Table& history = TableNamed("ts_schema");
-    const auto writer = target->RowsOf(history);
-    for (Rows rows(from, "SELECT " + history.ColumnList() + " FROM ts_schema ORDER BY rowid"); rows.Next();) {
-      writer->Add(rows);
-    }
-    writer->Flush();
-    transaction.Commit();
   }
 
-  void Copy() {
-    for (const Table& table : TablesBesideEvents()) {
-      CopyTable(table);
+ private:
+  const RowVisitor& visit;
+  std::string bytes;
+};
+
+class Copier {
+ public:
+  Copier(const Reader& from, Writer& to, const Database& target, const RowVisitor& visit)
+      : from(from), to(to), target(MakeCopyTarget(to, target)), visits(visit) {}
+
+  // A new store has recorded when it was made.
+  bool IsTargetNew() {
+    for (const Table& table : Tables()) {
+      const long long rows = to.Sql().Find<long long>("SELECT COUNT(*) FROM " + table.name).value();
+      if (rows != (table.name == history ? static_cast<long long>(VersionEntries(0).size()) : 0)) {
+        return false;
+      }
     }
-    CopyEvents();
+    return true;
+  }
+
+  // A copy has the history of its source instead of its own.
+  void Fill() {
+    target->Fill([this] {
+      if (!IsTargetNew()) {
+        throw Error("'" + to.Name() + "' was empty, and a host began to record into it; expected no host there");
+      }
+      to.Sql().RunScript(std::string("DELETE FROM ") + history);
+      filling = true;
+      CopyAll();
+      target->ContinueNumbers();
+    });
+    target->Finish();
+  }
+
+  void Continue() {
+    CopyAll();
+    target->ContinueNumbers();
     target->Finish();
   }
 
  private:
+  static constexpr const char* history = "ts_schema";
+
+  void CopyAll() {
+    for (const Table& table : TablesBesideEvents()) {
+      CopyTable(table);
+    }
+    CopyEvents();
+  }
+
+  void InTransaction(const std::function<void()>& work) {
+    if (filling) {
+      work();
+      return;
+    }
+    Transaction transaction(to);
+    work();
+    transaction.Commit();
+  }
+
   /// The highest key of a table; for an empty table, a number below every key.
   long long HighestKey(const Table& table) {
     const auto highest = to.Sql().Find<std::optional<long long>>("SELECT MAX(" + table.Key() + ") FROM " + table.name);
-    return highest.value().value_or(std::numeric_limits<long long>::min());
+    return highest.value().value_or(beforeAll);
+  }
+
+  /// Copies rows until there are enough for a transaction, or no more.
+  /// @return the key up to which no row is left.
+  long long CopyPortion(const Table& table, Rows& rows, RowWriter& writer, bool& more) {
+    long long last = beforeAll;
+    for (int count = 0; more && count < rowsInATransaction; ++count, more = rows.Next()) {
+      last = rows.Integer(0);
+      writer.Add(rows, visits.Visit(table, rows));
+    }
+    writer.Flush();
+    return more ? last : afterAll;
   }
 
   void CopyTable(const Table& table) {
+    const long long highest = HighestKey(table);
     const auto writer = target->RowsOf(table);
-    Rows rows(from, "SELECT " + table.ColumnList() + " FROM " + table.name + " WHERE " + table.Key() +
-                        " > ?1 ORDER BY " + table.Key());
-    rows.Ask(HighestKey(table));
+    Rows rows(from, RowsBetween(table));
+    visits.VisitAll(table, rows.Ask(beforeAll, highest));
+    rows.Ask(highest, afterAll);
     for (bool more = rows.Next(); more;) {
-      Transaction transaction(to);
-      for (int count = 0; more && count < rowsInATransaction; ++count, more = rows.Next()) {
-        writer->Add(rows);
-        copied(table.name);
-      }
-      writer->Flush();
-      transaction.Commit();
+      InTransaction([&] { CopyPortion(table, rows, *writer, more); });
     }
   }
 
@@ -110,33 +169,29 @@ class Copier {
     const Table& parameterTable = TableNamed("parameters");
     const auto events = target->RowsOf(eventTable);
     const auto parameters = target->RowsOf(parameterTable);
-    Rows rows(from, "SELECT " + eventTable.ColumnList() + " FROM events WHERE event_id > ?1 ORDER BY event_id");
-    Rows theirs(from, "SELECT " + parameterTable.ColumnList() +
-                          " FROM parameters WHERE event_id >= ?1 AND event_id <= ?2 ORDER BY event_id, position");
-    rows.Ask(HighestKey(eventTable));
-    for (bool more = rows.Next(); more;) {
-      const long long first = rows.Integer(0);
-      long long last = first;
-      Transaction transaction(to);
-      for (int count = 0; more && count < rowsInATransaction; ++count, more = rows.Next()) {
-        last = rows.Integer(0);
-        target->MakeRoomFor(last);
-        events->Add(rows);
-        copied(eventTable.name);
-      }
-      events->Flush();
-      for (theirs.Ask(first, last); theirs.Next();) {
-        parameters->Add(theirs);
-      }
-      parameters->Flush();
-      transaction.Commit();
-    }
+    Rows rows(from, RowsBetween(eventTable));
+    Rows theirs(from, RowsBetween(parameterTable));
+    long long done = HighestKey(eventTable);
+    visits.VisitAll(eventTable, rows.Ask(beforeAll, done));
+    visits.VisitAll(parameterTable, theirs.Ask(beforeAll, done));
+    bool more = rows.Ask(done, afterAll).Next();
+    do {
+      InTransaction([&] {
+        const long long before = done;
+        done = CopyPortion(eventTable, rows, *events, more);
+        for (theirs.Ask(before, done); theirs.Next();) {
+          parameters->Add(theirs, visits.Visit(parameterTable, theirs));
+        }
+        parameters->Flush();
+      });
+    } while (more);
   }
 
   const Reader& from;
   Writer& to;
   const std::unique_ptr<CopyTarget> target;
-  const Copied& copied;
+  Visits visits;
+  bool filling = false;
 };
 
 }  // namespace
@@ -149,13 +204,24 @@ void ExpectThisVersion(const Reader& store) {
   }
 }
 
-void CopyRows(const Reader& from, const Database& target, const Copier::Copied& copied) {
+void CopyRows(const Reader& from, const Database& target, const RowVisitor& visit) {
   const auto to = OpenForWriting(target);
   ExpectThisVersion(Reader(target));
-  Copier copier(from, *to, target, copied);
-  copier.TakeOverHistory();
-  ExpectBeginning(from, Reader(target));
-  copier.Copy();
+  Copier copier(from, *to, target, visit);
+  if (copier.IsTargetNew()) {
+    copier.Fill();
+  } else {
+    ExpectBeginning(from, Reader(target));
+    copier.Continue();
+  }
+}
+
+void VisitRows(const Reader& store, const RowVisitor& visit) {
+  Visits visits(visit);
+  for (const Table& table : Tables()) {
+    Rows rows(store, RowsBetween(table));
+    visits.VisitAll(table, rows.Ask(beforeAll, afterAll));
+  }
 }
 
 }  // namespace Velora::Store

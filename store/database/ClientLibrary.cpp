@@ -79,6 +79,8 @@ char* PQport(const PGconn* c) { return Call<&PQport>(__func__, c); }
 char* PQresultErrorField(const PGresult* r, int field) { return Call<&PQresultErrorField>(__func__, r, field); }
 char* PQresultErrorMessage(const PGresult* r) { return Call<&PQresultErrorMessage>(__func__, r); }
 ExecStatusType PQresultStatus(const PGresult* r) { return Call<&PQresultStatus>(__func__, r); }
+int PQputCopyData(PGconn* c, const char* data, int size) { return Call<&PQputCopyData>(__func__, c, data, size); }
+int PQputCopyEnd(PGconn* c, const char* error) { return Call<&PQputCopyEnd>(__func__, c, error); }
 int PQsendQuery(PGconn* c, const char* statements) { return Call<&PQsendQuery>(__func__, c, statements); }
 int PQsendQueryParams(PGconn* c, const char* statement, int count, const Oid* types, const char* const* values,
                       const int* lengths, const int* formats, int format) {

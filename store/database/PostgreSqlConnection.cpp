@@ -83,6 +83,26 @@ PostgreSqlConnection::Answer PostgreSqlConnection::Ask(const std::string& statem
   return TakeAnswer();
 }
 
+void PostgreSqlConnection::BeginSending(const std::string& statement) { Ask(statement); }
+
+// Waits until all is sent, so that the rows for a slow server do not fill the memory.
+void PostgreSqlConnection::Send(std::string_view rows) {
+  ExpectSending(PQputCopyData(handle.get(), rows.data(), static_cast<int>(rows.size())));
+  AwaitAnswer();
+}
+
+void PostgreSqlConnection::EndSending() {
+  ExpectSending(PQputCopyEnd(handle.get(), nullptr));
+  TakeAnswer();
+}
+
+void PostgreSqlConnection::ExpectSending(int sent) {
+  if (sent != 1) {
+    TakeAnswer();  // with the error that ended the statement
+    Expect(sent);
+  }
+}
+
 void PostgreSqlConnection::Expect(int sent) {
   if (sent != 1) {
     Fail(OnOneLine(PQerrorMessage(handle.get())));
@@ -98,6 +118,9 @@ PostgreSqlConnection::Answer PostgreSqlConnection::TakeAnswer() {
     }
     if (!answer || PQresultStatus(answer.get()) != PGRES_FATAL_ERROR) {
       answer = std::move(next);
+    }
+    if (PQresultStatus(answer.get()) == PGRES_COPY_IN) {
+      break;
     }
   }
   if (IsLost() || !answer) {

@@ -35,6 +35,10 @@ class PostgreSqlConnection : public Connection {
   Answer Ask(const std::string& statements);
   /// Runs one statement with values at $1, $2...
   Answer Ask(const std::string& statement, const std::vector<Value>& values);
+  /// Runs COPY ... FROM STDIN, to which Send() then sends the rows.
+  void BeginSending(const std::string& statement);
+  void Send(std::string_view rows);
+  void EndSending();
   /// A text as a literal in a statement.
   std::string Quoted(std::string_view text) const;
   /// Closes a cursor on the server, together with the next statement.
@@ -52,6 +56,7 @@ class PostgreSqlConnection : public Connection {
  private:
   bool ConnectUntil(Clock::time_point when);
   void Expect(int sent);
+  void ExpectSending(int sent);
   /// Waits for the whole result of what was sent.
   Answer TakeAnswer();
   /// Sends the rest of the statement, and waits until a part of the result has arrived.

@@ -5,14 +5,18 @@
 
 namespace Velora::Store {
 
+std::map<std::string, std::string> SchemaObjects(Connection& connection) {
+  std::map<std::string, std::string> objects;
+  for (Rows rows(connection, schemaObjects); rows.Next();) {
+    objects.emplace(rows.Text(0), rows.Text(1));
+  }
+  return objects;
+}
+
 std::map<std::string, std::string> ExpectedSchema(int version) {
   const auto connection = ConnectToMemory();
   BringUpSqlite(*connection, 0, version);
-  std::map<std::string, std::string> expected;
-  for (Rows rows(*connection, schemaObjects); rows.Next();) {
-    expected.emplace(rows.Text(0), rows.Text(1));
-  }
-  return expected;
+  return SchemaObjects(*connection);
 }
 
 }  // namespace Velora::Store

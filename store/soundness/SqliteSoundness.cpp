@@ -79,6 +79,13 @@ std::vector<std::string> SqliteDamageFindings(const Reader& store, const std::fu
       findings.push_back("the file is damaged: " + std::string(rows.Text(0)));
     }
   }
+  const auto dangling = DanglingReferences(store.Sql());
+  findings.insert(findings.end(), dangling.begin(), dangling.end());
+  return findings;
+}
+
+std::vector<std::string> DanglingReferences(Connection& store) {
+  std::vector<std::string> findings;
   for (Rows rows(store, "PRAGMA foreign_key_check"); rows.Next();) {
     findings.push_back("row " + std::string(rows.Text(1)) + " of " + std::string(rows.Text(0)) +
                        " refers to a row of " + std::string(rows.Text(2)) + " that does not exist");

@@ -6,6 +6,7 @@
 
 namespace Velora::Store {
 
+class Connection;
 class Reader;
 struct Table;
 
@@ -13,6 +14,8 @@ struct Table;
 
 std::vector<std::string> SqliteSchemaFindings(const Reader& store);
 std::vector<std::string> SqliteDamageFindings(const Reader& store, const std::function<void()>& working);
+/// Rows that refer to rows that do not exist.
+std::vector<std::string> DanglingReferences(Connection& store);
 /// A query for the rows with a value of the wrong type: the key of each row, and the column.
 std::string SqliteWrongTypes(const Table& table);
 

@@ -131,24 +131,64 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   EXPECT_TRUE(Says("pg_dump")) << said;
 }
 
-TEST_F(OnServer, ACopyThatWasInterruptedGoesOnWhereItEnded) {
+TEST_F(OnServer, ACopyIsWholeOrNotThereAndHasWhatGuardsIt) {
   Begin("file");
   Record("run");
-  EXPECT_EQ(
-      Shell("sqlite3 file/ts.db \"WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 30000)"
-            " INSERT INTO events SELECT i, 1, 1, NULL, 'e', '2026-11-24' FROM n; INSERT INTO parameters SELECT "
-            "event_id, 1, 'p', 'double', NULL, event_id / 3.0 FROM events WHERE event_id >= 10\""),
-      0)
-      << said;
+  const auto recordMore = [this](int from, int to) {
+    EXPECT_EQ(Shell("sqlite3 file/ts.db \"WITH RECURSIVE n(i) AS (SELECT " + std::to_string(from) +
+                    " UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(to) +
+                    ") INSERT INTO events SELECT i, 1, 1, NULL, 'e', '2026-11-24' FROM n; INSERT INTO parameters "
+                    "SELECT event_id, 1, 'p', 'double', NULL, event_id / 3.0 FROM events WHERE event_id >= " +
+                    std::to_string(from) + '"'),
+              0)
+        << said;
+  };
+  recordMore(10, 60000);
+  EXPECT_EQ(Tool(exportAll + "file"s), 0);
+  const std::string recorded = said;
+  // What is first true in the middle of the transaction that fills the store.
+  const std::pair<std::string, std::string> targets[] = {
+      {"server", "psql -XAt postgres -c 'SELECT query FROM pg_stat_activity' | grep -q '^COPY parameters'"},
+      {"back", "[ \"$(stat -c %s back/ts.db-wal)\" -gt 1000000 ]"}};
+  for (const auto& [target, middle] : targets) {
+    const std::string copy = "copy file " + target;
+    EXPECT_EQ(Tool("prepare --config " + target), 0) << said;
+    EXPECT_EQ(Shell("'" VELORA_TS "' " + copy + " & while kill -0 $! && ! " + middle +
+                    "; do sleep 0.01; done 2>/dev/null; kill -KILL $!; wait"),
+              0);
+    EXPECT_EQ(Tool("verify --config " + target), 4) << said;
+    EXPECT_EQ(Tool(exportAll + target), 0);
+    EXPECT_TRUE(said.size() < 100 || said == recorded) << said.size();
+
+    EXPECT_EQ(Tool(copy), 0) << said;
+    EXPECT_TRUE(Says("compared: 1 executions, 59993 events, 60015 parameters")) << said;
+    EXPECT_EQ(Tool("verify --config " + target), 4) << said;
+  }
+  recordMore(70000, 90000);
   for (const std::string target : {"server", "back"}) {
     int interrupted = 0;
-    const std::string copy = "copy " + (target == "back" ? "server"s : "file"s) + " " + target;
-    for (const char* const wait : {"0.1", "0.3", "0.5", "0.7"}) {
+    const std::string copy = "copy file " + target;
+    for (const char* const wait : {"0.1", "0.3", "0.5"}) {
       interrupted += Shell("timeout -s KILL "s + wait + " '" VELORA_TS "' " + copy) != 0 ? 1 : 0;
     }
     EXPECT_GT(interrupted, 0);
     EXPECT_EQ(Tool(copy), 0) << said;
-    EXPECT_TRUE(Says("compared: 1 executions, 29993 events, 30015 parameters")) << said;
+    EXPECT_TRUE(Says("compared: 1 executions, 79994 events, 80016 parameters")) << said;
+    EXPECT_EQ(Tool("verify --config " + target), 4) << said;
+  }
+}
+
+TEST_F(OnServer, ARowThatRefersToNoneIsNotCopied) {
+  Begin("file");
+  Record("run");
+  EXPECT_EQ(Shell("sqlite3 file/ts.db \"INSERT INTO parameters VALUES (99, 1, 'p', 'int', NULL, 1)\""), 0) << said;
+  for (const auto& [target, words] : {std::pair("server", "violates foreign key constraint"),
+                                      {"back", "of parameters refers to a row of events that does not exist"}}) {
+    EXPECT_EQ(Tool("copy file "s + target), 3);
+    EXPECT_TRUE(Says(words)) << said;
+    EXPECT_EQ(Tool("verify --config "s + target), 4) << said;
+    EXPECT_EQ(Tool("runs --json --config "s + target), 0);
+    EXPECT_EQ(said, "[]\n");
   }
 }
 

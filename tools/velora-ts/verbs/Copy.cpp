@@ -2,18 +2,19 @@
 #include "output/Progress.h"
 #include "store/copying/StoreCopy.h"
 #include "store/reading/Reader.h"
-#include "store/reading/Runs.h"
 #include "store/reading/SettledReader.h"
-#include "store/record/Records.h"
-#include "store/record/Seals.h"
 #include "store/record/Sha256.h"
+#include "store/schema/Tables.h"
 #include "store/settings/Settings.h"
 #include "store/soundness/Soundness.h"
 #include "verbs/Verb.h"
 
 #include "store/Error.h"
 
+#include <map>
 #include <optional>
+#include <string_view>
+#include <utility>
 
 namespace Velora::Ts {
 
@@ -21,70 +22,62 @@ using namespace Store;
 
 namespace {
 
-/// The canonical form of a store up to some numbers: how many records of each kind, and their hash.
-struct Content {
-  Numbers counts{};
+/// The rows of a table: how many, and the hash of them all in their order.
+struct TableContent {
+  long long rows = 0;
   std::string hash;
 
-  bool operator==(const Content&) const = default;
+  bool operator==(const TableContent&) const = default;
 };
 
-Content ContentOf(const Reader& store, const Numbers& upTo, Progress& progress) {
-  Content content;
-  Sha256 sha;
-  Records records(store, upTo, [&](std::string_view line) {
-    sha.Add(line);
-    progress.Add(1);
-  });
-  const auto count = [&] {
-    for (std::size_t kind = 0; kind < content.counts.size(); ++kind) {
-      content.counts[kind] += records.Counts()[kind];
-    }
-  };
-  records.WriteRest();
-  count();
-  for (const Run& run : AllRuns(store)) {
-    if (run.root <= upTo[Executions]) {
-      records.WriteRun(run.root);
-      count();
-    }
-  }
-  content.hash = sha.Finish();
-  return content;
-}
+using Content = std::map<std::string, TableContent>;
 
-/// Shows how many rows of the current table were copied.
-class CopyProgress {
+/// Computes the content of a store from its rows, and shows how far it is.
+class ContentReader {
  public:
-  void Add(const std::string& table) {
-    if (table != current) {
-      progress.emplace("Copying " + table, 0);
-      current = table;
+  explicit ContentReader(std::string doing) : doing(std::move(doing)) {}
+
+  void Add(const Table& table, std::string_view row) {
+    if (table.name != current) {
+      progress.emplace(doing + ' ' + table.name, 0);
+      current = table.name;
     }
+    Rows& rows = tables[table.name];
+    ++rows.count;
+    rows.sha.Add(row);
     progress->Add(1);
+  }
+  Content Finish() {
+    Content content;
+    for (const Table& table : Tables()) {
+      Rows& rows = tables[table.name];
+      content[table.name] = {rows.count, rows.sha.Finish()};
+    }
+    return content;
   }
 
  private:
+  struct Rows {
+    long long count = 0;
+    Sha256 sha;
+  };
+
+  const std::string doing;
   std::string current;
   std::optional<Progress> progress;
+  std::map<std::string, Rows> tables;
 };
 
-/// Compares a copy with its source and says the result.
-ExitCode Compare(const Reader& from, const Reader& copy) {
-  const Numbers upTo = HighestNumbers(from);
-  Progress progress("Comparing records", 0);
-  const Content content = ContentOf(from, upTo, progress);
-  const bool equal =
-      ContentOf(copy, upTo, progress) == content && HighestNumbers(copy) == upTo && ReadSeals(copy) == ReadSeals(from);
-  from.ExpectUntouched();
-  if (!equal) {
-    Say("finding: '" + copy.Name() + "' differs from '" + from.Name() + "' after the copying");
-    return Found;
-  }
-  Say("store '" + from.Name() + "' copied to '" + copy.Name() + "' and compared: " +
-      std::to_string(content.counts[Executions]) + " executions, " + std::to_string(content.counts[Events]) +
-      " events, " + std::to_string(content.counts[Parameters]) + " parameters, hash " + content.hash);
-  return Done;
+Content ContentOf(const Reader& store) {
+  ContentReader content("Comparing");
+  VisitRows(store, [&](const Table& table, std::string_view row) { content.Add(table, row); });
+  return content.Finish();
+}
+
+Content Copy(const Reader& from, const Database& target) {
+  ContentReader content("Copying");
+  CopyRows(from, target, [&](const Table& table, std::string_view row) { content.Add(table, row); });
+  return content.Finish();
 }
 
 class CopyVerb : public Verb {
@@ -103,16 +96,19 @@ class CopyVerb : public Verb {
       throw Error("'" + settled.Name() + "' cannot be copied: " + findings.front() +
                   "; velora-ts verify lists all findings");
     }
-    Copy(settled, target);
-    return Compare(settled, Reader(target));
+    Content content = Copy(settled, target);
+    settled.ExpectUntouched();
+    if (ContentOf(Reader(target)) != content) {
+      Say("finding: '" + NameOf(target) + "' differs from '" + settled.Name() + "' after the copying");
+      return Found;
+    }
+    const auto count = [&](const char* table) { return std::to_string(content[table].rows) + ' ' + table; };
+    Say("store '" + settled.Name() + "' copied to '" + NameOf(target) + "' and compared: " + count("executions") +
+        ", " + count("events") + ", " + count("parameters"));
+    return Done;
   }
 
  private:
-  static void Copy(const Reader& store, const Database& target) {
-    CopyProgress progress;
-    CopyRows(store, target, [&progress](const std::string& table) { progress.Add(table); });
-  }
-
   std::string from, to;
 };
 
