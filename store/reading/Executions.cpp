@@ -6,18 +6,24 @@
 namespace Velora::Store {
 namespace {
 
-constexpr const char* columnsAndTables =
+constexpr const char* columns =
     "SELECT e.execution_id, e.guid, e.node, e.description, e.started_at, n.instrument, n.host, v.name, v.version, "
     "(SELECT code FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1), "
-    "(SELECT at FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1) "
-    "FROM executions e LEFT JOIN sessions n ON n.session_id = e.session_id "
+    "(SELECT at FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1)";
+
+constexpr const char* tables =
+    " FROM executions e LEFT JOIN sessions n ON n.session_id = e.session_id "
     "LEFT JOIN activity_versions v ON v.version_id = e.version_id "
     "LEFT JOIN activities a ON a.activity_id = v.activity_id ";
 
 }  // namespace
 
-Rows QueryExecutions(const Reader& store, const std::string& condition) {
-  return {store, columnsAndTables + condition};
+Rows QueryExecutions(const Reader& store, const std::string& condition, const std::vector<std::string>& more) {
+  std::string selected = columns;
+  for (const std::string& column : more) {
+    selected += ", " + column;
+  }
+  return {store, selected + tables + condition};
 }
 
 Execution ExecutionAt(const Rows& rows) {

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Velora::Store {
 
@@ -20,7 +21,9 @@ struct Execution {
 /// A query for executions, whose rows ExecutionAt() reads.
 /// @param condition begins with WHERE. It is about an execution e, its session n, its activity version v and the
 /// activity a of that version.
-Rows QueryExecutions(const Reader& store, const std::string& condition);
+/// @param more further columns, which follow from column `executionColumns` on.
+Rows QueryExecutions(const Reader& store, const std::string& condition, const std::vector<std::string>& more = {});
+inline constexpr int executionColumns = 11;
 
 /// The execution at which the rows of QueryExecutions() stand.
 Execution ExecutionAt(const Rows& rows);

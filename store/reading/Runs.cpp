@@ -13,8 +13,6 @@ namespace Velora::Store {
 
 namespace {
 
-constexpr std::size_t shortGuid = 8;
-
 const std::string columns = "SELECT execution_id, guid, node, started_at FROM executions WHERE parent_id IS NULL AND ";
 
 std::vector<Run> All(Rows& rows) {
@@ -79,17 +77,16 @@ std::vector<Run> RunsNamed(const Reader& store, const std::string& name) {
   return runs;
 }
 
+const char* const runsWithSameLetters =
+    "(SELECT COUNT(*) FROM executions g WHERE +g.parent_id IS NULL AND g.guid >= substr(e.guid, 1, 8) "
+    "AND g.guid < substr(e.guid, 1, 8) || 'g')";
+
 std::string ShortGuid(const Reader& store, const std::string& guid) {
   std::size_t length = shortGuid;
   while (length < guid.size() && RunsWithGuid(store, guid.substr(0, length)).size() > 1) {
     ++length;
   }
   return guid.substr(0, length);
-}
-
-bool IsUnfinished(const Reader& store, const Run& run) {
-  Rows rows(store, std::string(runningOfRun) + "?1 LIMIT 1");
-  return rows.Ask(run.root).Next();
 }
 
 std::string LastRecorded(const Reader& store, const Run& run) {

@@ -25,16 +25,13 @@ std::vector<Run> AllRuns(const Reader& store);
 /// The runs that match a name: a guid, the first characters of one, "last" for the run recorded last, or a node.
 std::vector<Run> RunsNamed(const Reader& store, const std::string& name);
 
-/// The first characters of a run's guid, as many as no other run begins with.
+/// The number of characters of a guid that mostly identify a run.
+inline constexpr std::size_t shortGuid = 8;
+/// The first characters of a run's guid, at least so many, and as many as no other run begins with.
 std::string ShortGuid(const Reader& store, const std::string& guid);
 
-/// A query for the executions of a run whose newest status is 4, running. The caller appends the key of the root.
-inline constexpr const char* runningOfRun =
-    "SELECT 1 FROM executions x WHERE 4 = (SELECT code FROM statuses WHERE execution_id = x.execution_id "
-    "ORDER BY status_id DESC LIMIT 1) AND x.root_id = ";
-
-/// Whether the newest status of any execution of a run is 4, running.
-bool IsUnfinished(const Reader& store, const Run& run);
+/// A column in a query for runs e: how many runs begin with the same characters, `shortGuid` of them.
+extern const char* const runsWithSameLetters;
 
 /// The time of the last status or event of a run.
 std::string LastRecorded(const Reader& store, const Run& run);

@@ -38,8 +38,15 @@ void Dialect::Make(const Table& table) {
   }
   Add("CREATE TABLE " + table.name + " (" + lines + ')' + EndOf(table));
   MakeUnique(table);
+  MakeIndexes(table, 1, table.since);
+}
+
+void Dialect::MakeIndexes(const Table& table, int first, int last) {
   for (const Index& index : table.indexes) {
-    Add("CREATE INDEX " + index.name + " ON " + table.name + " (" + Listed(index.columns) + ')');
+    if (index.since >= first && index.since <= last) {
+      Add("CREATE INDEX " + index.name + " ON " + table.name + " (" + Listed(index.columns) + ')' +
+          (index.ofRuns ? " WHERE parent_id IS NULL" : ""));
+    }
   }
 }
 

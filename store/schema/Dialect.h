@@ -16,8 +16,10 @@ class Dialect {
   Dialect& operator=(const Dialect&) = delete;
   virtual ~Dialect() = default;
 
-  /// Creates a table and its indexes.
+  /// Creates a table and the indexes that its first version had.
   void Make(const Table& table);
+  /// Creates the indexes of a table that a version of the schema added.
+  void MakeIndexes(const Table& table, int version) { MakeIndexes(table, version, version); }
   /// Creates a view.
   void Make(const View& view);
   /// Replaces the definition of a view.
@@ -26,6 +28,8 @@ class Dialect {
   virtual void KeepRows(const Table& table) = 0;
   /// Makes the database refuse rows whose number is below 1 and, on a server, rows with numbers out of order.
   virtual void NumberRows(const Table& table) = 0;
+  /// Creates the table `running` and what keeps it up to date (Running.h).
+  virtual void NoteRunning() = 0;
   /// Adds statements that only a server needs; {schema} stands for the name of its schema.
   virtual void OnServer(const std::string& /*statements*/) {}
 
@@ -45,6 +49,8 @@ class Dialect {
   void Add(std::string statement) { statements.push_back(std::move(statement)); }
 
  private:
+  void MakeIndexes(const Table& table, int first, int last);
+
   std::vector<std::string> statements;
 };
 

@@ -1,5 +1,7 @@
 #include "store/schema/PostgreSqlDialect.h"
 
+#include "store/schema/Running.h"
+
 #include <algorithm>
 
 namespace Velora::Store {
@@ -41,6 +43,20 @@ void PostgreSqlDialect::NumberRows(const Table& table) {
       std::to_string(highestKey) + " OR (NOT has_table_privilege(CAST('" + table.name +
       "' AS regclass), 'DELETE') AND (" + key + " <= sealed_number('" + table.record + "') OR " + IsNotItsOwn(table) +
       "))) EXECUTE FUNCTION refuse_row('" + table.name + "')");
+}
+
+// The function has the rights of its owner, because hosts cannot write the table. Nobody else may use it for a trigger.
+void PostgreSqlDialect::NoteRunning() {
+  Add("CREATE TABLE running (execution_id BIGINT PRIMARY KEY, status_id BIGINT NOT NULL)");
+  Add(Running::fill);
+  Add("CREATE FUNCTION note_running() RETURNS trigger LANGUAGE plpgsql SECURITY DEFINER AS $$\n    BEGIN IF NEW.code = "
+      "4 "
+      "THEN " +
+      std::string(Running::note) + "; ELSE " + Running::remove + "; END IF; RETURN NULL; END $$");
+  OnServer(
+      "REVOKE EXECUTE ON FUNCTION note_running() FROM PUBLIC;\n"
+      "    ALTER FUNCTION note_running() SET search_path = {schema}, pg_temp");
+  Add("CREATE TRIGGER statuses_running AFTER INSERT ON statuses FOR EACH ROW EXECUTE FUNCTION note_running()");
 }
 
 void PostgreSqlDialect::OnServer(const std::string& statements) {

@@ -1,5 +1,7 @@
 #include "store/schema/SqliteDialect.h"
 
+#include "store/schema/Running.h"
+
 namespace Velora::Store {
 namespace {
 
@@ -64,6 +66,15 @@ void SqliteDialect::NumberRows(const Table& table) {
   Add("CREATE TRIGGER " + table.name + "_numbers AFTER INSERT ON " + table.name + " WHEN " + number +
       " NOT BETWEEN 1 AND " + highest + " OR typeof(" + number + ") <> 'integer' BEGIN SELECT RAISE(ABORT, 'rows of " +
       table.name + " are numbered from 1 to " + highest + "'); END");
+}
+
+void SqliteDialect::NoteRunning() {
+  Add("CREATE TABLE running (execution_id INTEGER PRIMARY KEY, status_id INTEGER NOT NULL)");
+  Add(Running::fill);
+  Add("CREATE TRIGGER statuses_begin AFTER INSERT ON statuses WHEN NEW.code = 4 BEGIN " + std::string(Running::note) +
+      "; END");
+  Add("CREATE TRIGGER statuses_end AFTER INSERT ON statuses WHEN NEW.code <> 4 BEGIN " + std::string(Running::remove) +
+      "; END");
 }
 
 std::string SqliteDialect::TypeOf(const Table& /*table*/, const Column& column) const {

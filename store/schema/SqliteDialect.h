@@ -9,6 +9,7 @@ class SqliteDialect : public Dialect {
   void Replace(const View& view) override;
   void KeepRows(const Table& table) override;
   void NumberRows(const Table& table) override;
+  void NoteRunning() override;
 
  protected:
   std::string TypeOf(const Table& table, const Column& column) const override;

@@ -29,6 +29,8 @@ struct Column {
 struct Index {
   std::string name;
   std::vector<std::string> columns;
+  bool ofRuns = false;  ///< Whether it has only executions without a parent, so that others cost nothing.
+  int since = 1;        ///< The first version of the schema that has it.
 };
 
 /// A table of a store.

@@ -16,7 +16,7 @@ void First(Dialect& to) {
     to.Make(table);
   }
   to.Make(Views::ExecutionStates());
-  to.Make(Views::Unfinished());
+  to.Make(Views::UnfinishedOfVersion1());
   to.Make(Views::Readings());
 }
 
@@ -46,6 +46,11 @@ void Third(Dialect& to) {
   for (const Table& table : TablesOf(3)) {
     to.NumberRows(table);
   }
+  for (const Table& table : TablesOf(3)) {
+    to.MakeIndexes(table, 3);
+  }
+  to.NoteRunning();
+  to.Replace(Views::Unfinished());
 }
 
 struct Version {

@@ -23,7 +23,7 @@ const View& ExecutionStates() {
   return view;
 }
 
-const View& Unfinished() {
+const View& UnfinishedOfVersion1() {
   static const View view = {"unfinished",
                             R"(WITH RECURSIVE open(execution_id) AS (
          SELECT execution_id FROM execution_states WHERE status = 4
@@ -31,6 +31,19 @@ const View& Unfinished() {
          SELECT e.parent_id FROM executions e JOIN open o ON o.execution_id = e.execution_id
          WHERE e.parent_id IS NOT NULL)
        SELECT x.* FROM execution_states x JOIN open o ON o.execution_id = x.execution_id)"};
+  return view;
+}
+
+// Asks only the executions that `running` names.
+const View& Unfinished() {
+  static const View view = {"unfinished",
+                            R"(WITH RECURSIVE open(execution_id) AS (
+         SELECT r.execution_id FROM running r
+         WHERE 4 = (SELECT code FROM statuses WHERE execution_id = r.execution_id ORDER BY status_id DESC LIMIT 1)
+         UNION
+         SELECT e.parent_id FROM open o CROSS JOIN executions e
+         WHERE e.execution_id = o.execution_id AND e.parent_id IS NOT NULL)
+       SELECT x.* FROM open o CROSS JOIN execution_states x WHERE x.execution_id = o.execution_id)"};
   return view;
 }
 

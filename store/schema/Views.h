@@ -14,6 +14,7 @@ struct View {
 namespace Views {
 
 const View& ExecutionStates();
+const View& UnfinishedOfVersion1();
 const View& Unfinished();
 const View& Readings();
 const View& DurationsOfVersion2();

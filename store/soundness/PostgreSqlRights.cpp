@@ -14,6 +14,7 @@ std::string Names() {
   for (const Table& table : Tables()) {
     recorded.push_back(table.name);
   }
+  recorded.emplace_back("running");
   const auto list = [](const std::string& names) { return "string_to_array('" + names + "', ', ')"; };
   return "WITH names (recorded, host_tables, host_functions) AS (VALUES (" + list(Listed(recorded)) + ", " +
          list(Listed(HostTables())) + ", " + list(hostFunctions) + ")),";
@@ -46,8 +47,9 @@ constexpr const char* rights = R"(
       SELECT 'schema ' || nspname, nspowner, nspacl, false FROM store JOIN pg_namespace n ON n.oid = schema
       UNION ALL
       SELECT 'function ' || CAST(f.oid AS regprocedure) || ', which acts as ' || pg_get_userbyid(proowner), proowner,
-             CASE WHEN prorettype = CAST('trigger' AS regtype) THEN acldefault('f', proowner)
-                  ELSE COALESCE(proacl, acldefault('f', proowner)) END,
+             CASE WHEN prorettype = CAST('trigger' AS regtype)
+                       AND NOT (pronamespace = schema AND proname = 'note_running')
+                  THEN acldefault('f', proowner) ELSE COALESCE(proacl, acldefault('f', proowner)) END,
              proname || '(' || pg_get_function_arguments(f.oid) || ')' = ANY (host_functions)
              AND pronamespace IN (SELECT relnamespace FROM pg_class WHERE relname = 'ts_schema')
       FROM names, store JOIN pg_proc f ON prosecdef AND (pronamespace = schema OR proowner = owner)

@@ -2,6 +2,7 @@
 
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
+#include "store/reading/Unfinished.h"
 #include "store/schema/Tables.h"
 #include "store/schema/Versions.h"
 #include "store/soundness/PostgreSqlSoundness.h"
@@ -23,6 +24,11 @@ constexpr std::pair<const char*, const char*> misplaced[] = {
      "WHERE r.parent_id IS NOT NULL",
      "a root that has a parent"},
 };
+
+// What NotesRunning() promises: readers would not see that these did not finish.
+constexpr const char* notNoted =
+    "SELECT x.execution_id FROM executions x WHERE 4 = (SELECT code FROM statuses WHERE execution_id = x.execution_id "
+    "ORDER BY status_id DESC LIMIT 1) AND NOT EXISTS (SELECT 1 FROM running WHERE execution_id = x.execution_id)";
 
 /// A query for the rows whose number is outside the range that hosts use.
 std::string WrongNumbers(const Table& table) {
@@ -49,6 +55,11 @@ std::vector<std::string> DamageFindings(const Reader& store, const std::function
   for (const auto& [question, wrong] : misplaced) {
     for (Rows rows(store, question); rows.Next();) {
       findings.push_back("row " + std::string(rows.Text(0)) + " of executions has " + wrong);
+    }
+  }
+  if (NotesRunning(store)) {
+    for (Rows rows(store, notNoted); rows.Next();) {
+      findings.push_back("row " + std::string(rows.Text(0)) + " of executions did not finish, but running lacks it");
     }
   }
   return findings;

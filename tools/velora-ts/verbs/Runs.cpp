@@ -7,6 +7,7 @@
 #include "store/reading/Executions.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
+#include "store/reading/Unfinished.h"
 #include "store/values/RecordedText.h"
 #include "store/values/StoredText.h"
 #include "verbs/StoreVerb.h"
@@ -25,19 +26,47 @@ struct RunFilter {
   long long limit = 50;     ///< The highest number of runs.
 };
 
-// Reads along the index of parents and times until there are enough runs. PostgreSQL uses the index for the order only
-// if ORDER BY names all its columns.
-std::string ConditionOf(const RunFilter& filter) {
-  std::string condition =
-      "WHERE e.parent_id IS NULL AND e.started_at >= ?1 AND (?2 = '' OR n.instrument = ?2) "
-      "AND (?3 = '' OR v.name = ?3 OR a.name = ?3) ";
-  if (filter.unfinished) {
-    condition += std::string("AND EXISTS (") + runningOfRun + "e.execution_id) ";
-  }
-  return condition + "ORDER BY e.parent_id DESC, e.started_at DESC, e.execution_id DESC LIMIT ?4";
+/// The number of runs of an instrument up to which all of them are read to find the newest.
+constexpr long long fewRuns = 1000;
+
+constexpr const char* runsOfInstrument =
+    "SELECT r.execution_id FROM sessions s CROSS JOIN executions r WHERE s.instrument = ?2 AND r.session_id = "
+    "s.session_id AND r.parent_id IS NULL";
+
+/// Whether an instrument has so few runs that it is faster to read them all than to look for them among all runs.
+bool HasFewRuns(const Store::Reader& store, const std::string& instrument) {
+  Rows rows(store, std::string("SELECT COUNT(*) FROM (") + runsOfInstrument + " LIMIT ?1) AS first");
+  rows.Ask(fewRuns, ToStoredText(instrument)).Next();
+  return rows.Integer(0) < fewRuns;
 }
 
-Run RunOf(const Execution& root) { return {root.key, root.guid, root.node, root.startedAt}; }
+/// A query for the few runs among which those to list are; empty if they can be any.
+std::string Candidates(const Store::Reader& store, const RunFilter& filter) {
+  if (filter.unfinished && NotesRunning(store)) {
+    return UnfinishedRuns(store);
+  }
+  return !filter.instrument.empty() && HasFewRuns(store, filter.instrument) ? runsOfInstrument : "";
+}
+
+// Reads few candidates and sorts them, or reads along the index of parents and times until there are enough runs. A
+// plus sign or an empty text keeps a column from an index. PostgreSQL uses that index for the order only if ORDER BY
+// names all its columns.
+std::string ConditionOf(const Store::Reader& store, const RunFilter& filter) {
+  const std::string candidates = Candidates(store, filter);
+  std::string condition = candidates.empty() ? "WHERE e.parent_id IS NULL "
+                                             : "WHERE e.execution_id IN (" + candidates + ") AND +e.parent_id IS NULL ";
+  condition +=
+      "AND e.started_at >= ?1 AND (?2 = '' OR n.instrument = ?2) "
+      "AND (?3 = '' OR v.name = ?3 OR a.name = ?3) ";
+  if (filter.unfinished && !NotesRunning(store)) {
+    condition += "AND " + UnfinishedCondition(store, "e.execution_id") + ' ';
+  }
+  return condition +
+         (candidates.empty() ? "ORDER BY e.parent_id DESC, e.started_at DESC" : "ORDER BY e.started_at || '' DESC") +
+         ", e.execution_id DESC LIMIT ?4";
+}
+
+bool IsUnfinished(const Rows& rows) { return rows.Integer(executionColumns) != 0; }
 
 void WriteTable(const Store::Reader& store, Rows& rows) {
   TextTable table({{"run"},
@@ -49,8 +78,9 @@ void WriteTable(const Store::Reader& store, Rows& rows) {
                    {"node", false, true}});
   while (rows.Next()) {
     const Execution root = ExecutionAt(rows);
-    const bool unfinished = IsUnfinished(store, RunOf(root));
-    table.Add({{Printable(ShortGuid(store, root.guid))},
+    const bool unfinished = IsUnfinished(rows);
+    const bool unique = rows.Integer(executionColumns + 1) == 1;
+    table.Add({{Printable(unique ? root.guid.substr(0, shortGuid) : ShortGuid(store, root.guid))},
                {LocalTime(root.startedAt, false)},
                {unfinished ? "" : DurationInWords(root, false)},
                {unfinished ? unfinishedInWords : StateInWords(root), unfinished},
@@ -61,12 +91,12 @@ void WriteTable(const Store::Reader& store, Rows& rows) {
   table.Finish();
 }
 
-void WriteJson(const Store::Reader& store, Rows& rows) {
+void WriteJson(Rows& rows) {
   const char* separator = "[\n";
   while (rows.Next()) {
     const Execution root = ExecutionAt(rows);
     WriteData(separator + ('{' + JsonMembers(root)) +
-              (IsUnfinished(store, RunOf(root)) ? ",\"unfinished\":true}" : ",\"unfinished\":false}"));
+              (IsUnfinished(rows) ? ",\"unfinished\":true}" : ",\"unfinished\":false}"));
     separator = ",\n";
   }
   WriteData(*separator == '[' ? "[]\n" : "\n]\n");
@@ -86,9 +116,10 @@ class RunsVerb : public StoreVerb {
   ExitCode Execute() override {
     const std::string since = filter.since.empty() ? "" : TimeArgument(filter.since);
     const Reader store(Database());
-    Rows rows = QueryExecutions(store, ConditionOf(filter));
+    Rows rows = QueryExecutions(store, ConditionOf(store, filter),
+                                {UnfinishedCondition(store, "e.execution_id"), runsWithSameLetters});
     rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit);
-    json ? WriteJson(store, rows) : WriteTable(store, rows);
+    json ? WriteJson(rows) : WriteTable(store, rows);
     FlushOut();
     store.ExpectUntouched();
     return Done;

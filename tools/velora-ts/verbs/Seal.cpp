@@ -4,6 +4,7 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
 #include "store/reading/SettledReader.h"
+#include "store/reading/Unfinished.h"
 #include "store/record/Seals.h"
 #include "store/record/Sha256.h"
 #include "store/recording/Writer.h"

@@ -10,6 +10,7 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
+#include "store/reading/Unfinished.h"
 #include "store/values/Json.h"
 #include "store/values/RecordedText.h"
 #include "store/values/StoredText.h"

@@ -6,6 +6,7 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
+#include "store/reading/Unfinished.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
