@@ -1,3 +1,3 @@
 // ECharts, which stands in the page as a script of its own.
 
-export const { init } = globalThis.echarts;
+export const { graphic, init } = globalThis.echarts;

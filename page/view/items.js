@@ -5,6 +5,14 @@ import { placesIn } from './points.js';
 import { lowerBound } from './search.js';
 
 export const closest = 2;
+const mostTogether = 32; // a browser fills larger shapes slowly
+
+/** Items for marks of a lane, which are drawn alike, in the order of time: several become one shape. */
+const marks = (list) =>
+  Array.from({ length: Math.ceil(list.length / mostTogether) }, (unused, at) => {
+    const together = list.slice(at * mostTogether, (at + 1) * mostTogether);
+    return { type: 'marks', marks: together, from: together[0].from, top: together[0].top };
+  });
 
 /** The items of lanes in a time on so many pixels. */
 export class Items {
@@ -55,11 +63,11 @@ export class Items {
     }
     const startOf = (at) => recorded.started[at];
     const itemOf = (at) => ({ ...place, type: 'execution', execution: at, from: startOf(at), to: recorded.endOf(at) });
-    return items.concat(this.joined(narrow, startOf, place, itemOf));
+    const { alone, bars } = this.joined(narrow, startOf, place, itemOf);
+    return [...items, ...alone, ...marks(bars)];
   }
 
   events(events, place) {
-    const [first, behind] = placesIn(this, events);
     const itemOf = (event) => ({
       ...place,
       type: 'event',
@@ -68,12 +76,13 @@ export class Items {
       from: event.at,
       to: event.at,
     });
-    return this.joined(events, (event) => event.at, place, itemOf, [first, behind]);
+    const { alone, bars } = this.joined(events, (event) => event.at, place, itemOf, placesIn(this, events));
+    return marks([...alone, ...bars].sort((one, other) => one.from - other.from));
   }
 
   /** Items for what is alone in a list in the order of time, and bars for what is closer to another. */
   joined(list, timeOf, place, itemOf, [first, behind] = [0, list.length]) {
-    const items = [];
+    const alone = [];
     const bars = [];
     const isFar = (one, other) =>
       one < first || other === behind || this.pixel(timeOf(list[other])) - this.pixel(timeOf(list[one])) >= closest;
@@ -81,12 +90,12 @@ export class Items {
       const bin = this.bin(timeOf(list[at]));
       next = Math.min(behind, Math.max(at + 1, lowerBound(list, this.startOf(bin + 1), timeOf, at)));
       if (next - at === 1 && isFar(at - 1, at) && isFar(at, next)) {
-        items.push(itemOf(list[at]));
+        alone.push(itemOf(list[at]));
       } else {
         bars.push([this.startOf(bin), this.startOf(bin + 1), next - at]);
       }
     }
-    return items.concat(this.bars(bars, place));
+    return { alone, bars: this.bars(bars, place) };
   }
 
   slices({ counts }, place) {
@@ -107,7 +116,7 @@ export class Items {
         last = bin;
       }
     }
-    return this.bars(bars, place);
+    return marks(this.bars(bars, place));
   }
 
   bars(list, place) {

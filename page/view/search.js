@@ -9,3 +9,6 @@ export function lowerBound(list, wanted, numberOfItem = (item) => item, low = 0)
   }
   return low;
 }
+
+/** The last of a list, in the order of their begin, that begins before a time; the first if there is none. */
+export const lastBefore = (list, time) => list[Math.max(0, lowerBound(list, time, ({ from }) => from) - 1)];

@@ -6,6 +6,7 @@ import { lengthOf } from './clock.js';
 import { colour, statusColour } from './colours.js';
 import { closest, Items } from './items.js';
 import { lanesOf } from './lanes.js';
+import { lastBefore } from './search.js';
 import { running, statusName } from './statuses.js';
 import { count, eventName, noName, readable } from './text.js';
 import { digitsFor } from './time-window.js';
@@ -18,9 +19,9 @@ export class Timeline {
   constructor(element, recorded, time, open) {
     Object.assign(this, { recorded, time, element });
     this.chart = new Chart(element, time, () => true);
-    this.chart.onItem(({ dataIndex }) => {
-      const item = this.items[dataIndex];
-      if (item && item.execution !== undefined) {
+    this.chart.onItem(({ dataIndex, event }) => {
+      const item = this.itemAt(dataIndex, event.offsetX);
+      if (item.execution !== undefined) {
         open(item.execution);
       }
     });
@@ -54,7 +55,7 @@ export class Timeline {
     this.view = new Items(recorded, time, this.chart.width);
     this.items = this.lanes.flatMap((lane) => this.view.of(lane));
     const drawn = { execution: 0, event: 0, bar: 0 };
-    this.items.forEach(({ type }) => ++drawn[type]);
+    this.items.flatMap((item) => item.marks ?? [item]).forEach(({ type }) => ++drawn[type]);
     Object.assign(this.element.dataset, {
       executions: drawn.execution,
       events: drawn.event,
@@ -77,8 +78,14 @@ export class Timeline {
       progressive: 0,
       data: items.map((item) => [item.from, item.top]),
       renderItem: (params) => this.shapeOf(items[params.dataIndex], params.coordSys),
-      tooltip: { formatter: ({ dataIndex }) => this.wordsFor(items[dataIndex]) },
+      tooltip: { formatter: ({ dataIndex }) => this.wordsFor(this.itemAt(dataIndex, this.chart.pointer)) },
     };
+  }
+
+  /** What the pointer is on at a place. */
+  itemAt(dataIndex, pointer) {
+    const item = this.items[dataIndex];
+    return item.type === 'marks' ? lastBefore(item.marks, this.chart.timeBelow(pointer)) : item;
   }
 
   lanesFor(room) {
@@ -105,19 +112,24 @@ export class Timeline {
     };
   }
 
-  shapeOf(item, area) {
+  rectangleOf(item, area) {
     const x = Math.max(area.x + this.view.pixel(item.from), area.x - 5);
     const end =
       item.to === Infinity ? area.x + area.width : Math.min(area.x + this.view.pixel(item.to), area.x + area.width + 5);
-    const shape = {
+    return {
       x,
       y: area.y + item.top,
       width: Math.max(end - x, item.type === 'bar' ? closest - 0.5 : 1.5),
       height: item.height,
     };
-    if (item.type !== 'execution') {
-      return { type: 'rect', shape, style: { fill: this.eventColour } };
+  }
+
+  shapeOf(item, area) {
+    if (item.type === 'marks') {
+      const rectangles = item.marks.map((mark) => this.rectangleOf(mark, area));
+      return { type: 'rectangles', shape: { rectangles }, style: { fill: this.eventColour } };
     }
+    const shape = this.rectangleOf(item, area);
     const code = this.recorded.status[item.execution];
     const fill = code === running ? this.hatched() : statusColour(code);
     const rect = { type: 'rect', shape: { ...shape, r: shape.width > 5 ? 2 : 0 }, style: { fill } };

@@ -62,12 +62,17 @@ const charts = (page) =>
     ),
   );
 
-/** How many events the timeline shows, alone and in bars, as its tooltips say. */
+/** How many events the timeline shows, alone and in bars, as its tooltips say when the pointer is moved over it. */
 const eventsShown = async (page) => {
   const words = await page.evaluate(() => {
     const chart = echarts.getInstanceByDom(document.querySelector('#timeline .canvas'));
     const [{ data, tooltip }] = chart.getOption().series;
-    return [...data].map((item, dataIndex) => tooltip.formatter({ dataIndex }));
+    const said = [...data].map(() => new Set());
+    for (let offsetX = 150; offsetX < chart.getWidth() - 40; offsetX += 0.5) {
+      chart.getZr().trigger('mousemove', { offsetX, offsetY: 0 });
+      said.forEach((texts, dataIndex) => texts.add(tooltip.formatter({ dataIndex })));
+    }
+    return said.flatMap((texts) => [...texts]);
   });
   const eventsIn = (text) => /^([\d,]+) within/.exec(text)?.[1].replaceAll(',', '') ?? !text.includes('\nstarted ');
   return words.reduce((sum, text) => sum + Number(eventsIn(text)), 0);
@@ -370,23 +375,28 @@ testPage('100,000 events', { recording: withOutlier }, async (page, { folder, by
   assert.deepEqual((await charts(page)).timeline.ends, plot.ends);
 });
 
+/** What the plot says when the pointer is on a point. */
+async function saidAt(page, point) {
+  const [x, y] = await page.evaluate(
+    (values) => echarts.getInstanceByDom(document.querySelector('#plot .canvas')).convertToPixel('grid', values),
+    point,
+  );
+  const textsOf = async () => (await charts(page)).plot.texts;
+  const { length } = await textsOf();
+  await page.hover('#plot canvas', { position: { x, y } });
+  for (let tries = 0; tries < 50 && (await textsOf()).length === length; ++tries) {
+    await page.waitForTimeout(20);
+  }
+  return (await textsOf()).join(' ');
+}
+
 testPage('what is drawn of 100,000 events', { recording: withOutlier }, async (page) => {
   const point = [(outlier.event - 10000) * 360000, outlier.value];
   const { plot } = await charts(page);
   const strokes = await strokesDuring(page, () => afterDrawing(page, () => page.click('#zoom-in')));
   assert.ok(strokes < 16 * (plot.pixels[1] - plot.pixels[0]), `${strokes} strokes for half of them`);
 
-  const place = await page.evaluate(
-    (values) => echarts.getInstanceByDom(document.querySelector('#plot .canvas')).convertToPixel('grid', values),
-    point,
-  );
-  const box = await page.locator('#plot canvas').boundingBox();
-  await page.mouse.move(box.x + place[0], box.y + place[1]);
-  const said = async () => (await charts(page)).plot.texts.join(' ');
-  for (let tries = 0; tries < 50 && !/Drift {2}9/.test(await said()); ++tries) {
-    await page.waitForTimeout(20);
-  }
-  assert.match(await said(), /Drift {2}9.step 32.04:08:01\.320000, done/s);
+  assert.match(await saidAt(page, point), /Drift {2}9.step 32.04:08:01\.320000, done/s);
 
   const [onIt, below] = await page.evaluate((values) => {
     window.dispatchEvent(new window.Event('beforeprint'));
@@ -400,7 +410,10 @@ testPage('what is drawn of 100,000 events', { recording: withOutlier }, async (p
   assert.deepEqual([onIt > 128, below], [true, 0], `the outlier on paper: ${onIt}`);
 });
 
-/** Holds bars of the plot, so many slices in one, against the recorded values of a kind, which are as far apart. */
+/**
+ * Holds bars of the plot, so many slices in one, against the recorded values of a kind, which are as far apart. Gives
+ * the middle, lowest and highest of one of them.
+ */
 async function checkBars(page, folder, { name, events, slices, together }) {
   const { data, ends, pixels } = (await charts(page)).plot;
   const bars = new Map(); // by where they begin: executions of another status have bars of their own
@@ -424,6 +437,8 @@ async function checkBars(page, folder, { name, events, slices, together }) {
     );
     assert.deepEqual(bars.get(begin), [low, high], `bar ${at}`);
   }
+  const [begin, end] = begins.slice(40);
+  return [(begin + end) / 2, ...bars.get(begin)];
 }
 
 testPage('more events of a kind than a page has', { recording: binned }, async (page, { folder }) => {
@@ -434,7 +449,9 @@ testPage('more events of a kind than a page has', { recording: binned }, async (
   await checkBars(page, folder, { ...slices, together: 3 });
   await afterDrawing(page, () => page.click('#zoom-in'));
   await afterDrawing(page, () => page.click('#zoom-in'));
-  await checkBars(page, folder, { ...slices, together: 1 });
+  const [middle, low, high] = await checkBars(page, folder, { ...slices, together: 1 });
+  const said = await saidAt(page, [middle, (low + high) / 2]);
+  assert.ok(said.includes(`Drift  ${low} to ${high}`), `${low} to ${high}: ${said}`);
   assert.match(await page.textContent('#download-events'), /the kept events/);
 });
 
