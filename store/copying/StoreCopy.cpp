@@ -5,6 +5,7 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/recording/Writer.h"
+#include "store/schema/Running.h"
 #include "store/schema/Versions.h"
 
 #include <limits>
@@ -103,6 +104,7 @@ class Copier {
       to.Sql().RunScript(std::string("DELETE FROM ") + history);
       filling = true;
       CopyAll();
+      to.Sql().RunScript(Running::fill);
       target->ContinueNumbers();
     });
     target->Finish();

@@ -91,6 +91,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   Record("first");
   EXPECT_EQ(Tool("seal --config file --anchor anchor"), 0) << said;
   Record("second");
+  EXPECT_EQ(Shell("sqlite3 file/ts.db \"INSERT INTO statuses VALUES (NULL, 1, 1, 4, '2026-11-24')\""), 0);  // goes on
   EXPECT_EQ(Tool(exportAll + "file"s), 0);
   const std::string recorded = said;
   EXPECT_EQ(Tool("copy file server"), 0) << said;
@@ -100,6 +101,8 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
     EXPECT_TRUE(said == recorded) << said;
     EXPECT_EQ(Tool("verify --anchor anchor --config " + name), 4) << said;
     EXPECT_EQ(Tool("check --config " + name), 0) << said;
+    EXPECT_EQ(Tool("runs --unfinished --json --config " + name), 0) << said;
+    EXPECT_TRUE(Says("\"status\":4")) << said;
   }
   for (const std::string words : {"runs", "runs --unfinished --json", "show last --tree --events", "tail last",
                                   "export last --format csv", "export --since 2000-01-01 --format trace"}) {
@@ -119,6 +122,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   }
   Begin("server");
   Record("third");
+  Sql("INSERT INTO statuses (execution_id, session_id, code, at) VALUES (1, 1, 14, '2026-11-25')");
   EXPECT_EQ(Tool("seal --config server"), 0) << said;
   EXPECT_EQ(Tool("verify --anchor anchor --config server"), 0) << said;
   EXPECT_EQ(Tool("copy server back"), 0) << said;  // what came since
