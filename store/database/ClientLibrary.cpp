@@ -57,10 +57,12 @@ PQconninfoOption* PQconninfoParse(const char* text, char** error) {
   return Call<&PQconninfoParse>(__func__, text, error);
 }
 int PQconsumeInput(PGconn* c) { return Call<&PQconsumeInput>(__func__, c); }
+int PQenterPipelineMode(PGconn* c) { return Call<&PQenterPipelineMode>(__func__, c); }
 char* PQerrorMessage(const PGconn* c) { return Call<&PQerrorMessage>(__func__, c); }
 char* PQescapeLiteral(PGconn* c, const char* text, std::size_t size) {
   return Call<&PQescapeLiteral>(__func__, c, text, size);
 }
+int PQexitPipelineMode(PGconn* c) { return Call<&PQexitPipelineMode>(__func__, c); }
 void PQfinish(PGconn* c) { Call<&PQfinish>(__func__, c); }
 int PQflush(PGconn* c) { return Call<&PQflush>(__func__, c); }
 char* PQfname(const PGresult* r, int column) { return Call<&PQfname>(__func__, r, column); }
@@ -75,16 +77,24 @@ char* PQhostaddr(const PGconn* c) { return Call<&PQhostaddr>(__func__, c); }
 int PQisBusy(PGconn* c) { return Call<&PQisBusy>(__func__, c); }
 int PQnfields(const PGresult* r) { return Call<&PQnfields>(__func__, r); }
 int PQntuples(const PGresult* r) { return Call<&PQntuples>(__func__, r); }
+int PQpipelineSync(PGconn* c) { return Call<&PQpipelineSync>(__func__, c); }
 char* PQport(const PGconn* c) { return Call<&PQport>(__func__, c); }
 char* PQresultErrorField(const PGresult* r, int field) { return Call<&PQresultErrorField>(__func__, r, field); }
 char* PQresultErrorMessage(const PGresult* r) { return Call<&PQresultErrorMessage>(__func__, r); }
 ExecStatusType PQresultStatus(const PGresult* r) { return Call<&PQresultStatus>(__func__, r); }
 int PQputCopyData(PGconn* c, const char* data, int size) { return Call<&PQputCopyData>(__func__, c, data, size); }
 int PQputCopyEnd(PGconn* c, const char* error) { return Call<&PQputCopyEnd>(__func__, c, error); }
+int PQsendPrepare(PGconn* c, const char* name, const char* statement, int count, const Oid* types) {
+  return Call<&PQsendPrepare>(__func__, c, name, statement, count, types);
+}
 int PQsendQuery(PGconn* c, const char* statements) { return Call<&PQsendQuery>(__func__, c, statements); }
 int PQsendQueryParams(PGconn* c, const char* statement, int count, const Oid* types, const char* const* values,
                       const int* lengths, const int* formats, int format) {
   return Call<&PQsendQueryParams>(__func__, c, statement, count, types, values, lengths, formats, format);
+}
+int PQsendQueryPrepared(PGconn* c, const char* name, int count, const char* const* values, const int* lengths,
+                        const int* formats, int format) {
+  return Call<&PQsendQueryPrepared>(__func__, c, name, count, values, lengths, formats, format);
 }
 PQnoticeProcessor PQsetNoticeProcessor(PGconn* c, PQnoticeProcessor processor, void* given) {
   return Call<&PQsetNoticeProcessor>(__func__, c, processor, given);

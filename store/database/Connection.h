@@ -39,7 +39,7 @@ class Connection {
   void Run(std::string_view statement, const Values&... values) {
     const InUse used(Kept(statement));
     BindValues(used.cursor, values...);
-    used.cursor.Next();
+    used.cursor.Run();
   }
 
   /// Runs a statement and reads the first row of its result. The connection keeps the statement prepared.

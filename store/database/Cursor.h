@@ -26,6 +26,8 @@ class Cursor {
   /// Goes to the next row. The first call runs the statement.
   /// @return whether there is a row; false again for each call after the last one.
   virtual bool Next() = 0;
+  /// Runs a statement whose result nobody reads. On a server, an error can come with a later statement.
+  virtual void Run() { Next(); }
 
   virtual int Columns() const = 0;
   virtual const char* Name(int column) const = 0;

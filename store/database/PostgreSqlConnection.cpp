@@ -15,6 +15,8 @@ namespace {
 // The client library can have a part of a result in its buffer, of which the socket does not know; so it is polled.
 constexpr std::chrono::milliseconds longestLook{100};
 
+constexpr std::size_t mostUnread = 100;  // so that statements do not fill the memory while the server is at work
+
 // Without the severity that precedes the message.
 std::string OnOneLine(std::string_view rest) {
   static constexpr std::string_view space = " \t\n\v\f\r";
@@ -31,6 +33,13 @@ std::string OnOneLine(std::string_view rest) {
 }
 
 std::string TextOf(const char* value) { return value == nullptr ? "" : value; }
+
+std::vector<const char*> PointersTo(const std::vector<PostgreSqlConnection::Value>& values) {
+  std::vector<const char*> texts(values.size());
+  std::transform(values.begin(), values.end(), texts.begin(),
+                 [](const auto& value) { return value ? value->c_str() : nullptr; });
+  return texts;
+}
 
 }  // namespace
 
@@ -70,17 +79,104 @@ std::unique_ptr<Cursor> PostgreSqlConnection::PrepareShort(const std::string& st
 }
 
 PostgreSqlConnection::Answer PostgreSqlConnection::Ask(const std::string& statements) {
+  Settle();
   Expect(PQsendQuery(handle.get(), (std::exchange(closing, "") + statements).c_str()));
   return TakeAnswer();
 }
 
 PostgreSqlConnection::Answer PostgreSqlConnection::Ask(const std::string& statement, const std::vector<Value>& values) {
-  std::vector<const char*> texts(values.size());
-  std::transform(values.begin(), values.end(), texts.begin(),
-                 [](const Value& value) { return value ? value->c_str() : nullptr; });
-  Expect(PQsendQueryParams(handle.get(), statement.c_str(), static_cast<int>(texts.size()), nullptr, texts.data(),
-                           nullptr, nullptr, 0));
-  return TakeAnswer();
+  Answer answer(nullptr, &PQclear);
+  SendKept(statement, values, [&answer](Answer received) { answer = std::move(received); });
+  Settle();
+  return answer;
+}
+
+void PostgreSqlConnection::Send(const std::string& statement, const std::vector<Value>& values, Receiver receive) {
+  StartPipeline();
+  Expect(PQsendQueryParams(handle.get(), statement.c_str(), static_cast<int>(values.size()), nullptr,
+                           PointersTo(values).data(), nullptr, nullptr, 0));
+  sent.push_back({Sent::What::Statement, std::move(receive)});
+}
+
+void PostgreSqlConnection::SendKept(const std::string& statement, const std::vector<Value>& values, Receiver receive) {
+  StartPipeline();
+  const int count = static_cast<int>(values.size());
+  Expect(PQsendQueryPrepared(handle.get(), Prepared(statement, count).c_str(), count, PointersTo(values).data(),
+                             nullptr, nullptr, 0));
+  sent.push_back({Sent::What::Statement, std::move(receive)});
+}
+
+void PostgreSqlConnection::RunKept(const std::string& statement, const std::vector<Value>& values) {
+  SendKept(statement, values);
+  if (!defersRuns || sent.size() >= mostUnread) {
+    Settle();
+  }
+}
+
+void PostgreSqlConnection::SendTrial(const std::string& statement, Receiver receive) {
+  EndPart();
+  Send(statement, {}, std::move(receive));
+  sent.back().what = Sent::What::Trial;
+  EndPart();
+}
+
+void PostgreSqlConnection::Settle() {
+  EndPart();
+  Answer failed(nullptr, &PQclear);
+  while (!sent.empty()) {
+    Answer answer = Receive();
+    if (!failed) {
+      failed = std::move(answer);
+    }
+  }
+  PQexitPipelineMode(handle.get());
+  if (failed) {
+    Expect(failed.get());
+  }
+}
+
+void PostgreSqlConnection::StartPipeline() {
+  if (sent.empty()) {
+    Expect(PQenterPipelineMode(handle.get()));
+  }
+}
+
+void PostgreSqlConnection::EndPart() {
+  if (!sent.empty() && sent.back().what != Sent::What::EndOfPart) {
+    Expect(PQpipelineSync(handle.get()));
+    sent.push_back({Sent::What::EndOfPart});
+  }
+}
+
+// Each name is used once: if the server skips the preparation, the statement is prepared again under another name.
+std::string PostgreSqlConnection::Prepared(const std::string& statement, int values) {
+  if (const auto known = prepared.find(statement); known != prepared.end()) {
+    return known->second;
+  }
+  const std::string name = "s" + std::to_string(++statements);
+  Expect(PQsendPrepare(handle.get(), name.c_str(), statement.c_str(), values, nullptr));
+  sent.push_back({Sent::What::Preparation, nullptr, statement});
+  return prepared.emplace(statement, name).first->second;
+}
+
+PostgreSqlConnection::Answer PostgreSqlConnection::Receive() {
+  Answer answer = TakeResult();
+  const Sent first = std::move(sent.front());
+  sent.pop_front();
+  const ExecStatusType status = PQresultStatus(answer.get());
+  if (status != PGRES_FATAL_ERROR && status != PGRES_PIPELINE_ABORTED) {
+    if (first.receive) {
+      first.receive(std::move(answer));
+    }
+    return {nullptr, &PQclear};
+  }
+  if (first.what == Sent::What::Preparation) {
+    prepared.erase(first.statement);
+  }
+  if (first.what == Sent::What::Trial || status == PGRES_PIPELINE_ABORTED) {
+    return {nullptr, &PQclear};
+  }
+  return answer;
 }
 
 void PostgreSqlConnection::BeginSending(const std::string& statement) { Ask(statement); }
@@ -109,7 +205,20 @@ void PostgreSqlConnection::Expect(int sent) {
   }
 }
 
+void PostgreSqlConnection::Expect(const PGresult* answer) {
+  if (PQresultStatus(answer) == PGRES_FATAL_ERROR) {
+    Fail(OnOneLine(PQresultErrorMessage(answer)), TextOf(PQresultErrorField(answer, PG_DIAG_SQLSTATE)));
+  }
+}
+
 PostgreSqlConnection::Answer PostgreSqlConnection::TakeAnswer() {
+  Answer answer = TakeResult();
+  Expect(answer.get());
+  return answer;
+}
+
+// The results of a statement end with an empty one, except when the server expects rows, and at the end of a part.
+PostgreSqlConnection::Answer PostgreSqlConnection::TakeResult() {
   Answer answer(nullptr, &PQclear);
   while (AwaitAnswer()) {
     Answer next(PQgetResult(handle.get()), &PQclear);
@@ -119,15 +228,13 @@ PostgreSqlConnection::Answer PostgreSqlConnection::TakeAnswer() {
     if (!answer || PQresultStatus(answer.get()) != PGRES_FATAL_ERROR) {
       answer = std::move(next);
     }
-    if (PQresultStatus(answer.get()) == PGRES_COPY_IN) {
+    if (const ExecStatusType status = PQresultStatus(answer.get());
+        status == PGRES_COPY_IN || status == PGRES_PIPELINE_SYNC) {
       break;
     }
   }
   if (IsLost() || !answer) {
     Fail(silent ? "it gave no answer in time" : OnOneLine(PQerrorMessage(handle.get())));
-  }
-  if (PQresultStatus(answer.get()) == PGRES_FATAL_ERROR) {
-    Fail(OnOneLine(PQresultErrorMessage(answer.get())), TextOf(PQresultErrorField(answer.get(), PG_DIAG_SQLSTATE)));
   }
   return answer;
 }

@@ -5,6 +5,9 @@
 #include <libpq-fe.h>
 
 #include <chrono>
+#include <deque>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,7 +21,8 @@ class PostgreSqlConnection : public Connection {
  public:
   using Clock = std::chrono::steady_clock;
   using Answer = std::unique_ptr<PGresult, decltype(&PQclear)>;
-  using Value = std::optional<std::string>;  ///< A value in a statement; nothing for NULL.
+  using Value = std::optional<std::string>;             ///< A value in a statement; nothing for NULL.
+  using Receiver = std::function<void(Answer answer)>;  ///< Must not throw.
 
   /// @param address an address for PostgreSQL's client library.
   /// @param end when to give up connecting. The address must then have the server's IP address, because looking up a
@@ -39,6 +43,23 @@ class PostgreSqlConnection : public Connection {
   void BeginSending(const std::string& statement);
   void Send(std::string_view rows);
   void EndSending();
+
+  // Several statements in one round trip. After an error, the server skips the statements that were sent together with
+  // the one that failed. Outside a transaction, these are one transaction.
+
+  /// Sends a statement without waiting for its result.
+  void Send(const std::string& statement, const std::vector<Value>& values, Receiver receive = nullptr);
+  /// The same for a statement that is run often: the server keeps it prepared.
+  void SendKept(const std::string& statement, const std::vector<Value>& values, Receiver receive = nullptr);
+  /// Sends a statement that may fail: then it has no result, and the statements before and after it are not affected.
+  void SendTrial(const std::string& statement, Receiver receive);
+  /// Waits for the results of all that was sent. Throws the first error.
+  void Settle();
+  /// From now on, statements whose results nobody reads are sent without waiting, or no longer.
+  void DeferRuns(bool deferred) { defersRuns = deferred; }
+  /// Runs a statement whose result nobody reads.
+  void RunKept(const std::string& statement, const std::vector<Value>& values);
+
   /// A text as a literal in a statement.
   std::string Quoted(std::string_view text) const;
   /// Closes a cursor on the server, together with the next statement.
@@ -54,10 +75,30 @@ class PostgreSqlConnection : public Connection {
   std::string ServerUri() const;
 
  private:
+  /// Something that was sent, and whose result was not read yet.
+  struct Sent {
+    enum class What { Statement, Trial, Preparation, EndOfPart };
+
+    What what;
+    Receiver receive = nullptr;
+    std::string statement = "";  ///< That was prepared.
+  };
+
   bool ConnectUntil(Clock::time_point when);
   void Expect(int sent);
   void ExpectSending(int sent);
-  /// Waits for the whole result of what was sent.
+  void Expect(const PGresult* answer);
+  /// Begins to send statements together.
+  void StartPipeline();
+  /// Ends what an error makes the server skip.
+  void EndPart();
+  /// The name of a statement on the server.
+  std::string Prepared(const std::string& statement, int values);
+  /// Reads the result of what was sent first. @return the result of a statement that failed, or nothing.
+  Answer Receive();
+  /// Waits for the whole result of one statement, which can be an error.
+  Answer TakeResult();
+  /// Waits for the whole result of one statement. Throws its error.
   Answer TakeAnswer();
   /// Sends the rest of the statement, and waits until a part of the result has arrived.
   bool AwaitAnswer();
@@ -68,6 +109,10 @@ class PostgreSqlConnection : public Connection {
   std::unique_ptr<PGconn, decltype(&PQfinish)> handle{nullptr, &PQfinish};
   std::optional<Clock::time_point> end;
   bool silent = false;
+  bool defersRuns = false;
+  std::deque<Sent> sent;
+  std::map<std::string, std::string> prepared;  // the names of statements on the server
+  int statements = 0;                           // that were prepared
   std::string closing;
   int cursors = 0;
 };

@@ -37,6 +37,7 @@ class PostgreSqlStatement : public PostgreSqlRows {
   void Bind(int place, double value) override;
   void Bind(int place, std::string_view value) override { Place(place) = std::string(value); }
   bool Next() override;
+  void Run() override { connection.RunKept(text, values); }
 
  private:
   PostgreSqlConnection::Value& Place(int place);

@@ -37,6 +37,14 @@ inline constexpr const char* findStore = R"(
       PERFORM set_config('search_path', COALESCE(quote_ident(COALESCE(store, place)) || ', pg_temp', ''), false);
     END $$)";
 
+/// Settings of a connection that records. Commits must be on the disk when they are acknowledged; a server that is set
+/// to do more keeps its setting. A host that stops in the middle of a transaction loses its locks after some time.
+inline constexpr const char* configure = R"(
+    SELECT set_config('statement_timeout', '4s', false), set_config('lock_timeout', '4s', false),
+      set_config('default_transaction_isolation', 'read committed', false),
+      set_config('idle_in_transaction_session_timeout', '60s', false),
+      CASE current_setting('synchronous_commit') WHEN 'off' THEN set_config('synchronous_commit', 'on', false) END)";
+
 /// A query for the reason why a server accepts no records or can lose them; empty if there is none.
 inline constexpr const char* askWhyNot = R"(
     SELECT CASE

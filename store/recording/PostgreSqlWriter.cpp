@@ -13,7 +13,8 @@ using Clock = PostgreSqlConnection::Clock;
 
 constexpr std::chrono::milliseconds longestOperation{4500};  // even if the network fails
 constexpr std::chrono::seconds longestBringUp{40};
-constexpr std::chrono::seconds longestDoubt{2};  // how long to ask whether a transaction was committed
+constexpr std::chrono::seconds longestDoubt{2};   // how long to ask whether a transaction was committed
+constexpr std::chrono::hours partitionsLast{24};  // the next months are looked at again
 
 // The keys of the advisory locks that all hosts use. They begin with "TS", because a database has one set of keys.
 constexpr const char* schemaLock = "SELECT pg_advisory_xact_lock(21587, 1)";
@@ -25,6 +26,28 @@ constexpr const char* insufficientPrivilege = "42501";
 // primary.
 constexpr const char* identity =
     "(CAST(system_identifier AS text) || '/' || left(pg_walfile_name(pg_current_wal_insert_lsn()), 8))";
+
+std::string AskServer() {
+  return "SELECT current_setting('server_encoding'), (" + std::string(askWhyNot) +
+         "), CASE WHEN pg_is_in_recovery() THEN '' ELSE " + identity + " END FROM pg_control_system()";
+}
+
+constexpr const char* askTables =
+    "SELECT COUNT(*), COUNT(*) FILTER (WHERE relname = 'ts_schema') FROM pg_class c "
+    "WHERE relkind IN ('r', 'p', 'v') AND relnamespace = to_regnamespace(quote_ident(current_schema())) AND "
+    "NOT EXISTS (SELECT FROM pg_depend WHERE classid = CAST('pg_class' AS regclass) AND objid = c.oid "
+    "AND deptype = 'e')";  // tables of extensions
+
+// Whether a store of this version has the partitions that make_partitions() makes. The functions are only called where
+// there is a table ts_schema.
+constexpr const char* askRoom = R"(
+    SELECT bool_and(has_partitions(CAST(to_char(to_date(CAST(event_month() AS text), 'YYYYMM')
+                                                + make_interval(months => ahead), 'YYYYMM') AS bigint)))
+    FROM generate_series(0, 2) AS ahead WHERE EXISTS (SELECT FROM ts_schema))";
+
+int IntegerIn(const PostgreSqlConnection::Answer& answer, int column) {
+  return std::stoi(PQgetvalue(answer.get(), 0, column));
+}
 
 std::string ParametersAsJson(const EventRow& event) {
   std::string json = "[";
@@ -53,8 +76,7 @@ PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
     : Writer(opening), connection(ConnectToServer(address)) {
   connection.ExplainErrorsBy([this](const DatabaseError& error) { Explain(error); });
   PostgreSqlWriter::StartOperation();
-  Configure();
-  const int version = StoredVersion();
+  const int version = VersionIn(Configure());
   if (version < schemaVersion) {
     connection.LimitTo(Clock::now() + longestBringUp);
   }
@@ -64,22 +86,35 @@ PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
   if (version < schemaVersion) {
     BringUp();
   }
-  PostgreSqlWriter::MakeRoom();
+  if (partitionsDue == Clock::time_point::max()) {
+    PostgreSqlWriter::MakeRoom();
+  }
   PostgreSqlWriter::EndOperation();
 }
 
-void PostgreSqlWriter::Configure() {
-  connection.RunScript(findStore);
-  // Commits must be on the disk when they are acknowledged; a server that is set to do more keeps its setting. A host
-  // that stops in the middle of a transaction loses its locks after some time.
-  connection.RunScript(
-      "SET statement_timeout = '4s'; SET lock_timeout = '4s'; SET default_transaction_isolation = 'read committed';"
-      "SET idle_in_transaction_session_timeout = '60s';"
-      "SELECT set_config('synchronous_commit', 'on', false) WHERE current_setting('synchronous_commit') = 'off'");
-  const auto [encoding, whyNot] =
-      connection
-          .Find<std::string, std::string>("SELECT current_setting('server_encoding'), (" + std::string(askWhyNot) + ")")
-          .value();
+Writer::Contents PostgreSqlWriter::Configure() {
+  std::string encoding;
+  std::string whyNot;
+  Contents contents;
+  connection.Send(findStore, {});
+  connection.Send(configure, {});
+  connection.Send(AskServer(), {}, [&](const PostgreSqlConnection::Answer& answer) {
+    encoding = PQgetvalue(answer.get(), 0, 0);
+    whyNot = PQgetvalue(answer.get(), 0, 1);
+    server = PQgetvalue(answer.get(), 0, 2);
+  });
+  connection.Send(askTables, {}, [&](const PostgreSqlConnection::Answer& answer) {
+    contents = {IntegerIn(answer, 0) != 0, IntegerIn(answer, 1) != 0, std::nullopt};
+  });
+  connection.SendTrial(askVersion, [&](const PostgreSqlConnection::Answer& answer) {
+    contents.version = {IntegerIn(answer, 0), IntegerIn(answer, 1)};
+  });
+  connection.SendTrial(askRoom, [this](const PostgreSqlConnection::Answer& answer) {
+    if (std::string_view(PQgetvalue(answer.get(), 0, 0)) == "t") {
+      partitionsDue = Clock::now() + partitionsLast;
+    }
+  });
+  connection.Settle();
   if (!whyNot.empty()) {
     throw NotReachable("TS database '" + Name() + "' cannot be recorded into: " + whyNot);
   }
@@ -87,7 +122,7 @@ void PostgreSqlWriter::Configure() {
     throw Error("TS database '" + Name() + "' has the encoding " + encoding +
                 "; expected UTF8, which can store every text");
   }
-  server = connection.Find<std::string>("SELECT " + std::string(identity) + " FROM pg_control_system()").value();
+  return contents;
 }
 
 // If the answer to the commit is lost, the number of the transaction says later whether it was committed. Partitions
@@ -96,13 +131,19 @@ void PostgreSqlWriter::Begin() {
   if (Clock::now() >= partitionsDue) {
     MakeRoom();
   }
-  const PostgreSqlConnection::Answer began =
-      connection.Ask("BEGIN; SELECT CAST(pg_current_xact_id() AS text), CAST(pg_current_wal_flush_lsn() AS text)");
-  transaction = PQgetvalue(began.get(), 0, 0);
-  logged = PQgetvalue(began.get(), 0, 1);
+  connection.DeferRuns(true);
+  connection.SendKept("BEGIN", {});
+  connection.SendKept("SELECT CAST(pg_current_xact_id() AS text), CAST(pg_current_wal_flush_lsn() AS text)", {},
+                      [this](const PostgreSqlConnection::Answer& answer) {
+                        transaction = PQgetvalue(answer.get(), 0, 0);
+                        logged = PQgetvalue(answer.get(), 0, 1);
+                      });
 }
 
+// The number of the transaction must be known before the commit is sent, and so must every error.
 void PostgreSqlWriter::Commit() {
+  connection.Settle();
+  connection.DeferRuns(false);
   try {
     connection.RunScript("COMMIT");
   } catch (const DatabaseError&) {
@@ -110,6 +151,16 @@ void PostgreSqlWriter::Commit() {
       throw;
     }
   }
+}
+
+void PostgreSqlWriter::Rollback() {
+  connection.DeferRuns(false);
+  try {
+    connection.Settle();
+  } catch (const DatabaseError&) {
+    // What failed is undone with the rest.
+  }
+  Writer::Rollback();
 }
 
 // The server process of the lost connection may still be committing, so the query is repeated until there is an answer.
@@ -153,7 +204,7 @@ long long PostgreSqlWriter::NextKey(const std::string& table, const std::string&
   return std::stoll(PQgetvalue(key.get(), 0, 0));
 }
 
-void PostgreSqlWriter::HoldActivities() { connection.RunScript(activitiesLock); }
+void PostgreSqlWriter::HoldActivities() { connection.Run(activitiesLock); }
 
 void PostgreSqlWriter::HoldSeals() { connection.RunScript("LOCK TABLE seals IN EXCLUSIVE MODE"); }
 
@@ -163,8 +214,11 @@ void PostgreSqlWriter::HoldSchema() {
                        schemaLock);
 }
 
-// Inserts the event and its parameters with one statement, because each statement is a round trip.
+// The key of a row is made by the statement that inserts it and the rows that refer to it: to learn it first would be a
+// round trip. A prepared statement locks the table of its outer insertion first, so the other one is locked before, for
+// the order in which everybody locks them. Both are locked before a number is taken, as NextKey() does.
 void PostgreSqlWriter::Insert(const EventRow& event) {
+  connection.Run("LOCK TABLE ONLY events IN ROW EXCLUSIVE MODE");
   connection.Run(
       "WITH stored AS (INSERT INTO events (session_id, execution_id, configuration_id, name, at) "
       "VALUES (?1, ?2, ?3, ?4, ?5) RETURNING event_id) "
@@ -174,9 +228,37 @@ void PostgreSqlWriter::Insert(const EventRow& event) {
       event.session, event.execution, event.configuration, event.name, event.at, ParametersAsJson(event));
 }
 
+long long PostgreSqlWriter::Insert(const ExecutionRow& execution) {
+  connection.Run("LOCK TABLE executions IN ROW EXCLUSIVE MODE");
+  return connection
+      .Find<long long>(
+          "WITH made AS (INSERT INTO executions (execution_id, guid, parent_id, root_id, session_id, version_id, node, "
+          "description, kind, started_at) SELECT key, ?1, CAST(?2 AS bigint), COALESCE(CAST(?3 AS bigint), key), "
+          "CAST(?4 AS bigint), CAST(?5 AS bigint), ?6, ?7, CAST(?8 AS bigint), ?9 "
+          "FROM nextval(CAST('executions_execution_id_seq' AS regclass)) AS key "
+          "RETURNING execution_id, session_id, started_at) "
+          "INSERT INTO statuses (execution_id, session_id, code, at) "
+          "SELECT execution_id, session_id, CAST(?10 AS bigint), started_at FROM made RETURNING execution_id",
+          execution.guid, execution.parent, execution.root, execution.session, execution.version, execution.node,
+          execution.description, execution.kind, execution.startedAt, execution.code)
+      .value();
+}
+
+bool PostgreSqlWriter::AddStatus(const StatusRow& status) {
+  return connection
+      .Find<int>(
+          "WITH newest AS (SELECT s.code, s.at FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
+          "WHERE x.execution_id = ?1 AND x.guid = ?2 ORDER BY s.status_id DESC LIMIT 1), "
+          "added AS (INSERT INTO statuses (execution_id, session_id, code, at) "
+          "SELECT ?1, CAST(?3 AS bigint), CAST(?4 AS bigint), ?5 FROM newest "
+          "WHERE code <> CAST(?4 AS bigint) OR at <> ?5) SELECT 1 FROM newest",
+          status.execution, status.guid, status.session, status.code, status.at)
+      .has_value();
+}
+
 void PostgreSqlWriter::MakeRoom() {
   connection.RunScript("SELECT make_partitions()");
-  partitionsDue = Clock::now() + std::chrono::hours(24);
+  partitionsDue = Clock::now() + partitionsLast;
 }
 
 // A server that stops says so before it closes the connection: the first call reads the message, the second the end.
@@ -205,15 +287,8 @@ void PostgreSqlWriter::Explain(const DatabaseError& error) const {
 }
 
 Writer::Contents PostgreSqlWriter::FindTables() {
-  const auto [tables, own] =
-      connection
-          .Find<int, int>(
-              "SELECT COUNT(*), COUNT(*) FILTER (WHERE relname = 'ts_schema') FROM pg_class c "
-              "WHERE relkind IN ('r', 'p', 'v') AND relnamespace = to_regnamespace(quote_ident(current_schema())) AND "
-              "NOT EXISTS (SELECT FROM pg_depend WHERE classid = CAST('pg_class' AS regclass) AND objid = c.oid "
-              "AND deptype = 'e')")  // tables of extensions
-          .value();
-  return {tables != 0, own != 0};
+  const auto [tables, own] = connection.Find<int, int>(askTables).value();
+  return {tables != 0, own != 0, std::nullopt};
 }
 
 void PostgreSqlWriter::BringUpSchema(int from) { BringUpPostgreSql(connection, from); }

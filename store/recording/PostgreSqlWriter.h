@@ -19,12 +19,19 @@ class PostgreSqlWriter : public Writer {
   void MakeRoom() override;
   void Begin() override;
   void Commit() override;
+  void Rollback() override;
   long long NextKey(const std::string& table, const std::string& column) override;
   void HoldActivities() override;
   void HoldSeals() override;
   void Insert(const EventRow& event) override;
+  long long Insert(const ExecutionRow& execution) override;
+  bool AddStatus(const StatusRow& status) override;
+  std::vector<ActivityVersionRow> Register(const Registration& registration,
+                                           const std::vector<ActivityVersionRow>& versions) override;
+  void Settle() override { connection.Settle(); }
   void StartOperation() override;
   void EndOperation() override { connection.LimitTo(std::nullopt); }
+  bool IsFar() const override { return true; }
   bool IsUsable() override;
   bool IsOutsideTransaction() override;
   bool IsLost() override { return connection.IsLost(); }
@@ -35,7 +42,8 @@ class PostgreSqlWriter : public Writer {
   Contents FindTables() override;
   void BringUpSchema(int from) override;
   void HoldSchema() override;
-  void Configure();
+  /// Prepares the connection for recording, and asks what is there, in one round trip.
+  Contents Configure();
   void Explain(const DatabaseError& error) const;
   bool WasCommitted();
 
@@ -43,7 +51,7 @@ class PostgreSqlWriter : public Writer {
   std::string server;       // the identifier of its cluster, and its timeline
   std::string transaction;  // the number of the open transaction on the server
   std::string logged;       // how much of the server's log was on its disk when the transaction began
-  Clock::time_point partitionsDue = Clock::time_point::max();
+  Clock::time_point partitionsDue = Clock::time_point::max();  // unless it is not known whether there are any
 };
 
 }  // namespace Velora::Store

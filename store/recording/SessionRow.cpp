@@ -10,13 +10,13 @@ namespace Velora::Store {
 
 long long InsertSession(Writer& store, const std::string& guid, const std::string& instrument,
                         const std::array<std::string, 3>& texts) {
-  const long long key = store.NextKey("sessions", "session_id");
-  store.Sql().Run(
-      "INSERT INTO sessions (session_id, guid, instrument, host, began_at, text1, text2, text3) "
-      "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8)",
-      key, guid, ToStoredText(instrument), ToStoredText(System::ComputerName()), ToStoredTime(Now()),
-      ToStoredText(texts[0]), ToStoredText(texts[1]), ToStoredText(texts[2]));
-  return key;
+  return store.Sql()
+      .Find<long long>(
+          "INSERT INTO sessions (guid, instrument, host, began_at, text1, text2, text3) "
+          "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7) RETURNING session_id",
+          guid, ToStoredText(instrument), ToStoredText(System::ComputerName()), ToStoredTime(Now()),
+          ToStoredText(texts[0]), ToStoredText(texts[1]), ToStoredText(texts[2]))
+      .value();
 }
 
 }  // namespace Velora::Store

@@ -156,6 +156,34 @@ void SqliteWriter::Insert(const EventRow& event) {
   }
 }
 
+long long SqliteWriter::Insert(const ExecutionRow& execution) {
+  // Before the insertion, since a top-level execution is its own root.
+  const long long key = NextKey("executions", "execution_id");
+  connection.Run(
+      "INSERT INTO executions (execution_id, guid, parent_id, root_id, session_id, version_id, node, description, "
+      "kind, started_at) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)",
+      key, execution.guid, execution.parent, execution.root.value_or(key), execution.session, execution.version,
+      execution.node, execution.description, execution.kind, execution.startedAt);
+  InsertStatus(key, execution.session, execution.code, execution.startedAt);
+  return key;
+}
+
+bool SqliteWriter::AddStatus(const StatusRow& status) {
+  const auto newest = connection.Find<int, std::string>(
+      "SELECT s.code, s.at FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
+      "WHERE x.execution_id = ?1 AND x.guid = ?2 ORDER BY s.status_id DESC LIMIT 1",
+      status.execution, status.guid);
+  if (newest && *newest != std::tuple(status.code, status.at)) {
+    InsertStatus(status.execution, status.session, status.code, status.at);
+  }
+  return newest.has_value();
+}
+
+void SqliteWriter::InsertStatus(long long execution, long long session, int code, const std::string& at) {
+  connection.Run("INSERT INTO statuses (execution_id, session_id, code, at) VALUES (?1, ?2, ?3, ?4)", execution,
+                 session, code, at);
+}
+
 bool SqliteWriter::IsUsable() {
   ExpectFilesInPlace();
   return true;
@@ -174,7 +202,7 @@ bool SqliteWriter::IsOutsideTransaction() { return sqlite3_get_autocommit(connec
 Writer::Contents SqliteWriter::FindTables() {
   const auto [tables, own] =
       connection.Find<int, int>("SELECT COUNT(*), COALESCE(SUM(name = 'ts_schema'), 0) FROM sqlite_master").value();
-  return {tables != 0, own != 0};
+  return {tables != 0, own != 0, std::nullopt};
 }
 
 void SqliteWriter::BringUpSchema(int from) { BringUpSqlite(connection, from); }

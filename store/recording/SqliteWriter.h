@@ -24,6 +24,12 @@ class SqliteWriter : public Writer {
   void HoldActivities() override {}  // a transaction holds the whole file
   void HoldSeals() override {}
   void Insert(const EventRow& event) override;
+  long long Insert(const ExecutionRow& execution) override;
+  bool AddStatus(const StatusRow& status) override;
+  std::vector<ActivityVersionRow> Register(const Registration& registration,
+                                           const std::vector<ActivityVersionRow>& versions) override {
+    return RegisterOneByOne(*this, registration, versions);
+  }
   bool IsUsable() override;
   bool IsOutsideTransaction() override;
 
@@ -32,6 +38,7 @@ class SqliteWriter : public Writer {
   void BringUpSchema(int from) override;
   void HoldSchema() override {}
   void Configure();
+  void InsertStatus(long long execution, long long session, int code, const std::string& at);
   void Explain(const DatabaseError& error) const;
   void TurnOnWriteAheadLog();
   std::string AskForWriteAheadLog();

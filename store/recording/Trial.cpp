@@ -42,6 +42,7 @@ Trial TryIn(Writer& store, const Settings& settings) {
   event.at = ToStoredTime(Now());
   event.parameters.push_back({"trial", "int", std::nullopt, 1.0});
   store.Insert(event);
+  store.Settle();
   if (version == 0) {
     trial.words = "empty; the first host makes the store, which was tried and undone";
   } else if (version < schemaVersion) {

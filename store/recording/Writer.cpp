@@ -6,8 +6,7 @@
 
 namespace Velora::Store {
 
-int Writer::StoredVersion() {
-  const Contents contents = FindTables();
+int Writer::VersionIn(const Contents& contents) {
   if (!contents.any) {
     if (opening == Opening::ExpectsStore) {
       throw StoreReplaced(Name());
@@ -18,7 +17,7 @@ int Writer::StoredVersion() {
     throw Error("TS database '" + Name() +
                 "' is not a TS store: it has tables of another program; expected an empty database or a TS store");
   }
-  const StoreVersion version = VersionOf(Sql());
+  const StoreVersion version = contents.version ? *contents.version : VersionOf(Sql());
   if (!version.IsUsable()) {
     throw Error("TS database '" + Name() + "' has a schema of version " + std::to_string(version.lowestHost) +
                 "; expected version " + std::to_string(schemaVersion) + " at most" +

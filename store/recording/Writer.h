@@ -2,10 +2,15 @@
 
 #include "store/database/Connection.h"
 #include "store/database/Database.h"
+#include "store/recording/ActivityRows.h"
 #include "store/recording/EventRow.h"
+#include "store/recording/ExecutionRow.h"
+#include "store/schema/Versions.h"
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace Velora::Store {
 
@@ -44,12 +49,26 @@ class Writer {
   virtual void HoldSeals() = 0;
   /// Inserts an event and its parameters, within a transaction.
   virtual void Insert(const EventRow& event) = 0;
+  /// Inserts an execution and its first status, within a transaction. @return the key of the execution.
+  virtual long long Insert(const ExecutionRow& execution) = 0;
+  /// Adds a status, within a transaction, unless the newest one of the execution is the same.
+  /// @return whether there is an execution with this key and this guid.
+  virtual bool AddStatus(const StatusRow& status) = 0;
+  /// Finds or adds activities and their versions, and adds a registration of each, in their order, within a transaction
+  /// that holds the activities. @return the rows of the versions.
+  virtual std::vector<ActivityVersionRow> Register(const Registration& registration,
+                                                   const std::vector<ActivityVersionRow>& versions) = 0;
+
+  /// Waits for the statements of the transaction that were sent without waiting; throws the first error of them.
+  virtual void Settle() {}
 
   /// Starts the time limit of an operation, if a network could delay it for ever.
   virtual void StartOperation() {}
   /// Ends the time limit of an operation.
   virtual void EndOperation() {}
 
+  /// Whether opening another one takes so long that one opened for a check is better kept for the session after it.
+  virtual bool IsFar() const { return false; }
   /// Whether the next operation can use the connection. If not, it must be closed.
   /// @throws StoreReplaced when the store was replaced by another one.
   virtual bool IsUsable() = 0;
@@ -59,17 +78,19 @@ class Writer {
   virtual bool IsLost() { return false; }
 
  protected:
+  struct Contents {
+    bool any = false;                     ///< Whether the database has a table.
+    bool isStore = false;                 ///< Whether it has the tables of a store.
+    std::optional<StoreVersion> version;  ///< Of the store, if it is known already.
+  };
+
   /// Makes or upgrades the store, in a transaction of its own.
   void BringUp();
   /// The version of the store's schema; 0 if there are no tables yet.
   /// @throws StoreReplaced when there must be tables. @throws Error when the database belongs to another program or has
   /// a later version.
-  int StoredVersion();
-
-  struct Contents {
-    bool any = false;      ///< Whether the database has a table.
-    bool isStore = false;  ///< Whether it has the tables of a store.
-  };
+  int VersionIn(const Contents& contents);
+  int StoredVersion() { return VersionIn(FindTables()); }
 
   const Opening opening;
 

@@ -16,8 +16,7 @@ void EnterVersions(Connection& connection, int from, int to) {
 }  // namespace
 
 StoreVersion VersionOf(Connection& store) {
-  const auto [number, lowestHost] =
-      store.Find<int, int>("SELECT COALESCE(MAX(ABS(version)), 0), COALESCE(MAX(version), 0) FROM ts_schema").value();
+  const auto [number, lowestHost] = store.Find<int, int>(askVersion).value();
   return {number, lowestHost};
 }
 

@@ -6,6 +6,10 @@ namespace Velora::Store {
 
 class Connection;
 
+/// A query for the two numbers of a StoreVersion.
+inline constexpr const char* askVersion =
+    "SELECT COALESCE(MAX(ABS(version)), 0), COALESCE(MAX(version), 0) FROM ts_schema";
+
 StoreVersion VersionOf(Connection& store);
 
 // Upgrade the schema of a database from one version to another, within a transaction. An empty database has version 0.

@@ -68,3 +68,11 @@ extern "C" [[gnu::visibility("default")]] int PQsendQueryParams(PGconn* connecti
   return Original<decltype(&PQsendQueryParams)>("PQsendQueryParams")(connection, statement, count, types, values,
                                                                      lengths, formats, format);
 }
+
+extern "C" [[gnu::visibility("default")]] int PQsendQueryPrepared(PGconn* connection, const char* name, int count,
+                                                                  const char* const* values, const int* lengths,
+                                                                  const int* formats, int format) {
+  BeforeStatement(connection);
+  return Original<decltype(&PQsendQueryPrepared)>("PQsendQueryPrepared")(connection, name, count, values, lengths,
+                                                                         formats, format);
+}

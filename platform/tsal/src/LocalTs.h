@@ -20,6 +20,10 @@ Velora::Store::Settings CurrentSettings();
 void SetReason(const std::string& reason);
 std::string Reason();
 
+/// Opens the store of the settings, which shows whether a session can begin. The first session uses what was opened.
+/// @throws NotReachable or Error with the reason why none can.
+void OpenStoreOfSettings();
+
 /// Begins a session; the one begun before stays the current one when that raises.
 std::shared_ptr<Session> BeginSession(const std::string& text1, const std::string& text2, const std::string& text3);
 

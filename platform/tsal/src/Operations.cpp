@@ -41,7 +41,7 @@ bool TSInstance::IsTsServicePresent() {
 
 bool TSInstance::IsConnectable() {
   try {
-    OpenForWriting(Local::CurrentSettings().database);
+    Local::OpenStoreOfSettings();
     Local::SetReason("");
     return true;
   } catch (const Velora::Store::NotReachable& reason) {

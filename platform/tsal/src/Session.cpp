@@ -9,9 +9,13 @@ namespace Quor::TolvaServices::Local {
 
 using namespace Velora::Store;
 
-Session::Session(const Settings& settings, const std::string& text1, const std::string& text2, const std::string& text3)
+Session::Session(const Settings& settings, std::unique_ptr<Writer> opened, const std::string& text1,
+                 const std::string& text2, const std::string& text3)
     : database(settings.database), guid(NewGuid()) {
-  row = RunOn(std::make_unique<OpenStore>(OpenForWriting(database)), [&](OpenStore& store) {
+  if (!opened) {
+    opened = OpenForWriting(database);
+  }
+  row = RunOn(std::make_unique<OpenStore>(std::move(opened)), [&](OpenStore& store) {
     Transaction transaction(*store.writer);
     const long long key = InsertSession(*store.writer, guid, settings.instrument, {text1, text2, text3});
     transaction.Commit();

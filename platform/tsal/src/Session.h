@@ -17,8 +17,9 @@ namespace Quor::TolvaServices::Local {
 class Session {
  public:
   /// Records a new session in the database that the settings name.
-  Session(const Velora::Store::Settings& settings, const std::string& text1, const std::string& text2,
-          const std::string& text3);
+  /// @param opened the database, if it is open already.
+  Session(const Velora::Store::Settings& settings, std::unique_ptr<Velora::Store::Writer> opened,
+          const std::string& text1, const std::string& text2, const std::string& text3);
 
   long long Row() const { return row; }
   const std::string& Guid() const { return guid; }

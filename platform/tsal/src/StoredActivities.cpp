@@ -10,75 +10,44 @@ using namespace Velora::Store;
 
 namespace {
 
-// A guid that was given, or a new one for an unset identity.
-std::string GuidToStore(const std::string& given, const char* what) {
-  return given.empty() ? NewGuid() : GuidOf(given, what);
+std::shared_ptr<const VersionRecord> FromStored(const ActivityVersionRow& row) {
+  auto read = std::make_shared<VersionRecord>();
+  read->row = row.key;
+  read->version.Id = Types::Tsid(row.guid);
+  read->version.Name = FromStoredText(row.name);
+  read->version.Version = FromStoredText(row.version);
+  read->version.Description = FromStoredText(row.description);
+  read->version.Activity.Id = Types::Tsid(row.activityGuid);
+  read->version.Activity.Name = FromStoredText(row.activityName);
+  read->version.Activity.Description = FromStoredText(row.activityDescription);
+  return read;
 }
 
-long long FindOrAddActivity(Writer& store, const Types::ns1__ActivityVersion& wire) {
-  const std::string name = ToStoredText(wire.ActivityName);
-  const std::string description = ToStoredText(wire.ActivityDescription);
-  if (const auto row = store.Sql().Find<long long>(
-          "SELECT activity_id FROM activities WHERE name = ?1 AND description = ?2", name, description)) {
-    return *row;
-  }
-  const std::string guid = GuidToStore(wire.ActivityGuid, "activity");
-  const long long row = store.NextKey("activities", "activity_id");
-  store.Sql().Run("INSERT INTO activities (activity_id, guid, name, description) VALUES (?1, ?2, ?3, ?4)", row, guid,
-                  name, description);
-  return row;
-}
-
-long long FindOrAddVersion(Writer& store, const Types::ns1__ActivityVersion& wire) {
-  const long long activity = FindOrAddActivity(store, wire);
-  const std::string name = ToStoredText(wire.Name);
-  const std::string version = ToStoredText(wire.Version);
-  const std::string description = ToStoredText(wire.Description);
-  if (const auto row = store.Sql().Find<long long>(
-          "SELECT version_id FROM activity_versions WHERE activity_id = ?1 AND name = ?2 AND version = ?3 "
-          "AND description = ?4",
-          activity, name, version, description)) {
-    return *row;
-  }
-  const std::string guid = GuidToStore(wire.Guid, "activity version");
-  const long long row = store.NextKey("activity_versions", "version_id");
-  store.Sql().Run(
-      "INSERT INTO activity_versions (version_id, guid, activity_id, name, version, description) "
-      "VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
-      row, guid, activity, name, version, description);
-  return row;
+ActivityVersionRow ToStored(const Types::ns1__ActivityVersion& wire) {
+  return {0,
+          wire.Guid,
+          ToStoredText(wire.Name),
+          ToStoredText(wire.Version),
+          ToStoredText(wire.Description),
+          wire.ActivityGuid,
+          ToStoredText(wire.ActivityName),
+          ToStoredText(wire.ActivityDescription)};
 }
 
 /// @return null if there is no such version.
-template <typename Key>
-std::shared_ptr<const VersionRecord> ReadVersion(Connection& sql, const std::string& column, const Key& key) {
-  const auto found =
-      sql.Find<long long, std::string, std::string, std::string, std::string, std::string, std::string, std::string>(
-          "SELECT v.version_id, v.guid, v.name, v.version, v.description, a.guid, a.name, a.description "
-          "FROM activity_versions v JOIN activities a ON a.activity_id = v.activity_id WHERE v." +
-              column + " = ?1",
-          key);
-  if (!found) {
-    return nullptr;
-  }
-  const auto& [row, guid, name, versionText, description, activityGuid, activityName, activityDescription] = *found;
-  auto read = std::make_shared<VersionRecord>();
-  read->row = row;
-  read->version.Id = Types::Tsid(guid);
-  read->version.Name = FromStoredText(name);
-  read->version.Version = FromStoredText(versionText);
-  read->version.Description = FromStoredText(description);
-  read->version.Activity.Id = Types::Tsid(activityGuid);
-  read->version.Activity.Name = FromStoredText(activityName);
-  read->version.Activity.Description = FromStoredText(activityDescription);
-  return read;
+std::shared_ptr<const VersionRecord> ReadVersion(Connection& sql, const std::string& guid) {
+  const auto rows = sql.PrepareShort(std::string("SELECT ") + versionColumns +
+                                     " FROM activity_versions v JOIN activities a "
+                                     "ON a.activity_id = v.activity_id WHERE v.guid = ?1");
+  BindValues(*rows, guid);
+  return rows->Next() ? FromStored(ReadVersionRow(*rows)) : nullptr;
 }
 
 }  // namespace
 
 std::shared_ptr<const VersionRecord> FindVersion(OpenStore& store, const std::string& guid) {
   auto version = store.known.Version(guid);
-  if (!version && (version = ReadVersion(store.Sql(), "guid", guid))) {
+  if (!version && (version = ReadVersion(store.Sql(), guid))) {
     store.known.Keep(guid, version);
   }
   return version;
@@ -92,25 +61,24 @@ std::optional<long long> VersionRow(OpenStore& store, const Types::ActivityVersi
     return found->row;
   }
   store.writer->HoldActivities();
-  return FindOrAddVersion(*store.writer, version.ToGsoap());
+  return FindOrAddVersion(*store.writer, ToStored(version.ToGsoap()));
 }
 
 std::map<std::string, Types::ActivityVersion> RegisterVersions(OpenStore& store, long long session,
                                                                const std::string& file,
                                                                const std::vector<DescribedVersion>& versions) {
-  const std::string storedFile = ToStoredText(file);
-  const std::string now = ToStoredTime(Now());
-  std::map<std::string, Types::ActivityVersion> registered;
+  std::vector<ActivityVersionRow> described;
+  for (const auto& [activity, activityDescription, name, version, description] : versions) {
+    described.push_back(ToStored({"", name, version, description, "", activity, activityDescription}));
+  }
   std::vector<std::shared_ptr<const VersionRecord>> records;
+  std::map<std::string, Types::ActivityVersion> registered;
   Transaction transaction(*store.writer);
   store.writer->HoldActivities();
-  for (const auto& [activity, activityDescription, name, version, description] : versions) {
-    const long long row =
-        FindOrAddVersion(*store.writer, {"", name, version, description, "", activity, activityDescription});
-    store.Sql().Run("INSERT INTO registrations (session_id, version_id, file, registered_at) VALUES (?1, ?2, ?3, ?4)",
-                    session, row, storedFile, now);
-    records.push_back(ReadVersion(store.Sql(), "version_id", row));
-    registered[name] = records.back()->version;
+  for (const ActivityVersionRow& row :
+       store.writer->Register({session, ToStoredText(file), ToStoredTime(Now())}, described)) {
+    records.push_back(FromStored(row));
+    registered[records.back()->version.Name] = records.back()->version;
   }
   transaction.Commit();
   for (const auto& record : records) {

@@ -23,16 +23,17 @@ Types::InstrumentEventConfigResult StoreConfiguration(OpenStore& store, long lon
   result.Time = Types::DateTimeOffset::Now();
   const std::string savedAt = StoredTimeOf(result.Time);
   Transaction transaction(*store.writer);
-  std::apply(
+  const auto row = std::apply(
       [&](const auto&... text) {
-        store.Sql().Run(
+        return store.Sql().Find<long long>(
             "INSERT INTO configurations (guid, session_id, saved_at, configuration_text, text2, vendor_name, "
             "host_name, option_text, instrument_class, model_name, text8, text9) "
-            "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12)",
+            "VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, ?12) RETURNING configuration_id",
             guid, session, savedAt, text...);
       },
       stored);
   transaction.Commit();
+  store.known.KeepConfiguration(guid, row.value());
   return result;
 }
 

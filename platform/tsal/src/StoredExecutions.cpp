@@ -76,32 +76,22 @@ std::pair<Record, ActivityExecutionStatus> FindWithStatus(OpenStore& store, cons
   return {std::move(read), status.value()};
 }
 
-void AddStatus(Connection& sql, long long row, long long session, int code, const std::string& at) {
-  sql.Run("INSERT INTO statuses (execution_id, session_id, code, at) VALUES (?1, ?2, ?3, ?4)", row, session, code, at);
-}
-
 /// @return what may be kept after the commit; null if the version is not known yet.
 Record Insert(OpenStore& store, long long session, const std::string& guid, const ActivityExecution& execution) {
   const Record parent =
       execution.Parent == nullptr ? nullptr : FindRecord(store, GuidOfExecution(execution.Parent->Id));
   const std::optional<long long> version = VersionRow(store, execution.ActivityVersion);
   ExecutionRecord made;
-  // Before the insertion, since a top-level execution is its own root.
-  made.row = store.writer->NextKey("executions", "execution_id");
   made.parent = parent ? std::optional(parent->row) : std::nullopt;
-  made.root = parent ? parent->root : made.row;
   made.version =
       version ? store.known.Version(GuidOf(execution.ActivityVersion.Id.GetGuid(), "activity version")) : nullptr;
   made.node = execution.Node;
   made.description = execution.Description;
   made.kind = execution.Kind;
-  const std::string startedAt = StoredTimeOf(execution.Status.Time);
-  store.Sql().Run(
-      "INSERT INTO executions (execution_id, guid, parent_id, root_id, session_id, version_id, node, description, "
-      "kind, started_at) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)",
-      made.row, guid, made.parent, made.root, session, version, ToStoredText(made.node), ToStoredText(made.description),
-      made.kind, startedAt);
-  AddStatus(store.Sql(), made.row, session, static_cast<int>(execution.Status.Code), startedAt);
+  made.row = store.writer->Insert({guid, made.parent, parent ? std::optional(parent->root) : std::nullopt, session,
+                                   version, ToStoredText(made.node), ToStoredText(made.description), made.kind,
+                                   StoredTimeOf(execution.Status.Time), static_cast<int>(execution.Status.Code)});
+  made.root = parent ? parent->root : made.row;
   return version && !made.version ? nullptr : std::make_shared<const ExecutionRecord>(std::move(made));
 }
 
@@ -111,20 +101,27 @@ void ExpectUnchanged(bool unchanged, const std::string& guid, const char* what) 
   }
 }
 
-void Update(OpenStore& store, long long session, const std::string& guid, const ActivityExecution& execution) {
-  const auto [stored, newest] = FindWithStatus(store, guid);
+void ExpectSame(OpenStore& store, const ExecutionRecord& stored, const std::string& guid,
+                const ActivityExecution& execution) {
   const Record parent =
       execution.Parent == nullptr ? nullptr : FindRecord(store, GuidOfExecution(execution.Parent->Id));
   const std::optional<long long> version = VersionRow(store, execution.ActivityVersion);
-  ExpectUnchanged(version == (stored->version ? std::optional(stored->version->row) : std::nullopt), guid,
+  ExpectUnchanged(version == (stored.version ? std::optional(stored.version->row) : std::nullopt), guid,
                   "activity version");
-  ExpectUnchanged(execution.Node == stored->node, guid, "node");
-  ExpectUnchanged(execution.Description == stored->description, guid, "description");
-  ExpectUnchanged(execution.Kind == stored->kind, guid, "kind");
-  ExpectUnchanged(!parent || parent->row == stored->parent, guid, "parent, or none");
-  if (execution.Status.Code != newest.Code || execution.Status.Time != newest.Time) {
-    AddStatus(store.Sql(), stored->row, session, static_cast<int>(execution.Status.Code),
-              StoredTimeOf(execution.Status.Time));
+  ExpectUnchanged(execution.Node == stored.node, guid, "node");
+  ExpectUnchanged(execution.Description == stored.description, guid, "description");
+  ExpectUnchanged(execution.Kind == stored.kind, guid, "kind");
+  ExpectUnchanged(!parent || parent->row == stored.parent, guid, "parent, or none");
+}
+
+void Update(OpenStore& store, long long session, const std::string& guid, const ActivityExecution& execution) {
+  const std::string at = StoredTimeOf(execution.Status.Time);
+  const auto update = [&](const ExecutionRecord& stored) {
+    ExpectSame(store, stored, guid, execution);
+    return store.writer->AddStatus({stored.row, guid, session, static_cast<int>(execution.Status.Code), at});
+  };
+  if (!update(*FindRecord(store, guid))) {  // what was known is of a store that is no longer there
+    update(*ReadRecord(store, guid));
   }
 }
 
