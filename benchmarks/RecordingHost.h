@@ -17,6 +17,7 @@ class RecordingHost {
 
   /// Saves an event with a parameter of each kind, which belongs to the execution.
   void SaveEvent() const { logging->SaveInstrumentEvent(event, execution); }
+  const std::string& Execution() const { return execution; }
   /// The file of the store.
   std::filesystem::path Store() const { return folder / "ts.db"; }
 

@@ -1,10 +1,10 @@
 // Whatever becomes of the server and its connections, an operation is told soon, and nothing is lost or there twice.
 
 #include "Interruptions.h"
-#include "Proxy.h"
 #include "Server.h"
 #include "durability/Comparison.h"
 #include "durability/Recording.h"
+#include "support/Proxy.h"
 
 #include <signal.h>
 #include <sys/mount.h>
