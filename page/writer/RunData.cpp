@@ -7,6 +7,7 @@
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
 #include "store/record/Seals.h"
+#include "store/record/Unsealed.h"
 #include "store/schema/Tables.h"
 #include "store/values/Json.h"
 #include "store/values/StoredTime.h"
@@ -76,8 +77,8 @@ class Writer {
     AppendText(json, rows.Text(1));
     json += ",\"hash\":";
     AppendText(json, rows.Text(2));
-    const Numbers upTo = FromText(std::string(rows.Text(3))).value_or(none);
-    json += HasMore(store, run, {{run.guid, upTo}}) ? ",\"complete\":false}" : ",\"complete\":true}";
+    const Numbers upTo = FromText(rows.Text(3)).value_or(none);
+    json += UnsealedRecords(store).IsIn(run.root, upTo) ? ",\"complete\":false}" : ",\"complete\":true}";
   }
 
   void WriteNamed(const char* name, const char* question, const std::set<long long>& numbers) {

@@ -53,11 +53,6 @@ std::vector<Run> RunsBetween(const Reader& store, const std::string& from, const
   return All(rows.Ask(from, before));
 }
 
-std::vector<Run> AllRuns(const Reader& store) {
-  Rows rows(store, columns + "true ORDER BY execution_id");
-  return All(rows);
-}
-
 std::vector<Run> RunsNamed(const Reader& store, const std::string& name) {
   if (name == "last") {
     return RecordedLast(store);

@@ -19,9 +19,6 @@ struct Run {
 /// The runs that started at or after one time and before another, in the order of their recording.
 std::vector<Run> RunsBetween(const Reader& store, const std::string& from, const std::string& before);
 
-/// All runs, in the order of their recording.
-std::vector<Run> AllRuns(const Reader& store);
-
 /// The runs that match a name: a guid, the first characters of one, "last" for the run recorded last, or a node.
 std::vector<Run> RunsNamed(const Reader& store, const std::string& name);
 

@@ -69,6 +69,9 @@ class Records {
   /// @param upTo the highest numbers to write.
   Records(const Reader& store, const Numbers& upTo, Sink sink);
 
+  /// Sets the highest numbers to write from now on.
+  void Limit(const Numbers& highest) { upTo = highest; }
+
   /// Writes a part with a run.
   /// @param root the key of the root of the run.
   /// @param since writes only records with higher numbers.
@@ -97,7 +100,7 @@ class Records {
   void AppendParameter(const Rows& parameters);
 
   const Reader& store;
-  const Numbers upTo;
+  Numbers upTo;
   const Sink sink;
   std::string line;
   bool withReferences = true;

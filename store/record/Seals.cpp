@@ -1,34 +1,35 @@
 #include "store/record/Seals.h"
 
 #include "store/reading/Reader.h"
-#include "store/reading/Rows.h"
-#include "store/record/Sha256.h"
 #include "store/schema/Tables.h"
 #include "store/values/Json.h"
 
+#include <array>
 #include <charconv>
+#include <map>
 #include <stdexcept>
+#include <utility>
 
 namespace Velora::Store {
 
 namespace {
 
-const std::string ownHash = "seal_hash";  // what the others make
+constexpr std::string_view ownHash = "seal_hash";  // what the others make
 
 const Table& SealTable() { return TableNamed("seals"); }
 
-/// Asks for all seals, with their columns named as the fields of a record.
-std::string Question() {
+/// A query for seals, with their columns named as the fields of a record.
+std::string Question(const std::string& condition) {
   std::vector<std::string> fields;
   for (const Column& column : SealTable().columns) {
     fields.push_back(column.name + " AS " + column.Field());
   }
-  return "SELECT " + Listed(fields) + " FROM seals ORDER BY " + SealTable().Key();
+  return "SELECT " + Listed(fields) + " FROM seals" + condition;
 }
 
 std::string BeginLine() { return "{\"record\":\"seal\""; }
 
-void AppendField(std::string& line, const std::string& name) {
+void AppendField(std::string& line, std::string_view name) {
   line += ",\"";
   line += name;
   line += "\":";
@@ -44,98 +45,92 @@ std::string ToText(const Numbers& numbers) {
   return text + '}';
 }
 
-std::optional<Numbers> FromText(const std::string& text) {
+std::optional<Numbers> FromText(std::string_view text) {
   Numbers numbers{};
-  std::size_t at = 0;
-  for (long long& number : numbers) {
-    at = text.find(':', at);
-    if (at == std::string::npos) {
+  const auto take = [&text](std::string_view expected) {
+    const bool found = text.starts_with(expected);
+    text.remove_prefix(found ? expected.size() : 0);
+    return found;
+  };
+  for (std::size_t kind = 0; kind < numbers.size(); ++kind) {
+    if (!take(kind == 0 ? "{\"" : ",\"") || !take(kindNames[kind]) || !take("\":")) {
       return std::nullopt;
     }
-    std::from_chars(text.data() + ++at, text.data() + text.size(), number);
+    std::from_chars(text.data(), text.data() + text.size(), numbers[kind]);
+    std::array<char, 24> digits{};
+    const char* const end = std::to_chars(digits.data(), digits.data() + digits.size(), numbers[kind]).ptr;
+    if (!take({digits.data(), static_cast<std::size_t>(end - digits.data())})) {  // written in another way
+      return std::nullopt;
+    }
   }
-  return ToText(numbers) == text ? std::optional(numbers) : std::nullopt;
+  return text == "}" ? std::optional(numbers) : std::nullopt;
 }
 
-std::vector<Seal> ReadSeals(const Reader& store) {
-  std::vector<Seal> seals;
-  if (store.SchemaVersion() < SealTable().since) {
-    return seals;
+SealRows::SealRows(const Reader& store) {
+  if (store.SchemaVersion() >= SealTable().since) {
+    rows.emplace(store, Question(" ORDER BY " + SealTable().Key()));
   }
-  Sha256 sha;
-  for (Rows rows(store, Question()); rows.Next();) {
-    std::map<std::string, std::string> texts;
-    std::string line = BeginLine();
-    for (int column = 0; column < rows.Columns(); ++column) {
-      texts[rows.Name(column)] = rows.Text(column);
-      if (rows.Name(column) != ownHash) {
-        AppendField(line, rows.Name(column));
-        rows.AppendValue(line, column);
+}
+
+SealRows::SealRows(const Reader& store, long long number) {
+  if (store.SchemaVersion() >= SealTable().since) {
+    rows.emplace(store, Question(" WHERE " + SealTable().Key() + " = ?1")).Ask(number);
+  }
+}
+
+bool SealRows::Next() {
+  if (!rows || !rows->Next()) {
+    return false;
+  }
+  const std::pair<std::string_view, std::string*> fields[] = {{"run", &seal.run},
+                                                              {"up_to", &seal.upTo},
+                                                              {"counts", &seal.counts},
+                                                              {"content_hash", &seal.contentHash},
+                                                              {"previous_hash", &seal.previousHash},
+                                                              {ownHash, &seal.hash}};
+  line = BeginLine();
+  for (int column = 0; column < rows->Columns(); ++column) {
+    const std::string_view name = rows->Name(column);
+    for (const auto& [field, text] : fields) {
+      if (name == field) {
+        *text = rows->Text(column);
       }
     }
-    sha.Add(line + "}\n");
-    seals.push_back({rows.Integer(0), texts["run"], texts["up_to"], texts["counts"], texts["content_hash"],
-                     texts["previous_hash"], texts[ownHash], sha.Finish()});
+    if (name != ownHash) {
+      AppendField(line, name);
+      rows->AppendValue(line, column);
+    }
   }
-  return seals;
+  line += "}\n";
+  sha.Add(line);
+  seal.number = rows->Integer(0);
+  seal.ownHash = sha.Finish();
+  return true;
 }
 
-std::vector<std::string> ChainFindings(const std::vector<Seal>& seals) {
+std::vector<std::string> Chain::Add(const Seal& seal) {
   std::vector<std::string> findings;
-  long long number = 0;
-  std::string previous = noHash;
-  for (const Seal& seal : seals) {
-    const std::string name = "seal " + std::to_string(seal.number);
-    if (seal.number != ++number) {
-      findings.push_back("seal " + std::to_string(number) + " is missing: " + name + " follows the one before it");
-      number = seal.number;
-    }
-    if (seal.hash != seal.ownHash || !FromText(seal.upTo) || !FromText(seal.counts)) {
-      findings.push_back(name + " was altered");
-    } else if (seal.previousHash != previous) {
-      findings.push_back(name + " does not contain the hash of the seal before it");
-    }
-    previous = seal.hash;
+  const std::string name = "seal " + std::to_string(seal.number);
+  const std::optional<Numbers> covered = FromText(seal.upTo), counted = FromText(seal.counts);
+  if (seal.number != number + 1) {
+    findings.push_back("seal " + std::to_string(number + 1) + " is missing: " + name + " follows the one before it");
   }
+  if (seal.hash != seal.ownHash || !covered || !counted) {
+    findings.push_back(name + " was altered");
+  } else if (seal.previousHash != hash) {
+    findings.push_back(name + " does not contain the hash of the seal before it");
+  }
+  number = seal.number;
+  hash = seal.hash;
+  upTo = covered.value_or(none);
+  if (seal.run.empty()) {
+    restUpTo = upTo;
+  }
+  for (std::size_t kind = 0; kind < counts.size(); ++kind) {
+    counts[kind] += counted.value_or(Numbers{})[kind];
+  }
+  ++seals;
   return findings;
-}
-
-Sealed SealedUpTo(const std::vector<Seal>& seals) {
-  Sealed sealed;
-  for (const Seal& seal : seals) {
-    sealed[seal.run] = FromText(seal.upTo).value_or(none);
-  }
-  return sealed;
-}
-
-bool HasMore(const Reader& store, const Run& run, const Sealed& sealed) {
-  const auto since = sealed.find(run.guid);
-  if (since == sealed.end()) {
-    return true;
-  }
-  Rows rows(store,
-            "SELECT EXISTS (SELECT 1 FROM executions WHERE root_id = ?1 AND execution_id > ?2) OR "
-            "EXISTS (SELECT 1 FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
-            "WHERE x.root_id = ?1 AND s.status_id > ?3) OR "
-            "EXISTS (SELECT 1 FROM executions x JOIN events e ON e.execution_id = x.execution_id "
-            "WHERE x.root_id = ?1 AND e.event_id > ?4)");
-  const Numbers& numbers = since->second;
-  rows.Ask(run.root, numbers[Executions], numbers[Statuses], numbers[Events]).Next();
-  return rows.Integer(0) != 0;
-}
-
-bool HasMoreOfNoRun(const Reader& store, const Sealed& sealed) {
-  const auto since = sealed.find("");
-  const Numbers& numbers = since == sealed.end() ? none : since->second;
-  const Numbers highest = HighestNumbers(store);
-  for (const Kind kind : {Schema, Sessions, Registrations, Activities, Versions, Configurations}) {
-    if (highest[kind] > numbers[kind]) {
-      return true;
-    }
-  }
-  Rows rows(store, "SELECT EXISTS (SELECT 1 FROM events WHERE execution_id IS NULL AND event_id > ?1)");
-  rows.Ask(numbers[Events]).Next();
-  return rows.Integer(0) != 0;
 }
 
 std::string LineOf(const Seal& seal, const std::string& sealedAt, long long schema, const std::string& tool) {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "store/reading/Runs.h"
+#include "store/reading/Rows.h"
 #include "store/record/Records.h"
+#include "store/record/Sha256.h"
 
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,8 +24,6 @@ struct Seal {
   std::string previousHash;
   std::string hash;
   std::string ownHash;  ///< The hash computed from the row, which must be equal to `hash`.
-
-  bool operator==(const Seal&) const = default;
 };
 
 /// The previous hash of the first seal.
@@ -34,22 +32,40 @@ inline const std::string noHash(64, '0');
 /// The form of numbers in a seal.
 std::string ToText(const Numbers& numbers);
 /// The numbers of that form; nothing for another text.
-std::optional<Numbers> FromText(const std::string& text);
+std::optional<Numbers> FromText(std::string_view text);
 
-/// All seals, in the order of their numbers; none in a store of the first version.
-std::vector<Seal> ReadSeals(const Reader& store);
+/// Reads seals one by one, in the order of their numbers. A store of the first version has none.
+class SealRows {
+ public:
+  /// Reads all seals.
+  explicit SealRows(const Reader& store);
+  /// Reads the seal with a number.
+  SealRows(const Reader& store, long long number);
 
-/// Faults in the chain of seals, one line each.
-std::vector<std::string> ChainFindings(const std::vector<Seal>& seals);
+  /// Goes to the next seal. @return whether there is one.
+  bool Next();
+  const Seal& Current() const { return seal; }
 
-/// How far each run is sealed, by its guid; the records of no run have an empty guid.
-using Sealed = std::map<std::string, Numbers>;
-Sealed SealedUpTo(const std::vector<Seal>& seals);
+ private:
+  std::optional<Rows> rows;
+  Sha256 sha;
+  std::string line;
+  Seal seal;
+};
 
-/// Whether a run has records that are not sealed.
-bool HasMore(const Reader& store, const Run& run, const Sealed& sealed);
-/// Whether there are records of no run that are not sealed.
-bool HasMoreOfNoRun(const Reader& store, const Sealed& sealed);
+/// A chain of seals, as far as it was read.
+class Chain {
+ public:
+  /// Reads on. @return the faults in the chain at this seal, one line each.
+  std::vector<std::string> Add(const Seal& seal);
+
+  long long number = 0;       ///< The number of the last seal.
+  std::string hash = noHash;  ///< The hash of the last seal.
+  Numbers upTo = none;        ///< How far the last seal covers the store.
+  Numbers restUpTo = none;    ///< How far the records of no run are sealed.
+  Numbers counts{};           ///< How many records all seals cover.
+  long long seals = 0;        ///< How many seals there are.
+};
 
 /// The line of JSON from which the hash of a seal is computed.
 /// @param sealedAt,schema,tool the columns that are not in Seal.

@@ -326,6 +326,27 @@ TEST_F(Seals, WhatIsNotFinishedWaitsAndLateRowsGetASealOfTheirOwn) {
             "run-2|1\n");
 }
 
+TEST_F(Seals, WhatIsUnderTheNewestSealWithoutOneIsSealedToo) {
+  const std::pair<const char*, const char*> rows[] = {
+      {"INSERT INTO events VALUES (50, 2, 5, NULL, 'under', '')", "sealed: run run-2"},
+      {"INSERT INTO statuses VALUES (50, 5, 2, 14, '')", "sealed: run run-2"},
+      {"INSERT INTO executions VALUES (50, 'run-5', NULL, 50, 2, 2, '', '', 5, '')", "sealed: run run-5"},
+      {"DELETE FROM seals WHERE seal_id = 7", "sealed: run run-4"},
+  };
+  for (const auto& [statements, sealed] : rows) {
+    Restore();
+    ASSERT_EQ(Sql("INSERT INTO executions VALUES (90, 'run-4', NULL, 90, 2, 2, 'fourth', '', 5, ''); INSERT INTO "
+                  "statuses VALUES (90, 90, 2, 14, ''); INSERT INTO events VALUES (90, 2, 90, NULL, '', '')"),
+              0);
+    EXPECT_EQ(Tool("seal"), 0) << said;
+    ASSERT_EQ(Sql(statements), 0) << said;
+    EXPECT_EQ(Tool("verify"), 4) << said;
+    EXPECT_EQ(Tool("seal"), 0);
+    EXPECT_TRUE(Says(sealed)) << statements << said;
+    EXPECT_EQ(Tool("verify"), 0) << said;
+  }
+}
+
 TEST_F(Seals, AStoreOfTheSecondVersionVerifiesBeforeAndAfterItIsBroughtUp) {
   folder.Write("anchor", "seal 4 70b9248bd03d4313638ec52257d81e40c22d1e622490cdba63242a39fda5c109\n");
   EXPECT_EQ(Shell("rm ts.db*; sqlite3 ts.db 'PRAGMA journal_mode = WAL' '.read " SOURCE

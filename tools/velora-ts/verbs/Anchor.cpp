@@ -5,7 +5,6 @@
 
 #include "store/Error.h"
 
-#include <algorithm>
 #include <optional>
 #include <string_view>
 
@@ -51,18 +50,18 @@ void WriteAnchor(const std::string& file, const Anchor& anchor) {
   fresh.TakeName(FreshFile::Existing::Replace);
 }
 
-std::string AnchorFinding(const Anchor& anchor, const std::vector<Seal>& seals) {
+std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store) {
   if (anchor.number == 0) {
     return anchor.hash == noHash ? "" : "the anchor has a hash for seal 0, but the first seal is seal 1";
   }
-  const auto seal = std::find_if(seals.begin(), seals.end(),
-                                 [&anchor](const Seal& candidate) { return candidate.number == anchor.number; });
   const std::string name = "seal " + std::to_string(anchor.number);
-  if (seal == seals.end()) {
+  SealRows seals(store, anchor.number);
+  if (!seals.Next()) {
     return name + ", which the anchor names, is missing: the newest seals were deleted";
   }
-  return seal->ownHash == anchor.hash ? ""
-                                      : name + " has another hash than in the anchor: the seals were computed again";
+  return seals.Current().ownHash == anchor.hash
+             ? ""
+             : name + " has another hash than in the anchor: the seals were computed again";
 }
 
 }  // namespace Velora::Ts

@@ -19,7 +19,7 @@ Anchor ReadAnchor(const std::string& file);
 /// Writes an anchor. An existing file is replaced at once, so that it is never incomplete.
 void WriteAnchor(const std::string& file, const Anchor& anchor);
 
-/// How a chain of seals contradicts an anchor; empty if the chain contains it.
-std::string AnchorFinding(const Anchor& anchor, const std::vector<Store::Seal>& seals);
+/// How the chain of seals of a store contradicts an anchor; empty if the chain contains it.
+std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store);
 
 }  // namespace Velora::Ts

@@ -2,11 +2,10 @@
 #include "output/Progress.h"
 #include "output/Words.h"
 #include "store/reading/Reader.h"
-#include "store/reading/Runs.h"
 #include "store/reading/SettledReader.h"
-#include "store/reading/Unfinished.h"
 #include "store/record/Seals.h"
 #include "store/record/Sha256.h"
+#include "store/record/Unsealed.h"
 #include "store/recording/Writer.h"
 #include "store/schema/Versions.h"
 #include "store/values/StoredTime.h"
@@ -23,12 +22,14 @@ using namespace Store;
 
 namespace {
 
-/// Computes new seals from one state of the store.
+/// Seals one state of the store. Seals are stored some at a time, because a first sealing can make very many.
 class Sealer {
  public:
-  Sealer(const Store::Reader& store, const std::vector<Seal>& seals)
-      : store(store),
-        sealed(SealedUpTo(seals)),
+  Sealer(Writer& writer, const Store::Reader& store, const Chain& chain)
+      : writer(writer),
+        store(store),
+        chain(chain),
+        end{chain.number, chain.hash},
         upTo(HighestNumbers(store)),
         progress("Hashing records", 0),
         records(store, upTo, [this](std::string_view line) {
@@ -36,70 +37,81 @@ class Sealer {
           progress.Add(1);
         }) {}
 
-  /// The new seals, without the links to the seals before them.
-  std::vector<Seal> NewSeals() {
-    if (HasMoreOfNoRun(store, sealed)) {
-      records.WriteRest(Since(""));
+  /// Seals what is not sealed yet. @return the newest seal.
+  Anchor SealAll() {
+    UnsealedRecords unsealed(store);
+    if (unsealed.IsInNoRun(chain.restUpTo)) {
+      records.WriteRest(chain.restUpTo);
       Keep("", "what belongs to no run");
     }
-    for (const Run& run : AllRuns(store)) {
-      if (IsUnfinished(store, run)) {
+    const bool onlyLater = chain.seals > 0 && OnlyLaterRunsHaveMore(store, chain);
+    for (RunStates runs = onlyLater ? RunStates(store, chain.upTo) : RunStates(store); runs.Next();) {
+      const Run& run = runs.Current();
+      if (runs.IsUnfinished()) {
         Say("not sealed: " + InWords(run) + " is not finished");
-      } else if (HasMore(store, run, sealed)) {
-        records.WriteRun(run.root, Since(run.guid));
+      } else if (!runs.HasSeal() || unsealed.IsIn(run.root, runs.SealedUpTo())) {
+        records.WriteRun(run.root, runs.SealedUpTo());
         Keep(run.guid, InWords(run));
       }
     }
-    return fresh;
+    Store();
+    return end;
   }
 
  private:
-  const Numbers& Since(const std::string& run) const {
-    const auto known = sealed.find(run);
-    return known == sealed.end() ? none : known->second;
-  }
+  static constexpr std::size_t sealsAtOnce = 1000;
+
   void Keep(const std::string& run, const std::string& words) {
     Seal seal;
     seal.run = run;
     seal.upTo = ToText(upTo);
     seal.counts = ToText(records.Counts());
     seal.contentHash = sha.Finish();
-    fresh.push_back(seal);
     Say("sealed: " + words + ", " + seal.counts);
+    fresh.push_back(std::move(seal));
+    if (fresh.size() == sealsAtOnce) {
+      Store();
+    }
   }
 
+  /// Links the new seals to the existing ones and stores all of them in one transaction.
+  void Store() {
+    if (fresh.empty()) {
+      return;
+    }
+    Transaction transaction(writer);
+    writer.HoldSeals();
+    Connection& sql = writer.Sql();
+    if (sql.Find<long long>("SELECT COALESCE(MAX(seal_id), 0) FROM seals") != end.number) {
+      throw Error("another program sealed the TS store at the same time; run velora-ts seal again");
+    }
+    const std::string now = ToStoredTime(Now());
+    Sha256 ofSeal;
+    for (Seal& seal : fresh) {
+      seal.number = ++end.number;
+      seal.previousHash = end.hash;
+      ofSeal.Add(LineOf(seal, now, schemaVersion, VELORA_VERSION));
+      end.hash = ofSeal.Finish();
+      sql.Run(
+          "INSERT INTO seals (seal_id, run, sealed_at, up_to, counts, content_hash, previous_hash, schema_version, "
+          "tool_version, seal_hash) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)",
+          seal.number, seal.run.empty() ? std::nullopt : std::optional(seal.run), now, seal.upTo, seal.counts,
+          seal.contentHash, seal.previousHash, schemaVersion, VELORA_VERSION, end.hash);
+    }
+    transaction.Commit();
+    fresh.clear();
+  }
+
+  Writer& writer;
   const Store::Reader& store;
-  const Sealed sealed;
+  const Chain& chain;
+  Anchor end;
   const Numbers upTo;
   Sha256 sha;
   Progress progress;
   Records records;
   std::vector<Seal> fresh;
 };
-
-/// Links new seals to the existing ones and stores all of them in one transaction.
-void Add(Writer& writer, Anchor& end, std::vector<Seal> seals) {
-  Transaction transaction(writer);
-  writer.HoldSeals();
-  Connection& sql = writer.Sql();
-  if (sql.Find<long long>("SELECT COALESCE(MAX(seal_id), 0) FROM seals") != end.number) {
-    throw Error("another program sealed the TS store at the same time; run velora-ts seal again");
-  }
-  const std::string now = ToStoredTime(Now());
-  Sha256 sha;
-  for (Seal& seal : seals) {
-    seal.number = ++end.number;
-    seal.previousHash = end.hash;
-    sha.Add(LineOf(seal, now, schemaVersion, VELORA_VERSION));
-    end.hash = sha.Finish();
-    sql.Run(
-        "INSERT INTO seals (seal_id, run, sealed_at, up_to, counts, content_hash, previous_hash, schema_version, "
-        "tool_version, seal_hash) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)",
-        seal.number, seal.run.empty() ? std::nullopt : std::optional(seal.run), now, seal.upTo, seal.counts,
-        seal.contentHash, seal.previousHash, schemaVersion, VELORA_VERSION, end.hash);
-  }
-  transaction.Commit();
-}
 
 ExitCode Refuse(const std::string& finding) {
   Say("finding: " + finding);
@@ -108,19 +120,18 @@ ExitCode Refuse(const std::string& finding) {
 }
 
 ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchorFile) {
-  const std::vector<Seal> seals = ReadSeals(store);
-  if (const auto broken = ChainFindings(seals); !broken.empty()) {
-    return Refuse(broken.front());
+  Chain chain;
+  for (SealRows seals(store); seals.Next();) {
+    if (const auto broken = chain.Add(seals.Current()); !broken.empty()) {
+      return Refuse(broken.front());
+    }
   }
   if (std::error_code unknown; !anchorFile.empty() && std::filesystem::exists(anchorFile, unknown)) {
-    if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), seals); !finding.empty()) {
+    if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), store); !finding.empty()) {
       return Refuse(finding);
     }
   }
-  Anchor end = seals.empty() ? Anchor{0, noHash} : Anchor{seals.back().number, seals.back().hash};
-  if (const std::vector<Seal> fresh = Sealer(store, seals).NewSeals(); !fresh.empty()) {
-    Add(writer, end, fresh);
-  }
+  const Anchor end = Sealer(writer, store, chain).SealAll();
   if (!anchorFile.empty()) {
     WriteAnchor(anchorFile, end);
   }

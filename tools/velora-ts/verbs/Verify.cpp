@@ -4,15 +4,17 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
-#include "store/reading/Unfinished.h"
 #include "store/record/Seals.h"
 #include "store/record/Sha256.h"
+#include "store/record/Unsealed.h"
 #include "store/soundness/Soundness.h"
 #include "verbs/Anchor.h"
 #include "verbs/StoreVerb.h"
 
 #include <algorithm>
 #include <numeric>
+#include <optional>
+#include <utility>
 
 namespace Velora::Ts {
 
@@ -22,8 +24,11 @@ namespace {
 
 class Verifier {
  public:
-  Verifier(const Store::Reader& store, const std::vector<Seal>& seals)
-      : store(store), seals(seals), progress("Hashing records", TotalOf(seals)) {}
+  explicit Verifier(const Store::Reader& store)
+      : store(store), records(store, none, [this](std::string_view line) {
+          sha.Add(line);
+          progress->Add(1);
+        }) {}
 
   void Report(const std::vector<std::string>& lines) {
     for (const std::string& line : lines) {
@@ -40,62 +45,65 @@ class Verifier {
     }
   }
 
-  /// Computes the hash of what each seal covers again.
-  void CompareContents() {
-    Sealed sealed;
-    for (const Seal& seal : seals) {
-      const Numbers upTo = FromText(seal.upTo).value_or(none);
-      const auto since = sealed.emplace(seal.run, none).first;
-      Compare(seal, since->second, upTo);
-      since->second = upTo;
+  void CheckChain() {
+    for (SealRows seals(store); seals.Next();) {
+      Report(chain.Add(seals.Current()));
     }
   }
 
+  /// Computes the hash of what each seal covers again.
+  void CompareContents() {
+    if (chain.seals == 0) {
+      return;
+    }
+    progress.emplace("Hashing records", std::accumulate(chain.counts.begin(), chain.counts.begin() + Parameters, 0LL));
+    Rows before(store, "SELECT up_to FROM seals WHERE run = ?1 AND seal_id < ?2 ORDER BY seal_id DESC LIMIT 1");
+    Numbers ofNoRun = none;
+    for (SealRows seals(store); seals.Next();) {
+      const Seal& seal = seals.Current();
+      records.Limit(FromText(seal.upTo).value_or(none));
+      if (seal.run.empty()) {
+        records.WriteRest(std::exchange(ofNoRun, FromText(seal.upTo).value_or(none)));
+        Compare(seal, "what belongs to no run");
+        continue;
+      }
+      const bool again = before.Ask(seal.run, seal.number).Next();
+      CompareRun(seal, again ? FromText(before.Text(0)).value_or(none) : none);
+    }
+    progress.reset();
+  }
+
   void FindWhatIsNotSealed() {
-    const Sealed sealed = SealedUpTo(seals);
-    if (HasMoreOfNoRun(store, sealed)) {
+    UnsealedRecords unsealed(store);
+    if (unsealed.IsInNoRun(chain.restUpTo)) {
       NotSealed("what belongs to no run");
     }
-    for (const Run& run : AllRuns(store)) {
-      if (HasMore(store, run, sealed)) {
-        NotSealed(InWords(run) + (IsUnfinished(store, run) ? ", which is not finished" : ""));
+    for (RunStates runs(store); runs.Next();) {
+      if (!runs.HasSeal() || unsealed.IsIn(runs.Current().root, runs.SealedUpTo())) {
+        NotSealed(InWords(runs.Current()) + (runs.IsUnfinished() ? ", which is not finished" : ""));
       }
     }
   }
 
   ExitCode Finish() const {
-    Say(std::to_string(seals.size()) + " seals verified: " + std::to_string(findings) + " findings, " +
+    Say(std::to_string(chain.seals) + " seals verified: " + std::to_string(findings) + " findings, " +
         std::to_string(notSealed) + " not sealed");
     return findings > 0 ? Found : notSealed > 0 || !allCompared ? Unsealed : Done;
   }
 
  private:
-  static long long TotalOf(const std::vector<Seal>& seals) {
-    return std::accumulate(seals.begin(), seals.end(), 0LL, [](long long sum, const Seal& seal) {
-      const Numbers counts = FromText(seal.counts).value_or(Numbers{});
-      return sum + std::accumulate(counts.begin(), counts.begin() + Parameters, 0LL);
-    });
+  void CompareRun(const Seal& seal, const Numbers& since) {
+    const std::vector<Run> runs = RunsNamed(store, seal.run);
+    const auto run = std::find_if(runs.begin(), runs.end(), [&](const Run& found) { return found.guid == seal.run; });
+    if (run == runs.end()) {
+      Report({"run " + seal.run + " is missing"});
+      return;
+    }
+    records.WriteRun(run->root, since);
+    Compare(seal, InWords(*run));
   }
 
-  void Compare(const Seal& seal, const Numbers& since, const Numbers& upTo) {
-    Sha256 sha;
-    Records records(store, upTo, [&](std::string_view line) {
-      sha.Add(line);
-      progress.Add(1);
-    });
-    std::string words = "what belongs to no run";
-    if (seal.run.empty()) {
-      records.WriteRest(since);
-    } else {
-      const std::vector<Run> runs = RunsNamed(store, seal.run);
-      const auto run = std::find_if(runs.begin(), runs.end(), [&](const Run& found) { return found.guid == seal.run; });
-      if (run == runs.end()) {
-        Report({"run " + seal.run + " is missing"});
-        return;
-      }
-      records.WriteRun(run->root, since);
-      words = InWords(*run);
-    }
+  void Compare(const Seal& seal, const std::string& words) {
     if (sha.Finish() != seal.contentHash) {
       Report({words + " was altered: seal " + std::to_string(seal.number) + Difference(seal, records.Counts())});
     }
@@ -118,8 +126,10 @@ class Verifier {
   }
 
   const Store::Reader& store;
-  const std::vector<Seal>& seals;
-  Progress progress;
+  Chain chain;
+  Sha256 sha;
+  std::optional<Progress> progress;
+  Records records;
   int findings = 0;
   int notSealed = 0;
   bool allCompared = true;
@@ -133,16 +143,15 @@ class VerifyVerb : public StoreVerb {
 
   ExitCode Execute() override {
     const Reader store(Database());
-    const std::vector<Seal> seals = ReadSeals(store);
-    Verifier verifier(store, seals);
+    Verifier verifier(store);
     const Findings ofSchema = SchemaFindings(store);
     verifier.Report(ofSchema.wrong);
     verifier.NoteWhatIsNotCompared(ofSchema.notCompared);
     verifier.Report(DamageFindings(store));
     verifier.Report(ValueFindings(store));
-    verifier.Report(ChainFindings(seals));
+    verifier.CheckChain();
     if (!anchorFile.empty()) {
-      if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), seals); !finding.empty()) {
+      if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), store); !finding.empty()) {
         verifier.Report({finding});
       }
     }
