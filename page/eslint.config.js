@@ -63,6 +63,6 @@ export default [
   },
   {
     files: ['tests/page/**'], // some of its functions run in the browser
-    languageOptions: { globals: readonly('document', 'echarts', 'performance', 'window') },
+    languageOptions: { globals: readonly('document', 'echarts', 'performance', 'requestAnimationFrame', 'window') },
   },
 ];
