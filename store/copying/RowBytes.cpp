@@ -3,6 +3,7 @@
 #include "store/reading/Rows.h"
 #include "store/schema/Table.h"
 
+#include <array>
 #include <bit>
 #include <cstdint>
 #include <string_view>
@@ -12,9 +13,11 @@ namespace {
 
 template <typename Unsigned>
 void AppendBytes(std::string& bytes, Unsigned value) {
-  for (std::size_t left = sizeof(Unsigned); left > 0; --left) {
-    bytes += static_cast<char>(value >> (8 * (left - 1)) & 0xFFU);
+  std::array<char, sizeof(Unsigned)> highestFirst{};
+  for (std::size_t at = sizeof(Unsigned); at > 0; value = static_cast<Unsigned>(value >> 8)) {
+    highestFirst[--at] = static_cast<char>(value & 0xFFU);
   }
+  bytes.append(highestFirst.data(), highestFirst.size());
 }
 
 void AppendField(std::string& bytes, std::string_view field) {
