@@ -44,7 +44,7 @@ void Dialect::Make(const Table& table) {
 void Dialect::MakeIndexes(const Table& table, int first, int last) {
   for (const Index& index : table.indexes) {
     if (index.since >= first && index.since <= last) {
-      Add("CREATE INDEX " + index.name + " ON " + table.name + " (" + Listed(index.columns) + ')' +
+      Add("CREATE INDEX " + index.name + " ON " + table.name + MethodOf(index) + " (" + Listed(index.columns) + ')' +
           (index.ofRuns ? " WHERE parent_id IS NULL" : ""));
     }
   }

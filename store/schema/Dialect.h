@@ -43,6 +43,8 @@ class Dialect {
   virtual std::string UniqueTogether(const Table& table) const = 0;
   /// Adds the index for the columns that are unique together, after CREATE TABLE.
   virtual void MakeUnique(const Table& /*table*/) {}
+  /// How the database keeps an index, within CREATE INDEX; or empty.
+  virtual std::string MethodOf(const Index& /*index*/) const { return ""; }
   /// The end of CREATE TABLE, after the columns.
   virtual std::string EndOf(const Table& table) const = 0;
 

@@ -92,6 +92,9 @@ void PostgreSqlDialect::MakeUnique(const Table& table) {
   }
 }
 
+// The usual index refuses a row whose text is longer than a third of a page.
+std::string PostgreSqlDialect::MethodOf(const Index& index) const { return index.ofAnyText ? " USING hash" : ""; }
+
 std::string PostgreSqlDialect::EndOf(const Table& table) const {
   return table.isByMonth ? " PARTITION BY RANGE (" + table.Key() + ')' : "";
 }

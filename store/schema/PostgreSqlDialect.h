@@ -20,6 +20,7 @@ class PostgreSqlDialect : public Dialect {
   const std::string& DefinitionOf(const View& view) const override;
   std::string UniqueTogether(const Table& /*table*/) const override { return ""; }
   void MakeUnique(const Table& table) override;
+  std::string MethodOf(const Index& index) const override;
   std::string EndOf(const Table& table) const override;
 
  private:

@@ -29,8 +29,9 @@ struct Column {
 struct Index {
   std::string name;
   std::vector<std::string> columns;
-  bool ofRuns = false;  ///< Whether it has only executions without a parent, so that others cost nothing.
-  int since = 1;        ///< The first version of the schema that has it.
+  bool ofRuns = false;     ///< Whether it has only executions without a parent, so that others cost nothing.
+  int since = 1;           ///< The first version of the schema that has it.
+  bool ofAnyText = false;  ///< Whether its texts can be longer than a page, and are only looked up, never sorted.
 };
 
 /// A table of a store.
