@@ -68,6 +68,7 @@ std::map<std::string, Types::ActivityVersion> RegisterVersions(OpenStore& store,
                                                                const std::string& file,
                                                                const std::vector<DescribedVersion>& versions) {
   std::vector<ActivityVersionRow> described;
+  described.reserve(versions.size());
   for (const auto& [activity, activityDescription, name, version, description] : versions) {
     described.push_back(ToStored({"", name, version, description, "", activity, activityDescription}));
   }
