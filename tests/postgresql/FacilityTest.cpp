@@ -320,6 +320,45 @@ TEST_F(Facility, AServerThatTakesNoRecordsIsNotConnectable) {
   }
 }
 
+// The statements of an operation are sent together, and their results are read before its commit.
+TEST_F(Facility, AStatementThatFailsFailsItsOperationWhichStoresNothing) {
+  Configure("dbname=postgres");
+  Begin();
+  Sql("CREATE FUNCTION refuse() RETURNS trigger LANGUAGE plpgsql AS $$ BEGIN RAISE EXCEPTION 'in the way'; END $$");
+  for (const std::string& table : {"executions"s, "statuses"s, "events"s, "parameters"s}) {
+    for (const std::string& trigger : {"TRIGGER refusal BEFORE INSERT ON " + table,
+                                       "CONSTRAINT TRIGGER refusal AFTER INSERT ON " + table +
+                                           " DEFERRABLE INITIALLY DEFERRED"}) {  // which fails at the commit
+      Sql("CREATE " + trigger + " FOR EACH ROW EXECUTE FUNCTION refuse()");
+      const std::string error = ErrorOf([] { Record("refused", 1); });
+      EXPECT_NE(error.find("TS database 'postgres on"), std::string::npos) << trigger << error;
+      EXPECT_NE(error.find(": in the way"), std::string::npos) << trigger << error;
+      Sql("DROP TRIGGER refusal ON " + table);
+      EXPECT_EQ(ErrorOf([] { Record("recorded", 1); }), "") << trigger;
+    }
+  }
+  EXPECT_EQ(Sql("SELECT string_agg(DISTINCT event, ' ') || ' ' || COUNT(*) FROM readings"), "recorded 16");
+  EXPECT_EQ(Sql("SELECT COUNT(*) || ' ' || (SELECT COUNT(*) FROM statuses) FROM executions"), "12 12");
+}
+
+TEST_F(Facility, AHostWaitsForOneThatLocksTablesInTheirOrder) {
+  Configure("dbname=postgres");
+  Begin();
+  Record("before", 7);  // so that the server has planned the statements for good
+  for (const auto& [first, second, events] : {std::tuple("executions", "statuses", 0), {"events", "parameters", 1}}) {
+    Velora::Store::PostgreSqlConnection seal("dbname=postgres");
+    seal.RunScript("BEGIN; LOCK TABLE "s + first + " IN SHARE MODE");
+    std::string error = "has not ended";
+    std::thread host([&error, count = events] { error = ErrorOf([count] { Record("beside", count); }); });
+    while (Sql("SELECT COUNT(*) FROM pg_locks WHERE NOT granted") == "0") {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    EXPECT_EQ(ErrorOf([&, table = second] { seal.RunScript("LOCK TABLE "s + table + " IN SHARE MODE; COMMIT"); }), "");
+    host.join();
+    EXPECT_EQ(error, "");
+  }
+}
+
 TEST_F(Facility, AStoreOfTheFirstVersionOnServersIsRecordedIntoAsItIs) {
   EXPECT_EQ(Shell("psql -q -v ON_ERROR_STOP=1 -d postgres -f '" SOURCE "/tests/postgresql/version-2.sql'"), 0) << said;
   Configure("dbname=postgres");
