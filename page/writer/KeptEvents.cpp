@@ -77,6 +77,7 @@ void KeptEvents::Count(const Store::Reader& store, long long root) {
   last = std::max(first, Microseconds(latest).value_or(0));
   kinds = counts.size();
   std::vector<std::pair<long long, std::string>> largestLast;
+  largestLast.reserve(kinds);
   for (const auto& [name, count] : counts) {
     largestLast.emplace_back(count, name);
   }
