@@ -351,6 +351,25 @@ function endsOfColumns(points, { ends: [from, to], pixels }) {
 
 const pairs = (list) => Array.from({ length: list.length / 2 }, (unused, at) => [list[2 * at], list[2 * at + 1]]);
 
+/** What the plot says when the pointer is on a point, or the timeline when it is on a time in its lowest lane. */
+async function saidAt(page, chart, point) {
+  const { x, y } = await page.evaluate(
+    ([id, values]) => {
+      const drawing = echarts.getInstanceByDom(document.querySelector(`#${id} .canvas`));
+      const [across, down] = drawing.convertToPixel('grid', values);
+      return id === 'plot' ? { x: across, y: down } : { x: across + 1, y: drawing.getHeight() - 17 };
+    },
+    [chart, point],
+  );
+  const textsOf = async () => (await charts(page))[chart].texts.join(' ');
+  const said = await textsOf();
+  await page.hover(`#${chart} canvas`, { position: { x, y } });
+  for (let tries = 0; tries < 50 && (await textsOf()) === said; ++tries) {
+    await page.waitForTimeout(20);
+  }
+  return textsOf();
+}
+
 testPage('100,000 events', { recording: withOutlier }, async (page, { folder, bytes }) => {
   assert.ok(bytes < 10e6, `${bytes} bytes`);
   assert.match(await page.textContent('#facts'), /all 100,000 events/);
@@ -373,22 +392,10 @@ testPage('100,000 events', { recording: withOutlier }, async (page, { folder, by
   );
   assert.deepEqual((await counts(page)).slice(1), [within.length, 0]);
   assert.deepEqual((await charts(page)).timeline.ends, plot.ends);
-});
-
-/** What the plot says when the pointer is on a point. */
-async function saidAt(page, point) {
-  const [x, y] = await page.evaluate(
-    (values) => echarts.getInstanceByDom(document.querySelector('#plot .canvas')).convertToPixel('grid', values),
-    point,
-  );
-  const textsOf = async () => (await charts(page)).plot.texts;
-  const { length } = await textsOf();
-  await page.hover('#plot canvas', { position: { x, y } });
-  for (let tries = 0; tries < 50 && (await textsOf()).length === length; ++tries) {
-    await page.waitForTimeout(20);
+  for (const [time, drift] of within.slice(100, 103)) {
+    assert.match(await saidAt(page, 'timeline', [time, 0]), new RegExp(`Drift {2}${drift} `));
   }
-  return (await textsOf()).join(' ');
-}
+});
 
 testPage('what is drawn of 100,000 events', { recording: withOutlier }, async (page) => {
   const point = [(outlier.event - 10000) * 360000, outlier.value];
@@ -396,7 +403,7 @@ testPage('what is drawn of 100,000 events', { recording: withOutlier }, async (p
   const strokes = await strokesDuring(page, () => afterDrawing(page, () => page.click('#zoom-in')));
   assert.ok(strokes < 16 * (plot.pixels[1] - plot.pixels[0]), `${strokes} strokes for half of them`);
 
-  assert.match(await saidAt(page, point), /Drift {2}9.step 32.04:08:01\.320000, done/s);
+  assert.match(await saidAt(page, 'plot', point), /Drift {2}9.step 32.04:08:01\.320000, done/s);
 
   const [onIt, below] = await page.evaluate((values) => {
     window.dispatchEvent(new window.Event('beforeprint'));
@@ -450,7 +457,7 @@ testPage('more events of a kind than a page has', { recording: binned }, async (
   await afterDrawing(page, () => page.click('#zoom-in'));
   await afterDrawing(page, () => page.click('#zoom-in'));
   const [middle, low, high] = await checkBars(page, folder, { ...slices, together: 1 });
-  const said = await saidAt(page, [middle, (low + high) / 2]);
+  const said = await saidAt(page, 'plot', [middle, (low + high) / 2]);
   assert.ok(said.includes(`Drift  ${low} to ${high}`), `${low} to ${high}: ${said}`);
   assert.match(await page.textContent('#download-events'), /the kept events/);
 });
