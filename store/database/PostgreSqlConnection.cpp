@@ -78,9 +78,9 @@ std::unique_ptr<Cursor> PostgreSqlConnection::PrepareShort(const std::string& st
   return std::make_unique<PostgreSqlStatement>(*this, statement);
 }
 
-PostgreSqlConnection::Answer PostgreSqlConnection::Ask(const std::string& statements) {
+PostgreSqlConnection::Answer PostgreSqlConnection::Ask(const std::string& script) {
   Settle();
-  Expect(PQsendQuery(handle.get(), (std::exchange(closing, "") + statements).c_str()));
+  Expect(PQsendQuery(handle.get(), (std::exchange(closing, "") + script).c_str()));
   return TakeAnswer();
 }
 
@@ -192,15 +192,15 @@ void PostgreSqlConnection::EndSending() {
   TakeAnswer();
 }
 
-void PostgreSqlConnection::ExpectSending(int sent) {
-  if (sent != 1) {
+void PostgreSqlConnection::ExpectSending(int accepted) {
+  if (accepted != 1) {
     TakeAnswer();  // with the error that ended the statement
-    Expect(sent);
+    Expect(accepted);
   }
 }
 
-void PostgreSqlConnection::Expect(int sent) {
-  if (sent != 1) {
+void PostgreSqlConnection::Expect(int accepted) {
+  if (accepted != 1) {
     Fail(OnOneLine(PQerrorMessage(handle.get())));
   }
 }

@@ -33,10 +33,10 @@ class PostgreSqlConnection : public Connection {
 
   std::unique_ptr<Cursor> Prepare(const std::string& statement) override;
   std::unique_ptr<Cursor> PrepareShort(const std::string& statement) override;
-  void RunScript(const std::string& statements) override { Ask(statements); }
+  void RunScript(const std::string& script) override { Ask(script); }
 
   /// Runs statements without values. @return the result of the last one.
-  Answer Ask(const std::string& statements);
+  Answer Ask(const std::string& script);
   /// Runs one statement with values at $1, $2...
   Answer Ask(const std::string& statement, const std::vector<Value>& values);
   /// Runs COPY ... FROM STDIN, to which Send() then sends the rows.
@@ -85,8 +85,8 @@ class PostgreSqlConnection : public Connection {
   };
 
   bool ConnectUntil(Clock::time_point when);
-  void Expect(int sent);
-  void ExpectSending(int sent);
+  void Expect(int accepted);
+  void ExpectSending(int accepted);
   void Expect(const PGresult* answer);
   /// Begins to send statements together.
   void StartPipeline();
