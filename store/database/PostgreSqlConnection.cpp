@@ -153,7 +153,7 @@ std::string PostgreSqlConnection::Prepared(const std::string& statement, int val
   if (const auto known = prepared.find(statement); known != prepared.end()) {
     return known->second;
   }
-  const std::string name = "s" + std::to_string(++statements);
+  const std::string name = "s" + std::to_string(++preparations);
   Expect(PQsendPrepare(handle.get(), name.c_str(), statement.c_str(), values, nullptr));
   sent.push_back({Sent::What::Preparation, nullptr, statement});
   return prepared.emplace(statement, name).first->second;

@@ -112,7 +112,7 @@ class PostgreSqlConnection : public Connection {
   bool defersRuns = false;
   std::deque<Sent> sent;
   std::map<std::string, std::string> prepared;  // the names of statements on the server
-  int statements = 0;                           // that were prepared
+  int preparations = 0;                         // counts the names
   std::string closing;
   int cursors = 0;
 };
