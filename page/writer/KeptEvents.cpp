@@ -5,6 +5,7 @@
 #include "store/values/StoredTime.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 namespace Velora::Page {
@@ -98,7 +99,7 @@ void KeptEvents::Choose(const Store::Reader& store, long long root) {
   }
   for (auto& [name, kind] : binned) {
     KeepNewest(kind);
-    for (const auto& [parameter, slices] : kind.extremes) {
+    for (const auto& [values, slices] : kind.extremes) {
       for (const auto& [slice, extremes] : slices) {
         kept.push_back(extremes.lowestEvent);
         kept.push_back(extremes.highestEvent);
@@ -119,13 +120,14 @@ void KeptEvents::Consider(Kind& kind, const Event& event) {
   const long long at = event.at.value_or(first);
   const std::size_t slice = SliceOf(at);
   ++kind.inSlice[slice];
-  ConsiderValue(kind.extremes[{"", 0}], slice, static_cast<double>(at), event.number);
+  ConsiderValue(kind.extremes[{{"", 0}, false}], slice, static_cast<double>(at), event.number);
   std::map<std::string_view, int> seen;
   for (const Reading& reading : event.readings) {
-    const Parameter parameter(reading.name, ++seen[reading.name]);
+    Parameter parameter(reading.name, ++seen[reading.name]);
     kind.newest[parameter] = event.number;
     if (reading.number) {
-      ConsiderValue(kind.extremes[parameter], slice, *reading.number, event.number);
+      ConsiderValue(kind.extremes[{std::move(parameter), std::isinf(*reading.number)}], slice, *reading.number,
+                    event.number);
     }
   }
   while (2 * extremesCount > mostEvents && sliceCount > 1) {
@@ -147,7 +149,7 @@ void KeptEvents::HalveSlices() {
       kind.inSlice[slice] = kind.inSlice[2 * slice] + kind.inSlice[2 * slice + 1];
     }
     kind.inSlice.resize(sliceCount);
-    for (auto& [parameter, slices] : kind.extremes) {
+    for (auto& [values, slices] : kind.extremes) {
       Slices halved;
       for (const auto& [slice, extremes] : slices) {
         halved.emplace(slice / 2, extremes).first->second.Take(extremes);

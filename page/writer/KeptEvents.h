@@ -10,8 +10,8 @@ namespace Velora::Page {
 
 /// Decides which events of a run a page contains: all of them, unless they are more than a browser can take. Then kinds
 /// are binned, those with the most events first, until the others have no more than that. Of a binned kind, the page
-/// contains the events with the lowest and highest value of each parameter in each slice of the run's time, and the
-/// newest event with each parameter of each execution.
+/// contains the events with the lowest and highest value of each parameter in each slice of the run's time, finite and
+/// infinite values apart, and the newest event with each parameter of each execution.
 class KeptEvents {
  public:
   /// So many events are kept of all kinds that are not binned together, and so many lowest and highest of all others.
@@ -37,11 +37,13 @@ class KeptEvents {
   };
   /// The name of a parameter and its number among the parameters of that name; number 0 is the event itself.
   using Parameter = std::pair<std::string, int>;
+  /// The finite values of a parameter, or its infinite ones, which would hide the highest and lowest of the others.
+  using Values = std::pair<Parameter, bool>;
   using Slices = std::map<std::size_t, Extremes>;
   struct Kind {
     long long recorded = 0;
     std::vector<long long> inSlice = std::vector<long long>(mostSlices);
-    std::map<Parameter, Slices> extremes;   // of the event itself, those of its time
+    std::map<Values, Slices> extremes;      // of the event itself, those of its time
     long long execution = 0;                // that is being read,
     std::map<Parameter, long long> newest;  // and its newest event with each parameter
   };

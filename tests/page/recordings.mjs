@@ -128,9 +128,9 @@ export const outlier = { event: 41337, value: 9 };
 
 /**
  * A run of ten hours with many events of some kinds, four parameters each, in a hundred executions of which one did not
- * finish.
+ * finish. `drift` is what the first parameter has in some events in place of its value there.
  */
-export function long(events, { kinds = 1, parameters = 4, hasOutlier = false } = {}) {
+export function long(events, { kinds = 1, parameters = 4, drift = 'NULL' } = {}) {
   const folder = record(`long-${events}-${kinds}-${parameters}`, 'sample.mdoc', sample());
   const name = kinds > 1 ? `'Sample ' || (i % ${kinds})` : `'Sample'`;
   write(
@@ -148,9 +148,9 @@ export function long(events, { kinds = 1, parameters = 4, hasOutlier = false } =
       INSERT INTO events SELECT 10000 + i, 1, 1001 + i * 100 / ${events}, NULL, ${name},
         ${at(`i * 36000 / ${events}`)} || printf('.%06dZ', i * 36000000000 / ${events} % 1000000) FROM n;
     INSERT INTO parameters SELECT event_id, column1, column2, column3, NULL,
-        iif(${hasOutlier} AND column1 = 1 AND event_id = ${outlier.event}, ${outlier.value}, CASE column1
-        WHEN 1 THEN sin(event_id / 3000.0) + event_id % 17 / 50.0 WHEN 2 THEN event_id / 7.0
-        WHEN 3 THEN round(20 + cos(event_id / 900.0), 2) ELSE event_id % 3 = 0 END)
+        CASE column1
+        WHEN 1 THEN COALESCE(${drift}, sin(event_id / 3000.0) + event_id % 17 / 50.0) WHEN 2 THEN event_id / 7.0
+        WHEN 3 THEN round(20 + cos(event_id / 900.0), 2) ELSE event_id % 3 = 0 END
       FROM events, (VALUES (1, 'Drift', 'double'), (2, 'Dose', 'double'), (3, 'Temperature', 'double'),
         (4, 'Beam', 'bool'))
       WHERE event_id >= 10000 AND column1 <= ${parameters};`,
@@ -159,10 +159,14 @@ export function long(events, { kinds = 1, parameters = 4, hasOutlier = false } =
 }
 
 /** One in which one value is far from all others. */
-export const withOutlier = once(() => long(100000, { hasOutlier: true }));
+export const withOutlier = once(() =>
+  long(100000, { drift: `CASE event_id WHEN ${outlier.event} THEN ${outlier.value} END` }),
+);
 
-/** One with more events of a kind than a page has. */
-export const binned = once(() => long(250000));
+/** One with more events of a kind than a page has, and both infinities in each slice of them. */
+export const binned = once(() =>
+  long(250000, { drift: 'CASE event_id % 100 WHEN 0 THEN 9e999 WHEN 50 THEN -9e999 END' }),
+);
 
 /** One with more events of all kinds together than a page has, and more slices of them. */
 export const manyKinds = once(() => long(450000, { kinds: 45, parameters: 1 }));
