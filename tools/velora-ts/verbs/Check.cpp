@@ -40,7 +40,8 @@ void SayHowMuch(const Store::Reader& store) {
       continue;
     }
     const std::string& table = TableOf(kind).name;
-    records += (records.empty() ? "records: " : ", ") + CountInWords(store, "SELECT 1 FROM " + table) + ' ' + table;
+    records += records.empty() ? "records: " : ", ";
+    records.append(CountInWords(store, "SELECT 1 FROM " + table)).append(" ").append(table);
   }
   Say(records);
   Say("runs: " + CountInWords(store, "SELECT 1 FROM executions WHERE parent_id IS NULL") + ", of these unfinished: " +

@@ -26,7 +26,7 @@ bool IsTime(std::string_view text) {
 }  // namespace
 
 std::string TimeArgument(const std::string& text) {
-  const std::string time = text.substr(0, text.size() - (text.ends_with('Z') ? 1 : 0));
+  std::string time = text.substr(0, text.size() - (text.ends_with('Z') ? 1 : 0));
   if (!IsTime(time)) {
     throw UsageError("time '" + text + "': expected UTC as 2026-11-24 or 2026-11-24T21:55:03");
   }
