@@ -22,7 +22,11 @@ export function values(column, kind) {
   if (typeof column !== 'string') {
     return kind === 'text' ? texts(column) : column;
   }
-  const bytes = Uint8Array.from(atob(column), (character) => character.charCodeAt(0));
+  const text = atob(column);
+  const bytes = new Uint8Array(text.length);
+  for (let at = 0; at < text.length; ++at) {
+    bytes[at] = text.charCodeAt(at);
+  }
   const view = new DataView(bytes.buffer);
   return Float64Array.from({ length: bytes.length / 8 }, (unused, at) => view.getFloat64(8 * at, true));
 }
