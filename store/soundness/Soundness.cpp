@@ -69,23 +69,16 @@ std::vector<std::string> MissingRoom(const Reader& store) {
   return IsOnServer(store) ? MissingPartitions(store) : std::vector<std::string>();
 }
 
-std::vector<std::string> NumberFindings(const Reader& store) {
+std::vector<std::string> ValueFindings(const Reader& store) {
   std::vector<std::string> findings;
   for (const Table& table : TablesOf(store.SchemaVersion())) {
     for (Rows rows(store, WrongNumbers(table)); rows.Next();) {
       findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name + " is not numbered from 1 to " +
                          std::to_string(highestKey));
     }
-  }
-  return findings;
-}
-
-std::vector<std::string> ValueFindings(const Reader& store) {
-  std::vector<std::string> findings = NumberFindings(store);
-  if (IsOnServer(store)) {
-    return findings;  // it keeps no other types
-  }
-  for (const Table& table : TablesOf(store.SchemaVersion())) {
+    if (IsOnServer(store)) {
+      continue;  // which keeps no other types
+    }
     for (Rows rows(store, SqliteWrongTypes(table)); rows.Next();) {
       findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name +
                          " has a value of the wrong type in column " + std::string(rows.Text(1)));

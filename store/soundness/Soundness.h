@@ -25,9 +25,7 @@ Findings SchemaFindings(const Reader& store);
 /// @param working is called from time to time.
 std::vector<std::string> DamageFindings(
     const Reader& store, const std::function<void()>& working = [] {});
-/// Rows whose numbers are outside the range that a store accepts.
-std::vector<std::string> NumberFindings(const Reader& store);
-/// Values that TS does not write: those of NumberFindings(), and values of the wrong type.
+/// Values that TS does not write: numbers of rows outside their range, and values of the wrong type.
 std::vector<std::string> ValueFindings(const Reader& store);
 
 /// What rows of these months need and hosts should have made by now: on a server, partitions. Without the partition of
