@@ -8,6 +8,7 @@ import { barsIn, barsOfEnds, slicesOf } from './slices.js';
 import { done, statusName } from './statuses.js';
 import { count, eventName } from './text.js';
 import { elapsed } from './time-window.js';
+import { unitAfter, unitBehind } from './units.js';
 import { numberOf } from './values.js';
 
 const plotHeight = () => (isPrinting() ? 170 : 300);
@@ -232,7 +233,7 @@ export class Plot {
       tooltip: {
         formatter: ({ dataIndex }) => {
           const { from, low, high } = points[dataIndex];
-          return `${plain(this.y.name)}  ${low} to ${high}\nfrom ${this.recorded.clock.moment(from, 6)}`;
+          return `${plain(this.y.name)}  ${low} to ${high}${this.unitOf(this.y)}\nfrom ${this.recorded.clock.moment(from, 6)}`;
         },
       },
     };
@@ -241,14 +242,14 @@ export class Plot {
   axisX() {
     return this.x === null
       ? { ...timeAxis(this.time, this.chart.width / 90, elapsed), ...this.nameOf('time since the start') }
-      : this.axis(this.x, this.nameOf(this.x.label));
+      : this.axis(this.x);
   }
 
   nameOf(name) {
     return { name, nameLocation: 'middle', nameGap: 28, nameTextStyle: { color: colour('text') } };
   }
 
-  axis(quantity, more) {
+  axis(quantity, more = {}) {
     const truth = quantity.boolean
       ? {
           min: -0.2,
@@ -263,12 +264,16 @@ export class Plot {
       : { scale: true, axisLabel: { color: colour('muted'), hideOverlap: true } };
     return {
       type: 'value',
-      ...this.nameOf(shortened(quantity.label, 40)),
+      ...this.nameOf(shortened(quantity.label, 40) + unitBehind(this.recorded, quantity.name)),
       ...more,
       ...truth,
       axisLine: { show: true, onZero: false, lineStyle: { color: colour('line') } },
       splitLine: { lineStyle: { color: colour('line') } },
     };
+  }
+
+  unitOf({ name }) {
+    return plain(unitAfter(this.recorded, name));
   }
 
   tell() {
@@ -302,7 +307,7 @@ export class Plot {
 
   wordsFor({ event, x, y }) {
     const value = (quantity, number) =>
-      `${shortened(plain(quantity.name), 40)}  ${quantity.boolean ? number === 1 : number}`;
+      `${shortened(plain(quantity.name), 40)}  ${quantity.boolean ? number === 1 : number}${this.unitOf(quantity)}`;
     return [
       value(this.y, y),
       ...(this.x ? [value(this.x, x)] : []),

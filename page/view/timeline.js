@@ -10,6 +10,7 @@ import { lastBefore } from './search.js';
 import { running, statusName } from './statuses.js';
 import { count, eventName, noName, readable } from './text.js';
 import { digitsFor } from './time-window.js';
+import { unitAfter } from './units.js';
 import { valueText } from './values.js';
 
 const top = 30; // above the lanes: the axis
@@ -191,7 +192,8 @@ export class Timeline {
     const most = Math.max(1, Math.floor(this.height / tooltipLine) - 2); // it cannot leave the drawing
     const lines = parameters.slice(0, most).map(([parameter, kind], place) => {
       const value = valueText(batch.values[place][row], kind);
-      return `${shortened(plain(parameter), 30)}  ${shortened(plain(value), 40)}`;
+      const unit = plain(unitAfter(this.recorded, parameter));
+      return `${shortened(plain(parameter), 30)}  ${shortened(plain(value), 40)}${unit}`;
     });
     const title = `${shortened(plain(name) || noName, 40)} of ${shortened(plain(this.recorded.node[execution]), 60)}`;
     const rest = parameters.length > most ? [`and ${parameters.length - most} more`] : [];
