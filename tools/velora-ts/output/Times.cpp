@@ -25,6 +25,12 @@ std::string Formatted(const char* format, Values... values) {
 
 }  // namespace
 
+std::chrono::seconds LocalOffset(Store::Time time) {
+  const std::time_t whole = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
+  std::tm local{};
+  return std::chrono::seconds(localtime_r(&whole, &local) == nullptr ? 0 : local.tm_gmtoff);
+}
+
 std::string LocalTime(std::string_view stored, bool fractions) {
   const std::optional<long long> time = Store::Microseconds(stored);
   const std::time_t seconds = time ? (*time - ((*time % second) + second) % second) / second : 0;

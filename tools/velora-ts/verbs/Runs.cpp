@@ -106,7 +106,7 @@ class RunsVerb : public StoreVerb {
  public:
   explicit RunsVerb(Options& options) : StoreVerb(options) {
     options.AddText("--instrument", filter.instrument, "Only runs of this instrument");
-    options.AddText("--since", filter.since, "Only runs that started at this time or later; UTC");
+    options.AddText("--since", filter.since, "Only runs that started at this time or later: " VELORA_TIME_FORMS);
     options.AddText("--activity", filter.activity, "Only runs of this activity or activity version");
     options.AddFlag("--unfinished", filter.unfinished, "Only runs of which an execution did not finish");
     options.AddCount("--limit", filter.limit, "The highest number of runs. Default: 50");
