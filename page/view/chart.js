@@ -4,7 +4,7 @@ import { graphic, init } from './echarts.js';
 import { colour } from './colours.js';
 import { make } from './element.js';
 import { readable } from './text.js';
-import { ticksOf } from './time-window.js';
+import { digitsFor, ticksOf } from './time-window.js';
 
 export const left = 150; // of both charts, so that equal times stand above each other
 export const right = 40;
@@ -18,14 +18,15 @@ export const plain = (stored) => readable(stored).replaceAll('{', '{\u2060');
 
 export const shortened = (text, length) => (text.length > length ? `${text.slice(0, length - 1)}…` : text);
 
-/** An axis of time; the labels of its ticks are given by a function of time and distance. */
-export function timeAxis(time, wanted, label, origin) {
-  const { ticks, step } = ticksOf(time.from, time.to, wanted, origin);
+/** The axis of clock times on so many pixels. Its ticks are the same wherever time and width are. */
+export function timeAxis({ from, to }, clock, width) {
+  const { ticks, step } = ticksOf(from, to, width / (clock.spansDays ? 170 : 110), clock.midnight);
+  const formatter = (at) => clock.moment(at, digitsFor(step));
   return {
     type: 'value',
-    min: time.from,
-    max: time.to,
-    axisLabel: { customValues: ticks, hideOverlap: true, color: colour('muted'), formatter: (at) => label(at, step) },
+    min: from,
+    max: to,
+    axisLabel: { customValues: ticks, hideOverlap: true, color: colour('muted'), formatter },
     axisTick: { show: true, customValues: ticks },
     axisLine: { show: true, onZero: false, lineStyle: { color: colour('line') } },
     splitLine: { show: true, lineStyle: { color: colour('line') } },

@@ -4,10 +4,9 @@ import { Chart, isPrinting, left, plain, right, shortened, timeAxis } from './ch
 import { colour, statusColour } from './colours.js';
 import { make } from './element.js';
 import { drawnOf, fewPoints, placesIn, Points, rangeOf, side } from './points.js';
-import { barsIn, barsOfEnds, slicesOf } from './slices.js';
+import { barsIn, slicesIn, slicesOf } from './slices.js';
 import { done, statusName } from './statuses.js';
 import { count, eventName } from './text.js';
-import { elapsed } from './time-window.js';
 import { unitAfter, unitBehind } from './units.js';
 import { numberOf } from './values.js';
 
@@ -138,11 +137,6 @@ export class Plot {
       }
     }
     const read = { kind, noNumber, x: quantityX, y: quantityY, groups: [...groups.values()] };
-    read.range = rangeOf(
-      read.groups,
-      'y',
-      read.groups.map(({ y }) => [0, y.length]),
-    );
     if (kind.slices !== null && quantityX === null) {
       read.slices = read.groups.map((group) => slicesOf(group, recorded.raw.slices));
     }
@@ -166,28 +160,23 @@ export class Plot {
 
   /** Where points lie: numbers at the ends of both axes, and their lengths in pixels. */
   frame() {
-    const { groups, range } = this.read;
+    const { groups } = this.read;
     return {
       x: this.x === null ? [this.time.from, this.time.to] : rangeOf(groups, 'x', this.spans),
-      y: this.x === null ? range : rangeOf(groups, 'y', this.spans),
+      y: rangeOf(groups, 'y', this.spans),
       width: this.chart.width,
       height: plotHeight() - top - bottom,
     };
   }
 
-  /** What is drawn of a group, and behind it what only keeps the axis as it is for the whole time. */
   points(group, [begin, end], frame) {
-    const drawn = drawnOf(group, [begin, end], frame);
-    const ends = this.x === null ? group.ends.filter((at) => at < begin || at >= end) : [];
     const pointAt = (at) => ({ x: group.x[at], y: group.y[at], event: group.events[at] });
-    return { drawn: drawn.length, many: end - begin > fewPoints, points: [...drawn, ...ends].map(pointAt) };
+    return { many: end - begin > fewPoints, points: drawnOf(group, [begin, end], frame).map(pointAt) };
   }
 
   bars(slices) {
     const { time } = this;
-    const drawn = barsIn(slices, time, (time.to - time.from) / this.chart.width);
-    const ends = barsOfEnds(slices).filter(({ from, to }) => to < time.from || from > time.to);
-    return { drawn: drawn.length, points: [...drawn, ...ends] };
+    return { points: barsIn(slices, time, (time.to - time.from) / this.chart.width) };
   }
 
   pointSeries({ code, points, many }) {
@@ -233,15 +222,20 @@ export class Plot {
       tooltip: {
         formatter: ({ dataIndex }) => {
           const { from, low, high } = points[dataIndex];
-          return `${plain(this.y.name)}  ${low} to ${high}${this.unitOf(this.y)}\nfrom ${this.recorded.clock.moment(from, 6)}`;
+          const values = `${plain(this.y.name)}  ${low} to ${high}${this.unitOf(this.y)}`;
+          return `${values}\nfrom ${this.recorded.clock.moment(from, 6)}`;
         },
       },
     };
   }
 
   axisX() {
+    const {
+      time,
+      recorded: { clock },
+    } = this;
     return this.x === null
-      ? { ...timeAxis(this.time, this.chart.width / 90, elapsed), ...this.nameOf('time since the start') }
+      ? { ...timeAxis(time, clock, this.chart.width), ...this.nameOf(`time, UTC${clock.offset(time.from)}`) }
       : this.axis(this.x);
   }
 
@@ -277,7 +271,7 @@ export class Plot {
   }
 
   tell() {
-    const drawn = this.groups.reduce((sum, group) => sum + group.drawn, 0);
+    const drawn = this.groups.reduce((sum, group) => sum + group.points.length, 0);
     Object.assign(this.element.dataset, { points: drawn, from: this.time.from, to: this.time.to });
     this.note.textContent = this.read.slices ? this.wordsForSlices() : this.wordsForPoints(drawn);
     this.chart.describe(`Plot of ${this.y.label} over ${this.x ? this.x.label : 'time'}: ${this.note.textContent}.`);
@@ -285,9 +279,9 @@ export class Plot {
 
   wordsForSlices() {
     const { kind, slices } = this.read;
-    const total = slices.reduce((sum, { list }) => sum + list.length, 0);
-    const place = `in place of ${count(kind.recorded, 'event')}`;
-    return `binned: lowest and highest of ${count(total, 'slice')} of time ${place}`;
+    const shown = slices.reduce((sum, group) => sum + slicesIn(group, this.time).length, 0);
+    const whole = `in place of ${count(kind.recorded, 'event')}`;
+    return `binned: lowest and highest of ${count(shown, 'slice')} of time ${this.time.isWhole ? whole : 'shown'}`;
   }
 
   wordsForPoints(drawn) {

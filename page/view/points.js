@@ -30,11 +30,6 @@ export class Points {
     this.x.push(x);
     this.y.push(y);
   }
-
-  get ends() {
-    this.knownEnds ??= endsOf(this.y, [0, this.y.length]);
-    return this.knownEnds;
-  }
 }
 
 /** Places of the first of the events in a time, and of the first behind it. */

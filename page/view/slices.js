@@ -22,15 +22,17 @@ function addTo(list, slice, { low, high }) {
   }
 }
 
+/** What slices there are in a time. */
+export const slicesIn = ({ from, width, list }, time) =>
+  list.filter(({ slice }) => from + slice * width <= time.to && from + (slice + 1) * width >= time.from);
+
 /** The bars that are drawn in a time of so many microseconds for each pixel: slices narrower than a pixel share one. */
-export function barsIn({ from, width, list }, time, perPixel) {
+export function barsIn(slices, time, perPixel) {
+  const { from, width } = slices;
   const together = Math.max(1, Math.ceil(perPixel / width));
   const bars = [];
-  for (const item of list) {
-    const start = from + item.slice * width;
-    if (start <= time.to && start + width >= time.from) {
-      addTo(bars, Math.floor(item.slice / together), item);
-    }
+  for (const item of slicesIn(slices, time)) {
+    addTo(bars, Math.floor(item.slice / together), item);
   }
   return bars.map((bar) => barOf(bar, from, together * width));
 }
@@ -41,10 +43,3 @@ const barOf = ({ slice, low, high }, from, width) => ({
   low,
   high,
 });
-
-/** The bars of the slices with the lowest and the highest value. */
-export function barsOfEnds({ from, width, list }) {
-  const lowest = list.reduce((one, other) => (other.low < one.low ? other : one));
-  const highest = list.reduce((one, other) => (other.high > one.high ? other : one));
-  return [lowest, highest].map((item) => barOf(item, from, width));
-}

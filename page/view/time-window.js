@@ -1,7 +1,5 @@
 // The span of time that timeline and plot show, in microseconds; the same for both.
 
-import { pad } from './clock.js';
-
 export class TimeWindow {
   constructor(first, last) {
     const margin = Math.max(1, last - first) * 0.01;
@@ -61,16 +59,3 @@ export function ticksOf(from, to, wanted, origin = 0) {
 
 /** Digits of a second that tell ticks of a distance apart. */
 export const digitsFor = (step) => (step >= 1e6 ? 0 : step >= 1e3 ? 3 : 6);
-
-/** Time from the start of the run, as a tick. */
-export function elapsed(time, step) {
-  const total = Math.abs(Math.round(time));
-  const sign = time < -0.5 ? '−' : '';
-  const seconds = Math.floor(total / 1e6);
-  const fraction = digitsFor(step) > 0 ? `.${pad(total % 1e6, 6).slice(0, digitsFor(step))}` : '';
-  const hours = Math.floor(seconds / 3600);
-  return (
-    `${sign}${hours > 0 ? `${hours}:${pad(Math.floor(seconds / 60) % 60)}` : Math.floor(seconds / 60)}:` +
-    `${pad(seconds % 60)}${fraction}`
-  );
-}

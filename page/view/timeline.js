@@ -9,7 +9,6 @@ import { lanesOf } from './lanes.js';
 import { lastBefore } from './search.js';
 import { running, statusName } from './statuses.js';
 import { count, eventName, noName, readable } from './text.js';
-import { digitsFor } from './time-window.js';
 import { unitAfter } from './units.js';
 import { valueText } from './values.js';
 
@@ -64,10 +63,8 @@ export class Timeline {
       from: time.from,
       to: time.to,
     });
-    const moment = (at, step) => recorded.clock.moment(at, digitsFor(step));
-    const tick = recorded.clock.spansDays ? 170 : 110;
     return {
-      xAxis: { ...timeAxis(time, this.chart.width / tick, moment, recorded.clock.midnight), position: 'top' },
+      xAxis: { ...timeAxis(time, recorded.clock, this.chart.width), position: 'top' },
       series: [this.series(this.items)],
     };
   }

@@ -40,7 +40,7 @@ function testPage(name, { recording, ...options }, check) {
   });
 }
 
-/** Both charts as ECharts has them: ends of the axis of time in values and in pixels, and data of all series. */
+/** Both charts as ECharts has them: ends of the axis of time in values and in pixels, ticks, and data of all series. */
 const charts = (page) =>
   page.evaluate(() =>
     Object.fromEntries(
@@ -53,7 +53,14 @@ const charts = (page) =>
         const drawn = {
           ends,
           pixels: ends.map((value) => chart.convertToPixel({ xAxisIndex: 0 }, value)),
+          range: chart.getModel().getComponent('yAxis').axis.scale.getExtent(),
           texts: visible.map((shape) => shape.style.text).filter((text) => text),
+          ticks: visible
+            .filter(({ style }) => /\d\d:\d\d:\d\d/.test(style.text))
+            .map(({ style, transform }) => [style.text, transform[4]]),
+          gridLines: visible
+            .filter(({ shape }) => shape?.x1 === shape?.x2 && shape?.y2 - shape?.y1 > 60)
+            .map(({ shape }) => shape.x1),
           data: series.flatMap(({ data }) => [...data].flat()),
           hatched: visible.filter((shape) => shape.style.fill?.image).map(({ shape }) => shape.x + shape.width),
         };
@@ -61,6 +68,16 @@ const charts = (page) =>
       }),
     ),
   );
+
+/** Timeline and plot have the same clock times at the same places, each with a line. */
+function checkAxes({ timeline, plot }) {
+  assert.ok(plot.ticks.length > 3);
+  assert.deepEqual([timeline.ends, timeline.pixels, timeline.ticks], [plot.ends, plot.pixels, plot.ticks]);
+  for (const { gridLines } of [timeline, plot]) {
+    assert.equal(gridLines.length, plot.ticks.length);
+    gridLines.forEach((x, at) => assert.ok(Math.abs(x - plot.ticks[at][1]) < 1, `a line at ${x}`));
+  }
+}
 
 /** How many events the timeline shows, alone and in bars, as its tooltips say when the pointer is moved over it. */
 const eventsShown = async (page) => {
@@ -177,8 +194,7 @@ testPage('moving through the time of a tilt series', { recording: tiltSeries }, 
     await afterDrawing(page, () => page.keyboard.press(key));
   }
   const { timeline, plot } = await charts(page);
-  assert.deepEqual(timeline.ends, plot.ends);
-  assert.deepEqual(timeline.pixels, plot.pixels);
+  checkAxes({ timeline, plot });
   const [{ shown }] = ask(
     folder,
     `SELECT COUNT(*) AS shown FROM events WHERE 1e6 * (strftime('%s', at) -
@@ -383,15 +399,19 @@ testPage('100,000 events', { recording: withOutlier }, async (page, { folder, by
   for (let times = 0; times < 9; ++times) {
     const { plot, drawn, within } = await look();
     assert.deepEqual(endsOfColumns(drawn, plot), endsOfColumns(within, plot), `after zooming in ${times} times`);
+    const [low, high] = [Math.min, Math.max].map((end) => end(...within.map(([, y]) => y)));
+    const room = (plot.range[1] - plot.range[0]) / 3;
+    assert.ok(plot.range[0] > low - room && plot.range[1] < high + room, `${plot.range} for ${low} to ${high}`);
     await afterDrawing(page, () => page.click('#zoom-in'));
   }
-  const { plot, drawn, within } = await look();
+  const { drawn, within } = await look();
   assert.deepEqual(
     drawn.sort(([a], [b]) => a - b),
     within,
   );
   assert.deepEqual((await counts(page)).slice(1), [within.length, 0]);
-  assert.deepEqual((await charts(page)).timeline.ends, plot.ends);
+  checkAxes(await charts(page));
+  assert.match(await page.textContent('#plot-note'), new RegExp(`^${within.length} points in the time shown$`));
   for (const [time, drift] of within.slice(100, 103)) {
     assert.match(await saidAt(page, 'timeline', [time, 0]), new RegExp(`Drift {2}${drift} `));
   }
