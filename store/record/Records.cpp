@@ -1,5 +1,6 @@
 #include "store/record/Records.h"
 
+#include "store/reading/Notes.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Reader.h"
 #include "store/schema/Tables.h"
@@ -77,8 +78,11 @@ const Form& FormOf(Kind kind) {
 // The condition of the rows behind one number and up to another, in their order.
 std::string Between(const std::string& key) { return key + " > ?1 AND " + key + " <= ?2 ORDER BY " + key; }
 
+/// What to ask for the rows of a kind; for notes, what can be asked of stores without them too.
+std::string PlaceOf(const Reader& store, Kind kind) { return kind == Notes ? NotesIn(store) : TableOf(kind).name; }
+
 Rows Question(const Reader& store, Kind kind, const std::string& which) {
-  return {store, "SELECT " + FormOf(kind).columns + " FROM " + TableOf(kind).name + " v WHERE " + which};
+  return {store, "SELECT " + FormOf(kind).columns + " FROM " + PlaceOf(store, kind) + " v WHERE " + which};
 }
 
 EventRows EventsWhere(const Reader& store, const std::string& condition) {
@@ -99,15 +103,14 @@ const Table& TableOf(Kind kind) {
 Numbers HighestNumbers(const Reader& store) {
   std::vector<std::string> highest;
   for (const Kind kind : kinds) {
-    if (kind != Parameters) {
-      highest.push_back("(SELECT MAX(" + TableOf(kind).Key() + ") FROM " + TableOf(kind).name + ')');
-    }
+    highest.push_back(
+        kind == Parameters ? "0" : "(SELECT MAX(" + TableOf(kind).Key() + ") FROM " + PlaceOf(store, kind) + " v)");
   }
   Rows rows(store, "SELECT " + Listed(highest));
   rows.Next();
   Numbers numbers{};
-  for (int kind = 0; kind < rows.Columns(); ++kind) {
-    numbers[static_cast<std::size_t>(kind)] = rows.Integer(kind);
+  for (const Kind kind : kinds) {
+    numbers[kind] = rows.Integer(kind);
   }
   return numbers;
 }
@@ -120,6 +123,7 @@ Records::Records(const Reader& store, const Numbers& upTo, Sink sink)
       executions(Question(store, Executions, "root_id = ?1 AND execution_id <= ?2 ORDER BY execution_id")),
       statuses(
           Question(store, Statuses, "execution_id = ?1 AND status_id > ?2 AND status_id <= ?3 ORDER BY status_id")),
+      notes(Question(store, Notes, "root_id = ?1 AND note_id > ?2 AND note_id <= ?3 ORDER BY note_id")),
       events(EventsWhere(store, "v.execution_id = ?1 AND v.event_id > ?2 AND v.event_id <= ?3")) {}
 
 void Records::WriteRun(long long root, const Numbers& since) {
@@ -136,6 +140,7 @@ void Records::WriteRun(long long root, const Numbers& since) {
     WriteAll(Statuses, statuses.Ask(execution, since[Statuses], upTo[Statuses]));
     WriteEvents(events.Ask(execution, since[Events], upTo[Events]));
   }
+  WriteAll(Notes, notes.Ask(root, since[Notes], upTo[Notes]));
 }
 
 void Records::WriteRest(const Numbers& since) {

@@ -29,13 +29,14 @@ enum Kind {
   Statuses,
   Events,
   Parameters,
+  Notes,
   kindCount
 };
 
 /// The names of the kinds in records and seals.
 inline constexpr std::array<const char*, kindCount> kindNames = {"schema",  "session",       "registration", "activity",
                                                                  "version", "configuration", "execution",    "status",
-                                                                 "event",   "parameter"};
+                                                                 "event",   "parameter",     "note"};
 
 inline constexpr std::array<Kind, kindCount> kinds = [] {
   std::array<Kind, kindCount> all{};
@@ -58,7 +59,7 @@ inline constexpr Numbers none = [] {
   return numbers;
 }();
 
-/// The highest number of each kind in the store. Parameters have no numbers of their own.
+/// The highest number of each kind in the store; 0 if it has none. Parameters have no numbers of their own.
 Numbers HighestNumbers(const Reader& store);
 
 /// Writes records, each on a line. What a record refers to is written before it, once in each part.
@@ -108,7 +109,7 @@ class Records {
   std::array<std::set<long long>, kindCount> written;
 
   std::map<Kind, Rows> byKey;  // of kinds that others refer to
-  Rows registrations, executions, statuses;
+  Rows registrations, executions, statuses, notes;
   EventRows events;
 };
 

@@ -39,8 +39,10 @@ void AppendField(std::string& line, std::string_view name) {
 
 std::string ToText(const Numbers& numbers) {
   std::string text;
-  for (std::size_t kind = 0; kind < numbers.size(); ++kind) {
-    text += (kind == 0 ? "{\"" : ",\"") + std::string(kindNames[kind]) + "\":" + std::to_string(numbers[kind]);
+  for (const Kind kind : kinds) {
+    if (kind != Notes || numbers[kind] != 0) {
+      text += (kind == 0 ? "{\"" : ",\"") + std::string(kindNames[kind]) + "\":" + std::to_string(numbers[kind]);
+    }
   }
   return text + '}';
 }
@@ -52,7 +54,10 @@ std::optional<Numbers> FromText(std::string_view text) {
     text.remove_prefix(found ? expected.size() : 0);
     return found;
   };
-  for (std::size_t kind = 0; kind < numbers.size(); ++kind) {
+  for (const Kind kind : kinds) {
+    if (kind == Notes && text == "}") {
+      continue;
+    }
     if (!take(kind == 0 ? "{\"" : ",\"") || !take(kindNames[kind]) || !take("\":")) {
       return std::nullopt;
     }

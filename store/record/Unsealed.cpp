@@ -1,5 +1,6 @@
 #include "store/record/Unsealed.h"
 
+#include "store/reading/Notes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Unfinished.h"
 #include "store/schema/Tables.h"
@@ -11,7 +12,7 @@ namespace Velora::Store {
 namespace {
 
 /// The kinds whose records belong to runs and have numbers of their own.
-constexpr std::array ofRuns = {Executions, Statuses, Events};
+constexpr std::array ofRuns = {Executions, Statuses, Events, Notes};
 
 /// A query for runs e, which RunStates reads.
 std::string Question(const Reader& store, const std::string& which) {
@@ -21,16 +22,16 @@ std::string Question(const Reader& store, const std::string& which) {
          " FROM executions e WHERE " + which + " ORDER BY e.execution_id";
 }
 
-/// A condition for the runs behind the numbers of executions, statuses and events at ?1, ?2 and ?3. The plus sign keeps
-/// the index of parents out.
+/// A condition for the runs behind the numbers of executions, statuses, events and notes at ?1 to ?4. The plus sign
+/// keeps the index of parents out.
 std::string Since(const Reader& store) {
   return "+e.parent_id IS NULL AND e.execution_id IN ("
          "SELECT root_id FROM executions WHERE execution_id > ?1 UNION "
          "SELECT x.root_id FROM statuses s CROSS JOIN executions x WHERE x.execution_id = s.execution_id "
          "AND s.status_id > ?2 UNION "
          "SELECT x.root_id FROM events v CROSS JOIN executions x WHERE x.execution_id = v.execution_id "
-         "AND v.event_id > ?3 UNION " +
-         UnfinishedRuns(store) + ')';
+         "AND v.event_id > ?3 UNION SELECT n.root_id FROM " +
+         NotesIn(store) + " n WHERE n.note_id > ?4 UNION " + UnfinishedRuns(store) + ')';
 }
 
 /// The number of rows of a kind up to a number.
@@ -55,7 +56,7 @@ bool Has(const Reader& store, Kind kind, long long count, long long upTo) {
 RunStates::RunStates(const Reader& store) : rows(store, Question(store, "e.parent_id IS NULL")) {}
 
 RunStates::RunStates(const Reader& store, const Numbers& since) : rows(store, Question(store, Since(store))) {
-  rows.Ask(since[Executions], since[Statuses], since[Events]);
+  rows.Ask(since[Executions], since[Statuses], since[Events], since[Notes]);
 }
 
 bool RunStates::Next() {
@@ -79,11 +80,13 @@ UnsealedRecords::UnsealedRecords(const Reader& store)
             "EXISTS (SELECT 1 FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
             "WHERE x.root_id = ?1 AND s.status_id > ?3) OR "
             "EXISTS (SELECT 1 FROM executions x JOIN events e ON e.execution_id = x.execution_id "
-            "WHERE x.root_id = ?1 AND e.event_id > ?4)"),
+            "WHERE x.root_id = ?1 AND e.event_id > ?4) OR "
+            "EXISTS (SELECT 1 FROM " +
+                NotesIn(store) + " n WHERE n.root_id = ?1 AND n.note_id > ?5)"),
       ofNoRun(store, "SELECT EXISTS (SELECT 1 FROM events WHERE execution_id IS NULL AND event_id > ?1)") {}
 
 bool UnsealedRecords::IsIn(long long root, const Numbers& since) {
-  ofRun.Ask(root, since[Executions], since[Statuses], since[Events]).Next();
+  ofRun.Ask(root, since[Executions], since[Statuses], since[Events], since[Notes]).Next();
   return ofRun.Integer(0) != 0;
 }
 
@@ -107,12 +110,13 @@ bool OnlyLaterRunsHaveMore(const Reader& store, const Chain& chain) {
       "(SELECT COUNT(*) FROM executions x JOIN statuses s ON s.execution_id = x.execution_id "
       "WHERE x.root_id = ?1 AND s.status_id > ?4 AND s.status_id <= ?5), "
       "(SELECT COUNT(*) FROM executions x JOIN events e ON e.execution_id = x.execution_id "
-      "WHERE x.root_id = ?1 AND e.event_id > ?6 AND e.event_id <= ?7)");
+      "WHERE x.root_id = ?1 AND e.event_id > ?6 AND e.event_id <= ?7), "
+      "(SELECT COUNT(*) FROM notes WHERE root_id = ?1 AND note_id > ?8 AND note_id <= ?9)");
   for (RunStates runs(store, upTo); runs.Next();) {
     const Numbers& since = runs.SealedUpTo();
     between
         .Ask(runs.Current().root, since[Executions], upTo[Executions], since[Statuses], upTo[Statuses], since[Events],
-             upTo[Events])
+             upTo[Events], since[Notes], upTo[Notes])
         .Next();
     for (std::size_t place = 0; place < ofRuns.size(); ++place) {
       known[ofRuns[place]] += between.Integer(static_cast<int>(place));

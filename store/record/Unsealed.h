@@ -54,7 +54,7 @@ class UnsealedRecords {
 
 /// Whether the runs that RunStates reads since the end of a chain are all that can have something to seal. They are not
 /// if rows were inserted later under numbers that the chain covers, or if its last seals were deleted: then the store
-/// has more rows than those that are sealed and those of these runs.
+/// has more rows than those that are sealed and those of these runs. The store must have this version of the schema.
 bool OnlyLaterRunsHaveMore(const Reader& store, const Chain& chain);
 
 }  // namespace Velora::Store

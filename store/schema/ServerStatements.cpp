@@ -210,6 +210,25 @@ const char* const refusals = R"(
     EXECUTE FUNCTION refuse_parameters();
     ALTER FUNCTION refuse_parameters() SET search_path = {schema}, pg_temp)";
 
+const char* const rights = R"(
+    DO $$
+    DECLARE
+      allowed record;
+    BEGIN
+      FOR allowed IN SELECT privilege_type AS privilege,
+                            CASE grantee WHEN 0 THEN 'PUBLIC' ELSE quote_ident(pg_get_userbyid(grantee)) END AS role
+                     FROM pg_class, aclexplode(relacl)
+                     WHERE oid = CAST('executions' AS regclass) AND grantee <> relowner
+                       AND privilege_type IN ('SELECT', 'INSERT') LOOP
+        EXECUTE 'GRANT ' || allowed.privilege || ' ON notes TO ' || allowed.role;
+        IF allowed.privilege = 'SELECT' THEN
+          EXECUTE 'GRANT SELECT ON running TO ' || allowed.role;
+        ELSE
+          EXECUTE 'GRANT USAGE ON SEQUENCE notes_note_id_seq TO ' || allowed.role;
+        END IF;
+      END LOOP;
+    END $$)";
+
 }  // namespace Version3
 
 }  // namespace Velora::Store::Server

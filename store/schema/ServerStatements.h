@@ -23,6 +23,8 @@ extern const char* const textDigest;
 extern const char* const keys;
 extern const char* const partitions;
 extern const char* const refusals;
+/// Lets everybody who may read executions read the new tables, and hosts add notes. A new store has no such roles.
+extern const char* const rights;
 
 }  // namespace Version3
 

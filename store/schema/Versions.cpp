@@ -43,6 +43,8 @@ void Third(Dialect& to) {
   to.OnServer(Server::Version3::keys);
   to.OnServer(Server::Version3::partitions);
   to.OnServer(Server::Version3::refusals);
+  to.Make(TableNamed("notes"));
+  to.KeepRows(TableNamed("notes"));
   for (const Table& table : TablesOf(3)) {
     to.NumberRows(table);
   }
@@ -50,6 +52,7 @@ void Third(Dialect& to) {
     to.MakeIndexes(table, 3);
   }
   to.NoteRunning();
+  to.OnServer(Server::Version3::rights);
   to.Replace(Views::Unfinished());
 }
 

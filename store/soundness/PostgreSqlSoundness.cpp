@@ -88,7 +88,7 @@ std::vector<std::string> MissingPartitions(const Reader& store) {
 
 std::vector<std::string> PostgreSqlDamageFindings(const Reader& store) {
   std::vector<std::string> findings;
-  for (const Table& table : Tables()) {
+  for (const Table& table : TablesOf(store.SchemaVersion())) {
     for (const Column& column : table.columns) {
       if (column.refersTo.empty()) {
         continue;

@@ -1,5 +1,6 @@
 #include "store/soundness/Soundness.h"
 
+#include "store/reading/Notes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Unfinished.h"
@@ -24,6 +25,12 @@ constexpr std::pair<const char*, const char*> misplaced[] = {
      "WHERE r.parent_id IS NOT NULL",
      "a root that has a parent"},
 };
+
+/// A query for the notes that no seal of a run covers.
+std::string NotesOfNoRun(const Reader& store) {
+  return "SELECT n.note_id FROM " + NotesIn(store) +
+         " n JOIN executions x ON x.execution_id = n.root_id WHERE x.parent_id IS NOT NULL";
+}
 
 // What NotesRunning() promises: readers would not see that these did not finish.
 constexpr const char* notNoted =
@@ -56,6 +63,9 @@ std::vector<std::string> DamageFindings(const Reader& store, const std::function
     for (Rows rows(store, question); rows.Next();) {
       findings.push_back("row " + std::string(rows.Text(0)) + " of executions has " + wrong);
     }
+  }
+  for (Rows rows(store, NotesOfNoRun(store)); rows.Next();) {
+    findings.push_back("row " + std::string(rows.Text(0)) + " of notes is about an execution that is no run");
   }
   if (NotesRunning(store)) {
     for (Rows rows(store, notNoted); rows.Next();) {

@@ -140,6 +140,7 @@ const std::vector<Question> questions = {
     {1, R"(1\|now\|\|)"},
     {2, R"(20.*\|broken.mdoc\|.*)"},
     {1, R"([-0-9a-f]{36}\|20.*\|.*)"},
+    {1, R"(now\|Anna\|cause\|cryo ran dry)"},
 };
 
 std::string Explained(Velora::Store::Connection& sql, const std::string& statement) {
@@ -150,9 +151,11 @@ std::string Explained(Velora::Store::Connection& sql, const std::string& stateme
   return Query(sql, (server ? "EXPLAIN " : "EXPLAIN QUERY PLAN ") + statement);
 }
 
-// What the example leaves out: an event of no run, a seal, and a session that registers nothing anew.
+// What the example leaves out: an event of no run, a note, a seal, and a session that registers nothing anew.
 void Add(Velora::Store::Connection& sql, const std::string& run) {
   sql.RunScript("INSERT INTO events (session_id, name, at) VALUES (1, 'alone', '2026-11-24T21:55:03.123456Z')");
+  sql.RunScript(
+      "INSERT INTO notes (root_id, author, kind, text, at) VALUES (1, 'Anna', 'cause', 'cryo ran dry', 'now')");
   sql.RunScript("INSERT INTO seals VALUES (1, '" + run + "', 'now', '', '', '', '', 2, '', '')");
   sql.RunScript("INSERT INTO sessions VALUES (2, 'second', 'Scope', '', '2026-11-25', '', '', '')");
   sql.RunScript("INSERT INTO configurations VALUES (2, 'second', 2, '2026-11-25', '', '', '', '', '', '', '', '', '')");

@@ -29,6 +29,8 @@ INSERT INTO parameters VALUES (4, 1, 'T', 'text', '+3.10', NULL), (4, 2, 'T', 't
   (5, 1, 'B', 'bool', NULL, 0), (5, 2, 'Inf', 'double', NULL, -9e999),
   (5, 3, 'Bad', 'text', CAST(x'c3ff' AS TEXT), NULL),
   (5, 4, '@N', 'double', '-0.0', NULL), (5, 5, 'T', 'double', '=1', NULL), (5, 6, 'I', 'int', NULL, 9007199254740993);
+INSERT INTO notes VALUES (1, 4, 'An' || char(27) || 'na', 'cause', 'ran' || char(10) || 'dry', '2026-11-26T12:00:00'),
+  (2, 4, 'Bo', 'review', '\x00', '2026-11-26T13:00:00.000000Z'), (3, 7, 'Bo', 'review', 'odd', '2026-11-26T13');
 )";
 
 class Look : public ToolTest {
@@ -52,9 +54,10 @@ TEST_F(Look, ShowsWhatThereIs) {
     std::string shown;  // a pattern
   } rows[] = {
       {"runs", 0,
-       "run +started +duration +state[^\n]*\nffffffff  2026-11-26 15:30:00\\+05:30 +UNFINISHED  veldmar-pc +"
-       "TiltSeries 1.0  ␛\\[2J<b>\uFFFD\n0ecba827  2026-11-25 09:00:11\\+05:30 +0:00:00  done  [^\n]*\n"
-       "eeeeeeee  [^\n]* no status [^\n]*\n"},
+       "run +started +duration +state[^\n]* +note\nffffffff  2026-11-26 15:30:00\\+05:30 +UNFINISHED  veldmar-pc +"
+       "TiltSeries 1.0  ␛\\[2J<b>\uFFFD +ran␊dry \\(\\+1\\)\n0ecba827  2026-11-25 09:00:11\\+05:30 +0:00:00  done  "
+       "[^\n]*\n"
+       "eeeeeeee  [^\n]* no status [^\n]* 1 note\n"},
       {"runs --unfinished --limit 5", 0, "[^\n]*\nffffffff[^\n]*\n"},
       {"runs --since '2026-11-25 09:00:12' --instrument veldmar-pc --activity TiltSeries", 0,
        "[^\n]*\nffffffff[^\n]*\n"},
@@ -64,13 +67,15 @@ TEST_F(Look, ShowsWhatThereIs) {
       {"runs --limit 0", 2, "--limit: expected a whole number greater than 0, not '0'\n[^]*"},
       {"runs --json --limit 1", 0,
        "\\[\n\\{\"guid\":\"ffffffff-0000[^\n]*\"node\":\"\\\\u001b[^\n]*"
-       "\"started_at\":\"2026-11-26T10:00:00.000000Z\"[^\n]*\"unfinished\":true\\}\n\\]\n"},
+       "\"started_at\":\"2026-11-26T10:00:00.000000Z\"[^\n]*\"unfinished\":true,"
+       "\"notes\":\\[\\{\"number\":1,\"author\":\"An\\\\u001bna\",\"kind\":\"cause\",[^\n]*\\}\\]\\}\n\\]\n"},
       {"show --columns TiltAngle,Note 0ecba827", 0,
        "run +0ecba827-[^]*state +done\nduration +0:00:00.031\n\nexecution +activity +state[^\n]*TiltAngle +Note\n"
        "ZValue 0[^\n]* 0:00:00.008 +0.5\nZValue 1[^\n]* 0:00:00.008 +3.1  it's \uFFFD\n"},
       {"show 0ecba827 --tree", 0, "[^]*\ngrid.mdoc [^\n]* Voltage=300\n  ZValue 0 [^\n]* TiltAngle=0.5[^]*"},
       {"show ffffffff", 0,
        "UNFINISHED; last recorded 2026-11-26 16:31:02.345\\+05:30\n[^]*state +done, but not [^]*"
+       "\nnote +2026-11-26 17:30:00\\+05:30 An␛na, cause: ran␊dry\nnote +[^\n]* Bo, review: \uFFFD\n[^]*"
        "\nstep [^\n]*UNFINISHED[^\n]*T=\\+3.10  T=-1\\+1  at=a \"q\",␊b  …\n[^]*"},
       {"show ffffffff --events", 0,
        "[^]*\n2026-11-26 15:30:01.250\\+05:30  step  =cmd\\(\\)  T=[^\n]*@N=NaN[^\n]*\n"

@@ -41,6 +41,7 @@ const std::map<std::string, Verb> verbs = {
        "--since 2026-01-01 --instrument Scope --activity TiltSeries --unfinished --json --limit 1"}}},
     {"seal", {nullptr, {"", ""}}},  // the second time, what was added since
     {"show", {nullptr, {"last --tree --events", "0ecba827 --events --columns TiltAngle --json", "grid.mdoc"}}},
+    {"note", {"it asks only for the run, as others do", {"last dry --kind cause"}}},
     {"report", {nullptr, {"last -o /dev/null"}}},
     {"tail", {nullptr, {""}}},
 };

@@ -23,6 +23,7 @@ INSERT INTO events VALUES (4, 2, 4, 2, 'e', '2026-11-26T09'), (5, 2, 5, 2, 'e', 
 INSERT INTO parameters VALUES (4, 1, 'Angle', 'double', NULL, 1.5), (4, 2, 'N', 'double', 'NaN:7ff8000000000000', NULL),
   (4, 3, 'T', 'text', 'a text', NULL), (5, 1, 'On', 'bool', NULL, 1), (5, 2, 'Off', 'bool', NULL, 0),
   (6, 1, 'T', 'int', NULL, 77);
+INSERT INTO notes VALUES (1, 1, 'Anna', 'tag', 'good', '2026-11-26T12'), (2, 4, 'Bo', 'cause', 'dry', '2026-11-26T13');
 )";
 
 // Arrives after the first seals: more of the first run, and a third.
@@ -33,6 +34,7 @@ INSERT INTO parameters VALUES (7, 1, 'P', 'double', NULL, 1e400);
 INSERT INTO executions VALUES (7, 'run-3', NULL, 7, 2, 2, 'third', '', 5, '2026-11-27T10');
 INSERT INTO statuses VALUES (13, 7, 2, 14, '2026-11-27T10');
 INSERT INTO events VALUES (8, 2, 7, NULL, 'e', '2026-11-27T10'), (9, 2, NULL, 2, 'of no run', '2026-11-27T11');
+INSERT INTO notes VALUES (3, 1, 'Anna', 'review', 'late', '2026-11-27T12');
 )";
 
 class Seals : public ToolTest {
@@ -220,6 +222,13 @@ const std::vector<Alteration> alterations = {
     {"parameters", "DELETE FROM parameters WHERE event_id = 6", "what belongs to no run was altered"},
     {"parameters", "INSERT INTO parameters VALUES (4, 4, 'New', 'int', NULL, 1)"},
     {"parameters", "INSERT INTO parameters VALUES (999, 1, 'New', 'int', NULL, 1)", "refers to a row of events"},
+    {"notes", "DELETE FROM notes WHERE note_id = 2", "covers 1 records 'note', 0 are stored"},
+    {"notes", "DELETE FROM notes WHERE note_id = 3", "covers 1 records 'note', 0 are stored"},
+    {"notes", "UPDATE notes SET note_id = 9 WHERE note_id = 2"},
+    {"notes", "INSERT INTO notes VALUES (NULL, 4, '', '', 'new', '')", unsealedRun},
+    {"notes", "INSERT INTO notes VALUES (NULL, 5, '', '', 'new', '')",
+     "row 4 of notes is about an execution that is no run"},
+    {"notes", "INSERT INTO notes VALUES (NULL, 99, '', '', 'new', '')", "refers to a row of executions"},
     {"seals", "UPDATE seals SET up_to = replace(up_to, '\"event\":9', '\"event\":99')", "seal 4 was altered"},
     {"seals", "UPDATE seals SET up_to = '' WHERE seal_id = 3", "seal 3 was altered"},
     {"seals", "UPDATE seals SET content_hash = seal_hash WHERE seal_id = 3", "seal 3 was altered"},
@@ -248,7 +257,7 @@ const std::vector<Alteration> alterations = {
     {"parameters", "UPDATE parameters SET position = 0 WHERE event_id = 4 AND position = 3", "is not numbered from 1"},
     {"events", "INSERT INTO events VALUES (9223372036854775807, 2, 4, NULL, '', '')", "is not numbered from 1"},
     {"schema", "ANALYZE; CREATE INDEX mine ON events (name)", "^finding: index mine does not belong to a TS store"},
-    {"schema", "CREATE TABLE notes (note); INSERT INTO notes VALUES ('')", "table notes does not belong to a TS store"},
+    {"schema", "CREATE TABLE mine (note); INSERT INTO mine VALUES ('')", "table mine does not belong to a TS store"},
     {"schema", Hidden("type = 'TRIGGER'"), "TRIGGER mine does not belong to a TS store"},
     {"schema", Hidden("name = 'sqlite_mine', sql = replace(sql, 'mine', 'sqlite_mine')"),
      "sqlite_mine does not belong to a TS store"},
@@ -331,12 +340,14 @@ TEST_F(Seals, WhatIsUnderTheNewestSealWithoutOneIsSealedToo) {
       {"INSERT INTO events VALUES (50, 2, 5, NULL, 'under', '')", "sealed: run run-2"},
       {"INSERT INTO statuses VALUES (50, 5, 2, 14, '')", "sealed: run run-2"},
       {"INSERT INTO executions VALUES (50, 'run-5', NULL, 50, 2, 2, '', '', 5, '')", "sealed: run run-5"},
+      {"INSERT INTO notes VALUES (50, 4, '', '', 'under', '')", "sealed: run run-2"},
       {"DELETE FROM seals WHERE seal_id = 7", "sealed: run run-4"},
   };
   for (const auto& [statements, sealed] : rows) {
     Restore();
     ASSERT_EQ(Sql("INSERT INTO executions VALUES (90, 'run-4', NULL, 90, 2, 2, 'fourth', '', 5, ''); INSERT INTO "
-                  "statuses VALUES (90, 90, 2, 14, ''); INSERT INTO events VALUES (90, 2, 90, NULL, '', '')"),
+                  "statuses VALUES (90, 90, 2, 14, ''); INSERT INTO events VALUES (90, 2, 90, NULL, '', ''); "
+                  "INSERT INTO notes VALUES (90, 90, '', '', '', '')"),
               0);
     EXPECT_EQ(Tool("seal"), 0) << said;
     ASSERT_EQ(Sql(statements), 0) << said;

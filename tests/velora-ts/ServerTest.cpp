@@ -92,8 +92,10 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   EXPECT_EQ(Tool("seal --config file --anchor anchor"), 0) << said;
   Record("second");
   EXPECT_EQ(Shell("sqlite3 file/ts.db \"INSERT INTO statuses VALUES (NULL, 1, 1, 4, '2026-11-24')\""), 0);  // goes on
+  EXPECT_EQ(Tool("note last \"it's dry \xff\" --kind cause --config file"), 0) << said;
   EXPECT_EQ(Tool(exportAll + "file"s), 0);
   const std::string recorded = said;
+  EXPECT_NE(recorded.find("{\"record\":\"note\",\"number\":1,"), std::string::npos);
   EXPECT_EQ(Tool("copy file server"), 0) << said;
   EXPECT_EQ(Tool("copy server back"), 0) << said;
   for (const std::string name : {"server", "back"}) {
@@ -123,6 +125,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   Begin("server");
   Record("third");
   Sql("INSERT INTO statuses (execution_id, session_id, code, at) VALUES (1, 1, 14, '2026-11-25')");
+  EXPECT_EQ(Tool("note last again --config server"), 0) << said;
   EXPECT_EQ(Tool("seal --config server"), 0) << said;
   EXPECT_EQ(Tool("verify --anchor anchor --config server"), 0) << said;
   EXPECT_EQ(Tool("copy server back"), 0) << said;  // what came since
@@ -289,8 +292,9 @@ TEST_F(OnServer, ASchemaThatIsNotWhatItWasMadeIsFoundWhateverWasDoneToIt) {
       {"CREATE FUNCTION back() RETURNS trigger LANGUAGE plpgsql SECURITY DEFINER AS 'BEGIN RETURN NEW; END'; REVOKE "
        "EXECUTE ON FUNCTION back() FROM PUBLIC",
        "EXECUTE on function back(), which acts as velora"},
-      {"CREATE TABLE notes (x int); CREATE RULE hatch AS ON INSERT TO notes DO ALSO INSERT INTO seals DEFAULT VALUES",
-       "rule hatch on notes acts as velora"},
+      {"CREATE TABLE remarks (x int); CREATE RULE hatch AS ON INSERT TO remarks DO ALSO INSERT INTO seals DEFAULT "
+       "VALUES",
+       "rule hatch on remarks acts as velora"},
       {"CREATE VIEW door AS SELECT * FROM seals; GRANT INSERT ON door TO host", "INSERT on door is granted to host"},
       {"ALTER DEFAULT PRIVILEGES GRANT UPDATE ON TABLES TO host",
        "UPDATE on tables that velora makes is granted to ho"},
@@ -342,13 +346,13 @@ TEST_F(OnServer, APartitionThatIsMissingIsFoundBeforeItsMonthAndMade) {
 TEST_F(OnServer, WhatReadersAddAndAnotherServerMakesOfItIsNoFinding) {
   PrepareSealed();
   Alter(
-      "CREATE VIEW mine AS SELECT * FROM events; CREATE INDEX ON executions (node); CREATE TABLE notes (id bigint "
+      "CREATE VIEW mine AS SELECT * FROM events; CREATE INDEX ON executions (node); CREATE TABLE remarks (id bigint "
       "REFERENCES executions, text text); CREATE FUNCTION mine() RETURNS int LANGUAGE sql AS 'SELECT 1'; ALTER TABLE "
       "events_" +
       Month() +
       " SET (fillfactor = 90); CREATE ROLE reader LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA "
       "public TO reader; CREATE ROLE night LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA public TO PUBLIC; GRANT ALL ON "
-      "notes TO reader; ALTER DEFAULT PRIVILEGES GRANT SELECT ON TABLES TO reader; ALTER TABLE parameters DETACH "
+      "remarks TO reader; ALTER DEFAULT PRIVILEGES GRANT SELECT ON TABLES TO reader; ALTER TABLE parameters DETACH "
       "PARTITION parameters_" +
       Month(2) + "; REINDEX TABLE executions");
   EXPECT_EQ(Tool("verify --config server"), 0) << said;
@@ -359,6 +363,17 @@ TEST_F(OnServer, WhatReadersAddAndAnotherServerMakesOfItIsNoFinding) {
   EXPECT_TRUE(Says("permission denied for database altered")) << said;
   EXPECT_EQ(Tool("check --config server"), 1) << "a host of that role records nothing: " << said;
   EXPECT_TRUE(Says("does not let this role do that")) << said;
+  EXPECT_EQ(Tool("note last dry --config server"), 3) << said;
+  Sql("GRANT INSERT ON notes TO reader; GRANT USAGE ON SEQUENCE notes_note_id_seq TO reader; GRANT EXECUTE ON FUNCTION "
+      "make_partitions() TO reader",
+      "dbname=altered");
+  for (const std::string role : {"reader", "host"}) {
+    LookAt("dbname=altered user=" + role);
+    EXPECT_EQ(Tool("note last dry --config server"), 0) << said;
+  }
+  LookAt("dbname=altered");
+  EXPECT_EQ(Tool("verify --config server"), 4) << said;
+  EXPECT_TRUE(Says("verified: 0 findings, 1 not sealed")) << said;
   EXPECT_EQ(Shell("createdb restored && pg_dump sealed | psql -q -v ON_ERROR_STOP=1 -d restored"), 0) << said;
   LookAt("dbname=restored");
   EXPECT_EQ(Tool("verify --config server"), 0) << said;

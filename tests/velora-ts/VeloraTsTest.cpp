@@ -63,6 +63,13 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
       {"seal --anchor no/such/anchor", 3, "file 'no/such/anchor' cannot be written: No such file"},
       {"verify --anchor TSAL.config", 3, "is not an anchor"},
       {"verify", 0, "0 findings, 0 not sealed"},
+      {"note last ' ' --config broken", 2, "expected a TEXT that says something"},
+      {"note last dry --author ''", 2, "expected a name after --author"},
+      {"note last dry --kind remark", 2, "remark not in {cause,review,tag}"},
+      {"note nothing dry", 1, "no run matches 'nothing'"},
+      {"note last dry --config empty", 3, "there is no TS store"},
+      {"note ffffffff 'cryo ran dry' --kind cause", 0, "noted, as a cause: run ffffffff-0000"},
+      {"verify", 4, "not sealed: run ffffffff-0000"},
       {"backup --help", 0, "velora-ts backup /backup"},
       {"--version", 0, "velora-ts 0."},
   };
@@ -108,6 +115,9 @@ TEST_F(VeloraTs, ExportsTheSameFromEverySchemaAndAsDocumented) {
   EXPECT_EQ(Query(folder / "ts.db", "SELECT MAX(ABS(version)) FROM ts_schema"), "3\n");
   EXPECT_EQ(Tool("export last"), 0);
   EXPECT_EQ(said, expected);
+  EXPECT_EQ(Tool("note last dry --author Anna"), 0);
+  EXPECT_EQ(Tool("export last"), 0);
+  EXPECT_TRUE(said.starts_with(expected + "{\"record\":\"note\",\"number\":1,\"root\":\"0ecba827-")) << said;
 
   std::map<std::string, std::string> described, written;  // fields of each record, in their order
   const std::string page = ContentOf(SOURCE "/docs/record-format.md");
@@ -120,7 +130,7 @@ TEST_F(VeloraTs, ExportsTheSameFromEverySchemaAndAsDocumented) {
       described[record] += (*field)[1].str() + ' ';
     }
   }
-  std::istringstream lines(expected);
+  std::istringstream lines(said);
   static const std::regex field(R"re([{,]"(\w+)":(?=(?:"([^"\\]|\\.)*"|\d+|null|\[)))re");
   for (std::string line; std::getline(lines, line);) {
     const std::string own = line.substr(0, line.find("{\"position\"", 1));  // not a parameter's

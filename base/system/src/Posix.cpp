@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <pwd.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -75,6 +76,11 @@ std::string ProgramFolder() {
 std::string ComputerName() {
   std::array<char, 257> buffer{};
   return gethostname(buffer.data(), buffer.size() - 1) == 0 && buffer[0] != '\0' ? buffer.data() : "unknown";
+}
+
+std::string UserName() {
+  const passwd* const user = getpwuid(geteuid());
+  return user != nullptr && *user->pw_name != '\0' ? user->pw_name : "unknown";
 }
 
 std::string LockerOf(const std::string& path, unsigned byte) {

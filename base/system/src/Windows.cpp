@@ -47,6 +47,12 @@ std::string ComputerName() {
   return GetComputerNameExA(ComputerNameDnsHostname, buffer.data(), &size) != 0 && size > 0 ? buffer.data() : "unknown";
 }
 
+std::string UserName() {
+  std::array<char, 257> buffer{};
+  DWORD size = buffer.size();
+  return GetUserNameA(buffer.data(), &size) != 0 && buffer[0] != '\0' ? buffer.data() : "unknown";
+}
+
 std::string LockerOf(const std::string& /*path*/, unsigned /*byte*/) { return "another process or thread"; }
 
 void ShutDownSocket(int socket) { shutdown(static_cast<SOCKET>(socket), SD_BOTH); }

@@ -36,12 +36,12 @@ std::string CountInWords(const Store::Reader& store, const std::string& question
 void SayHowMuch(const Store::Reader& store) {
   std::string records;
   for (const Kind kind : kinds) {
-    if (kind == Schema) {
+    const Table& table = TableOf(kind);
+    if (kind == Schema || table.since > store.SchemaVersion()) {
       continue;
     }
-    const std::string& table = TableOf(kind).name;
     records += records.empty() ? "records: " : ", ";
-    records.append(CountInWords(store, "SELECT 1 FROM " + table)).append(" ").append(table);
+    records.append(CountInWords(store, "SELECT 1 FROM " + table.name)).append(" ").append(table.name);
   }
   Say(records);
   Say("runs: " + CountInWords(store, "SELECT 1 FROM executions WHERE parent_id IS NULL") + ", of these unfinished: " +

@@ -1,10 +1,12 @@
 #include "store/reading/Runs.h"
+#include "output/NoteWords.h"
 #include "output/Output.h"
 #include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
 #include "output/Words.h"
 #include "store/reading/Executions.h"
+#include "store/reading/Notes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Unfinished.h"
@@ -66,37 +68,51 @@ std::string ConditionOf(const Store::Reader& store, const RunFilter& filter) {
          ", e.execution_id DESC LIMIT ?4";
 }
 
+constexpr std::size_t widthForNotes = 80;  // below, they would cut the state
+
 bool IsUnfinished(const Rows& rows) { return rows.Integer(executionColumns) != 0; }
 
 void WriteTable(const Store::Reader& store, Rows& rows) {
-  TextTable table({{"run"},
-                   {"started"},
-                   {"duration", true},
-                   {"state"},
-                   {"instrument", false, true},
-                   {"activity", false, true},
-                   {"node", false, true}});
+  std::vector<TextTable::Column> columns{{"run"},
+                                         {"started"},
+                                         {"duration", true},
+                                         {"state"},
+                                         {"instrument", false, true},
+                                         {"activity", false, true},
+                                         {"node", false, true}};
+  const bool hasNotes = HasNotes(store) && Terminal().width >= widthForNotes;
+  if (hasNotes) {
+    columns.push_back({"note", false, true});
+  }
+  Rows notes = QueryNotes(store);
+  TextTable table(columns);
   while (rows.Next()) {
     const Execution root = ExecutionAt(rows);
     const bool unfinished = IsUnfinished(rows);
     const bool unique = rows.Integer(executionColumns + 1) == 1;
-    table.Add({{Printable(unique ? root.guid.substr(0, shortGuid) : ShortGuid(store, root.guid))},
-               {LocalTime(root.startedAt, false)},
-               {unfinished ? "" : DurationInWords(root, false)},
-               {unfinished ? unfinishedInWords : StateInWords(root), unfinished},
-               {Shown(root.instrument)},
-               {ActivityInWords(root)},
-               {Shown(root.node)}});
+    std::vector<TextTable::Cell> row{{Printable(unique ? root.guid.substr(0, shortGuid) : ShortGuid(store, root.guid))},
+                                     {LocalTime(root.startedAt, false)},
+                                     {unfinished ? "" : DurationInWords(root, false)},
+                                     {unfinished ? unfinishedInWords : StateInWords(root), unfinished},
+                                     {Shown(root.instrument)},
+                                     {ActivityInWords(root)},
+                                     {Shown(root.node)}};
+    if (hasNotes) {
+      row.push_back({NotesInShort(notes.Ask(root.key))});
+    }
+    table.Add(row);
   }
   table.Finish();
 }
 
-void WriteJson(Rows& rows) {
+void WriteJson(const Store::Reader& store, Rows& rows) {
+  Rows notes = QueryNotes(store);
   const char* separator = "[\n";
   while (rows.Next()) {
     const Execution root = ExecutionAt(rows);
     WriteData(separator + ('{' + JsonMembers(root)) +
-              (IsUnfinished(rows) ? ",\"unfinished\":true}" : ",\"unfinished\":false}"));
+              (IsUnfinished(rows) ? ",\"unfinished\":true" : ",\"unfinished\":false") +
+              ",\"notes\":" + NotesAsJson(notes.Ask(root.key)) + '}');
     separator = ",\n";
   }
   WriteData(*separator == '[' ? "[]\n" : "\n]\n");
@@ -119,7 +135,7 @@ class RunsVerb : public StoreVerb {
     Rows rows = QueryExecutions(store, ConditionOf(store, filter),
                                 {UnfinishedCondition(store, "e.execution_id"), runsWithSameLetters});
     rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit);
-    json ? WriteJson(rows) : WriteTable(store, rows);
+    json ? WriteJson(store, rows) : WriteTable(store, rows);
     FlushOut();
     store.ExpectUntouched();
     return Done;

@@ -1,4 +1,5 @@
 #include "output/EventLines.h"
+#include "output/NoteWords.h"
 #include "output/Output.h"
 #include "output/Terminal.h"
 #include "output/TextTable.h"
@@ -6,6 +7,7 @@
 #include "output/Words.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/Executions.h"
+#include "store/reading/Notes.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
@@ -54,7 +56,8 @@ class Show {
         picked(store,
                "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM events v "
                "JOIN parameters p ON p.event_id = v.event_id WHERE v.execution_id = ?1 AND p.name = ?2 "
-               "ORDER BY v.event_id DESC, p.position DESC LIMIT 1") {}
+               "ORDER BY v.event_id DESC, p.position DESC LIMIT 1"),
+        notes(QueryNotes(store)) {}
 
   void InWords() {
     WriteHead();
@@ -72,7 +75,7 @@ class Show {
   void AsJson() {
     const Execution root = Find(run.root);
     WriteData('{' + JsonMembers(root) + ",\"unfinished\":" + (IsUnfinished(store, run) ? "true" : "false") +
-              ",\"executions\":[");
+              ",\"notes\":" + NotesAsJson(notes.Ask(run.root)) + ",\"executions\":[");
     const char* separator = "\n";
     ForEachExecution([&](const Execution& one, int depth) {
       WriteData(separator + ('{' + JsonMembers(one)) + ",\"depth\":" + std::to_string(depth) + JsonParameters(one) +
@@ -146,6 +149,9 @@ class Show {
     line("state",
          unfinished && !IsRunning(root) ? StateInWords(root) + ", but not everything below it" : StateInWords(root));
     line("duration", DurationInWords(root, true));
+    for (notes.Ask(run.root); notes.Next();) {
+      line("note", NoteInWords(notes));
+    }
   }
 
   void WriteTable() {
@@ -208,7 +214,7 @@ class Show {
   const Store::Reader& store;
   const Run run;
   const ShowOptions& options;
-  Rows execution, children, parameters, picked;
+  Rows execution, children, parameters, picked, notes;
 };
 
 class ShowVerb : public StoreVerb {

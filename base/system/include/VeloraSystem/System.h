@@ -30,6 +30,9 @@ std::string ProgramFolder();
 /// The name of this computer; "unknown" if the system does not tell it.
 std::string ComputerName();
 
+/// The name of the user of this process on this computer; "unknown" if the system does not tell it.
+std::string UserName();
+
 /// Describes the process that has locked a byte of a file for writing: "process 4711 (recorder)", "another thread of
 /// this process", or, if the system does not tell it, "another process or thread".
 std::string LockerOf(const std::string& path, unsigned byte);

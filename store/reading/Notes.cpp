@@ -1,0 +1,31 @@
+#include "store/reading/Notes.h"
+
+#include "store/reading/Reader.h"
+#include "store/schema/Tables.h"
+
+namespace Velora::Store {
+
+std::string NotesIn(const Reader& store) {
+  const Table& table = TableNamed("notes");
+  if (store.SchemaVersion() >= table.since) {
+    return table.name;
+  }
+  return "(SELECT 0 AS note_id, 0 AS root_id, '' AS author, '' AS kind, '' AS text, '' AS at WHERE 1 = 0)";
+}
+
+bool HasNotes(const Reader& store) {
+  Rows rows(store, "SELECT MAX(note_id) FROM " + NotesIn(store) + " n");
+  return rows.Next() && !rows.IsNull(0);
+}
+
+Rows QueryNotes(const Reader& store) {
+  return {store,
+          "SELECT note_id, author, kind, text, at FROM " + NotesIn(store) + " n WHERE root_id = ?1 ORDER BY note_id"};
+}
+
+Note NoteAt(const Rows& rows) {
+  const auto text = [&rows](int column) { return std::string(rows.Text(column)); };
+  return {rows.Integer(0), text(1), text(2), text(3), text(4)};
+}
+
+}  // namespace Velora::Store
