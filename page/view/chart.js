@@ -18,10 +18,14 @@ export const plain = (stored) => readable(stored).replaceAll('{', '{\u2060');
 
 export const shortened = (text, length) => (text.length > length ? `${text.slice(0, length - 1)}…` : text);
 
-/** The axis of clock times on so many pixels. Its ticks are the same wherever time and width are. */
-export function timeAxis({ from, to }, clock, width) {
-  const { ticks, step } = ticksOf(from, to, width / (clock.spansDays ? 170 : 110), clock.midnight);
-  const formatter = (at) => clock.moment(at, digitsFor(step));
+/**
+ * The axis of clock times on so many pixels. Its ticks are the same wherever time and width are. The date stands where
+ * another day begins.
+ */
+export function timeAxis({ from, to }, clock, width, dated = clock.spansDays) {
+  const { ticks, step } = ticksOf(from, to, width / (dated ? 120 : 110), clock.midnight);
+  const begins = ticks.filter((at, place) => dated && clock.date(at) !== clock.date(ticks[place - 1] ?? NaN));
+  const formatter = (at) => (begins.includes(at) ? `${clock.date(at)} ` : '') + clock.day(at, digitsFor(step));
   return {
     type: 'value',
     min: from,

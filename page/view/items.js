@@ -1,18 +1,27 @@
-// What the lanes of the timeline show of a time: executions and events, and in place of those that are closer than two
-// pixels bars, the higher the more there are.
+// What the lanes of the timeline show of a time: executions, events and signs, and in place of those that are closer
+// than two pixels bars, the higher the more there are. The look of an item is the name of its colour.
 
+import { louder, statusVariable } from './colours.js';
 import { placesIn } from './points.js';
 import { lowerBound } from './search.js';
 
 export const closest = 2;
 const mostTogether = 32; // a browser fills larger shapes slowly
 
-/** Items for marks of a lane, which are drawn alike, in the order of time: several become one shape. */
-const marks = (list) =>
-  Array.from({ length: Math.ceil(list.length / mostTogether) }, (unused, at) => {
-    const together = list.slice(at * mostTogether, (at + 1) * mostTogether);
-    return { type: 'marks', marks: together, from: together[0].from, top: together[0].top };
-  });
+/** Items for marks of a lane in the order of time, which are drawn alike: several of one look become one shape. */
+function marks(list) {
+  const open = new Map();
+  const items = [];
+  for (const mark of list) {
+    const { look, from, top } = mark;
+    if (!(open.get(look)?.length < mostTogether)) {
+      open.set(look, []);
+      items.push({ type: 'marks', marks: open.get(look), look, from, top });
+    }
+    open.get(look).push(mark);
+  }
+  return items;
+}
 
 /** The items of lanes in a time on so many pixels. */
 export class Items {
@@ -21,12 +30,15 @@ export class Items {
   }
 
   of(lane) {
-    if (!lane.kind) {
+    const place = { top: lane.top, height: lane.height };
+    if (lane.subLanes) {
       return lane.subLanes.flatMap((subLane, index) =>
         this.executions(subLane, { top: lane.top + index * lane.subHeight, height: lane.subHeight - 2 }),
       );
     }
-    const place = { top: lane.top, height: lane.height };
+    if (lane.signs) {
+      return this.signs(lane.signs, place);
+    }
     return lane.kind.slices ? this.slices(lane.kind.slices, place) : this.events(lane.kind.events, place);
   }
 
@@ -53,35 +65,63 @@ export class Items {
       if (from > this.to) {
         break;
       }
-      const look = [Math.round(this.pixel(from)), Math.round(this.pixel(to)), recorded.status[at]].join();
+      const same = [Math.round(this.pixel(from)), Math.round(this.pixel(to)), recorded.status[at]].join();
       if (this.pixel(to) - this.pixel(from) < closest) {
         narrow.push(at);
-      } else if (to >= this.from && !covered.has(look)) {
-        covered.add(look);
-        items.push({ ...place, type: 'execution', execution: at, from, to });
+      } else if (to >= this.from && !covered.has(same)) {
+        covered.add(same);
+        items.push(this.execution(at, place));
       }
     }
-    const startOf = (at) => recorded.started[at];
-    const itemOf = (at) => ({ ...place, type: 'execution', execution: at, from: startOf(at), to: recorded.endOf(at) });
-    const { alone, bars } = this.joined(narrow, startOf, place, itemOf);
+    const things = {
+      timeOf: (at) => recorded.started[at],
+      lookOf: (at) => statusVariable(recorded.status[at]),
+      itemOf: (at) => this.execution(at, place),
+    };
+    const { alone, bars } = this.joined(narrow, things, place);
     return [...items, ...alone, ...marks(bars)];
   }
 
+  execution(at, place) {
+    const { recorded } = this;
+    const look = statusVariable(recorded.status[at]);
+    return { ...place, type: 'execution', look, execution: at, from: recorded.started[at], to: recorded.endOf(at) };
+  }
+
   events(events, place) {
-    const itemOf = (event) => ({
-      ...place,
-      type: 'event',
-      event,
-      execution: event.execution,
-      from: event.at,
-      to: event.at,
-    });
-    const { alone, bars } = this.joined(events, (event) => event.at, place, itemOf, placesIn(this, events));
+    return this.moments(
+      events,
+      place,
+      () => 'event',
+      (event) => ({ type: 'event', event }),
+    );
+  }
+
+  signs(signs, place) {
+    return this.moments(
+      signs,
+      place,
+      ({ look }) => look,
+      (sign) => ({ type: 'sign', sign }),
+    );
+  }
+
+  /** Items for what has a time but no length, in the order of time. */
+  moments(list, place, lookOf, itemOf) {
+    const things = {
+      timeOf: ({ at }) => at,
+      lookOf,
+      itemOf: (one) => {
+        const { at, execution } = one;
+        return { ...place, ...itemOf(one), look: lookOf(one), execution, from: at, to: at };
+      },
+    };
+    const { alone, bars } = this.joined(list, things, place, placesIn(this, list));
     return marks([...alone, ...bars].sort((one, other) => one.from - other.from));
   }
 
   /** Items for what is alone in a list in the order of time, and bars for what is closer to another. */
-  joined(list, timeOf, place, itemOf, [first, behind] = [0, list.length]) {
+  joined(list, { timeOf, lookOf, itemOf }, place, [first, behind] = [0, list.length]) {
     const alone = [];
     const bars = [];
     const isFar = (one, other) =>
@@ -92,7 +132,11 @@ export class Items {
       if (next - at === 1 && isFar(at - 1, at) && isFar(at, next)) {
         alone.push(itemOf(list[at]));
       } else {
-        bars.push([this.startOf(bin), this.startOf(bin + 1), next - at]);
+        let look = lookOf(list[at]);
+        for (let one = at + 1; one < next; ++one) {
+          look = louder(look, lookOf(list[one]));
+        }
+        bars.push([this.startOf(bin), this.startOf(bin + 1), next - at, look]);
       }
     }
     return { alone, bars: this.bars(bars, place) };
@@ -112,7 +156,7 @@ export class Items {
         bars[bars.length - 1][1] = edge(at + 1);
         bars[bars.length - 1][2] += counts[at];
       } else if (counts[at] > 0) {
-        bars.push([edge(at), edge(at + 1), counts[at]]);
+        bars.push([edge(at), edge(at + 1), counts[at], 'event']);
         last = bin;
       }
     }
@@ -121,9 +165,9 @@ export class Items {
 
   bars(list, place) {
     const highest = list.reduce((high, [, , total]) => Math.max(high, total), 1);
-    return list.map(([from, to, total]) => {
+    return list.map(([from, to, total, look]) => {
       const height = place.height * (0.25 + 0.75 * Math.sqrt(total / highest));
-      return { type: 'bar', top: place.top + place.height - height, height, from, to, total };
+      return { type: 'bar', look, top: place.top + place.height - height, height, from, to, total };
     });
   }
 }

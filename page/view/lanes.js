@@ -1,5 +1,5 @@
-// The lanes of the timeline: one for each level of the tree, in which what overlaps lies in sub-lanes, then one for
-// each kind of event. What there is no room for shares the last lane.
+// The lanes of the timeline: one for each level of the tree, in which what overlaps lies in sub-lanes, then those of
+// signs, then one for each kind of event. What there is no room for shares the last lane.
 
 /**
  * Distributes executions, sorted by their start, over as few sub-lanes as keep them apart. `reach` is how far each and
@@ -74,6 +74,7 @@ export function lanesOf(recorded, room) {
   if (others.length > 0) {
     kinds.push({ name: `${others.length} further kinds`, ...together(recorded, others) });
   }
+  lanes.push(...recorded.signs.map((lane) => ({ ...lane, total: lane.signs.length, height: 18 })));
   lanes.push(...kinds.map((kind) => ({ label: kind.name, total: kind.recorded, kind, height: 18 })));
   let top = 0;
   for (const lane of lanes) {

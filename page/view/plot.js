@@ -195,7 +195,7 @@ export class Plot {
       largeThreshold: 500,
       symbol: code === done ? 'circle' : 'triangle',
       symbolSize: many ? manySize() : points.length > 500 ? 5 : 8,
-      itemStyle: { color: statusColour(code), opacity: 0.85 },
+      itemStyle: { color: statusColour(code), opacity: 1 },
       tooltip: { formatter: ({ dataIndex }) => this.wordsFor(points[dataIndex]) },
     };
   }

@@ -36,6 +36,9 @@ export class Recorded {
     this.readEvents();
     this.readQuantities();
     this.measure();
+    // What else the timeline has lanes for: { label, signs }. A sign is { at, look, words, execution }: its time, the
+    // name of its colour, a list of stored texts, and the execution that it opens, if any; in the order of time.
+    this.signs = [];
   }
 
   readExecutions() {

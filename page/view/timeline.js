@@ -3,7 +3,7 @@
 
 import { Chart, isPrinting, left, plain, right, shortened, timeAxis, tooltipLine } from './chart.js';
 import { lengthOf } from './clock.js';
-import { colour, statusColour } from './colours.js';
+import { colour, inkOn, palette } from './colours.js';
 import { closest, Items } from './items.js';
 import { lanesOf } from './lanes.js';
 import { lastBefore } from './search.js';
@@ -51,10 +51,10 @@ export class Timeline {
 
   inTheTimeShown() {
     const { recorded, time } = this;
-    this.eventColour = colour('event');
+    this.colourOf = palette();
     this.view = new Items(recorded, time, this.chart.width);
     this.items = this.lanes.flatMap((lane) => this.view.of(lane));
-    const drawn = { execution: 0, event: 0, bar: 0 };
+    const drawn = { execution: 0, event: 0, sign: 0, bar: 0 };
     this.items.flatMap((item) => item.marks ?? [item]).forEach(({ type }) => ++drawn[type]);
     Object.assign(this.element.dataset, {
       executions: drawn.execution,
@@ -101,10 +101,10 @@ export class Timeline {
       top: top + lane.top + lane.height / 2 - 7,
       silent: true,
       style: {
-        text: `${lane.kind ? eventName(lane.label) : readable(lane.label)}  ${lane.total.toLocaleString('en')}`,
+        text: `${lane.subLanes ? readable(lane.label) : eventName(lane.label)}  ${lane.total.toLocaleString('en')}`,
         width: left - 12,
         overflow: 'truncate',
-        fill: colour(lane.kind ? 'muted' : 'text'),
+        fill: colour(lane.subLanes ? 'text' : 'muted'),
         font: '12px system-ui, sans-serif',
       },
     };
@@ -125,15 +125,13 @@ export class Timeline {
   shapeOf(item, area) {
     if (item.type === 'marks') {
       const rectangles = item.marks.map((mark) => this.rectangleOf(mark, area));
-      return { type: 'rectangles', shape: { rectangles }, style: { fill: this.eventColour } };
+      return { type: 'rectangles', shape: { rectangles }, style: { fill: this.colourOf(item.look) } };
     }
     const shape = this.rectangleOf(item, area);
-    const code = this.recorded.status[item.execution];
-    const fill = code === running ? this.hatched() : statusColour(code);
-    const rect = { type: 'rect', shape: { ...shape, r: shape.width > 5 ? 2 : 0 }, style: { fill } };
-    if (code === running) {
-      Object.assign(rect.style, { stroke: statusColour(running), lineWidth: 1 });
-    }
+    const isOpen = this.recorded.status[item.execution] === running;
+    const ink = this.colourOf(item.look);
+    const style = isOpen ? { fill: this.hatched(ink), stroke: ink, lineWidth: 1 } : { fill: ink };
+    const rect = { type: 'rect', shape: { ...shape, r: shape.width > 5 ? 2 : 0 }, style };
     if (shape.width > 36 && item.height > 14) {
       rect.textConfig = { position: 'insideLeft', distance: 6 };
       rect.textContent = {
@@ -144,7 +142,7 @@ export class Timeline {
           width: shape.width - 12,
           overflow: 'truncate',
           ellipsis: '…',
-          fill: colour(code === running ? 'text' : 'on-bar'),
+          fill: isOpen ? this.colourOf('text') : inkOn(ink),
           font: '11px system-ui, sans-serif',
         },
       };
@@ -153,8 +151,7 @@ export class Timeline {
   }
 
   /** Stripes for what did not finish. */
-  hatched() {
-    const ink = statusColour(running);
+  hatched(ink) {
     if (this.hatch?.ink !== ink) {
       const image = document.createElement('canvas');
       image.width = image.height = 16;
@@ -180,6 +177,9 @@ export class Timeline {
     if (item.type === 'bar') {
       const within = `${item.total.toLocaleString('en')} within ${lengthOf(item.to - item.from)}`;
       return `${within}\nfrom ${this.recorded.clock.moment(item.from, 6)}`;
+    }
+    if (item.type === 'sign') {
+      return item.sign.words.map((line) => shortened(plain(line), 90)).join('\n');
     }
     return item.type === 'event' ? this.wordsForEvent(item.event) : this.wordsForExecution(item);
   }

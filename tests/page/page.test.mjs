@@ -58,6 +58,9 @@ const charts = (page) =>
           ticks: visible
             .filter(({ style }) => /\d\d:\d\d:\d\d/.test(style.text))
             .map(({ style, transform }) => [style.text, transform[4]]),
+          closeItems: visible
+            .filter(({ shape }) => shape?.rectangles)
+            .map(({ style, shape }) => [shape.rectangles[0].y, style.fill]),
           gridLines: visible
             .filter(({ shape }) => shape?.x1 === shape?.x2 && shape?.y2 - shape?.y1 > 60)
             .map(({ shape }) => shape.x1),
@@ -211,6 +214,18 @@ testPage('moving through the time of a tilt series', { recording: tiltSeries }, 
   await page.click('#timeline canvas', bar);
   await page.waitForSelector('.history');
 });
+
+testPage(
+  'things too close to be told apart',
+  { recording: tiltSeries, viewport: { width: 340, height: 800 } },
+  async (page) => {
+    const colourOf = (name) =>
+      page.evaluate((it) => window.getComputedStyle(document.documentElement).getPropertyValue(it), `--${name}`);
+    const [done, event] = [await colourOf('done'), await colourOf('event')];
+    const fills = (await charts(page)).timeline.closeItems.sort(([a], [b]) => a - b).map(([, fill]) => fill);
+    assert.deepEqual([...new Set(fills)], [done, event], 'steps as they ended, then events');
+  },
+);
 
 testPage('the table of a tilt series', { recording: tiltSeries }, async (page, { folder }) => {
   const angles = texts(folder, 'TiltAngle');
