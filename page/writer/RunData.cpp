@@ -3,6 +3,7 @@
 #include "page/writer/EventBatches.h"
 #include "page/writer/ExecutionBatches.h"
 #include "page/writer/KeptEvents.h"
+#include "page/writer/LogColumns.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
@@ -26,8 +27,15 @@ using NextItem = std::function<bool(std::string& json)>;
 
 class Writer {
  public:
-  Writer(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Sink& sink, const Step& step)
-      : store(store), run(run), kept(kept), sink(sink), step(step), start(Microseconds(run.startedAt).value_or(0)) {}
+  Writer(const Store::Reader& store, const Run& run, const KeptEvents& kept, const LogColumns* log, const Sink& sink,
+         const Step& step)
+      : store(store),
+        run(run),
+        kept(kept),
+        log(log),
+        sink(sink),
+        step(step),
+        start(Microseconds(run.startedAt).value_or(0)) {}
 
   void Write() {
     json = "{\"form\":1,\"tool\":\"" VELORA_VERSION "\",\"made\":";
@@ -57,6 +65,12 @@ class Writer {
                "SELECT configuration_id, saved_at, vendor_name, model_name, instrument_class, host_name, option_text, "
                "configuration_text FROM configurations WHERE configuration_id = ?1",
                events.Configurations());
+    json += ",\"log\":";
+    if (log == nullptr) {
+      json += "null";
+    } else {
+      log->AppendJson(json, start);
+    }
     json += '}';
     Flush();
   }
@@ -119,6 +133,7 @@ class Writer {
   const Store::Reader& store;
   const Run& run;
   const KeptEvents& kept;
+  const LogColumns* const log;
   const Sink& sink;
   const Step& step;
   const long long start;
@@ -127,9 +142,9 @@ class Writer {
 
 }  // namespace
 
-void WriteRunData(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Sink& write,
-                  const Step& step) {
-  Writer(store, run, kept, write, step).Write();
+void WriteRunData(const Store::Reader& store, const Run& run, const KeptEvents& kept, const LogColumns* log,
+                  const Sink& write, const Step& step) {
+  Writer(store, run, kept, log, write, step).Write();
 }
 
 }  // namespace Velora::Page

@@ -24,14 +24,15 @@ std::string WithoutTags(std::string_view json) {
 
 }  // namespace
 
-RunPage::RunPage(const Store::Reader& store, const Store::Run& run) : store(store), run(run), kept(store, run.root) {}
+RunPage::RunPage(const Store::Reader& store, const Store::Run& run, const LogColumns* log)
+    : store(store), run(run), log(log), kept(store, run.root) {}
 
 void RunPage::Write(const std::function<void(std::string_view)>& write, const std::function<void()>& step) const {
   for (const std::string_view piece : frameHead) {
     write(piece);
   }
   WriteRunData(
-      store, run, kept, [&write](std::string_view json) { write(WithoutTags(json)); }, step);
+      store, run, kept, log, [&write](std::string_view json) { write(WithoutTags(json)); }, step);
   for (const std::string_view piece : frameTail) {
     write(piece);
   }

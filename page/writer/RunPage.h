@@ -12,11 +12,14 @@ struct Run;
 
 namespace Velora::Page {
 
+class LogColumns;
+
 /// The page of a run: one HTML file that needs neither another file nor a network.
 class RunPage {
  public:
-  /// Decides which events the page has. Store and run must outlive this object.
-  RunPage(const Store::Reader& store, const Store::Run& run);
+  /// Decides which events the page has. Store, run and log must outlive this object.
+  /// @param log null for none.
+  RunPage(const Store::Reader& store, const Store::Run& run, const LogColumns* log = nullptr);
 
   /// The number of events of the run in the store.
   long long Events() const { return kept.Recorded(); }
@@ -30,6 +33,7 @@ class RunPage {
  private:
   const Store::Reader& store;
   const Store::Run& run;
+  const LogColumns* const log;
   const KeptEvents kept;
 };
 

@@ -31,6 +31,10 @@ void Options::AddList(const std::string& name, std::vector<std::string>& values,
   line.add_option(name, values, help)->delimiter(',')->allow_extra_args(false);
 }
 
+void Options::AddFiles(const std::string& name, std::vector<std::string>& values, const std::string& help) {
+  line.add_option(name, values, help)->type_name("FILE");
+}
+
 void Options::AddCount(const std::string& name, long long& value, const std::string& help) {
   const auto complain = [](const std::string& text) {
     long long count = 0;

@@ -1,9 +1,11 @@
 #include "output/Output.h"
 #include "output/Progress.h"
 #include "output/Words.h"
+#include "page/writer/LogColumns.h"
 #include "page/writer/RunPage.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
+#include "verbs/LogOptions.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
@@ -77,7 +79,7 @@ class PageFile {
 
 class ReportVerb : public StoreVerb {
  public:
-  explicit ReportVerb(Options& options) : StoreVerb(options) {
+  explicit ReportVerb(Options& options) : StoreVerb(options), logs(options) {
     options.AddRequiredText("RUN", name, "The run to show");
     options.AddText("-o,--output", file,
                     "The file to write. Default: run-GUID.html, with the first letters of the guid");
@@ -90,7 +92,12 @@ class ReportVerb : public StoreVerb {
       return Found;
     }
     const std::string path = file.empty() ? "run-" + run->guid.substr(0, 8) + ".html" : file;
-    const Page::RunPage page(store, *run);
+    std::optional<Page::LogColumns> log;
+    if (logs.IsGiven()) {
+      LogFile::LogFiles lines = logs.LinesOf(store, *run);
+      log.emplace(lines);
+    }
+    const Page::RunPage page(store, *run, log ? &*log : nullptr);
     PageFile target(path);
     {
       Progress progress("Writing events", page.Events());
@@ -98,12 +105,13 @@ class ReportVerb : public StoreVerb {
     }
     store.ExpectUntouched();
     target.Finish();
-    Complain(InWords(*run) + ": " + page.EventsInWords() + ", written to '" + path + "', " +
-             std::to_string(target.Bytes()) + " bytes");
+    Complain(InWords(*run) + ": " + page.EventsInWords() + (log ? ", " + log->InWords() : "") + ", written to '" +
+             path + "', " + std::to_string(target.Bytes()) + " bytes");
     return Done;
   }
 
  private:
+  const LogOptions logs;
   std::string name, file;
 };
 

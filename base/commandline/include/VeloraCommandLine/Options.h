@@ -27,6 +27,8 @@ class Options {
                  const std::string& help);
   /// Texts, separated by commas.
   void AddList(const std::string& name, std::vector<std::string>& values, const std::string& help);
+  /// Names of files: one or more after the name of the option, which can also be given several times.
+  void AddFiles(const std::string& name, std::vector<std::string>& values, const std::string& help);
   /// A whole number greater than zero.
   void AddCount(const std::string& name, long long& value, const std::string& help);
   /// An option without a value, which sets its variable to true.
