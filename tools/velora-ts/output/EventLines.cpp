@@ -16,10 +16,19 @@ using namespace Store;
 
 namespace {
 
-enum Column { Number, At, Name, Guid, Node };
+enum Column { Number, At, Name, Guid, Node, Key };
 
-constexpr const char* columns = "v.event_id, v.at, v.name, x.guid, x.node";
+constexpr const char* columns = "v.event_id, v.at, v.name, x.guid, x.node, x.execution_id";
 constexpr std::size_t widestAligned = 24;
+constexpr std::size_t mostNodes = 20;  // of a path
+
+/// The nodes below the run, down to an execution, because the name of a node can repeat below each parent.
+std::string PathBelowRun(const ExecutionPath& path) {
+  const std::size_t root = path.size() > 1 ? 1 : 0;
+  const std::size_t first = std::max(root, path.size() - std::min(path.size(), mostNodes));
+  return (first > root ? "\u2026 > " : "") +
+         Printable(NodesInWords({path.begin() + static_cast<std::ptrdiff_t>(first), path.end()}));
+}
 
 // Pads a text to the widest one so far, so that most lines are aligned although later lines are not known yet.
 std::string Aligned(const std::string& text, std::size_t& width) {
@@ -43,15 +52,21 @@ EventRows EventsOfRunSince(const Store::Reader& store, long long root, long long
   return events;
 }
 
-void EventLines::Write(EventRows& events) {
+void EventLines::Write(EventRows& events, ExecutionPaths& paths) {
   const Rows& event = events.Event();
-  std::string line = LocalTime(event.Text(At), true) + "  ";
-  line += Aligned(Shown(event.Text(Node)), nodeWidth);
-  line += Aligned(Shown(event.Text(Name)), nameWidth);
-  while (events.NextParameter()) {
-    line += ParameterInWords(events.Parameter()) + "  ";
+  std::string time = LocalTime(event.Text(At), true);
+  if (const std::optional<TimeParts> parts = PartsOf(time); parts && terminal.IsNarrow()) {
+    const std::string day = days.Above(*parts);
+    WriteOut(day.empty() ? "" : Cut(day, terminal.width) + '\n');
+    time = parts->ofDay;
   }
-  WriteOut(Cut(line.erase(line.find_last_not_of(' ') + 1), terminal.width) + '\n');
+  const std::string begin = time + "  " + Aligned(PathBelowRun(paths.Of(event.Integer(Key))), nodeWidth);
+  std::string line = Aligned(Shown(event.Text(Name)), nameWidth);
+  while (events.NextParameter()) {
+    line += ParameterInWords(events.Parameter(), digits) + "  ";
+  }
+  line = begin + Cut(line, terminal.width - std::min(terminal.width, WidthOf(begin)));
+  WriteOut(line.erase(line.find_last_not_of(' ') + 1) + '\n');
 }
 
 std::string EventAsJson(EventRows& events) {

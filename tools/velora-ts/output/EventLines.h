@@ -1,7 +1,9 @@
 #pragma once
 
 #include "output/Terminal.h"
+#include "output/Times.h"
 #include "store/reading/EventRows.h"
+#include "store/reading/ExecutionPath.h"
 
 #include <string>
 
@@ -14,14 +16,20 @@ Store::EventRows EventsOfRun(const Store::Reader& store, long long root);
 /// The events of a run whose numbers are higher than `number`. Reads only what was recorded since that event.
 Store::EventRows EventsOfRunSince(const Store::Reader& store, long long root, long long number);
 
-/// Writes events as lines, each cut to the width of the terminal.
+/// Writes events as lines, each cut to the width of the terminal, but never within the path of the execution.
 class EventLines {
  public:
+  /// @param digits the significant digits of numbers.
+  explicit EventLines(int digits) : digits(digits) {}
+
   /// Writes the current event and its parameters.
-  void Write(Store::EventRows& events);
+  /// @param paths the paths of the executions in the same store.
+  void Write(Store::EventRows& events, Store::ExecutionPaths& paths);
 
  private:
-  Terminal terminal;
+  const int digits;
+  const Terminal terminal;
+  DayLines days;
   std::size_t nodeWidth = 0;
   std::size_t nameWidth = 0;
 };

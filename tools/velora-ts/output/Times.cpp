@@ -1,20 +1,20 @@
 #include "output/Times.h"
 
 #include "output/Terminal.h"
+#include "store/Error.h"
 #include "store/values/StoredTime.h"
 
 #include <array>
 #include <cmath>
 #include <cstdio>
 #include <ctime>
+#include <utility>
 
 namespace Velora::Ts {
 
 using namespace Store;
 
 namespace {
-
-constexpr long long second = 1'000'000;  // microseconds
 
 template <typename... Values>
 std::string Formatted(const char* format, Values... values) {
@@ -33,16 +33,35 @@ std::chrono::seconds LocalOffset(Store::Time time) {
 
 std::string LocalTime(std::string_view stored, bool fractions) {
   const std::optional<long long> time = Store::Microseconds(stored);
-  const std::time_t seconds = time ? (*time - ((*time % second) + second) % second) / second : 0;
-  std::tm local{};
-  std::array<char, 64> text{};
-  if (!time || localtime_r(&seconds, &local) == nullptr ||
-      std::strftime(text.data(), text.size(), "%Y-%m-%d %H:%M:%S", &local) == 0) {
+  if (!time) {
     return Printable(stored);
   }
-  const long minutes = local.tm_gmtoff / 60;
-  return text.data() + (fractions ? Formatted(".%03lld", (*time - seconds * second) / 1000) : "") +
-         Formatted("%c%02ld:%02ld", minutes < 0 ? '-' : '+', std::labs(minutes) / 60, std::labs(minutes) % 60);
+  const Time utc{std::chrono::microseconds(*time)};
+  const std::chrono::seconds offset = LocalOffset(utc);
+  try {
+    std::string local = ToStoredTime(utc + offset).substr(0, fractions ? 23 : 19);
+    local[10] = ' ';
+    const long long minutes = std::abs(offset.count()) / 60;
+    return local + Formatted("%c%02lld:%02lld", offset.count() < 0 ? '-' : '+', minutes / 60, minutes % 60);
+  } catch (const Store::Error&) {  // local clocks are in another year than 0 to 9999
+    return Printable(stored);
+  }
+}
+
+std::optional<TimeParts> PartsOf(std::string_view localTime) {
+  static constexpr std::string_view shortest = "2026-11-24 21:55:03+01:00";
+  const std::size_t size = localTime.size();
+  if (size < shortest.size() || localTime[10] != ' ' || localTime[size - 3] != ':' ||
+      localTime.find_first_not_of("0123456789-+:. ") != std::string_view::npos) {
+    return std::nullopt;
+  }
+  return TimeParts{std::string(localTime.substr(0, 10)), std::string(localTime.substr(11, size - 17)),
+                   std::string(localTime.substr(size - 6))};
+}
+
+std::string DayLines::Above(const TimeParts& time) {
+  const std::string now = time.date + ' ' + time.offset;
+  return std::exchange(day, now) == now ? "" : now;
 }
 
 std::string Duration(double seconds, bool fractions) {

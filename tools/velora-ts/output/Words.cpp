@@ -7,9 +7,19 @@
 #include "store/values/Json.h"
 #include "store/values/RecordedText.h"
 
+#include <array>
+#include <charconv>
+#include <cmath>
+
 namespace Velora::Ts {
 
 using namespace Store;
+
+namespace {
+
+constexpr double allWhole = 1e15;  // below it, no digit before the point is left out
+
+}  // namespace
 
 std::string Shown(std::string_view stored) { return Printable(Readable(stored)); }
 
@@ -76,8 +86,26 @@ std::string JsonMembers(const Execution& execution) {
   return json;
 }
 
-std::string ParameterInWords(const Rows& parameters) {
-  return Shown(parameters.Text(1)) + '=' + Printable(ValueInWords(parameters));
+std::string NumberInWords(double number, int digits) {
+  const double size = std::abs(number);
+  std::array<char, 32> text{};
+  const auto end = digits == allDigits ? std::to_chars(text.begin(), text.end(), number)
+                   : size >= std::pow(10, digits) && size < allWhole
+                       ? std::to_chars(text.begin(), text.end(), number, std::chars_format::fixed, 0)
+                       : std::to_chars(text.begin(), text.end(), number, std::chars_format::general, digits);
+  return std::string(text.data(), end.ptr);
 }
+
+std::string ValueOf(const Rows& parameters, int digits) {
+  const bool rounded =
+      digits != allDigits && parameters.IsNull(3) && parameters.IsNumber(4) && parameters.Text(2) == "double";
+  return rounded ? NumberInWords(parameters.Number(4), digits) : Printable(ValueInWords(parameters));
+}
+
+std::string ParameterInWords(const Rows& parameters, int digits) {
+  return Shown(parameters.Text(1)) + '=' + ValueOf(parameters, digits);
+}
+
+bool IsNumber(const Rows& parameters) { return !IsText(parameters) && parameters.Text(2) != "bool"; }
 
 }  // namespace Velora::Ts

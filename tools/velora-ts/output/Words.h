@@ -33,7 +33,19 @@ std::string DurationInWords(const Store::Execution& execution, bool fractions);
 /// The members of the JSON object for an execution, without braces.
 std::string JsonMembers(const Store::Execution& execution);
 
-/// NAME=VALUE of the parameter at which rows of parameters stand.
-std::string ParameterInWords(const Store::Rows& parameters);
+/// How many significant digits a number is shown with.
+inline constexpr int usualDigits = 6;
+inline constexpr int allDigits = 0;  ///< As many as tell it from every other number.
+/// A number in so many digits, though never without one before the point: 0.123457, 1234567, 1.23457e+20.
+std::string NumberInWords(double number, int digits = usualDigits);
+
+// The parameter at which rows of parameters stand. A text is shown as it was recorded, also if it is a number.
+
+/// The value. A whole number that the host gave as such has all its digits.
+std::string ValueOf(const Store::Rows& parameters, int digits = usualDigits);
+/// NAME=VALUE.
+std::string ParameterInWords(const Store::Rows& parameters, int digits = usualDigits);
+/// Whether the value is a number, which tables align at the right.
+bool IsNumber(const Store::Rows& parameters);
 
 }  // namespace Velora::Ts

@@ -73,16 +73,14 @@ constexpr std::size_t widthForNotes = 80;  // below, they would cut the state
 bool IsUnfinished(const Rows& rows) { return rows.Integer(executionColumns) != 0; }
 
 void WriteTable(const Store::Reader& store, Rows& rows) {
-  std::vector<TextTable::Column> columns{{"run"},
-                                         {"started"},
-                                         {"duration", true},
-                                         {"state"},
-                                         {"instrument", false, true},
-                                         {"activity", false, true},
-                                         {"node", false, true}};
+  std::vector<TextTable::Column> columns{
+      {.title = "run", .whole = true},           {.title = "started", .times = TextTable::Times::Dated},
+      {.title = "duration", .number = true},     {.title = "state"},
+      {.title = "instrument", .yielding = true}, {.title = "activity", .yielding = true},
+      {.title = "node", .whole = true}};
   const bool hasNotes = HasNotes(store) && Terminal().width >= widthForNotes;
   if (hasNotes) {
-    columns.push_back({"note", false, true});
+    columns.push_back({.title = "note", .yielding = true});
   }
   Rows notes = QueryNotes(store);
   TextTable table(columns);

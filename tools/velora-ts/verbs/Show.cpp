@@ -6,6 +6,7 @@
 #include "output/Times.h"
 #include "output/Words.h"
 #include "store/reading/EventRows.h"
+#include "store/reading/ExecutionPath.h"
 #include "store/reading/Executions.h"
 #include "store/reading/Notes.h"
 #include "store/reading/ParameterValue.h"
@@ -16,6 +17,7 @@
 #include "store/values/Json.h"
 #include "store/values/RecordedText.h"
 #include "store/values/StoredText.h"
+#include "verbs/DigitsOption.h"
 #include "verbs/StoreVerb.h"
 
 #include <algorithm>
@@ -39,6 +41,7 @@ struct ShowOptions {
   bool tree = false;                 ///< All levels below the run, not only its children.
   bool events = false;               ///< The events of the run too.
   std::vector<std::string> columns;  ///< The parameters to show of each execution.
+  int digits = usualDigits;          ///< The significant digits of numbers.
 };
 
 class Show {
@@ -65,9 +68,10 @@ class Show {
     WriteTable();
     if (options.events) {
       WriteOut("\n");
-      EventLines lines;
+      EventLines lines(options.digits);
+      ExecutionPaths paths(store);
       for (EventRows events = EventsOfRun(store, run.root); events.Next();) {
-        lines.Write(events);
+        lines.Write(events, paths);
       }
     }
   }
@@ -155,10 +159,13 @@ class Show {
   }
 
   void WriteTable() {
-    std::vector<TextTable::Column> columns{
-        {"execution", false, true}, {"activity", false, true}, {"state"}, {"started"}, {"duration", true}};
+    std::vector<TextTable::Column> columns{{.title = "execution", .whole = true},
+                                           {.title = "activity", .yielding = true},
+                                           {.title = "state"},
+                                           {.title = "started", .times = TextTable::Times::OfDay},
+                                           {.title = "duration", .number = true}};
     for (const std::string& name : options.columns) {
-      columns.push_back({Printable(name), true});
+      columns.push_back({Printable(name)});
     }
     if (options.columns.empty()) {
       columns.push_back({"parameters", false, true});
@@ -171,7 +178,8 @@ class Show {
                                        {LocalTime(one.startedAt, false)},
                                        {DurationInWords(one, true)}};
       for (const std::string& name : options.columns) {
-        row.push_back({Pick(one, name) ? Printable(ValueInWords(picked)) : ""});
+        const bool found = Pick(one, name);
+        row.push_back({found ? ValueOf(picked, options.digits) : "", false, found && IsNumber(picked)});
       }
       if (options.columns.empty()) {
         row.push_back({FirstFew(one)});
@@ -190,7 +198,7 @@ class Show {
     std::string words;
     int shown = 0;
     for (parameters.Ask(one.key, static_cast<long long>(firstFew + 1)); parameters.Next(); ++shown) {
-      words += shown == firstFew ? "  \u2026" : (shown > 0 ? "  " : "") + ParameterInWords(parameters);
+      words += shown == firstFew ? "  \u2026" : (shown > 0 ? "  " : "") + ParameterInWords(parameters, options.digits);
     }
     return words;
   }
@@ -219,7 +227,7 @@ class Show {
 
 class ShowVerb : public StoreVerb {
  public:
-  explicit ShowVerb(Options& options) : StoreVerb(options) {
+  explicit ShowVerb(Options& options) : StoreVerb(options), digits(options) {
     options.AddRequiredText("RUN", name, "The run to show");
     options.AddFlag("--tree", chosen.tree, "Show all levels below the run, not only its children");
     options.AddFlag("--events", chosen.events, "Show its events too, one a line");
@@ -230,6 +238,7 @@ class ShowVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
+    chosen.digits = digits.Value();
     const Reader store(Database());
     const std::optional<Run> run = TheRunNamed(store, name);
     if (!run) {
@@ -245,6 +254,7 @@ class ShowVerb : public StoreVerb {
  private:
   std::string name;
   ShowOptions chosen;
+  DigitsOption digits;
   bool json = false;
 };
 

@@ -2,11 +2,13 @@
 #include "output/Output.h"
 #include "output/Words.h"
 #include "store/reading/EventRows.h"
+#include "store/reading/ExecutionPath.h"
 #include "store/reading/Executions.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
 #include "store/reading/Unfinished.h"
+#include "verbs/DigitsOption.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
@@ -78,12 +80,13 @@ std::optional<Run> RunToFollow(const Database& database, const std::string& name
 /// Writes the events of a run at the first look, and at each later look those that are new.
 class Follower {
  public:
-  explicit Follower(Run run) : run(std::move(run)) {}
+  Follower(Run run, int digits) : run(std::move(run)), lines(digits) {}
 
   State Look(const Store::Reader& store) {
     EventRows events = first ? EventsOfRun(store, run.root) : EventsOfRunSince(store, run.root, newest);
+    ExecutionPaths paths(store);
     while (events.Next()) {
-      lines.Write(events);
+      lines.Write(events, paths);
     }
     FlushOut();
     first = false;
@@ -100,16 +103,19 @@ class Follower {
 
 class TailVerb : public StoreVerb {
  public:
-  explicit TailVerb(Options& options) : StoreVerb(options) { options.AddText("RUN", name, "The run to follow"); }
+  explicit TailVerb(Options& options) : StoreVerb(options), digits(options) {
+    options.AddText("RUN", name, "The run to follow");
+  }
 
   ExitCode Execute() override {
+    const int shown = digits.Value();
     const Store::Database database = Database();
     const std::optional<Run> run = RunToFollow(database, name);
     if (!run) {
       return Found;
     }
     Complain("following " + InWords(*run) + " until it is finished; Ctrl-C stops");
-    Follower follower(*run);
+    Follower follower(*run, shown);
     State state = follower.Look(Reader(database));
     while (state == State::Running) {
       std::this_thread::sleep_for(betweenLooks);
@@ -124,6 +130,7 @@ class TailVerb : public StoreVerb {
 
  private:
   std::string name;
+  DigitsOption digits;
 };
 
 }  // namespace
