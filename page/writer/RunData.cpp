@@ -4,6 +4,7 @@
 #include "page/writer/ExecutionBatches.h"
 #include "page/writer/KeptEvents.h"
 #include "page/writer/LogColumns.h"
+#include "store/reading/Notes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
@@ -11,7 +12,10 @@
 #include "store/record/Unsealed.h"
 #include "store/schema/Tables.h"
 #include "store/values/Json.h"
+#include "store/values/StoredText.h"
 #include "store/values/StoredTime.h"
+
+#include <utility>
 
 namespace Velora::Page {
 
@@ -27,12 +31,12 @@ using NextItem = std::function<bool(std::string& json)>;
 
 class Writer {
  public:
-  Writer(const Store::Reader& store, const Run& run, const KeptEvents& kept, const LogColumns* log, const Sink& sink,
+  Writer(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Beside& beside, const Sink& sink,
          const Step& step)
       : store(store),
         run(run),
         kept(kept),
-        log(log),
+        beside(beside),
         sink(sink),
         step(step),
         start(Microseconds(run.startedAt).value_or(0)) {}
@@ -66,11 +70,13 @@ class Writer {
                "configuration_text FROM configurations WHERE configuration_id = ?1",
                events.Configurations());
     json += ",\"log\":";
-    if (log == nullptr) {
+    if (beside.log == nullptr) {
       json += "null";
     } else {
-      log->AppendJson(json, start);
+      beside.log->AppendJson(json, start);
     }
+    WriteNotes();
+    AppendUnits();
     json += '}';
     Flush();
   }
@@ -115,6 +121,39 @@ class Writer {
     });
   }
 
+  void WriteNotes() {
+    Rows notes = QueryNotes(store);
+    notes.Ask(run.root);
+    WriteList("notes", [&](std::string& to) {
+      if (!notes.Next()) {
+        return false;
+      }
+      const Note note = NoteAt(notes);
+      to += "{\"number\":" + std::to_string(note.number) + ",\"at\":";
+      const std::optional<long long> at = Microseconds(note.at);
+      to += at ? std::to_string(*at - start) : "null";
+      for (const auto& [member, text] :
+           {std::pair(",\"author\":", &note.author), {",\"kind\":", &note.kind}, {",\"text\":", &note.text}}) {
+        to += member;
+        AppendText(to, *text);
+      }
+      to += '}';
+      return true;
+    });
+  }
+
+  void AppendUnits() {
+    json += ",\"units\":{";
+    const char* separator = "";
+    for (const auto& [parameter, unit] : beside.units) {
+      json += std::exchange(separator, ",");
+      AppendText(json, ToStoredText(parameter));
+      json += ':';
+      AppendText(json, ToStoredText(unit));
+    }
+    json += '}';
+  }
+
   void WriteList(const char* name, const NextItem& next) {
     json += std::string(",\"") + name + "\":[";
     bool first = true;
@@ -133,7 +172,7 @@ class Writer {
   const Store::Reader& store;
   const Run& run;
   const KeptEvents& kept;
-  const LogColumns* const log;
+  const Beside& beside;
   const Sink& sink;
   const Step& step;
   const long long start;
@@ -142,9 +181,9 @@ class Writer {
 
 }  // namespace
 
-void WriteRunData(const Store::Reader& store, const Run& run, const KeptEvents& kept, const LogColumns* log,
+void WriteRunData(const Store::Reader& store, const Run& run, const KeptEvents& kept, const Beside& beside,
                   const Sink& write, const Step& step) {
-  Writer(store, run, kept, log, write, step).Write();
+  Writer(store, run, kept, beside, write, step).Write();
 }
 
 }  // namespace Velora::Page

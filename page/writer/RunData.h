@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -14,10 +15,15 @@ namespace Velora::Page {
 class KeptEvents;
 class LogColumns;
 
+/// What a page shows beside the record.
+struct Beside {
+  std::map<std::string, std::string> units;  ///< Of parameters, by their names.
+  const LogColumns* log = nullptr;           ///< Lines of the log; null for none.
+};
+
 /// Writes the data of a run's page in pieces, in the form of page/FORM.md.
-/// @param log null for none.
 /// @param step is called for each event of the run.
-void WriteRunData(const Store::Reader& store, const Store::Run& run, const KeptEvents& kept, const LogColumns* log,
+void WriteRunData(const Store::Reader& store, const Store::Run& run, const KeptEvents& kept, const Beside& beside,
                   const std::function<void(std::string_view piece)>& write, const std::function<void()>& step);
 
 }  // namespace Velora::Page

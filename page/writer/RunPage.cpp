@@ -1,9 +1,10 @@
 #include "page/writer/RunPage.h"
 
 #include "page/writer/Frame.h"
-#include "page/writer/RunData.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
+
+#include <utility>
 
 namespace Velora::Page {
 
@@ -24,15 +25,15 @@ std::string WithoutTags(std::string_view json) {
 
 }  // namespace
 
-RunPage::RunPage(const Store::Reader& store, const Store::Run& run, const LogColumns* log)
-    : store(store), run(run), log(log), kept(store, run.root) {}
+RunPage::RunPage(const Store::Reader& store, const Store::Run& run, Beside beside)
+    : store(store), run(run), beside(std::move(beside)), kept(store, run.root) {}
 
 void RunPage::Write(const std::function<void(std::string_view)>& write, const std::function<void()>& step) const {
   for (const std::string_view piece : frameHead) {
     write(piece);
   }
   WriteRunData(
-      store, run, kept, log, [&write](std::string_view json) { write(WithoutTags(json)); }, step);
+      store, run, kept, beside, [&write](std::string_view json) { write(WithoutTags(json)); }, step);
   for (const std::string_view piece : frameTail) {
     write(piece);
   }

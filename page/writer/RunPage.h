@@ -1,6 +1,7 @@
 #pragma once
 
 #include "page/writer/KeptEvents.h"
+#include "page/writer/RunData.h"
 
 #include <functional>
 #include <string>
@@ -12,14 +13,12 @@ struct Run;
 
 namespace Velora::Page {
 
-class LogColumns;
 
 /// The page of a run: one HTML file that needs neither another file nor a network.
 class RunPage {
  public:
   /// Decides which events the page has. Store, run and log must outlive this object.
-  /// @param log null for none.
-  RunPage(const Store::Reader& store, const Store::Run& run, const LogColumns* log = nullptr);
+  RunPage(const Store::Reader& store, const Store::Run& run, Beside beside);
 
   /// The number of events of the run in the store.
   long long Events() const { return kept.Recorded(); }
@@ -33,7 +32,7 @@ class RunPage {
  private:
   const Store::Reader& store;
   const Store::Run& run;
-  const LogColumns* const log;
+  const Beside beside;
   const KeptEvents kept;
 };
 

@@ -25,9 +25,9 @@ class UniqueNames {
 }  // namespace
 
 std::vector<DescribedVersion> ReadActivitiesFile(const std::string& path) {
-  const XmlFile xml(path, {{"Activities", {}},
-                           {"Activity", {"Name", "Description"}},
-                           {"ActivityVersion", {"Name", "Version", "Description"}}});
+  const XmlFile xml(path, {{{"Activities", {}}},
+                           {{"Activity", {"Name", "Description"}}},
+                           {{"ActivityVersion", {"Name", "Version", "Description"}}}});
   UniqueNames activityNames;
   UniqueNames versionNames;
   DescribedVersion one;

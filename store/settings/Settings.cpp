@@ -6,11 +6,55 @@
 #include <VeloraSystem/System.h>
 #include "store/Error.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 #include <vector>
 
 namespace Velora::Store {
+namespace {
+
+std::vector<XmlElement> ElementsNamed(const std::string& name, const XmlFile& xml) {
+  std::vector<XmlElement> named;
+  std::copy_if(xml.Elements().begin(), xml.Elements().end(), std::back_inserter(named),
+               [&name](const XmlElement& element) { return element.name == name; });
+  return named;
+}
+
+Database DatabaseIn(const XmlFile& xml, const std::filesystem::path& folder) {
+  const std::vector<XmlElement> databases = ElementsNamed("Database", xml);
+  if (databases.size() != 1) {
+    xml.Fail(databases.empty() ? xml.Elements().front() : databases[1], "expected one element 'Database' in 'TSAL'");
+  }
+  const XmlElement& database = databases.front();
+  const std::string backend = xml.Required(database, "Backend");
+  const std::string connection = xml.Required(database, "Connection");
+  if (backend == "sqlite3") {
+    return {Database::Kind::Sqlite, (folder / connection).string()};
+  }
+  if (backend == "postgresql") {
+    if (!IsPostgreSqlAddress(connection)) {  // the library's reason is left out: it can contain a password
+      xml.Fail(database,
+               "PostgreSQL does not understand this Connection; expected 'KEYWORD=VALUE ...', 'service=NAME' or a URI");
+    }
+    return {Database::Kind::PostgreSql, connection};
+  }
+  xml.Fail(database, "unknown Backend '" + backend + "'; expected 'sqlite3' or 'postgresql'");
+}
+
+std::map<std::string, std::string> UnitsIn(const XmlFile& xml) {
+  std::map<std::string, std::string> units;
+  for (const XmlElement& element : ElementsNamed("Unit", xml)) {
+    const std::string parameter = xml.Required(element, "Parameter");
+    if (!units.emplace(parameter, xml.Required(element, "Text")).second) {
+      xml.Fail(element, "a second 'Unit' has the Parameter '" + parameter + "'; expected one for each parameter");
+    }
+  }
+  return units;
+}
+
+}  // namespace
 
 Settings ReadSettings(const std::string& folder) {
   // Absolute, so that a session keeps its database when the current directory changes.
@@ -19,27 +63,14 @@ Settings ReadSettings(const std::string& folder) {
   if (error) {
     throw Error("file 'TSAL.config' cannot be found: the current directory is unknown: " + error.message());
   }
-  const XmlFile xml(file.string(), {{"TSAL", {"Instrument"}}, {"Database", {"Backend", "Connection"}}});
-  const std::vector<XmlElement>& elements = xml.Elements();
-  if (elements.size() != 2) {
-    xml.Fail(elements[elements.size() > 2 ? 2 : 0], "expected one element 'Database' in 'TSAL'");
-  }
-  const XmlElement& database = elements[1];
-  const std::string backend = xml.Required(database, "Backend");
-  const std::string connection = xml.Required(database, "Connection");
-  const std::string given = elements[0].Value("Instrument");
-  const std::string instrument = given.empty() ? System::ComputerName() : given;
-  if (backend == "sqlite3") {
-    return {instrument, {Database::Kind::Sqlite, (file.parent_path() / connection).string()}};
-  }
-  if (backend == "postgresql") {
-    if (!IsPostgreSqlAddress(connection)) {  // the library's reason is left out: it can contain a password
-      xml.Fail(database,
-               "PostgreSQL does not understand this Connection; expected 'KEYWORD=VALUE ...', 'service=NAME' or a URI");
-    }
-    return {instrument, {Database::Kind::PostgreSql, connection}};
-  }
-  xml.Fail(database, "unknown Backend '" + backend + "'; expected 'sqlite3' or 'postgresql'");
+  const XmlFile xml(file.string(), {{{"TSAL", {"Instrument"}}},
+                                    {{"Database", {"Backend", "Connection"}}, {"Unit", {"Parameter", "Text"}}}});
+  Settings settings;
+  const std::string given = xml.Elements().front().Value("Instrument");
+  settings.instrument = given.empty() ? System::ComputerName() : given;
+  settings.database = DatabaseIn(xml, file.parent_path());
+  settings.units = UnitsIn(xml);
+  return settings;
 }
 
 }  // namespace Velora::Store

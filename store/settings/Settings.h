@@ -2,6 +2,7 @@
 
 #include "store/database/Database.h"
 
+#include <map>
 #include <string>
 
 namespace Velora::Store {
@@ -10,6 +11,7 @@ namespace Velora::Store {
 struct Settings {
   std::string instrument;  ///< The name of the instrument in the records.
   Database database;
+  std::map<std::string, std::string> units;  ///< Of parameters, by their names. Hosts do not use them.
 };
 
 /// Reads "TSAL.config" in a folder.

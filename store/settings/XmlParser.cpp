@@ -59,7 +59,7 @@ class Parser {
         [](void* self, const char* name, const char** attributes) {
           Guard(self, [&](Parser& parser) { parser.Start(name, attributes); });
         },
-        [](void* self, const char*) { Guard(self, [](Parser& parser) { --parser.depth; }); });
+        [](void* self, const char*) { Guard(self, [](Parser& parser) { parser.open.pop_back(); }); });
     XML_SetCharacterDataHandler(expat.get(), [](void* self, const char* text, int length) {
       Guard(self, [&](Parser& parser) { parser.RefuseText({text, static_cast<std::size_t>(length)}); });
     });
@@ -76,7 +76,7 @@ class Parser {
     if (error == XML_ERROR_NO_MEMORY) {
       throw std::bad_alloc();
     }
-    throw FaultOf(error, content, Offset(), levels.front().element, depth == 0 ? "" : levels[depth - 1].element);
+    throw FaultOf(error, content, Offset(), Root(), open.empty() ? "" : open.back());
   }
 
  private:
@@ -108,14 +108,10 @@ class Parser {
   }
 
   void Start(const std::string& name, const char** attributes) {
-    if (depth == 0 && name != levels.front().element) {
-      throw XmlFault(Offset(),
-                     "unexpected " + InQuotes(name) + "; expected one element " + InQuotes(levels.front().element));
+    if (open.empty() && name != Root()) {
+      throw XmlFault(Offset(), "unexpected " + InQuotes(name) + "; expected one element " + InQuotes(Root()));
     }
-    if (depth == levels.size() || name != levels[depth].element) {
-      throw XmlFault(Offset(), "unknown element " + InQuotes(name) + "; expected " + Expected());
-    }
-    const std::vector<std::string>& known = levels[depth].attributes;
+    const std::vector<std::string>& known = FormOf(name).attributes;
     XmlElement element{name, {}, Offset()};
     for (; *attributes != nullptr; attributes += 2) {
       if (std::find(known.begin(), known.end(), *attributes) == known.end()) {
@@ -125,7 +121,18 @@ class Parser {
       element.attributes[attributes[0]] = attributes[1];
     }
     elements.push_back(std::move(element));
-    ++depth;
+    open.push_back(name);
+  }
+
+  const XmlForm& FormOf(const std::string& name) const {
+    if (open.size() < levels.size()) {
+      for (const XmlForm& form : levels[open.size()]) {
+        if (form.element == name) {
+          return form;
+        }
+      }
+    }
+    throw XmlFault(Offset(), "unknown element " + InQuotes(name) + "; expected " + Expected());
   }
 
   void RefuseText(std::string_view text) const {
@@ -138,8 +145,16 @@ class Parser {
   }
 
   std::string Expected() const {
-    return depth == levels.size() ? "nothing" : "elements " + InQuotes(levels[depth].element);
+    if (open.size() == levels.size()) {
+      return "nothing";
+    }
+    std::vector<std::string> names;
+    for (const XmlForm& form : levels[open.size()]) {
+      names.push_back(form.element);
+    }
+    return "elements " + ListOf(names);
   }
+  const std::string& Root() const { return levels.front().front().element; }
   std::size_t Offset() const {
     const XML_Index index = XML_GetCurrentByteIndex(expat.get());
     return index < 0 ? content.size() : static_cast<std::size_t>(index);
@@ -149,7 +164,7 @@ class Parser {
   const std::vector<XmlLevel>& levels;
   const std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> expat{XML_ParserCreate("UTF-8"), &XML_ParserFree};
   std::vector<XmlElement> elements;
-  std::size_t depth = 0;  // the number of open elements
+  std::vector<std::string> open;  // the names of the open elements
   std::exception_ptr raised;
 };
 

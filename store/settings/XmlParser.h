@@ -9,11 +9,13 @@
 
 namespace Velora::Store {
 
-/// The elements that may be at one depth: all have this name and only these attributes.
-struct XmlLevel {
+/// The name of elements and the attributes that they may have.
+struct XmlForm {
   std::string element;
   std::vector<std::string> attributes;
 };
+/// The elements that may be at one depth.
+using XmlLevel = std::vector<XmlForm>;
 
 struct XmlElement {
   std::string name;
@@ -25,7 +27,8 @@ struct XmlElement {
 };
 
 /// The elements of an XML text in UTF-8, in their order.
-/// @param levels the first level is that of the single root element, the second that of the elements in it, and so on.
+/// @param levels the first level has the form of the single root element, the second that of the elements in it, and so
+/// on.
 /// @throws XmlFault for anything else, also for text.
 std::vector<XmlElement> ParseXml(const std::string& content, const std::vector<XmlLevel>& levels);
 

@@ -49,6 +49,12 @@ TEST_F(BrokenInput, XmlIsRefusedWithItsFileAndLineAndNothingIsTakenFromIt) {
       {"<TSAL><Database Backend='postgresql' Connection='postgresql://me:1/my@host/ts'/></TSAL>",
        "PostgreSQL does not"},
       {"<TSAL><Database Backend='postgresql' Connection='postgresql://me:my/own@host'/></TSAL>", "PostgreSQL does not"},
+      {"<TSAL>\n<Unit Parameter='Defocus'/><Database Backend='sqlite3' Connection='a'/></TSAL>",
+       "line 2: 'Unit' has no 'Text'; expected"},
+      {"<TSAL><Database Backend='sqlite3' Connection='a'/><Unit Parameter='Tilt' Text='°'/>\n<Unit Parameter='Tilt' "
+       "Text='°'/></TSAL>",
+       "line 2: a second 'Unit' has the Parameter 'Tilt'; expected one"},
+      {"<TSAL>\n<Unit Parameter='Defocus' Text='µm'/></TSAL>", "line 1: expected one element 'Database'"},
       {"<TSAL><Database><Database/>\n</Database></TSAL>", "line 1: unknown element 'Database'; expected nothing"},
       {"<Activities Name='a'/>", "line 1: 'Activities' has an unknown attribute 'Name'; expected: none"},
       {"<Activities>\n<Aktivity/></Activities>", "line 2: unknown element 'Aktivity'; expected elements 'Activity'"},

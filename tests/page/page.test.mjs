@@ -150,7 +150,7 @@ function membersOf(value, path = '') {
   }
   return Object.entries(value instanceof Object ? value : {}).flatMap(([name, member]) => [
     path + name,
-    ...membersOf(member, path + name + (Array.isArray(member) ? '' : '.')),
+    ...membersOf(name === 'units' ? null : member, path + name + (Array.isArray(member) ? '' : '.')),
   ]);
 }
 

@@ -104,6 +104,7 @@ export function hostile() {
 export const csvCases = once(() => {
   const folder = record('csv', 'sample.mdoc', sample());
   write(folder, readFileSync(join(process.env.SOURCE, 'tests/csv-cases.sql')));
+  execFileSync(`${bin}/velora-ts`, ['note', 'last', 'cryo ran dry', '--kind', 'cause'], { cwd: folder });
   execFileSync(`${bin}/velora-ts`, ['seal'], { cwd: folder });
   return report(folder);
 });

@@ -86,7 +86,8 @@ class ReportVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
-    const Reader store(Database());
+    const Settings settings = StoreSettings();
+    const Reader store(settings.database);
     const std::optional<Run> run = TheRunNamed(store, name);
     if (!run) {
       return Found;
@@ -97,7 +98,7 @@ class ReportVerb : public StoreVerb {
       LogFile::LogFiles lines = logs.LinesOf(store, *run);
       log.emplace(lines);
     }
-    const Page::RunPage page(store, *run, log ? &*log : nullptr);
+    const Page::RunPage page(store, *run, {settings.units, log ? &*log : nullptr});
     PageFile target(path);
     {
       Progress progress("Writing events", page.Events());

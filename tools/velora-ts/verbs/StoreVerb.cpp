@@ -1,7 +1,5 @@
 #include "verbs/StoreVerb.h"
 
-#include "store/settings/Settings.h"
-
 namespace Velora::Ts {
 
 using namespace Store;
@@ -10,6 +8,6 @@ StoreVerb::StoreVerb(Options& options) {
   options.AddText("--config", folder, "Folder with TSAL.config. Default: the current directory");
 }
 
-Store::Database StoreVerb::Database() const { return Store::ReadSettings(folder).database; }
+Settings StoreVerb::StoreSettings() const { return ReadSettings(folder); }
 
 }  // namespace Velora::Ts

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/reading/Reader.h"
+#include "store/settings/Settings.h"
 #include "verbs/Verb.h"
 
 #include <string>
@@ -15,7 +16,8 @@ class StoreVerb : public Verb {
   /// The value of --config; empty for the current directory.
   const std::string& Folder() const { return folder; }
   /// @throws Error when TSAL.config cannot be read or is wrong.
-  Store::Database Database() const;
+  Store::Settings StoreSettings() const;
+  Store::Database Database() const { return StoreSettings().database; }
 
  private:
   std::string folder;
