@@ -23,3 +23,34 @@ export function show(element, stored) {
   );
   return element;
 }
+
+/** A button with a label that does something. */
+export function button(className, label, work) {
+  const element = make('button', className, label);
+  element.type = 'button';
+  element.addEventListener('click', work);
+  return element;
+}
+
+/** What refers to the row of an execution: main.js opens it. */
+export const addressOf = (recorded, at) => `#execution-${recorded.number[at]}`;
+
+/** The node of an execution as a link that opens its row. */
+export function linkTo(recorded, at) {
+  const link = show(make('a'), recorded.node[at] || '–');
+  link.href = addressOf(recorded, at);
+  return link;
+}
+
+/** A list that grows by so many items when the reader asks for more. */
+export function addInSteps(block, items, step, elementOf, from = 0) {
+  block.append(...items.slice(from, from + step).map((item, at) => elementOf(item, from + at)));
+  const left = items.length - from - step;
+  if (left > 0) {
+    const more = button('more', `Show more: ${left.toLocaleString('en')} further`, () => {
+      more.remove();
+      addInSteps(block, items, step, elementOf, from + step);
+    });
+    block.append(more);
+  }
+}

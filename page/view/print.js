@@ -5,19 +5,24 @@ import { count } from './text.js';
 const sheetHeight = 1047; // of A4 within its margins, in pixels of CSS
 
 export function preparePrinting(table, redraw) {
+  const facts = document.getElementById('all-facts');
+  let wereOpen;
   window.addEventListener('beforeprint', () => {
     document.documentElement.classList.add('printing');
+    wereOpen = facts.open;
+    facts.open = true;
     redraw();
     fitOnSheet(table);
   });
   window.addEventListener('afterprint', () => {
     document.documentElement.classList.remove('printing');
+    facts.open = wereOpen;
     redraw();
   });
 }
 
 /** Takes off columns and rows for which there is no room, and says so. */
-function fitOnSheet({ element, shown, rows }) {
+function fitOnSheet({ element, shown, tree: { order: rows } }) {
   const more = document.getElementById('more');
   let columns = shown.length;
   while (columns > 1 && element.offsetWidth > element.parentElement.clientWidth) {

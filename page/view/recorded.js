@@ -156,6 +156,31 @@ export class Recorded {
     return event.batch.shape.parameters[quantity.places.get(event.batch.shape)][1];
   }
 
+  /** An execution and what it belongs to, the run first. */
+  pathTo(at) {
+    const path = [];
+    for (let above = at; above >= 0; above = this.parent[above]) {
+      path.unshift(above);
+    }
+    return path;
+  }
+
+  /** An execution and all that is below it. */
+  allBelow(at) {
+    const all = [at];
+    for (let place = 0; place < all.length; ++place) {
+      all.push(...this.children[all[place]]);
+    }
+    return all;
+  }
+
+  /** The time of the newest record of an execution itself. */
+  lastSignOf(at) {
+    const statuses = this.history[at].map((status) => status.at);
+    const times = [this.started[at], ...statuses, this.eventsOf[at].at(-1)?.at ?? NaN];
+    return Math.max(...times.filter((time) => !Number.isNaN(time)));
+  }
+
   /** Where its bar ends: nowhere yet where it did not finish, at its start where it has no status. */
   endOf(at) {
     return Number.isNaN(this.ended[at]) ? this.started[at] : this.ended[at];

@@ -1,36 +1,35 @@
-// The table: a row for each execution below the run, with the columns that the reader picks.
+// The table: a row for each execution below the run, with the columns that the reader picks. The rows are a tree, whose
+// parts fold; sorted or filtered they are a list.
 
+import { isPrinting } from './chart.js';
 import { columnsOf, pickLikely } from './columns.js';
-import { make, show } from './element.js';
+import { button, make, show } from './element.js';
+import { Filter } from './filter.js';
 import { historyOf } from './history.js';
 import { running } from './statuses.js';
-import { count } from './text.js';
+import { count, firstOf, readable } from './text.js';
+import { Tree } from './tree.js';
+import { listenToKeys } from './tree-keys.js';
+import { sixDigits } from './values.js';
 
 const rowsAtOnce = 100;
 const deepestIndent = 19; // levels of rows; below them the level is a number
+const mostInCell = { characters: 120, lines: 1 };
+const mostInTitle = { characters: 2000, lines: 40 };
 
 export class Table {
   constructor(element, recorded) {
-    Object.assign(this, { element, recorded, page: 0, rowsShown: rowsAtOnce });
-    this.rows = this.inTreeOrder();
+    Object.assign(this, { element, recorded, page: 0 });
+    this.tree = new Tree(recorded);
     this.columns = columnsOf(recorded);
-    pickLikely(this.columns, this.rows);
+    pickLikely(this.columns, this.tree.order);
     this.sorted = { column: null, descending: false };
     this.opened = new Map(); // the history of each
+    this.current = null; // the row that the Tab key reaches
+    this.filter = new Filter(recorded, () => this.change());
     this.offerColumns();
-  }
-
-  inTreeOrder() {
-    const rows = [];
-    const open = [...this.recorded.children[this.recorded.root]].reverse();
-    while (open.length > 0) {
-      const at = open.pop();
-      rows.push(at);
-      for (let child = this.recorded.children[at].length - 1; child >= 0; --child) {
-        open.push(this.recorded.children[at][child]);
-      }
-    }
-    return rows;
+    this.offerTools();
+    listenToKeys(this);
   }
 
   offerColumns() {
@@ -54,6 +53,17 @@ export class Table {
     choice.replaceChildren(...groups.values());
   }
 
+  offerTools() {
+    const foldAll = document.getElementById('fold-all');
+    const unfoldAll = document.getElementById('unfold-all');
+    foldAll.addEventListener('click', () => this.change(() => this.tree.foldAll()));
+    unfoldAll.addEventListener('click', () => this.change(() => this.tree.unfoldAll()));
+    const hasTree = this.tree.order.some((at) => this.tree.folds(at));
+    foldAll.hidden = unfoldAll.hidden = !hasTree;
+    this.allDigits = document.getElementById('all-digits');
+    this.allDigits.addEventListener('change', () => this.draw());
+  }
+
   titleOf(column, name = column.name) {
     const title = show(make('span'), name);
     if (column.occurrence > 1) {
@@ -66,6 +76,14 @@ export class Table {
     return this.columns.filter((column) => column.shown);
   }
 
+  /** Other rows are to be shown, or in another order. */
+  change(how = () => {}) {
+    how();
+    this.known = null;
+    this.page = 0;
+    this.draw();
+  }
+
   sortBy(column) {
     const { sorted } = this;
     if (sorted.column !== column) {
@@ -75,84 +93,92 @@ export class Table {
     } else {
       this.sorted = { column: null, descending: false };
     }
-    this.page = 0;
-    this.draw();
+    this.change();
   }
 
-  /** All rows in the order chosen; what is missing comes last. */
+  get isTree() {
+    return this.sorted.column === null && !this.filter.isSet;
+  }
+
+  /** All rows that pass the filter in the order chosen, folded or not; what is missing comes last. */
   ordered() {
     const { column, descending } = this.sorted;
+    const rows = this.filter.isSet ? this.filter.passing(this.tree.order) : this.tree.order;
     if (!column) {
-      return this.rows;
+      return rows;
     }
-    const keys = new Map(this.rows.map((at) => [at, column.value(at)]));
+    const keys = new Map(rows.map((at) => [at, column.value(at)]));
     const missing = (key) => key === '' || key === null || key === undefined || Number.isNaN(key);
     const compare = (a, b) => (typeof a === typeof b ? (a < b ? -1 : a > b ? 1 : 0) : typeof a === 'number' ? -1 : 1);
-    return [...this.rows].sort(
+    return [...rows].sort(
       (a, b) =>
         missing(keys.get(a)) - missing(keys.get(b)) ||
         (missing(keys.get(a)) ? 0 : (descending ? -1 : 1) * compare(keys.get(a), keys.get(b))),
     );
   }
 
+  /** The rows to be shown, page by page; on paper, where few have room, first those that did not finish. */
+  visible() {
+    this.known ??= this.isTree ? this.tree.visible() : this.ordered();
+    if (!isPrinting()) {
+      return this.known;
+    }
+    const isOpen = (at) => this.recorded.status[at] === running;
+    return [...this.known.filter(isOpen).reverse(), ...this.known.filter((at) => !isOpen(at))];
+  }
+
   draw() {
-    const rows = this.ordered();
-    const first = this.page * this.rowsShown;
+    const rows = this.visible();
+    this.page = Math.max(0, Math.min(this.page, Math.ceil(rows.length / rowsAtOnce) - 1));
+    const first = this.page * rowsAtOnce;
+    const onPage = rows.slice(first, first + rowsAtOnce);
+    this.current = onPage.includes(this.current) ? this.current : (onPage[0] ?? null);
     this.element.tHead.replaceChildren(make('tr', '', ...this.shown.map((column) => this.headOf(column))));
-    this.element.tBodies[0].replaceChildren(
-      ...rows.slice(first, first + this.rowsShown).flatMap((at) => this.rowsOf(at)),
-    );
-    const last = Math.min(first + this.rowsShown, rows.length);
-    document.getElementById('more').textContent =
-      rows.length === 0
-        ? 'This run has no executions below it.'
-        : last - first < rows.length
-          ? `Rows ${first + 1} to ${last} of ${rows.length.toLocaleString('en')}`
-          : count(rows.length, 'row');
+    this.element.tBodies[0].replaceChildren(...onPage.flatMap((at) => this.rowsOf(at)));
+    document.getElementById('more').textContent = this.wordsFor(rows, first, onPage.length);
     this.offerPages(rows.length);
+  }
+
+  wordsFor(rows, first, shown) {
+    const all = this.tree.order.length;
+    if (all === 0) {
+      return 'This run has no executions below it.';
+    }
+    const part = shown < rows.length ? `Rows ${first + 1} to ${first + shown} of ` : '';
+    const rest =
+      rows.length < all
+        ? this.isTree
+          ? ` and ${(all - rows.length).toLocaleString('en')} folded away`
+          : ` found of ${all.toLocaleString('en')}`
+        : '';
+    return `${part}${count(rows.length, 'row')}${rest}`;
   }
 
   headOf(column) {
     const cell = make('th', column.number ? 'number' : '');
     const isSorted = this.sorted.column === column;
     const arrow = isSorted ? (this.sorted.descending ? ' ▾' : ' ▴') : '';
-    const button = make('button', 'sort', this.titleOf(column), arrow);
-    button.type = 'button';
-    button.addEventListener('click', () => {
+    const sort = button('sort', this.titleOf(column), () => {
       this.sortBy(column);
       this.element.tHead.rows[0].cells[this.shown.indexOf(column)].firstChild.focus();
     });
+    sort.append(arrow);
     cell.scope = 'col';
     cell.setAttribute('aria-sort', isSorted ? (this.sorted.descending ? 'descending' : 'ascending') : 'none');
-    cell.append(button);
+    cell.append(sort);
     return cell;
   }
 
   rowsOf(at) {
-    const { recorded } = this;
-    const row = make('tr', recorded.status[at] === running ? 'unfinished' : '');
-    const isOpen = this.opened.has(at);
-    this.shown.forEach((column, place) => {
-      const cell = make(place === 0 ? 'th' : 'td', column.number ? 'number' : column.quantity ? 'text' : '');
-      if (place === 0) {
-        cell.scope = 'row';
-        const button = show(make('button', 'open'), column.text(at) || '–');
-        button.type = 'button';
-        button.setAttribute('aria-expanded', isOpen);
-        const level = recorded.depth[at] - 1; // of the rows
-        button.style.marginLeft = `${Math.min(level, deepestIndent) * 14}px`;
-        if (level > deepestIndent) {
-          button.prepend(`${recorded.depth[at]}: `);
-        }
-        cell.append(button);
-      } else {
-        show(cell, column.text(at) ?? '');
-      }
-      row.append(cell);
-    });
+    const row = make('tr', this.recorded.status[at] === running ? 'unfinished' : '');
+    this.shown.forEach((column, place) => row.append(place === 0 ? this.firstCell(column, at) : this.cell(column, at)));
     row.dataset.execution = at;
+    row.setAttribute('aria-level', this.isTree ? this.recorded.depth[at] : 1);
+    if (this.isTree && this.tree.folds(at)) {
+      row.setAttribute('aria-expanded', !this.tree.folded.has(at));
+    }
     row.addEventListener('click', () => this.toggle(at));
-    if (!isOpen) {
+    if (!this.opened.has(at)) {
       return [row];
     }
     const cell = make('td', '', this.opened.get(at));
@@ -160,12 +186,80 @@ export class Table {
     return [row, make('tr', 'opened', cell)];
   }
 
+  cell(column, at) {
+    const text = column.text(at) ?? '';
+    const isNumber = column.number && typeof column.value(at) === 'number';
+    const cell = make('td', isNumber ? 'number' : 'text');
+    const isBrief = isNumber && column.quantity && !this.allDigits.checked;
+    const brief = isBrief ? sixDigits(text) : firstOf(text, mostInCell);
+    show(cell, brief);
+    if (brief !== text) {
+      cell.append(isNumber ? '' : '…');
+      cell.title = readable(firstOf(text, mostInTitle));
+    }
+    return cell;
+  }
+
+  firstCell(column, at) {
+    const { recorded, tree } = this;
+    const cell = make('th', column.number ? 'number' : '');
+    cell.scope = 'row';
+    const open = show(make('button', 'open'), column.text(at) || '–');
+    open.type = 'button';
+    open.tabIndex = at === this.current ? 0 : -1;
+    open.setAttribute('aria-expanded', this.opened.has(at));
+    if (!this.isTree || (isPrinting() && recorded.status[at] === running)) {
+      cell.append(...this.pathBefore(at), open);
+      return cell;
+    }
+    const level = recorded.depth[at] - 1; // of the rows
+    cell.style.paddingLeft = `${10 + Math.min(level, deepestIndent) * 14}px`;
+    if (level > deepestIndent) {
+      open.prepend(`${recorded.depth[at]}: `);
+    }
+    const name = cell.appendChild(make('div', 'name'));
+    if (tree.folds(at)) {
+      const isFolded = tree.folded.has(at);
+      const fold = button('fold', isFolded ? '▸' : '▾', (event) => {
+        event.stopPropagation();
+        this.fold(at);
+      });
+      fold.tabIndex = -1;
+      fold.setAttribute('aria-label', isFolded ? 'Unfold' : 'Fold');
+      name.append(fold);
+    }
+    name.append(open);
+    return cell;
+  }
+
+  /** In a list, what a row belongs to. */
+  pathBefore(at) {
+    const above = this.recorded.pathTo(at).slice(1, -1);
+    return above.length === 0
+      ? []
+      : [show(make('span', 'hint'), above.map((step) => readable(this.recorded.node[step])).join(' › ')), ' › '];
+  }
+
+  filterUnfinished() {
+    this.filter.showUnfinished();
+    this.element.closest('section').scrollIntoView();
+  }
+
   toggle(at) {
     if (!this.opened.delete(at)) {
       this.open(at);
     }
+    this.current = at;
     this.draw();
-    this.rowOf(at)?.querySelector('button')?.focus({ preventScroll: true });
+    this.focusRow(at);
+  }
+
+  fold(at) {
+    this.tree.toggle(at);
+    this.known = null;
+    this.current = at;
+    this.draw();
+    this.focusRow(at);
   }
 
   open(at) {
@@ -178,30 +272,52 @@ export class Table {
     return this.element.querySelector(`tr[data-execution="${at}"]`);
   }
 
-  /** Shows an execution with its history. */
+  focusRow(at) {
+    this.rowOf(at)?.querySelector('button.open').focus({ preventScroll: true });
+  }
+
+  /** Moves to a row, on whichever page it is. */
+  goTo(at) {
+    const place = this.visible().indexOf(at);
+    if (place >= 0) {
+      this.page = Math.floor(place / rowsAtOnce);
+      this.current = at;
+      this.draw();
+      this.focusRow(at);
+      this.rowOf(at).scrollIntoView({ block: 'nearest' });
+    }
+  }
+
+  /** Shows an execution with its history, whatever hides it. */
   reveal(at) {
     this.open(at);
-    this.page = Math.floor(this.ordered().indexOf(at) / this.rowsShown);
-    this.draw();
-    this.rowOf(at)?.scrollIntoView({ block: 'center' });
-    this.rowOf(at)?.querySelector('button')?.focus({ preventScroll: true });
+    this.tree.unfoldTo(at);
+    this.known = null;
+    if (!this.visible().includes(at)) {
+      this.filter.clear();
+      this.known = null;
+    }
+    this.goTo(at);
+    this.rowOf(at)?.scrollIntoView({ block: 'start' });
   }
 
   offerPages(total) {
-    const pages = Math.ceil(total / this.rowsShown);
+    const pages = Math.ceil(total / rowsAtOnce);
     const go = (label, page) => {
-      const button = make('button', '', label);
-      button.type = 'button';
-      button.disabled = page < 0 || page >= pages;
-      button.addEventListener('click', () => {
+      const goes = button('', label, () => {
         this.page = page;
         this.draw();
         this.element.scrollIntoView();
       });
-      return button;
+      goes.disabled = page < 0 || page >= pages || page === this.page;
+      return goes;
     };
-    document
-      .getElementById('pages')
-      .replaceChildren(...(pages > 1 ? [go('Previous rows', this.page - 1), go('Next rows', this.page + 1)] : []));
+    const choices = [
+      go('First', 0),
+      go('Previous rows', this.page - 1),
+      go('Next rows', this.page + 1),
+      go('Last', pages - 1),
+    ];
+    document.getElementById('pages').replaceChildren(...(pages > 1 ? choices : []));
   }
 }

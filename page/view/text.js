@@ -77,6 +77,29 @@ export const readable = (stored) =>
     .map(([text]) => text)
     .join('');
 
+/** The pieces of a stored text: [piece, isBreak] for each; breaks are line ends and tabs. */
+export const linesOf = (stored) =>
+  noText.test(stored) ? [[stored, false]] : stored.split(/(\r?\n|\t)/).map((piece, at) => [piece, at % 2 === 1]);
+
+/** The begin of a stored text, itself a stored text: at most so many characters and lines. */
+export function firstOf(stored, { characters, lines }) {
+  if (noText.test(stored)) {
+    return stored.length > 2 + 2 * characters ? stored.slice(0, 2 + 2 * characters) : stored;
+  }
+  let lastBreak = -1;
+  for (let line = 0; line < lines && (line === 0 || lastBreak >= 0); ++line) {
+    lastBreak = stored.indexOf('\n', lastBreak + 1);
+  }
+  const end = Math.min(stored.length, characters, lastBreak >= 0 ? lastBreak : Infinity);
+  return stored.slice(0, /[\ud800-\udbff]/.test(stored[end - 1] ?? '') ? end - 1 : end);
+}
+
+/** How long a stored text is, in words. */
+export const sizeOf = (stored) => {
+  const hex = noText.exec(stored);
+  return hex ? count(hex[1].length / 2, 'byte') : count(stored.length, 'character');
+};
+
 /** The name of an event, which may be empty. */
 export const noName = '(no name)';
 export const eventName = (stored) => readable(stored) || noName;

@@ -24,3 +24,16 @@ export function numberOf(value) {
   }
   return typeof value === 'number' && Number.isFinite(value) ? value : NaN;
 }
+
+/** A number as a text with at most six digits behind its leading zeros. A whole number, and what is none, stays. */
+export function sixDigits(text) {
+  const digits = /^[+-]?0*\.?0*([\d.]*)(e|$)/i.exec(text)?.[1].replace('.', '') ?? '';
+  const isWhole = !/[.e]/i.test(text);
+  if (isWhole || digits.length <= 6) {
+    return text;
+  }
+  return Number(text)
+    .toPrecision(6)
+    .replace(/(\.\d*?)0+(e|$)/, '$1$2')
+    .replace(/\.(e|$)/, '$1');
+}

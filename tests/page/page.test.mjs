@@ -13,6 +13,7 @@ import {
   hostile,
   hostileTexts,
   manyKinds,
+  night,
   outlier,
   scratch,
   tiltSeries,
@@ -267,10 +268,7 @@ testPage('the table of a tilt series', { recording: tiltSeries }, async (page, {
 testPage('an unfinished run', { recording: unfinished, colorScheme: 'dark' }, async (page, { folder }) => {
   const open = ask(folder, 'SELECT node FROM execution_states WHERE status = 4 ORDER BY execution_id DESC');
   assert.equal(open.length, 2);
-  assert.deepEqual(
-    await page.locator('#alarm li strong').allTextContents(),
-    open.map(({ node }) => node),
-  );
+  assert.deepEqual(await page.locator('#alarm .path a').allTextContents(), open.map(({ node }) => node).reverse());
   const [alarm, header] = await Promise.all(['#alarm', 'header'].map((part) => page.locator(part).boundingBox()));
   assert.ok(alarm.y + alarm.height <= header.y, 'what did not finish is said first');
   const { timeline } = await charts(page);
@@ -281,6 +279,56 @@ testPage('an unfinished run', { recording: unfinished, colorScheme: 'dark' }, as
   );
   const pages = (await page.pdf({ preferCSSPageSize: true })).toString('latin1').match(/\/Type\s*\/Page\b/g);
   assert.equal(pages.length, 1, 'sheets of paper');
+});
+
+const focused = (page) =>
+  page.evaluate(() => {
+    const row = document.activeElement.closest('tr');
+    return [document.activeElement.textContent, row?.getAttribute('aria-level'), row?.getAttribute('aria-expanded')];
+  });
+
+testPage('the tree of a night', { recording: night }, async (page) => {
+  const names = () => page.locator('#table button.open').allTextContents();
+  const folded = ['grid 1', 'grid 2'];
+  await page.click('#fold-all');
+  assert.deepEqual(await names(), folded);
+  await page.focus('#table button.open');
+  const steps = [
+    ['ArrowRight', ['grid 1', '1', 'true']],
+    ['ArrowRight', ['square 1', '2', 'false']],
+    ['ArrowDown', ['square 2', '2', 'false']],
+    ['ArrowLeft', ['grid 1', '1', 'true']],
+    ['ArrowLeft', ['grid 1', '1', 'false']],
+    ['End', ['grid 2', '1', 'false']],
+  ];
+  for (const [key, expected] of steps) {
+    await page.keyboard.press(key);
+    assert.deepEqual(await focused(page), expected, key);
+  }
+  assert.deepEqual(await names(), folded);
+});
+
+testPage('looking for executions of a night', { recording: night }, async (page, { folder }) => {
+  const choose = async (select, name) => {
+    const options = await page.locator(`${select} option`).allTextContents();
+    await page.selectOption(select, { index: name === '' ? 0 : options.findIndex((text) => text.startsWith(name)) });
+  };
+  const open = ask(folder, 'SELECT node FROM execution_states WHERE status = 4 ORDER BY execution_id');
+  const unfinishedNodes = open.map(({ node }) => node).slice(1);
+  const searches = [
+    ['stage did not', '', '', unfinishedNodes.slice(-1)],
+    ['4117', '', '', unfinishedNodes.slice(-1)],
+    ['hole-26-3.tiff', '', '', ['hole 1']],
+    ['', 'did not finish', '', unfinishedNodes],
+    ['1', 'done', 'Grid', ['grid 1']],
+  ];
+  for (const [text, status, activity, expected] of searches) {
+    await page.fill('#find', text);
+    await choose('#of-status', status);
+    await choose('#of-activity', activity);
+    await page.waitForTimeout(300);
+    assert.deepEqual(await page.locator('#table button.open').allTextContents(), expected, text + status + activity);
+  }
 });
 
 testPage('a run of markup, script, quotes and broken UTF-8', { recording: hostile }, async (page) => {
@@ -339,15 +387,15 @@ testPage('3,000 levels', { recording: () => deep(3000) }, async (page) => {
     `the deeper levels share a lane: ${timeline.texts}`,
   );
   const rows = await page.$$eval('#table th button.open', (buttons) =>
-    buttons.map((button) => [button.textContent, parseInt(button.style.marginLeft, 10)]),
+    buttons.map((button) => [button.textContent, parseInt(button.closest('th').style.paddingLeft, 10)]),
   );
   assert.deepEqual(
     [0, 19, 20, 99].map((at) => rows[at]),
     [
-      ['level 1', 0],
-      ['level 20', 266],
-      ['21: level 21', 266],
-      ['100: level 100', 266],
+      ['level 1', 10],
+      ['level 20', 276],
+      ['21: level 21', 276],
+      ['100: level 100', 276],
     ],
   );
 });

@@ -1,5 +1,5 @@
 // The runs whose pages are tested, each recorded or written into a store of its own. VELORA_BIN has the programs.
-import { execFileSync } from 'node:child_process';
+import { execFileSync, spawnSync } from 'node:child_process';
 import { mkdirSync, mkdtempSync, readFileSync, statSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
@@ -60,6 +60,20 @@ export const tiltSeries = once(() => report(record('tilt', 'sample.mdoc', sample
 
 export const unfinished = () =>
   report(record('unfinished', 'stopped.mdoc', `${sample().subarray(0, 4000)}\nno value\n`));
+
+/** A night that was killed at its last event, an Error. */
+export const night = once(() => {
+  const folder = join(scratch, 'night');
+  mkdirSync(folder);
+  const settings = '<TSAL Instrument="Veldmar 3"><Database Backend="sqlite3" Connection="ts.db"/></TSAL>';
+  writeFileSync(join(folder, 'TSAL.config'), settings);
+  const options = ['--events', 8000, '--start', '2026-11-25T21:00:00.000000Z'];
+  const { signal } = spawnSync(`${bin}/night-run`, ['.', ...options], { cwd: folder });
+  if (signal !== 'SIGKILL') {
+    throw new Error(`night-run ended with ${signal}`);
+  }
+  return report(folder);
+});
 
 export const hostileTexts = {
   node: 'ZValue <script>window.bad = 1</script>',
