@@ -1,10 +1,11 @@
-// What was run, when, on what, and how it ended; what did not finish before everything else.
+// What was run, when, on what, and how it ended.
 
 import { lengthOf } from './clock.js';
 import { colour, statusColour } from './colours.js';
 import { make, show } from './element.js';
+import { showLong } from './long-text.js';
 import { running, statusName } from './statuses.js';
-import { count, eventName, noName, noText, readable } from './text.js';
+import { count, noName, readable } from './text.js';
 
 const mostNamed = 5;
 
@@ -14,7 +15,7 @@ export function showHead(recorded) {
   const session = recorded.sessions.get(recorded.session[root]);
   document.title = `${readable(recorded.node[root])} · ${clock.date(0)}`;
   show(document.getElementById('title'), recorded.node[root]);
-  show(document.getElementById('subtitle'), recorded.description[root]);
+  showLong(document.getElementById('subtitle'), recorded.description[root] ?? '');
   const facts = document.getElementById('facts');
   const fact = (name, ...children) => facts.append(make('div', '', make('dt', '', name), make('dd', '', ...children)));
   const stored = (text) => show(make('span'), text);
@@ -33,11 +34,28 @@ export function showHead(recorded) {
   fact('Sealed', ...sealOf(recorded));
   fact('Shown', ...shownOf(recorded));
   fact('Run', make('code', '', raw.run));
+  showBrief(recorded, session, open, end);
   showConfigurations(recorded);
-  showAlarm(recorded);
   document.getElementById('made').textContent =
     `Made by velora-ts ${raw.tool} at ${clock.local(raw.made)} from the store as it was then. ` +
     "Times are those of this computer's time zone.";
+}
+
+/** The facts in one line; it opens all of them, and is open where that leaves room for the timeline. */
+function showBrief({ unfinished, clock, status, root }, session, open, end) {
+  const parts = [
+    ...(session ? [show(make('span'), session.instrument)] : []),
+    `${clock.date(0)} ${clock.day(0, 0)}`,
+    lengthOf(end),
+    unfinished.length === 0
+      ? statusName(status[root])
+      : open
+        ? 'did not finish'
+        : `${unfinished.length} did not finish`,
+  ];
+  document.getElementById('brief').replaceChildren(...parts.flatMap((part, at) => (at > 0 ? [' · ', part] : [part])));
+  document.getElementById('all-facts').open =
+    unfinished.length === 0 && window.matchMedia('(min-width: 1000px) and (min-height: 800px)').matches;
 }
 
 function shownOf(recorded) {
@@ -77,43 +95,6 @@ function sealOf({ raw, clock }) {
   ];
 }
 
-/** Names what did not finish, the deepest first: there it stopped. */
-function showAlarm(recorded) {
-  const { unfinished, clock } = recorded;
-  const alarm = document.getElementById('alarm');
-  alarm.hidden = unfinished.length === 0;
-  alarm.replaceChildren();
-  if (alarm.hidden) {
-    return;
-  }
-  const deepest = [...unfinished].sort((a, b) => recorded.depth[b] - recorded.depth[a] || b - a);
-  const list = make(
-    'ul',
-    '',
-    ...deepest.slice(0, mostNamed).map((at) => {
-      const last = recorded.eventsOf[at].at(-1);
-      const words = last
-        ? [', last event ', eventName(last.batch.shape.name), ` at ${clock.local(last.at)}`]
-        : [', no event'];
-      return make(
-        'li',
-        '',
-        show(make('strong'), recorded.node[at]),
-        ` running since ${clock.local(recorded.started[at])}`,
-        ...words,
-      );
-    }),
-  );
-  if (unfinished.length > mostNamed) {
-    list.append(make('li', '', `and ${(unfinished.length - mostNamed).toLocaleString('en')} more`));
-  }
-  alarm.append(
-    make('strong', '', `Did not finish: ${count(unfinished.length, 'execution')}`),
-    ` of ${recorded.count.toLocaleString('en')} had not ended when this page was made.`,
-    list,
-  );
-}
-
 function showConfigurations(recorded) {
   const { configurations } = recorded.raw;
   const names = [
@@ -133,8 +114,7 @@ function showConfigurations(recorded) {
           .filter(([, field]) => configuration[field])
           .map(([name, field]) => make('div', '', make('dt', '', name), show(make('dd'), configuration[field]))),
       );
-      const text = make('pre');
-      text.textContent = readableLines(configuration.configuration_text);
+      const text = showLong(make('pre'), configuration.configuration_text, { characters: 100000, lines: 2000 });
       return make(
         'details',
         '',
@@ -145,15 +125,6 @@ function showConfigurations(recorded) {
     }),
   );
 }
-
-/** A text of several lines; its line ends and tabs stay. */
-const readableLines = (stored) =>
-  noText.test(stored)
-    ? readable(stored)
-    : stored
-        .split(/(\r?\n|\t)/)
-        .map((piece, at) => (at % 2 === 1 ? piece : readable(piece)))
-        .join('');
 
 export function showLegend(recorded) {
   const codes = [...new Set(recorded.status)].sort((a, b) => b - a);

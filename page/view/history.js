@@ -1,12 +1,13 @@
-// The history of one execution: its statuses, and its parameters grouped by event.
+// The history of one execution: its statuses, and its events with their parameters.
 
 import { statusVariable } from './colours.js';
-import { make, show } from './element.js';
-import { statusName } from './statuses.js';
+import { addInSteps, button, make } from './element.js';
+import { eventBlock } from './event-block.js';
+import { showLong } from './long-text.js';
+import { running, statusName } from './statuses.js';
 import { count } from './text.js';
-import { valueText } from './values.js';
 
-const eventsAtOnce = 50;
+const eventsAtOnce = 20;
 
 export function historyOf(recorded, at) {
   const { clock } = recorded;
@@ -23,59 +24,29 @@ export function historyOf(recorded, at) {
     'p',
     'hint',
     `execution ${recorded.number[at]} of the store; `,
-    show(make('span'), recorded.description[at] ?? ''),
+    showLong(make('span', 'text'), recorded.description[at] ?? ''),
   );
-  const block = make(
-    'div',
-    'history',
-    facts,
-    make('h3', '', 'Statuses'),
-    statuses,
-    make('h3', '', count(recorded.eventsOf[at].length, 'event')),
-  );
-  if (recorded.raw.slices) {
-    block.append(make('p', 'hint', 'Only events that were kept when binning are listed.'));
-  }
-  addEvents(block, recorded, recorded.eventsOf[at], 0);
+  const block = make('div', 'history', facts, make('h3', '', 'Statuses'), statuses, ...eventsOf(recorded, at));
   return block;
 }
 
-function addEvents(block, recorded, events, from) {
-  for (const event of events.slice(from, from + eventsAtOnce)) {
-    block.append(eventBlock(recorded, event));
+/** The events, of what did not finish the newest first: there it stopped. */
+function eventsOf(recorded, at) {
+  const events = recorded.eventsOf[at];
+  const list = make('div', 'events');
+  const order = button('order', '', () => put(!newestFirst));
+  let newestFirst;
+  function put(newest) {
+    newestFirst = newest;
+    order.textContent = newest ? 'Newest first' : 'Oldest first';
+    order.title = `Show the ${newest ? 'oldest' : 'newest'} first`;
+    list.replaceChildren();
+    addInSteps(list, newest ? [...events].reverse() : events, eventsAtOnce, (event) => eventBlock(recorded, event));
   }
-  const left = events.length - from - eventsAtOnce;
-  if (left > 0) {
-    const more = make('button', '', `Show more: ${left.toLocaleString('en')} further events`);
-    more.type = 'button';
-    more.addEventListener('click', () => {
-      more.remove();
-      addEvents(block, recorded, events, from + eventsAtOnce);
-    });
-    block.append(more);
-  }
-}
-
-function eventBlock(recorded, event) {
-  const { shape, values: columns } = event.batch;
-  const title = make(
-    'h4',
-    '',
-    show(make('span'), shape.name),
-    make('time', 'hint', ` ${recorded.clock.local(event.at)}`),
-  );
-  const list = make('dl', 'parameters');
-  shape.parameters.forEach(([name, kind], place) => {
-    const term = show(make('dt'), name);
-    term.title = kind;
-    list.append(
-      make(
-        'div',
-        '',
-        term,
-        show(make('dd', kind === 'text' ? 'text' : ''), valueText(columns[place][event.row], kind)),
-      ),
-    );
-  });
-  return make('section', 'event', title, list);
+  put(recorded.status[at] === running);
+  return [
+    make('h3', '', count(events.length, 'event'), ...(events.length > 1 ? [' ', order] : [])),
+    ...(recorded.raw.slices ? [make('p', 'hint', 'Only events that were kept when binning are listed.')] : []),
+    list,
+  ];
 }

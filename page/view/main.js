@@ -1,5 +1,6 @@
 // Puts the parts of the page together.
 
+import { showCause } from './cause.js';
 import { oncePerFrame } from './chart.js';
 import { csvOfEvents, csvOfTable, download } from './csv.js';
 import { Recorded } from './recorded.js';
@@ -17,6 +18,7 @@ byId('recorded').remove();
 byId('licences').textContent = byId('licence-texts').textContent;
 
 showHead(recorded);
+showCause(recorded, () => table.filterUnfinished());
 const time = new TimeWindow(recorded.first, recorded.last);
 const table = new Table(byId('table'), recorded);
 const reveal = (at) => (at === recorded.root ? showOwnHistory(true) : table.reveal(at));
@@ -25,6 +27,17 @@ const plot = recorded.quantities.some((quantity) => quantity.numeric)
   ? new Plot(byId('plot'), recorded, time, reveal)
   : null;
 byId('plot').closest('section').hidden = plot === null;
+
+/** Opens what a link refers to, and shows it in the timeline. */
+function follow(address) {
+  const at = recorded.indexOf.get(Number(/^#execution-(\d+)$/.exec(address)?.[1]));
+  if (at !== undefined) {
+    const [from, to] = [recorded.started[at], Math.min(recorded.endOf(at), recorded.last)];
+    const margin = Math.max((to - from) * 0.1, 1e5);
+    time.show(from - margin, to + margin);
+    reveal(at);
+  }
+}
 
 function showOwnHistory(shown) {
   byId('own-history').setAttribute('aria-expanded', shown);
@@ -70,3 +83,10 @@ window.addEventListener('resize', oncePerFrame(redraw));
 window.matchMedia('(prefers-color-scheme: dark)').addEventListener('change', redraw);
 preparePrinting(table, redraw);
 redraw();
+document.addEventListener('click', (event) => {
+  const link = event.target.closest('a[href]');
+  if (link?.hash) {
+    follow(link.hash); // again, too, if it is the newest that was followed
+  }
+});
+follow(window.location.hash);

@@ -287,6 +287,36 @@ const focused = (page) =>
     return [document.activeElement.textContent, row?.getAttribute('aria-level'), row?.getAttribute('aria-expanded')];
   });
 
+const small = { width: 800, height: 600 };
+
+testPage('where a night stopped', { recording: night, viewport: small }, async (page, { folder }) => {
+  const [{ message }] = ask(folder, "SELECT value_text AS message FROM readings WHERE parameter = 'Message'");
+  assert.equal(await page.locator('#alarm .event h4 span').first().textContent(), 'Error');
+  assert.deepEqual(await page.locator('#alarm .event:nth-of-type(1) dd').allTextContents(), [
+    ...[message, '4117', ...texts(folder, 'Position')],
+  ]);
+  const first = await page.locator('#timeline').evaluate((found) => found.getBoundingClientRect().top);
+  assert.ok(first < small.height - 100, `the timeline begins at ${first}`);
+
+  const open = ask(folder, 'SELECT node FROM execution_states WHERE status = 4 ORDER BY execution_id');
+  const links = page.locator('#alarm .path a');
+  assert.deepEqual(
+    await links.allTextContents(),
+    open.map(({ node }) => node),
+  );
+  await page.click('#fold-all');
+  await afterDrawing(page, () => links.last().click());
+  assert.deepEqual(await focused(page), [open.at(-1).node, '3', null]);
+  assert.equal(await page.locator('#table .event h4 span').first().textContent(), 'Error');
+  assert.ok(
+    (await counts(page))[0] <= 5,
+    'the timeline shows the hole, what it belongs to, and at most the one before',
+  );
+  await page.evaluate(() => window.dispatchEvent(new window.Event('beforeprint')));
+  const paper = await page.locator('#alarm dd').first().boundingBox();
+  assert.ok(paper.y + paper.height < 300, 'the message is at the top of the paper');
+});
+
 testPage('the tree of a night', { recording: night }, async (page) => {
   const names = () => page.locator('#table button.open').allTextContents();
   const folded = ['grid 1', 'grid 2'];
