@@ -1,6 +1,7 @@
 #include "store/recording/Preparation.h"
 
 #include "store/recording/Writer.h"
+#include "store/schema/SessionLocks.h"
 #include "store/schema/Tables.h"
 
 #include <map>
@@ -71,7 +72,7 @@ void GrantTo(const std::string& role, Writer& store) {
                        {"tables", tables},
                        {"sequences", sequences},
                        {"functions", functions},
-                       {"tables of hosts", Listed(HostTables())},
+                       {"tables of hosts", Listed(HostTables()) + ", " + SessionLocks().name},
                        {"functions of hosts", hostFunctions}};
   Transaction transaction(store);
   for (const char* grant : grants) {

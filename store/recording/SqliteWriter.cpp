@@ -1,6 +1,7 @@
 #include "store/recording/SqliteWriter.h"
 
 #include "store/schema/BringUp.h"
+#include "store/schema/SessionLocks.h"
 
 #include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/System.h>
@@ -129,13 +130,34 @@ void SqliteWriter::Begin() {
 void SqliteWriter::Commit() {
   ExpectFilesInPlace();
   connection.Run("COMMIT");
+  if (lock) {
+    lock->Keep();
+    lock.reset();
+  }
   waiting.EndTurn();
   ExpectFilesInPlace();
 }
 
 void SqliteWriter::Rollback() {
+  lock.reset();
   Writer::Rollback();
   waiting.EndTurn();
+}
+
+void SqliteWriter::HoldLock(long long session) {
+  const std::string file = sqlite3_db_filename(connection.Handle(), "main");
+  lock.emplace(LockFileOf(file), file, session);
+  if (!lock->IsHeld()) {
+    return;
+  }
+  try {
+    connection.Run("INSERT INTO session_locks (session_id, place) VALUES (?1, ?2)", session, lock->Place());
+  } catch (const DatabaseError&) {
+    lock.reset();
+    if (IsOutsideTransaction()) {
+      throw;
+    }
+  }
 }
 
 long long SqliteWriter::NextKey(const std::string& table, const std::string& column) {

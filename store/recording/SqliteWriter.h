@@ -5,6 +5,8 @@
 #include "store/recording/SqliteWaiting.h"
 #include "store/recording/Writer.h"
 
+#include <VeloraSystem/ProcessLock.h>
+
 #include <optional>
 #include <string>
 
@@ -30,6 +32,7 @@ class SqliteWriter : public Writer {
                                            const std::vector<ActivityVersionRow>& versions) override {
     return RegisterOneByOne(*this, registration, versions);
   }
+  void HoldLock(long long session) override;
   bool IsUsable() override;
   bool IsOutsideTransaction() override;
 
@@ -46,7 +49,8 @@ class SqliteWriter : public Writer {
 
   SqliteConnection connection;
   SqliteWaiting waiting;
-  std::optional<SqliteFiles> files;  // once all three are open
+  std::optional<SqliteFiles> files;         // once all three are open
+  std::optional<System::ProcessLock> lock;  // of the session that the open transaction adds
 };
 
 }  // namespace Velora::Store

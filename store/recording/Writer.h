@@ -59,6 +59,9 @@ class Writer {
   virtual std::vector<ActivityVersionRow> Register(const Registration& registration,
                                                    const std::vector<ActivityVersionRow>& versions) = 0;
 
+  /// Takes the lock by which others see that the host of a new session lives (SessionLocks.h), and notes where it is,
+  /// within the transaction that adds the session. Without the lock, the session is recorded all the same.
+  virtual void HoldLock(long long /*session*/) {}
   /// Waits for the statements of the transaction that were sent without waiting; throws the first error of them.
   virtual void Settle() {}
 

@@ -220,7 +220,7 @@ const char* const rights = R"(
                      FROM pg_class, aclexplode(relacl)
                      WHERE oid = CAST('executions' AS regclass) AND grantee <> relowner
                        AND privilege_type IN ('SELECT', 'INSERT') LOOP
-        EXECUTE 'GRANT ' || allowed.privilege || ' ON notes TO ' || allowed.role;
+        EXECUTE 'GRANT ' || allowed.privilege || ' ON notes, session_locks TO ' || allowed.role;
         IF allowed.privilege = 'SELECT' THEN
           EXECUTE 'GRANT SELECT ON running TO ' || allowed.role;
         ELSE

@@ -23,7 +23,7 @@ extern const char* const textDigest;
 extern const char* const keys;
 extern const char* const partitions;
 extern const char* const refusals;
-/// Lets everybody who may read executions read the new tables, and hosts add notes. A new store has no such roles.
+/// Lets everybody who may read executions read the new tables, and hosts add to them. A new store has no such roles.
 extern const char* const rights;
 
 }  // namespace Version3

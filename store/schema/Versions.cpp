@@ -2,6 +2,7 @@
 
 #include "store/schema/PostgreSqlDialect.h"
 #include "store/schema/ServerStatements.h"
+#include "store/schema/SessionLocks.h"
 #include "store/schema/SqliteDialect.h"
 
 #include <algorithm>
@@ -52,6 +53,7 @@ void Third(Dialect& to) {
     to.MakeIndexes(table, 3);
   }
   to.NoteRunning();
+  to.Make(SessionLocks());
   to.OnServer(Server::Version3::rights);
   to.Replace(Views::Unfinished());
 }

@@ -2,6 +2,7 @@
 
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
+#include "store/schema/SessionLocks.h"
 #include "store/schema/Tables.h"
 
 namespace Velora::Store {
@@ -15,9 +16,12 @@ std::string Names() {
     recorded.push_back(table.name);
   }
   recorded.emplace_back("running");
+  recorded.push_back(SessionLocks().name);
+  std::vector<std::string> ofHosts = HostTables();
+  ofHosts.push_back(SessionLocks().name);
   const auto list = [](const std::string& names) { return "string_to_array('" + names + "', ', ')"; };
   return "WITH names (recorded, host_tables, host_functions) AS (VALUES (" + list(Listed(recorded)) + ", " +
-         list(Listed(HostTables())) + ", " + list(hostFunctions) + ")),";
+         list(Listed(ofHosts)) + ", " + list(hostFunctions) + ")),";
 }
 
 // All rights that are granted on the objects of a store, and whether hosts need them. Views of the owner, in any

@@ -18,6 +18,7 @@ Session::Session(const Settings& settings, std::unique_ptr<Writer> opened, const
   row = RunOn(std::make_unique<OpenStore>(std::move(opened)), [&](OpenStore& store) {
     Transaction transaction(*store.writer);
     const long long key = InsertSession(*store.writer, guid, settings.instrument, {text1, text2, text3});
+    store.writer->HoldLock(key);
     transaction.Commit();
     return key;
   });

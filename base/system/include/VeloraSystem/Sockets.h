@@ -11,4 +11,10 @@ void ShutDownSocket(int socket);
 /// @return false if the time ended first.
 bool AwaitSocket(int socket, bool toWrite, std::chrono::milliseconds longest);
 
+/// Keeps a socket from the children of this process: programs that it starts do not get it, and a forked child closes
+/// it. @return whether that is so.
+bool KeepFromChildren(int socket);
+/// Must be called before such a socket is closed: its number can then be that of another one.
+void ForgetSocket(int socket);
+
 }  // namespace Velora::System

@@ -1,0 +1,158 @@
+#include "store/reading/Hosts.h"
+
+#include "store/Error.h"
+#include "store/reading/Executions.h"
+#include "store/reading/HeldLocks.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
+#include "store/reading/Runs.h"
+#include "store/reading/Unfinished.h"
+#include "store/schema/SessionLocks.h"
+
+#include <functional>
+#include <set>
+#include <utility>
+
+namespace Velora::Store {
+
+namespace {
+
+using Visitor = std::function<void(UnfinishedExecution execution)>;
+
+void ForEachUnfinished(const Reader& store, const Visitor& visit) {
+  Rows rows(store,
+            "SELECT x.execution_id, x.root_id, s.session_id FROM running CROSS JOIN executions x CROSS JOIN statuses s "
+            "WHERE x.execution_id = running.execution_id AND s.status_id = running.status_id AND 4 = (SELECT code FROM "
+            "statuses WHERE execution_id = x.execution_id ORDER BY status_id DESC LIMIT 1) ORDER BY x.execution_id");
+  while (rows.Next()) {
+    visit({rows.Integer(0), rows.Integer(1), rows.Integer(2), {}});
+  }
+}
+
+KnownState NotKnown(std::string why) { return {RunState::NotKnown, std::move(why)}; }
+
+constexpr const char* earlierStore = "the store had an earlier version, whose hosts hold no locks";
+
+/// @param places an asked query for the places of the session's lock.
+KnownState StateOf(long long session, Rows& places, const HeldLocks& locks) {
+  bool any = false;
+  bool isHere = false;
+  bool isCertain = false;
+  while (places.Next()) {
+    const std::string_view place = places.Text(0);
+    any = true;
+    isHere = isHere || (!locks.where.empty() && place.starts_with(locks.where));
+    isCertain = isCertain || place == locks.where + locks.since;
+  }
+  if (!any) {
+    return NotKnown("its host has an earlier version, or could take no lock");
+  }
+  if (!locks.whyNot.empty()) {
+    return NotKnown(locks.whyNot);
+  }
+  if (!isHere) {
+    return NotKnown("its host holds no lock here: the store is a copy, or its locks were removed");
+  }
+  const std::optional<bool> held = locks.IsHeld(session);
+  if (!held) {
+    return NotKnown("the system does not tell whether its host holds a lock");
+  }
+  if (!*held && !isCertain) {
+    return NotKnown("the server was restarted or ended connections since its host took a lock");
+  }
+  return {*held ? RunState::Running : RunState::Stopped};
+}
+
+}  // namespace
+
+const char* NameOf(RunState state) {
+  switch (state) {
+    case RunState::Finished:
+      return "finished";
+    case RunState::Running:
+      return "running";
+    case RunState::Stopped:
+      return "stopped";
+    default:
+      return "unknown";
+  }
+}
+
+Hosts::Hosts(const Reader& store) : store(store) {}
+
+KnownState Hosts::Of(const Execution& execution) {
+  if (!IsRunning(execution)) {
+    return {};
+  }
+  Look();
+  const auto found = unfinished.find(execution.key);
+  return found == unfinished.end() ? NotKnown(earlierStore) : found->second.known;
+}
+
+KnownState Hosts::Of(const Run& run) {
+  Look();
+  if (!notes) {
+    return IsUnfinished(store, run) ? NotKnown(earlierStore) : KnownState();
+  }
+  KnownState ofRun;
+  for (const UnfinishedExecution& one : UnfinishedOf(run)) {
+    const RunState state = one.known.state;
+    if (ofRun.state == RunState::Finished || state == RunState::Running ||
+        (state == RunState::NotKnown && ofRun.state == RunState::Stopped)) {
+      ofRun = one.known;
+    }
+  }
+  return ofRun;
+}
+
+std::vector<UnfinishedExecution> Hosts::UnfinishedOf(const Run& run) {
+  Look();
+  std::vector<UnfinishedExecution> executions;
+  for (const long long key : ofRuns[run.root]) {
+    executions.push_back(unfinished[key]);
+  }
+  return executions;
+}
+
+void Hosts::Look() {
+  if (std::exchange(looked, true) || !NotesRunning(store)) {
+    return;
+  }
+  notes = true;
+  std::map<long long, KnownState> sessions;
+  ForEachUnfinished(store, [&](const UnfinishedExecution& one) {
+    unfinished[one.key] = one;
+    ofRuns[one.root].push_back(one.key);
+    sessions[one.session];
+  });
+  if (sessions.empty()) {
+    return;
+  }
+  const auto locks = AskForLocks(store);
+  Rows places(store, "SELECT place FROM session_locks WHERE session_id = ?1");
+  for (auto& [session, known] : sessions) {
+    known = StateOf(session, places.Ask(session), *locks);
+  }
+  bool anyStopped = false;
+  for (auto& [key, one] : unfinished) {
+    one.known = sessions[one.session];
+    anyStopped = anyStopped || one.known.state == RunState::Stopped;
+  }
+  if (anyStopped) {
+    ConfirmStopped();
+  }
+}
+
+// A host can have finished its work and ended between the state that the reader has and the question for its lock. What
+// it finished was running in that state.
+void Hosts::ConfirmStopped() {
+  std::set<long long> still;
+  ForEachUnfinished(Reader(store.Where()), [&still](const UnfinishedExecution& one) { still.insert(one.key); });
+  for (auto& [key, one] : unfinished) {
+    if (one.known.state == RunState::Stopped && still.count(key) == 0) {
+      one.known.state = RunState::Running;
+    }
+  }
+}
+
+}  // namespace Velora::Store
