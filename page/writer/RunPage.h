@@ -13,7 +13,6 @@ struct Run;
 
 namespace Velora::Page {
 
-
 /// The page of a run: one HTML file that needs neither another file nor a network.
 class RunPage {
  public:

@@ -48,6 +48,10 @@ class Look : public ToolTest {
 };
 
 TEST_F(Look, ShowsWhatThereIs) {
+  create_directory(folder / "units");
+  folder.Write(
+      "units/TSAL.config",
+      "<TSAL><Unit Parameter='TiltAngle' Text='°'/><Database Backend='sqlite3' Connection='../ts.db'/></TSAL>");
   static const struct {
     std::string arguments;
     int code;
@@ -70,6 +74,8 @@ TEST_F(Look, ShowsWhatThereIs) {
        "\\[\n\\{\"guid\":\"ffffffff-0000[^\n]*\"node\":\"\\\\u001b[^\n]*"
        "\"started_at\":\"2026-11-26T10:00:00.000000Z\"[^\n]*\"unfinished\":true,"
        "\"notes\":\\[\\{\"number\":1,\"author\":\"An\\\\u001bna\",\"kind\":\"cause\",[^\n]*\\}\\]\\}\n\\]\n"},
+      {"show --columns 'TiltAngle,Note [a],FramesOnDisk' 0ecba827 --config units", 0,
+       "[^]* TiltAngle \\[°\\] +Note \\[a\\] +FramesOnDisk\n[^]*"},
       {"show --columns TiltAngle,Note 0ecba827", 0,
        "run +0ecba827-[^]*state +done\nduration +0:00:00.031\n\nexecution +activity +state[^\n]*TiltAngle +Note\n"
        "ZValue 0[^\n]* 0:00:00.008 +0.5\nZValue 1[^\n]* 0:00:00.008 +3.1  it's \uFFFD\n"},

@@ -4,6 +4,7 @@
 #include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
+#include "output/Units.h"
 #include "output/Words.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/ExecutionPath.h"
@@ -41,6 +42,7 @@ struct ShowOptions {
   bool tree = false;                 ///< All levels below the run, not only its children.
   bool events = false;               ///< The events of the run too.
   std::vector<std::string> columns;  ///< The parameters to show of each execution.
+  Units units;                       ///< Of these.
   int digits = usualDigits;          ///< The significant digits of numbers.
 };
 
@@ -165,7 +167,7 @@ class Show {
                                            {.title = "started", .times = TextTable::Times::OfDay},
                                            {.title = "duration", .number = true}};
     for (const std::string& name : options.columns) {
-      columns.push_back({Printable(name)});
+      columns.push_back({options.units.Head(name)});
     }
     if (options.columns.empty()) {
       columns.push_back({"parameters", false, true});
@@ -239,7 +241,9 @@ class ShowVerb : public StoreVerb {
 
   ExitCode Execute() override {
     chosen.digits = digits.Value();
-    const Reader store(Database());
+    const Settings settings = StoreSettings();
+    chosen.units = Units(settings.units);
+    const Reader store(settings.database);
     const std::optional<Run> run = TheRunNamed(store, name);
     if (!run) {
       return Found;
