@@ -17,6 +17,11 @@ export class Clock {
     );
   }
 
+  /** Microseconds from 1970 as those from the start. */
+  since(microseconds) {
+    return microseconds - this.milliseconds * 1000 - this.rest;
+  }
+
   /** The local midnight before the start. */
   get midnight() {
     const start = new Date(this.milliseconds);

@@ -3,7 +3,7 @@
 import { lengthOf } from './clock.js';
 import { numberCell, textCell, valueCell } from './csv.js';
 import { statusName } from './statuses.js';
-import { numberOf, valueText } from './values.js';
+import { valueText } from './values.js';
 
 const likelyColumns = ['TiltAngle', 'ExposureDose', 'Defocus'];
 const mostOwnColumns = 5;
@@ -65,15 +65,18 @@ function fixedColumns(recorded) {
 function parameterColumn(recorded, quantity, name) {
   const newest = (at) => {
     quantity.newest ??= newestOf(recorded, quantity);
-    const event = quantity.newest.get(at);
+    return quantity.newest.get(at);
+  };
+  const stored = (at) => {
+    const event = newest(at);
     return event ? [recorded.valueOf(event, quantity), recorded.kindOf(event, quantity)] : [undefined];
   };
-  const text = (at) => valueText(...newest(at));
+  const text = (at) => valueText(...stored(at));
   const value = (at) => {
-    const number = numberOf(newest(at)[0]);
+    const number = newest(at) ? recorded.coordinateOf(newest(at), quantity) : NaN;
     return Number.isNaN(number) ? text(at) : number;
   };
-  const csv = (at) => valueCell(...newest(at));
+  const csv = (at) => valueCell(...stored(at));
   return column(name, value, {
     ...{ text, csv, quantity, occurrence: quantity.occurrence, number: quantity.numeric, shown: false },
   });
@@ -91,6 +94,9 @@ function newestOf(recorded, quantity) {
   }
   return newest;
 }
+
+/** The columns by whose times the steps can be ordered: hosts that record a file state when each was really done. */
+export const orders = (columns) => columns.filter(({ quantity }) => quantity?.timely);
 
 export function pickLikely(columns, rows) {
   const below = new Set(rows.slice(0, 1000));

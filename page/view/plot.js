@@ -3,6 +3,7 @@
 import { Chart, isPrinting, left, plain, right, shortened, timeAxis } from './chart.js';
 import { colour, statusColour } from './colours.js';
 import { make } from './element.js';
+import { firstOver, firstQuantity } from './first-plot.js';
 import { drawnOf, fewPoints, placesIn, Points, rangeOf, side } from './points.js';
 import { barsIn, slicesIn, slicesOf } from './slices.js';
 import { done, statusName } from './statuses.js';
@@ -16,19 +17,12 @@ const [top, bottom] = [12, 44]; // around the drawing
 // on the screen.
 const manySize = () => (isPrinting() ? 4 : 3.9);
 
-/** What a tilt series is looked at for: [y, x]. */
-const sensiblePairs = [
-  ['Defocus', 'TiltAngle'],
-  ['TiltAngle', null],
-];
-
 export class Plot {
   constructor(element, recorded, time, open) {
-    Object.assign(this, { element, recorded, time, open });
+    Object.assign(this, { element, recorded, time, open, quantities: recorded.quantities });
     this.choiceY = document.getElementById('plot-y');
     this.choiceX = document.getElementById('plot-x');
     this.note = document.getElementById('plot-note');
-    this.quantities = recorded.quantities.filter((quantity) => quantity.numeric);
     this.chart = new Chart(element, time, () => this.x === null);
     this.chart.onItem(({ seriesIndex, dataIndex }) => {
       const event = this.groups[seriesIndex]?.points[dataIndex]?.event;
@@ -52,51 +46,32 @@ export class Plot {
     for (const { name } of this.recorded.kinds) {
       const group = make('optgroup');
       group.label = eventName(name);
-      this.quantities.forEach((quantity, at) => {
-        if (quantity.event === name) {
-          group.append(new Option(quantity.label, at));
-        }
-      });
+      group.append(...this.options((quantity) => quantity.numeric && quantity.event === name));
       if (group.children.length > 0) {
         this.choiceY.append(group);
       }
     }
-    [this.y, this.x] = this.sensible();
+    this.y = firstQuantity(this.quantities.filter(({ numeric }) => numeric));
+    this.x = firstOver(this.recorded, this.y);
     this.choiceY.value = this.quantities.indexOf(this.y);
     this.offerX();
   }
 
   /** Offers the parameters of the same event, and keeps what is chosen where it is one. */
   offerX() {
-    this.choiceX.replaceChildren(new Option('time', ''));
-    this.quantities.forEach((quantity, at) => {
-      if (quantity.event === this.y.event && quantity !== this.y) {
-        this.choiceX.append(new Option(quantity.label, at));
-      }
-    });
-    if (this.x?.event !== this.y?.event || this.x === this.y) {
+    const isOther = (quantity) => quantity.event === this.y.event && quantity !== this.y;
+    this.choiceX.replaceChildren(
+      new Option('time', ''),
+      ...this.options((quantity) => isOther(quantity) && (quantity.numeric || quantity.timely)),
+    );
+    if (this.x !== null && !isOther(this.x)) {
       this.x = null;
     }
     this.choiceX.value = this.x ? this.quantities.indexOf(this.x) : '';
   }
 
-  sensible() {
-    const named = (name, event) =>
-      this.quantities.find((quantity) => quantity.name === name && (event === undefined || quantity.event === event));
-    for (const [nameY, nameX] of sensiblePairs) {
-      const y = named(nameY);
-      const x = nameX && y ? named(nameX, y.event) : null;
-      if (y && (x || nameX === null)) {
-        return [y, x];
-      }
-    }
-    return [this.quantities.find((quantity) => this.varies(quantity)) ?? this.quantities[0], null];
-  }
-
-  varies(quantity) {
-    const { events } = this.recorded.kinds.find((kind) => kind.name === quantity.event);
-    const valueOf = (event) => this.recorded.valueOf(event, quantity);
-    return events.some((event) => valueOf(event) !== valueOf(events[0]));
+  options(isOffered) {
+    return this.quantities.flatMap((quantity, at) => (isOffered(quantity) ? [new Option(quantity.label, at)] : []));
   }
 
   draw() {
@@ -127,7 +102,7 @@ export class Plot {
         continue;
       }
       const y = numberOf(value);
-      const x = quantityX === null ? event.at : numberOf(recorded.valueOf(event, quantityX));
+      const x = quantityX === null ? event.at : recorded.coordinateOf(event, quantityX);
       const code = recorded.status[event.execution];
       if (Number.isNaN(x) || Number.isNaN(y)) {
         noNumber.push(event);
@@ -234,9 +209,22 @@ export class Plot {
       time,
       recorded: { clock },
     } = this;
+    const nameOf = (name, at) => this.nameOf(`${name}, UTC${clock.offset(at)}`);
+    if (this.x?.timely) {
+      const shown = this.timesOfX();
+      const dated = clock.spansDays || [shown.from, shown.to].some((at) => clock.date(at) !== clock.date(0));
+      return { ...timeAxis(shown, clock, this.chart.width, dated), ...nameOf(shortened(this.x.label, 40), shown.from) };
+    }
     return this.x === null
-      ? { ...timeAxis(time, clock, this.chart.width), ...this.nameOf(`time, UTC${clock.offset(time.from)}`) }
+      ? { ...timeAxis(time, clock, this.chart.width), ...nameOf('time', time.from) }
       : this.axis(this.x);
+  }
+
+  /** From the first to the last time that a parameter states, and a little around it. */
+  timesOfX() {
+    const [first, last] = rangeOf(this.read.groups, 'x', this.spans);
+    const margin = Math.max(1e6, 0.01 * (last - first));
+    return first <= last ? { from: first - margin, to: last + margin } : this.time;
   }
 
   nameOf(name) {
@@ -300,13 +288,16 @@ export class Plot {
   }
 
   wordsFor({ event, x, y }) {
+    const { clock } = this.recorded;
+    const words = (quantity, number) =>
+      quantity.timely ? `${clock.date(number)} ${clock.day(number)}` : quantity.boolean ? number === 1 : number;
     const value = (quantity, number) =>
-      `${shortened(plain(quantity.name), 40)}  ${quantity.boolean ? number === 1 : number}${this.unitOf(quantity)}`;
+      `${shortened(plain(quantity.name), 40)}  ${words(quantity, number)}${this.unitOf(quantity)}`;
     return [
       value(this.y, y),
       ...(this.x ? [value(this.x, x)] : []),
       shortened(plain(this.recorded.node[event.execution]), 60),
-      `${this.recorded.clock.moment(event.at, 6)}, ${statusName(this.recorded.status[event.execution])}`,
+      `${clock.moment(event.at, 6)}, ${statusName(this.recorded.status[event.execution])}`,
     ].join('\n');
   }
 }

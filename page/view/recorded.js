@@ -3,13 +3,17 @@
 import { Clock } from './clock.js';
 import { form, texts, values, wholeColumn, wholes } from './form.js';
 import { running } from './statuses.js';
+import { statedTime } from './stated-time.js';
 import { readable } from './text.js';
 import { numberOf } from './values.js';
+
+const enoughTexts = 100; // to see whether all are times
 
 /** A parameter of a kind of event: the occurrence-th of its name there. */
 class Quantity {
   constructor(event, name, occurrence) {
-    Object.assign(this, { event, name, occurrence, places: new Map(), numeric: false, boolean: true });
+    Object.assign(this, { event, name, occurrence, places: new Map(), columns: [] });
+    Object.assign(this, { numeric: false, boolean: true, timely: null });
   }
 
   /** It stands at this place of a shape. */
@@ -17,6 +21,16 @@ class Quantity {
     this.places.set(shape, place);
     this.boolean &&= kind === 'bool';
     shape.quantities[place] = this;
+  }
+
+  /** It has these values in a batch. */
+  take(column, kind) {
+    this.columns.push(column);
+    this.numeric ||= column.some((value) => !Number.isNaN(numberOf(value)));
+    const some = kind === 'text' ? column.slice(0, enoughTexts).filter((text) => text !== null) : [];
+    if (some.length > 0) {
+      this.timely = this.timely !== false && some.every((text) => !Number.isNaN(statedTime(text)));
+    }
   }
 
   get label() {
@@ -141,7 +155,7 @@ export class Recorded {
     this.quantities = [...found.values()];
     for (const { shape, values: columns } of this.batches) {
       columns.forEach((column, place) => {
-        shape.quantities[place].numeric ||= column.some((value) => !Number.isNaN(numberOf(value)));
+        shape.quantities[place].take(column, shape.parameters[place][1]);
       });
     }
   }
@@ -150,6 +164,12 @@ export class Recorded {
   valueOf(event, quantity) {
     const place = quantity.places.get(event.batch.shape);
     return place === undefined ? undefined : event.batch.values[place][event.row];
+  }
+
+  /** Where that value lies on an axis: the number, or the time that a text states; NaN for none. */
+  coordinateOf(event, quantity) {
+    const value = this.valueOf(event, quantity);
+    return quantity.timely ? this.clock.since(statedTime(value)) : numberOf(value);
   }
 
   kindOf(event, quantity) {

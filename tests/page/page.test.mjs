@@ -16,6 +16,7 @@ import {
   night,
   outlier,
   scratch,
+  stepOfDecember,
   tiltSeries,
   unfinished,
   withOutlier,
@@ -172,16 +173,22 @@ testPage('the head and the plot of a tilt series', { recording: tiltSeries }, as
   assert.ok(!(await page.isVisible('#alarm')));
   assert.deepEqual(await counts(page), [42, 42, 0]);
 
-  const defocus = numbers(folder, 'Defocus');
   const angle = numbers(folder, 'TiltAngle');
   const { plot } = await charts(page);
+  assert.deepEqual(everySecond(plot.data), angle, 'as many points as others have, and spread more');
+  await afterDrawing(page, () => page.selectOption('#plot-x', { label: 'DateTime' }));
+  const over = (await charts(page)).plot;
+  const start = Date.parse('2026-11-24T23:59:30Z');
+  const stated = texts(folder, 'DateTime').map((text) => 1000 * (Date.parse(`${text} +0100`) - start));
   assert.deepEqual(
-    plot.data,
-    defocus.flatMap((y, at) => [angle[at], y]),
-    'a sensible pair',
+    over.data,
+    angle.flatMap((y, at) => [stated[at], y]),
+  );
+  assert.deepEqual(
+    over.ticks.map(([text]) => text),
+    ['2026-11-24 22:10:00', '22:15:00', '22:20:00', '22:25:00', '22:30:00'],
   );
   const choices = [
-    ['#plot-x', 'time', defocus],
     ['#plot-y', 'FramesOnDisk', new Array(41).fill(0)],
     ['#plot-y', 'Magnification', new Array(41).fill(33000)],
   ];
@@ -271,6 +278,14 @@ testPage('an unfinished run', { recording: unfinished, colorScheme: 'dark' }, as
   assert.deepEqual(await page.locator('#alarm .path a').allTextContents(), open.map(({ node }) => node).reverse());
   const [alarm, header] = await Promise.all(['#alarm', 'header'].map((part) => page.locator(part).boundingBox()));
   assert.ok(alarm.y + alarm.height <= header.y, 'what did not finish is said first');
+  await page.click('#columns summary');
+  await page.check('#column-choice label:has-text("DateTime") input');
+  await page.click('#table thead button:has-text("DateTime")');
+  assert.equal(
+    (await columnOf(page, 'DateTime')).filter((text) => text).at(-1),
+    stepOfDecember,
+    'in the order of time',
+  );
   const { timeline } = await charts(page);
   assert.equal(timeline.hatched.length, 2);
   assert.ok(
@@ -566,6 +581,7 @@ testPage('more events of a kind than a page has', { recording: binned }, async (
   const [, kept] = /binned: ([\d,]+) of 250,000 events/.exec(await page.textContent('#facts'));
   assert.ok(Number(kept.replaceAll(',', '')) < 50000, kept);
   assert.equal(await eventsShown(page), 250000);
+  await afterDrawing(page, () => page.selectOption('#plot-y', { label: 'Drift' }));
   const slices = { name: 'Sample', events: 250000, slices: 2048 };
   await checkBars(page, folder, { ...slices, together: 3 });
   await afterDrawing(page, () => page.click('#zoom-in'));
