@@ -8,6 +8,7 @@
 #include <tuple>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 // Values of statements and rows as C++ types.
 
@@ -29,6 +30,12 @@ template <typename... Values>
 void BindValues(Cursor& cursor, const Values&... values) {
   int place = 0;
   (BindValue(cursor, ++place, values), ...);
+}
+inline void BindValues(Cursor& cursor, const std::vector<std::string>& texts) {
+  int place = 0;
+  for (const std::string& text : texts) {
+    BindValue(cursor, ++place, text);
+  }
 }
 
 /// Reads a value of the current row: an integer, a double, a text, or an optional one for a value that can be NULL.

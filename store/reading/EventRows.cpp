@@ -9,10 +9,10 @@ constexpr int eventColumn = 5;
 }  // namespace
 
 EventRows::EventRows(const Reader& store, const std::string& columns, const std::string& tables,
-                     const std::string& condition, const std::string& order)
+                     const std::string& condition, const std::string& order, const std::string& ofEvent)
     : events(store, "SELECT " + columns + " FROM " + tables + " WHERE " + condition + " ORDER BY " + order),
       parameters(store, "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM " + tables +
-                            " JOIN parameters p ON p.event_id = v.event_id WHERE " + condition + " ORDER BY " + order +
+                            " JOIN parameters p ON " + ofEvent + " WHERE " + condition + " ORDER BY " + order +
                             ", p.position") {}
 
 bool EventRows::Next() {

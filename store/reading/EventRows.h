@@ -13,8 +13,9 @@ class EventRows {
   /// @param columns columns of the events; the first must be the number of the event.
   /// @param tables the tables to read, joined; the table of events must be called v.
   /// @param order must end with the number of the event.
+  /// @param ofEvent the condition for the parameters p of an event.
   EventRows(const Reader& store, const std::string& columns, const std::string& tables, const std::string& condition,
-            const std::string& order = "v.event_id");
+            const std::string& order = "v.event_id", const std::string& ofEvent = "p.event_id = v.event_id");
 
   /// Runs the queries with these values for ?1, ?2..., and stands before the first event.
   template <typename... Values>

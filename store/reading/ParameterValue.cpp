@@ -4,6 +4,7 @@
 #include "store/values/RecordedText.h"
 
 #include <cmath>
+#include <limits>
 
 namespace Velora::Store {
 
@@ -45,6 +46,17 @@ bool IsText(const Rows& parameters) {
   }
   const std::string_view text = parameters.Text(Text);
   return parameters.Text(Kind) != "double" || (text != "-0.0" && !text.starts_with("NaN:"));
+}
+
+std::optional<double> NumberOf(const Rows& parameters) {
+  if (parameters.IsNull(Text)) {
+    const bool isNumber = parameters.IsNumber(Number) && parameters.Whole(Kind) != "bool";
+    return isNumber ? std::optional(parameters.Number(Number)) : std::nullopt;
+  }
+  if (IsText(parameters)) {
+    return NumberIn(parameters.Text(Text));
+  }
+  return parameters.Text(Text) == "-0.0" ? -0.0 : std::numeric_limits<double>::quiet_NaN();
 }
 
 std::string ValueInWords(const Rows& parameters) {

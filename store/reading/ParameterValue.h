@@ -2,6 +2,7 @@
 
 #include "store/reading/Rows.h"
 
+#include <optional>
 #include <string>
 
 namespace Velora::Store {
@@ -18,6 +19,9 @@ bool AppendValueInWords(std::string& words, const Rows& parameters);
 
 /// Whether the host recorded a text. Some numbers, such as NaN, are stored as texts too.
 bool IsText(const Rows& parameters);
+
+/// The number that the host recorded, or that the text reads as. Nothing for truth values and other texts.
+std::optional<double> NumberOf(const Rows& parameters);
 
 /// @throws Error when the name or the value is too long to be shown.
 void ExpectShowable(const Rows& parameters);

@@ -22,6 +22,10 @@ void Options::AddRequiredTexts(const std::string& name, std::vector<std::string>
   line.add_option(name, values, help)->required();
 }
 
+void Options::AddRepeatedText(const std::string& name, std::vector<std::string>& values, const std::string& help) {
+  line.add_option(name, values, help)->allow_extra_args(false);
+}
+
 void Options::AddChoice(const std::string& name, std::string& value, const std::vector<std::string>& choices,
                         const std::string& help) {
   line.add_option(name, value, help)->check(CLI::IsMember(choices));

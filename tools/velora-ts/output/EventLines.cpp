@@ -22,9 +22,9 @@ constexpr const char* columns = "v.event_id, v.at, v.name, x.guid, x.node, x.exe
 constexpr std::size_t widestAligned = 24;
 constexpr std::size_t mostNodes = 20;  // of a path
 
-/// The nodes below the run, down to an execution, because the name of a node can repeat below each parent.
-std::string PathBelowRun(const ExecutionPath& path) {
-  const std::size_t root = path.size() > 1 ? 1 : 0;
+/// The nodes down to an execution, because the name of a node can repeat below each parent.
+std::string InWords(const ExecutionPath& path, EventLines::Paths begin) {
+  const std::size_t root = begin == EventLines::Paths::BelowRun && path.size() > 1 ? 1 : 0;
   const std::size_t first = std::max(root, path.size() - std::min(path.size(), mostNodes));
   return (first > root ? "\u2026 > " : "") +
          Printable(NodesInWords({path.begin() + static_cast<std::ptrdiff_t>(first), path.end()}));
@@ -60,7 +60,7 @@ void EventLines::Write(EventRows& events, ExecutionPaths& paths) {
     WriteOut(day.empty() ? "" : Cut(day, terminal.width) + '\n');
     time = parts->ofDay;
   }
-  const std::string begin = time + "  " + Aligned(PathBelowRun(paths.Of(event.Integer(Key))), nodeWidth);
+  const std::string begin = time + "  " + Aligned(InWords(paths.Of(event.Integer(Key)), begins), nodeWidth);
   std::string line = Aligned(Shown(event.Text(Name)), nameWidth);
   while (events.NextParameter()) {
     line += ParameterInWords(events.Parameter(), digits) + "  ";
@@ -69,7 +69,7 @@ void EventLines::Write(EventRows& events, ExecutionPaths& paths) {
   WriteOut(line.erase(line.find_last_not_of(' ') + 1) + '\n');
 }
 
-std::string EventAsJson(EventRows& events) {
+std::string EventAsJson(EventRows& events, const std::string& more) {
   std::string json = "{\"number\":" + std::to_string(events.Event().Integer(Number));
   const auto add = [&](const char* name, int column) {
     json += std::string(",\"") + name + "\":";
@@ -79,7 +79,7 @@ std::string EventAsJson(EventRows& events) {
   add("name", Name);
   add("execution", Guid);
   add("node", Node);
-  json += ",\"parameters\":[";
+  json += more + ",\"parameters\":[";
   for (const char* separator = "{\"name\":"; events.NextParameter(); separator = ",{\"name\":") {
     ExpectShowable(events.Parameter());
     json += separator;

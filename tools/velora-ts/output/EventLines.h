@@ -19,8 +19,11 @@ Store::EventRows EventsOfRunSince(const Store::Reader& store, long long root, lo
 /// Writes events as lines, each cut to the width of the terminal, but never within the path of the execution.
 class EventLines {
  public:
+  /// Where the path of an execution begins.
+  enum class Paths { BelowRun, AtRun };
+
   /// @param digits the significant digits of numbers.
-  explicit EventLines(int digits) : digits(digits) {}
+  explicit EventLines(int digits, Paths begins = Paths::BelowRun) : digits(digits), begins(begins) {}
 
   /// Writes the current event and its parameters.
   /// @param paths the paths of the executions in the same store.
@@ -28,6 +31,7 @@ class EventLines {
 
  private:
   const int digits;
+  const Paths begins;
   const Terminal terminal;
   DayLines days;
   std::size_t nodeWidth = 0;
@@ -35,7 +39,8 @@ class EventLines {
 };
 
 /// The current event and its parameters as a JSON object.
+/// @param more further members before the parameters, each with a comma before it.
 /// @throws Error when a text is too long to be shown.
-std::string EventAsJson(Store::EventRows& events);
+std::string EventAsJson(Store::EventRows& events, const std::string& more = "");
 
 }  // namespace Velora::Ts

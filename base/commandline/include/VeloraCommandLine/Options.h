@@ -22,6 +22,8 @@ class Options {
   void AddRequiredText(const std::string& name, std::string& value, const std::string& help);
   /// Texts of which at least one must be given.
   void AddRequiredTexts(const std::string& name, std::vector<std::string>& values, const std::string& help);
+  /// A text that can be given several times.
+  void AddRepeatedText(const std::string& name, std::vector<std::string>& values, const std::string& help);
   /// One of the texts in `choices`.
   void AddChoice(const std::string& name, std::string& value, const std::vector<std::string>& choices,
                  const std::string& help);

@@ -1,0 +1,32 @@
+#include "verbs/WindowOptions.h"
+
+#include "store/values/StoredText.h"
+#include "verbs/TimeArgument.h"
+
+namespace Velora::Ts {
+
+using namespace Store;
+
+WindowOptions::WindowOptions(Options& options) {
+  options.AddText("--since", since, "Only events at this time or later: " VELORA_TIME_FORMS);
+  options.AddText("--until", until, "Only events before this time");
+  options.AddText("--instrument", instrument, "Only events of this instrument");
+  options.AddText("--activity", activity, "Only events below an execution of this activity or activity version");
+  options.AddText("--name", name, "Only events of this name");
+}
+
+Store::EventWindow WindowOptions::Window() const {
+  EventWindow window;
+  if (!since.empty()) {
+    window.from = TimeArgument(since);
+  }
+  if (!until.empty()) {
+    window.before = TimeArgument(until);
+  }
+  window.instrument = ToStoredText(instrument);
+  window.activity = ToStoredText(activity);
+  window.name = ToStoredText(name);
+  return window;
+}
+
+}  // namespace Velora::Ts
