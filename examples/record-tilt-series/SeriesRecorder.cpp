@@ -1,5 +1,6 @@
 #include "SeriesRecorder.h"
 
+#include "EarlierSeries.h"
 #include "FrameFiles.h"
 #include "MdocReader.h"
 #include "ParameterValue.h"
@@ -28,7 +29,7 @@ class Recorder {
       : logging(logging),
         file(file),
         counts(counts),
-        guid(Created(logging.CreateActivityExecution("TiltSeries", file.filename().string(), file.string()),
+        guid(Created(logging.CreateActivityExecution("TiltSeries", file.filename().string(), DescriptionOf(file)),
                      file.string())) {
     ++counts.series;
   }

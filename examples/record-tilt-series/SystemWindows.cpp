@@ -5,9 +5,32 @@
 #include <cstdio>
 #include <cstdlib>
 
+namespace {
+
+// No name of a file has a quotation mark.
+std::string Quoted(const std::string& word) { return '"' + word + '"'; }
+
+}  // namespace
+
 bool IsTerminalOnStandardError() { return _isatty(_fileno(stderr)) != 0; }
 void SetUnlessSet(const char* variable, const std::string& value) {
   if (std::getenv(variable) == nullptr) {
     _putenv_s(variable, value.c_str());
   }
+}
+
+std::optional<std::string> OutputOf(const std::vector<std::string>& command) {
+  std::string line;
+  for (const std::string& word : command) {
+    line += Quoted(word) + ' ';
+  }
+  std::FILE* const pipe = _popen(('"' + line + "2> NUL\"").c_str(), "r");
+  if (pipe == nullptr) {
+    return std::nullopt;
+  }
+  std::string output;
+  for (int byte = 0; (byte = std::fgetc(pipe)) != EOF;) {
+    output += static_cast<char>(byte);
+  }
+  return _pclose(pipe) == 0 ? std::optional(output) : std::nullopt;
 }

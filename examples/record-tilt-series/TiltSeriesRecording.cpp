@@ -1,6 +1,7 @@
 #include "TiltSeriesRecording.h"
 
 #include "DataFolder.h"
+#include "EarlierSeries.h"
 #include "ExampleSettings.h"
 #include "MdocReader.h"
 #include "ProgressBar.h"
@@ -122,6 +123,7 @@ int EnterRecordFolder(const char* folder) {
 int RecordTiltSeries(const char* const* files, std::size_t count) {
   return Guarded([files, count] {
     const std::vector<fs::path> paths(files, files + count);
+    SayWhatIsThere(paths);
     const std::shared_ptr<ITsLogging> logging = IFactory::CreateTsLogging(instrumentConfigFile);
     Run run(*logging, paths);
     for (const fs::path& path : paths) {

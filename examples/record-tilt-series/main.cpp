@@ -11,7 +11,9 @@ namespace {
 
 int Main(int argc, char** argv) {
   HostOptions options(
-      "Records tilt series from .mdoc files: one execution for each file and one for each of its sections.");
+      "Records tilt series from .mdoc files: one execution for each file and one for each of its sections. If a series "
+      "of "
+      "the same name and content is there already, it says so and records it once more.");
   if (const std::optional<int> done = options.Read(argc, argv)) {
     return *done;
   }

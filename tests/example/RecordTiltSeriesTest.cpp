@@ -51,7 +51,7 @@ TEST_F(RecordTiltSeries, EveryLineOfAFileStandsInTheDatabase) {
   EXPECT_EQ(output.find('\r'), std::string::npos) << "a progress bar where no terminal is: " << output;
   EXPECT_EQ(Recorded("SELECT parent_id, activity_version, node, x.description, status FROM execution_states x"),
             "NULL|TiltSeries|all.mdoc|" + (folder / "all.mdoc").string() +
-                "|14\n1|Section|ZValue 3|all.mdoc|14\n1|Section|FrameSet 0|all.mdoc|14\n"
+                ", content b023a2e8fa7bffad|14\n1|Section|ZValue 3|all.mdoc|14\n1|Section|FrameSet 0|all.mdoc|14\n"
                 "1|Section|MontSection 7|all.mdoc|14\n1|Section|ZValue 3|all.mdoc|14\n");
   EXPECT_EQ(Recorded("SELECT execution_id, r.event, parameter, kind, COALESCE(value_text, value_number) "
                      "FROM readings r ORDER BY execution_id, event_id, position"),
@@ -145,10 +145,33 @@ TEST_F(RecordTiltSeries, TheDataFolderIsMadeAndWhatItHasIsKept) {
   Run("cd in && '" RECORD_TILT_SERIES "' one.mdoc --data ../out/record", 0);
   folder.Write("out/record/instrument.xml", "mine");
   Record("in/one.mdoc");
-  const std::string file = (folder / "in/one.mdoc").string();
+  const std::string file = (folder / "in/one.mdoc").string() + ", content cbf29ce484222325";
   EXPECT_EQ(Recorded("SELECT description, configuration_text = 'mine' FROM executions "
                      "JOIN configurations USING (session_id)"),
             file + "|0\n" + file + "|1\n");
+}
+
+TEST_F(RecordTiltSeries, SaysAtItsStartWhatIsThereAlready) {
+  folder.Write("it's a.mdoc", "[ZValue = 0]\nA = 1\n");
+  folder.Write("-b.mdoc", "[ZValue = 0]\nnothing");
+  const std::string name = "it's a.mdoc: ", there = "a series of this name and content is there already, as run ";
+  struct Row {
+    std::string content;  // of the first file from then on
+    Words said;
+    Words notSaid = {};
+  };
+  for (const Row& row :
+       {Row{"[ZValue = 0]\nA = 1\n", {}, {there}},
+        Row{"[ZValue = 0]\nA = 1\n", {name + there, "-b.mdoc: " + there, ", which did not finish; it"}},
+        Row{"[ZValue = 0]\nA = 2\n", {"-b.mdoc: " + there}, {name + there}}}) {
+    folder.Write("it's a.mdoc", row.content);
+    const std::string output = Record("\"it's a.mdoc\" ./-b.mdoc", 1, row.said);
+    for (const std::string& words : row.notSaid) {
+      EXPECT_EQ(output.find(words), std::string::npos) << output;
+    }
+    EXPECT_LT(output.rfind(there) + 1, output.find("parameters recorded") + 1) << output;
+  }
+  EXPECT_EQ(Recorded("SELECT COUNT(*) FROM executions WHERE parent_id IS NULL"), "6\n");
 }
 
 TEST_F(RecordTiltSeries, FramesAreOnDiskWhereTheFileIs) {

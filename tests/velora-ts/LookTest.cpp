@@ -62,6 +62,8 @@ TEST_F(Look, ShowsWhatThereIs) {
        "TiltSeries 1.0  ␛\\[2J<b>\uFFFD +ran␊dry \\(\\+1\\)\n0ecba827  2026-11-25 09:00:11\\+05:30 +0:00:00  done  "
        "[^\n]*\n"
        "eeeeeeee  [^\n]* no status [^\n]* 1 note\n"},
+      {"runs --node grid.mdoc", 0, "[^\n]*\n0ecba827[^\n]*\n"},
+      {"runs --node grid.mdoc --unfinished", 0, "[^\n]*\n"},
       {"runs --unfinished --limit 5", 0, "[^\n]*\nffffffff[^\n]*\n"},
       {"runs --since '2026-11-25 09:00:12' --instrument veldmar-pc --activity TiltSeries", 0,
        "[^\n]*\nffffffff[^\n]*\n"},

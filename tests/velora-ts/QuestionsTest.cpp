@@ -41,7 +41,7 @@ const std::map<std::string, Verb> verbs = {
        "--since 2026-01-01 --format trace"}}},
     {"runs",
      {nullptr,
-      {"", "--instrument Scope",
+      {"", "--instrument Scope", "--node grid.mdoc --unfinished",
        "--since 2026-01-01 --instrument Scope --activity TiltSeries --unfinished --json --limit 1"}}},
     {"seal", {nullptr, {"", ""}}},  // the second time, what was added since
     {"show", {nullptr, {"last --tree --events", "0ecba827 --events --columns TiltAngle --json", "grid.mdoc"}}},

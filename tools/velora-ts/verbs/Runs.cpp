@@ -23,7 +23,7 @@ namespace {
 
 /// Which runs to list. An empty text selects all.
 struct RunFilter {
-  std::string since, instrument, activity;
+  std::string since, instrument, activity, node;
   bool unfinished = false;  ///< Only runs that are not finished.
   long long limit = 50;     ///< The highest number of runs.
 };
@@ -44,6 +44,9 @@ bool HasFewRuns(const Store::Reader& store, const std::string& instrument) {
 
 /// A query for the few runs among which those to list are; empty if they can be any.
 std::string Candidates(const Store::Reader& store, const RunFilter& filter) {
+  if (!filter.node.empty()) {
+    return "SELECT execution_id FROM executions WHERE node = ?5 AND parent_id IS NULL";
+  }
   if (filter.unfinished && NotesRunning(store)) {
     return UnfinishedRuns(store);
   }
@@ -59,8 +62,8 @@ std::string ConditionOf(const Store::Reader& store, const RunFilter& filter) {
                                              : "WHERE e.execution_id IN (" + candidates + ") AND +e.parent_id IS NULL ";
   condition +=
       "AND e.started_at >= ?1 AND (?2 = '' OR n.instrument = ?2) "
-      "AND (?3 = '' OR v.name = ?3 OR a.name = ?3) ";
-  if (filter.unfinished && !NotesRunning(store)) {
+      "AND (?3 = '' OR v.name = ?3 OR a.name = ?3) AND (?5 = '' OR e.node = ?5) ";
+  if (filter.unfinished && (!filter.node.empty() || !NotesRunning(store))) {
     condition += "AND " + UnfinishedCondition(store, "e.execution_id") + ' ';
   }
   return condition +
@@ -122,6 +125,7 @@ class RunsVerb : public StoreVerb {
     options.AddText("--instrument", filter.instrument, "Only runs of this instrument");
     options.AddText("--since", filter.since, "Only runs that started at this time or later: " VELORA_TIME_FORMS);
     options.AddText("--activity", filter.activity, "Only runs of this activity or activity version");
+    options.AddText("--node", filter.node, "Only runs of this node");
     options.AddFlag("--unfinished", filter.unfinished, "Only runs of which an execution did not finish");
     options.AddCount("--limit", filter.limit, "The highest number of runs. Default: 50");
     options.AddFlag("--json", json, "Write a JSON array, with times in UTC");
@@ -132,7 +136,8 @@ class RunsVerb : public StoreVerb {
     const Reader store(Database());
     Rows rows = QueryExecutions(store, ConditionOf(store, filter),
                                 {UnfinishedCondition(store, "e.execution_id"), runsWithSameLetters});
-    rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit);
+    rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit,
+             ToStoredText(filter.node));
     json ? WriteJson(store, rows) : WriteTable(store, rows);
     FlushOut();
     store.ExpectUntouched();
