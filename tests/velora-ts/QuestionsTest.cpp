@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "ToolTest.h"
 #include "output/EventLines.h"
+#include "store/comparing/Reference.h"
 #include "store/reading/Listener.h"
 #include "store/reading/Reader.h"
 #include "store/record/Records.h"
@@ -35,6 +36,7 @@ const std::map<std::string, Verb> verbs = {
      {nullptr,
       {"--since 2025-01-01 --until 2026-12-01 --instrument veldmar-pc --activity TiltSeries",
        "--since 2025-01-01 --where Voltage>40 --csv"}}},
+    {"diff", {nullptr, {"0ecba827 0ecba827 --json"}}},
     {"export",
      {nullptr,
       {"last", "last --format csv", "last --format trace", "--since 2026-01-01", "--since 2026-01-01 --format csv",
@@ -97,8 +99,11 @@ TEST_F(Questions, AreAnsweredByIndexes) {
   const std::string asked = Asked();
   std::set<std::string> questions;
   Velora::Store::questionListener = [&](const std::string& question) { questions.insert(question); };
-  EventsOfRunSince(Velora::Store::Reader(Velora::Store::ReadSettings(asked).database), 0,
-                   0);  // tail's, once it has looked
+  {
+    const Velora::Store::Reader store(Velora::Store::ReadSettings(asked).database);
+    EventsOfRunSince(store, 0, 0);  // tail's, once it has looked
+    ReferenceOf(store, {}, store);  // diff's, without a second run
+  }
   for (const auto& [name, verb] : verbs) {
     const std::size_t before = questions.size();
     for (const std::string& arguments : verb.arguments) {

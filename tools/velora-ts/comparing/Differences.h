@@ -1,0 +1,39 @@
+#pragma once
+
+#include "store/comparing/Comparison.h"
+#include "store/comparing/Configurations.h"
+#include "store/comparing/Summary.h"
+#include "store/reading/Executions.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace Velora::Ts {
+
+/// The two runs of a comparison, and what was found.
+struct Differences {
+  const Store::Comparison& comparison;
+  Store::Execution first, second;  ///< The roots.
+  bool isFirstUnfinished = false, isSecondUnfinished = false;
+  bool durationsCount = false;  ///< Whether durations alone make two runs different.
+  std::vector<Store::Configuration> firstConfigurations, secondConfigurations;
+
+  /// Visits the lines of the configurations that differ. The n-th configuration is compared with the n-th of the other
+  /// run, or with its last one if it has less.
+  void ForEachChangedLine(const std::function<void(const Store::ChangedLine&)>& visit) const;
+  bool AreNone(const Store::Summary& summary) const;
+};
+
+struct InWordsOptions {
+  bool all = false;  ///< Also every difference that is otherwise summarised, and what is equal.
+  int digits = 0;    ///< The significant digits of numbers.
+};
+/// Writes them for a person.
+void WriteDifferencesInWords(const Differences& found, const Store::Summary& summary, const InWordsOptions& options);
+
+/// Writes them as a JSON object and summarises them meanwhile.
+/// @param all also what is equal.
+void WriteDifferencesAsJson(const Differences& found, Store::Summary& summary, bool all);
+
+}  // namespace Velora::Ts

@@ -1,0 +1,81 @@
+#include "comparing/Differences.h"
+#include "output/Output.h"
+#include "output/Words.h"
+#include "store/reading/Reader.h"
+#include "store/reading/Unfinished.h"
+#include "verbs/ComparisonOptions.h"
+#include "verbs/DigitsOption.h"
+#include "verbs/SecondRun.h"
+#include "verbs/StoreVerb.h"
+
+namespace Velora::Ts {
+
+using namespace Store;
+
+namespace {
+
+class DiffVerb : public StoreVerb {
+ public:
+  explicit DiffVerb(Options& options) : StoreVerb(options), second(options), rules(options), digits(options) {
+    options.AddRequiredText("RUN", name, "The run to compare");
+    options.AddText("RUN2", secondName,
+                    "The run to compare it with. Default: the newest finished run of the same activity and instrument "
+                    "that started before RUN");
+    options.AddFlag("--all", all, "Write every difference, and what is equal");
+    options.AddFlag("--json", json, "Write a JSON object with every difference, with times in UTC");
+  }
+
+  ExitCode Execute() override {
+    const Store::ComparisonRules compareBy = rules.Rules();
+    const Reader store(Database());
+    const std::optional<Run> run = TheRunNamed(store, name);
+    const std::optional<Run> other = run ? second.Find(store, *run, secondName) : std::nullopt;
+    if (!other) {
+      return Found;
+    }
+    const Reader& otherStore = second.StoreOf(store);
+    const Comparison comparison({store, *run}, {otherStore, *other}, compareBy);
+    const Differences found{comparison,
+                            RootOf(store, *run),
+                            RootOf(otherStore, *other),
+                            IsUnfinished(store, *run),
+                            IsUnfinished(otherStore, *other),
+                            rules.DurationsCount(),
+                            ConfigurationsOf(store, *run),
+                            ConfigurationsOf(otherStore, *other)};
+    Summary summary;
+    if (json) {
+      WriteDifferencesAsJson(found, summary, all);
+    } else {
+      comparison.Visit([&](const Compared& compared) { summary.Add(compared); });
+      WriteDifferencesInWords(found, summary, {all, digits.Value()});
+    }
+    FlushOut();
+    store.ExpectUntouched();
+    otherStore.ExpectUntouched();
+    return found.AreNone(summary) ? Done : Found;
+  }
+
+ private:
+  static Execution RootOf(const Reader& store, const Run& run) {
+    Rows rows = QueryExecutions(store, "WHERE e.execution_id = ?1");
+    rows.Ask(run.root).Next();
+    return ExecutionAt(rows);
+  }
+
+  std::string name, secondName;
+  SecondRun second;
+  ComparisonOptions rules;
+  DigitsOption digits;
+  bool all = false, json = false;
+};
+
+}  // namespace
+
+extern const Registration registeredDiff = {
+    "diff",
+    "Says how a run differs from another one, or from the last good one before it. Both are named as for export. Exit "
+    "code 0 if nothing differs, 1 if something does.",
+    "diff last --tolerance 1% --ignore ImageFile", &Make<DiffVerb>};
+
+}  // namespace Velora::Ts
