@@ -58,14 +58,26 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
       {"backup copy.db", 0, "copied to 'copy.db' and checked: 4 executions, 3 events"},
       {"backup copy.db", 3, "File exists"},
       {"backup no/such/copy.db", 3, "No such file"},
-      {"", 2, "expected a verb\n"},
+      {"", 2, "expected a verb\n\"velora-ts --help\""},
       {"look", 2, "there is no verb 'look'\n"},
+      {"shwo last", 2, "there is no verb 'shwo'; did you mean 'show'?\n"},
+      {"rusn --help", 2, "there is no verb 'rusn'; did you mean 'runs'?\n"},
+      {"help ver", 2, "there is no verb 'ver'; did you mean 'verify'?\n"},
+      {"--json runs", 2, "expected a verb before '--json'\n"},
+      {"show last --evnts", 2, "there is no option '--evnts'; did you mean '--events'?\n\"velora-ts show --help\""},
+      {"show last --nothing=1", 2, "there is no option '--nothing'\n"},
+      {"show last more", 2, "there is no place for the argument 'more'\n"},
+      {"runs --since", 2, "--since: expected a value\n"},
+      {"runs --since today --since today", 2, "--since: given twice\n"},
+      {"tail ''", 2, "RUN: expected a text that is not empty\n"},
+      {"runs --instrument ''", 2, "--instrument: expected a text that is not empty\n"},
+      {"show last --columns ''", 2, "--columns: expected a text that is not empty\n"},
       {"seal --anchor no/such/anchor", 3, "file 'no/such/anchor' cannot be written: No such file"},
       {"verify --anchor TSAL.config", 3, "is not an anchor"},
       {"verify", 0, "0 findings, 0 not sealed"},
       {"note last ' ' --config broken", 2, "expected a TEXT that says something"},
-      {"note last dry --author ''", 2, "expected a name after --author"},
-      {"note last dry --kind remark", 2, "remark not in {cause,review,tag}"},
+      {"note last dry --author ''", 2, "--author: expected a text that is not empty"},
+      {"note last dry --kind remark", 2, "--kind: expected cause or review or tag, not 'remark'"},
       {"note nothing dry", 1, "no run matches 'nothing'"},
       {"note last dry --config empty", 3, "there is no TS store"},
       {"note ffffffff 'cryo ran dry' --kind cause", 0, "noted, as a cause: run ffffffff-0000"},
@@ -76,6 +88,23 @@ TEST_F(VeloraTs, AnswersWithACodeAndWords) {
   for (const auto& [arguments, code, words] : rows) {
     EXPECT_EQ(Tool(arguments), code) << arguments << ": " << said;
     EXPECT_TRUE(Says(words)) << arguments << ": " << said;
+  }
+}
+
+TEST_F(VeloraTs, HelpIsTheSameInBothFormsAndFitsATerminal) {
+  EXPECT_EQ(Tool("help"), 0);
+  const std::string all = said;
+  EXPECT_EQ(Tool("--help"), 0);
+  EXPECT_EQ(said, all);
+  static const std::regex verb("\n  ([a-z]+)  "), tooWide("\n(?!  velora-ts )[^\n]{81,}");
+  for (std::sregex_iterator found(all.begin(), all.end(), verb), end; found != end; ++found) {
+    const std::string name = (*found)[1];
+    EXPECT_EQ(Tool("help " + name), 0);
+    const std::string help = said;
+    EXPECT_TRUE(Says("Usage: velora-ts " + name) && Says("Example:\n  velora-ts " + name)) << help;
+    EXPECT_FALSE(std::regex_search('\n' + help, tooWide)) << help;
+    EXPECT_EQ(Tool(name + " --help"), 0);
+    EXPECT_EQ(said, help);
   }
 }
 

@@ -18,7 +18,7 @@ namespace {
 constexpr const char* footer =
     "Exit code: 0 success, 1 the store has a fault or does not contain what was asked for, or two runs differ, 2 wrong "
     "usage, 3 the store could not be read or written, 4 what is sealed was not changed, but not everything is "
-    "sealed.\n\"velora-ts VERB --help\" has an example for each verb; "
+    "sealed.\n\"velora-ts help VERB\" has an example for each verb; "
     "\"man velora-ts\" says more.";
 
 }  // namespace

@@ -1,42 +1,68 @@
 #include <VeloraCommandLine/Options.h>
 #include <VeloraCommandLine/Program.h>
+#include <VeloraText/Nearest.h>
 #include <VeloraText/Printable.h>
+#include <VeloraText/Wrapped.h>
 
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <iostream>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 namespace Velora::CommandLine {
 
-void Options::AddText(const std::string& name, std::string& value, const std::string& help) {
-  line.add_option(name, value, help);
+using Text::Wrapped;
+
+namespace {
+
+// An empty text is a mistake, such as a variable of a script that is not set.
+const CLI::Validator& NotEmpty() {
+  static const CLI::Validator validator(
+      [](const std::string& text) { return text.empty() ? std::string("expected a text that is not empty") : ""; }, "");
+  return validator;
+}
+
+}  // namespace
+
+void Options::AddText(const std::string& name, std::string& value, const std::string& help, const std::string& form) {
+  line.add_option(name, value, help)->check(NotEmpty())->type_name(form);
 }
 
 void Options::AddRequiredText(const std::string& name, std::string& value, const std::string& help) {
-  line.add_option(name, value, help)->required();
+  line.add_option(name, value, help)->required()->check(NotEmpty());
 }
 
 void Options::AddRequiredTexts(const std::string& name, std::vector<std::string>& values, const std::string& help) {
-  line.add_option(name, values, help)->required();
+  line.add_option(name, values, help)->required()->check(NotEmpty());
 }
 
 void Options::AddRepeatedText(const std::string& name, std::vector<std::string>& values, const std::string& help) {
-  line.add_option(name, values, help)->allow_extra_args(false);
+  line.add_option(name, values, help)->allow_extra_args(false)->check(NotEmpty());
 }
 
 void Options::AddChoice(const std::string& name, std::string& value, const std::vector<std::string>& choices,
                         const std::string& help) {
-  line.add_option(name, value, help)->check(CLI::IsMember(choices));
+  const auto complain = [choices](const std::string& text) {
+    return std::find(choices.begin(), choices.end(), text) != choices.end()
+               ? std::string()
+               : "expected " + CLI::detail::join(choices, " or ") + ", not '" + text + '\'';
+  };
+  line.add_option(name, value, help)->check(CLI::Validator(complain, ""))->type_name(CLI::detail::join(choices, "|"));
 }
 
 void Options::AddList(const std::string& name, std::vector<std::string>& values, const std::string& help) {
-  line.add_option(name, values, help)->delimiter(',')->allow_extra_args(false);
+  line.add_option(name, values, help)
+      ->delimiter(',')
+      ->allow_extra_args(false)
+      ->check(NotEmpty())
+      ->type_name("NAME,...");
 }
 
 void Options::AddFiles(const std::string& name, std::vector<std::string>& values, const std::string& help) {
-  line.add_option(name, values, help)->type_name("FILE");
+  line.add_option(name, values, help)->check(NotEmpty())->type_name("FILE...");
 }
 
 void Options::AddCount(const std::string& name, long long& value, const std::string& help) {
@@ -46,7 +72,7 @@ void Options::AddCount(const std::string& name, long long& value, const std::str
                ? std::string()
                : "expected a whole number greater than 0, not '" + text + '\'';
   };
-  line.add_option(name, value, help)->check(CLI::Validator(complain, "POSITIVE"));
+  line.add_option(name, value, help)->check(CLI::Validator(complain, ""))->type_name("N");
 }
 
 void Options::AddFlag(const std::string& name, bool& value, const std::string& help) {
@@ -63,38 +89,113 @@ void Options::Require(const std::string& name, const std::string& other) {
 
 namespace {
 
+/// The layout of the help: names without remarks, and in the list of verbs the first sentence about each.
+class HelpLayout : public CLI::Formatter {
+ public:
+  HelpLayout() {
+    column_width(26);
+    label("SUBCOMMAND", "VERB");
+    label("Positionals", "Arguments");
+  }
+  std::string make_option_opts(const CLI::Option* option) const override {
+    const bool hasForm = !option->get_positional() && option->get_type_size() > 0;
+    return (hasForm ? ' ' + option->get_type_name() : "") + ' ';  // at least two blanks before the description
+  }
+  std::string make_subcommand(const CLI::App* verb) const override {
+    std::ostringstream line;
+    const std::string help = verb->get_description();
+    CLI::detail::format_help(line, verb->get_name(), help.substr(0, std::min(help.find(". "), help.size() - 1)),
+                             get_column_width());
+    return line.str();
+  }
+};
+
 /// Writes the help that was asked for, or what is wrong. @return whether the program has done what it was asked for.
-bool Explain(const CLI::App& app, const CLI::ParseError& error) {
+bool Explain(const CLI::App& app, const CLI::Error& error) {
   std::ostringstream help, complaint;
   const bool asked = app.exit(error, help, complaint) == 0;
-  Text::WriteLines(std::cout, help.str());
+  Text::WriteLines(std::cout, Wrapped(help.str()));
   Text::WriteLines(std::cerr, complaint.str());
   return asked;
 }
 
-std::string LackingVerb(const CLI::App& app) {
-  const std::vector<std::string> unknown = app.remaining();
-  return unknown.empty() ? "expected a verb" : "there is no verb '" + unknown.front() + '\'';
+/// What a mistake ends with: where to read more.
+std::string WithHint(const CLI::App* app, const CLI::Error& error) {
+  const std::vector<CLI::App*> verbs = app->get_subcommands();
+  return std::string(error.what()) + "\n\"" + app->get_name() + (verbs.empty() ? "" : ' ' + verbs.front()->get_name()) +
+         " --help\" says more.\n";
 }
 
-bool LacksVerb(const CLI::App& app) { return app.get_require_subcommand_min() > 0 && app.get_subcommands().empty(); }
+std::string Suggestion(const std::string& given, const std::vector<std::string>& names) {
+  const std::string dashes = given.substr(0, given.find_first_not_of('-'));
+  const std::optional<std::string> nearest = Text::Nearest(given.substr(dashes.size()), names);
+  return nearest ? "; did you mean '" + dashes + *nearest + "'?" : "";
+}
+
+/// Why a command line does not begin with a verb. Empty if it does, or asks for the help or the version.
+std::string LackOfVerb(const CLI::App& app, const std::vector<std::string>& arguments) {
+  if (arguments.empty()) {
+    return "expected a verb";
+  }
+  const std::string& first = arguments.front();
+  std::vector<std::string> names;
+  for (const CLI::App* const verb : app.get_subcommands(nullptr)) {
+    names.push_back(verb->get_name());
+  }
+  if (std::find(names.begin(), names.end(), first) != names.end() || app.get_option_no_throw(first) != nullptr) {
+    return "";
+  }
+  return first.starts_with('-') ? "expected a verb before '" + first + '\''
+                                : "there is no verb '" + first + '\'' + Suggestion(first, names);
+}
+
+/// What is wrong with the first argument for which there is no place, options before others.
+std::string Unexpected(const CLI::App& app) {
+  const std::vector<std::string> unexpected = app.remaining(true);
+  const auto option =
+      std::find_if(unexpected.begin(), unexpected.end(), [](const std::string& one) { return one.starts_with('-'); });
+  if (option == unexpected.end()) {
+    return "there is no place for the argument '" + unexpected.front() + '\'';
+  }
+  const std::string given = option->substr(0, option->find('='));
+  const std::vector<CLI::App*> verbs = app.get_subcommands();
+  std::vector<std::string> names;
+  for (const CLI::Option* const known : (verbs.empty() ? &app : verbs.front())->get_options()) {
+    names.insert(names.end(), known->get_lnames().begin(), known->get_lnames().end());
+  }
+  return "there is no option '" + given + '\'' + Suggestion(given, names);
+}
+
+bool HasVerbs(const CLI::App& app) { return app.get_require_subcommand_min() > 0; }
+
+/// "help VERB" is another form of "VERB --help".
+std::vector<std::string> WithoutHelpVerb(const CLI::App& app, std::vector<std::string> arguments) {
+  if (HasVerbs(app) && !arguments.empty() && arguments.front() == "help") {
+    arguments.erase(arguments.begin());
+    arguments.resize(std::min<std::size_t>(arguments.size(), 1));
+    arguments.emplace_back("--help");
+  }
+  return arguments;
+}
 
 }  // namespace
 
 Program::Program(const std::string& description, const std::string& footer, const std::string& name)
     : app(std::make_unique<CLI::App>(description, name)) {
   app->footer(footer);
+  app->failure_message(WithHint);
+  app->formatter(std::make_shared<HelpLayout>());
+  app->set_help_flag("-h,--help", "Show this help");
 }
 
 Program::~Program() = default;
 
 Options Program::Own() { return Options(*app); }
 
-void Program::AddVersion(const std::string& text) { app->set_version_flag("--version", text); }
+void Program::AddVersion(const std::string& text) { app->set_version_flag("--version", text, "Show the version"); }
 
 Options Program::AddVerb(const std::string& name, const std::string& help, const std::string& footer) {
   app->require_subcommand(1);
-  app->get_formatter()->label("SUBCOMMAND", "VERB");
   CLI::App* const verb = app->add_subcommand(name, help);
   verb->group("Verbs");
   verb->footer(footer);
@@ -102,11 +203,24 @@ Options Program::AddVerb(const std::string& name, const std::string& help, const
 }
 
 std::optional<bool> Program::Read(int argc, const char* const* argv) {
+  if (app->get_name().empty()) {
+    app->name(argv[0]);
+  }
+  std::vector<std::string> arguments = WithoutHelpVerb(*app, {argv + 1, argv + argc});
+  const std::string mistake = HasVerbs(*app) ? LackOfVerb(*app, arguments) : "";
+  if (!mistake.empty()) {
+    return Explain(*app, CLI::ValidationError(mistake));
+  }
   try {
-    app->parse(argc, argv);
+    std::reverse(arguments.begin(), arguments.end());  // as CLI11 expects them
+    app->parse(std::move(arguments));
     return std::nullopt;
-  } catch (const CLI::RequiredError& error) {
-    return LacksVerb(*app) ? Explain(*app, CLI::ValidationError(LackingVerb(*app))) : Explain(*app, error);
+  } catch (const CLI::ExtrasError&) {
+    return Explain(*app, CLI::ValidationError(Unexpected(*app)));
+  } catch (const CLI::ArgumentMismatch& error) {
+    const std::string what = error.what();
+    return Explain(*app, CLI::ValidationError(what.substr(0, what.find(':')) +
+                                              (what.ends_with("missing") ? ": expected a value" : ": given twice")));
   } catch (const CLI::ParseError& error) {
     return Explain(*app, error);
   }

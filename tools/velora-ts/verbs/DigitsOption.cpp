@@ -7,7 +7,7 @@
 namespace Velora::Ts {
 
 DigitsOption::DigitsOption(Options& options) {
-  options.AddText("--digits", text, "Significant digits of numbers, 1 to 17 or all. JSON has all. Default: 6");
+  options.AddText("--digits", text, "Significant digits of numbers, 1 to 17 or all. JSON has all. Default: 6", "N");
 }
 
 int DigitsOption::Value() const {

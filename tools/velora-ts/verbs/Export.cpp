@@ -16,8 +16,8 @@ class ExportVerb : public StoreVerb {
  public:
   explicit ExportVerb(Options& options) : StoreVerb(options) {
     options.AddText("RUN", name, "The run to export");
-    options.AddText("--since", since, "Export runs that started at this time or later: " VELORA_TIME_FORMS);
-    options.AddText("--until", until, "Export runs that started before this time");
+    options.AddText("--since", since, "Export runs that started at this time or later: " VELORA_TIME_FORMS, "TIME");
+    options.AddText("--until", until, "Export runs that started before this time", "TIME");
     options.AddChoice(
         "--format", format, {"jsonl", "csv", "trace"},
         "jsonl, the canonical form; csv, a row for each event; trace, for timeline viewers. Default: jsonl");

@@ -123,7 +123,8 @@ class RunsVerb : public StoreVerb {
  public:
   explicit RunsVerb(Options& options) : StoreVerb(options) {
     options.AddText("--instrument", filter.instrument, "Only runs of this instrument");
-    options.AddText("--since", filter.since, "Only runs that started at this time or later: " VELORA_TIME_FORMS);
+    options.AddText("--since", filter.since, "Only runs that started at this time or later: " VELORA_TIME_FORMS,
+                    "TIME");
     options.AddText("--activity", filter.activity, "Only runs of this activity or activity version");
     options.AddText("--node", filter.node, "Only runs of this node");
     options.AddFlag("--unfinished", filter.unfinished, "Only runs of which an execution did not finish");

@@ -5,7 +5,7 @@ namespace Velora::Ts {
 using namespace Store;
 
 StoreVerb::StoreVerb(Options& options) {
-  options.AddText("--config", folder, "Folder with TSAL.config. Default: the current directory");
+  options.AddText("--config", folder, "Folder with TSAL.config. Default: the current directory", "FOLDER");
 }
 
 Settings StoreVerb::StoreSettings() const { return ReadSettings(folder); }

@@ -16,8 +16,11 @@ class Options {
  public:
   explicit Options(CLI::App& line) : line(line) {}
 
+  // Texts must not be empty: an empty one is a mistake, such as a variable of a script that is not set.
+
   /// A text.
-  void AddText(const std::string& name, std::string& value, const std::string& help);
+  /// @param form what the help calls it.
+  void AddText(const std::string& name, std::string& value, const std::string& help, const std::string& form = "TEXT");
   /// A text that must be given.
   void AddRequiredText(const std::string& name, std::string& value, const std::string& help);
   /// Texts of which at least one must be given.
