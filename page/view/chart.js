@@ -143,9 +143,9 @@ export class Chart {
   }
 
   listen() {
-    const keys = {
-      ArrowLeft: () => this.time.pan(-0.2),
-      ArrowRight: () => this.time.pan(0.2),
+    this.keys = {
+      'Shift+ArrowLeft': () => this.time.pan(-0.2),
+      'Shift+ArrowRight': () => this.time.pan(0.2),
       '+': () => this.time.zoom(0.5),
       '=': () => this.time.zoom(0.5),
       '-': () => this.time.zoom(2),
@@ -153,9 +153,10 @@ export class Chart {
       Home: () => this.time.showAll(),
     };
     this.element.addEventListener('keydown', (event) => {
-      if (event.target === this.element && keys[event.key] && !event.ctrlKey && !event.metaKey && !event.altKey) {
+      const work = this.keys[(event.shiftKey && event.key.startsWith('Arrow') ? 'Shift+' : '') + event.key];
+      if (event.target === this.element && work && !event.ctrlKey && !event.metaKey && !event.altKey) {
         event.preventDefault();
-        keys[event.key]();
+        work();
       }
     });
     this.element.addEventListener(

@@ -4,6 +4,7 @@
 import { Chart, isPrinting, left, plain, right, shortened, timeAxis, tooltipLine } from './chart.js';
 import { lengthOf } from './clock.js';
 import { colour, inkOn, palette } from './colours.js';
+import { Cursor } from './cursor.js';
 import { closest, Items } from './items.js';
 import { lanesOf } from './lanes.js';
 import { lastBefore } from './search.js';
@@ -25,6 +26,7 @@ export class Timeline {
         open(item.execution);
       }
     });
+    this.cursor = new Cursor(this, document.getElementById('said'), open);
   }
 
   draw() {
@@ -42,11 +44,13 @@ export class Timeline {
       graphic: this.lanes.map((lane) => this.labelOf(lane)),
       ...this.inTheTimeShown(),
     });
+    this.cursor.follow();
   }
 
   /** The time shown has changed. */
   drawWindow() {
     this.chart.change(this.inTheTimeShown());
+    this.cursor.follow();
   }
 
   inTheTimeShown() {
@@ -122,6 +126,11 @@ export class Timeline {
     };
   }
 
+  /** Where an item is drawn in the element. */
+  placeOf(item) {
+    return this.rectangleOf(item, { x: left, y: top, width: this.chart.width });
+  }
+
   shapeOf(item, area) {
     if (item.type === 'marks') {
       const rectangles = item.marks.map((mark) => this.rectangleOf(mark, area));
@@ -173,7 +182,8 @@ export class Timeline {
     return this.hatch.pattern;
   }
 
-  wordsFor(item) {
+  /** What is said of an item; of the parameters of an event as many as there is room for in a tooltip, or so many. */
+  wordsFor(item, most = Math.max(1, Math.floor(this.height / tooltipLine) - 2)) {
     if (item.type === 'bar') {
       const within = `${item.total.toLocaleString('en')} within ${lengthOf(item.to - item.from)}`;
       return `${within}\nfrom ${this.recorded.clock.moment(item.from, 6)}`;
@@ -181,12 +191,11 @@ export class Timeline {
     if (item.type === 'sign') {
       return item.sign.words.map((line) => shortened(plain(line), 90)).join('\n');
     }
-    return item.type === 'event' ? this.wordsForEvent(item.event) : this.wordsForExecution(item);
+    return item.type === 'event' ? this.wordsForEvent(item.event, most) : this.wordsForExecution(item);
   }
 
-  wordsForEvent({ batch, row, at, execution }) {
+  wordsForEvent({ batch, row, at, execution }, most) {
     const { name, parameters } = batch.shape;
-    const most = Math.max(1, Math.floor(this.height / tooltipLine) - 2); // it cannot leave the drawing
     const lines = parameters.slice(0, most).map(([parameter, kind], place) => {
       const value = valueText(batch.values[place][row], kind);
       const unit = plain(unitAfter(this.recorded, parameter));

@@ -201,7 +201,7 @@ testPage('the head and the plot of a tilt series', { recording: tiltSeries }, as
 testPage('moving through the time of a tilt series', { recording: tiltSeries }, async (page, { folder }) => {
   await afterDrawing(page, () => page.selectOption('#plot-x', { label: 'time' }));
   await page.focus('#timeline');
-  for (const key of ['+', '+', 'ArrowRight']) {
+  for (const key of ['+', '+', 'Shift+ArrowRight']) {
     await afterDrawing(page, () => page.keyboard.press(key));
   }
   const { timeline, plot } = await charts(page);
@@ -234,6 +234,39 @@ testPage(
     assert.deepEqual([...new Set(fills)], [done, event], 'steps as they ended, then events');
   },
 );
+
+testPage('from bar to bar on the keyboard', { recording: tiltSeries }, async (page) => {
+  await page.focus('#timeline');
+  for (const key of ['+', '+', '+']) {
+    await afterDrawing(page, () => page.keyboard.press(key));
+  }
+  const press = async (key) => {
+    const said = await page.textContent('#said');
+    await page.keyboard.press(key);
+    const isNew = (old) => !['', old].includes(document.getElementById('said').textContent.replace(/^no more.*/, ''));
+    await page.waitForFunction(isNew, said);
+    return page.textContent('#said');
+  };
+  assert.match(await press('ArrowRight'), /^TiltSeries, 1 of 1: sample.mdoc;/);
+  const stepIn = (said) => Number(/^Section, \d+ of \d+: ZValue (\d+); .* done after 28.0 s; 1 event$/.exec(said)[1]);
+  const first = stepIn(await press('ArrowDown'));
+  for (let step = first + 1; step < first + 20; ++step) {
+    assert.equal(stepIn(await press('ArrowRight')), step, 'beyond the time shown too');
+  }
+  const { ends, pixels } = (await charts(page)).timeline;
+  const started = (first + 20) * 30e6;
+  const expected = pixels[0] + ((started - ends[0]) / (ends[1] - ends[0])) * (pixels[1] - pixels[0]);
+  const [frame, drawing] = await Promise.all(['.cursor', '#timeline'].map((part) => page.locator(part).boundingBox()));
+  assert.ok(Math.abs(frame.x - drawing.x - expected) < 1, `${frame.x - drawing.x} for ${expected}`);
+  await press('ArrowLeft');
+  assert.match(
+    await press('ArrowDown'),
+    new RegExp(`^ZValue, .*: ZValue of ZValue ${first + 18}; .*; FramesOnDisk  false$`),
+  );
+  await press('ArrowUp');
+  await page.keyboard.press('Enter');
+  assert.equal(await page.locator('tr:has(+ .opened) th').textContent(), `ZValue ${first + 18}`);
+});
 
 testPage('the table of a tilt series', { recording: tiltSeries }, async (page, { folder }) => {
   const angles = texts(folder, 'TiltAngle');
