@@ -37,6 +37,11 @@ const std::map<std::string, Verb> verbs = {
       {"--since 2025-01-01 --until 2026-12-01 --instrument veldmar-pc --activity TiltSeries",
        "--since 2025-01-01 --where Voltage>40 --csv"}}},
     {"diff", {nullptr, {"0ecba827 0ecba827 --json"}}},
+    {"parameters", {nullptr, {"last --name ZValue", "--since 2025-01-01"}}},
+    {"stats",
+     {nullptr,
+      {"TiltAngle --since 2025-01-01 --until 2026-12-01 --instrument veldmar-pc --activity TiltSeries",
+       "TiltAngle --by run --json", "TiltAngle --by activity", "TiltAngle --by instrument"}}},
     {"export",
      {nullptr,
       {"last", "last --format csv", "last --format trace", "--since 2026-01-01", "--since 2026-01-01 --format csv",
@@ -85,7 +90,7 @@ class Questions : public ToolTest {
     }
     const SqlConnection sql = TestStore(folder / "ts.db").Open();
     sql->RunScript("SET enable_seqscan = off");  // of a small table it would read all, whatever the indexes
-    return Query(*sql, "EXPLAIN " + std::regex_replace(question, std::regex(R"(\?\d)"), "'1'"));
+    return Query(*sql, "EXPLAIN " + std::regex_replace(question, std::regex(R"(\?(\d))"), "'$1'"));
   }
 };
 
@@ -120,6 +125,12 @@ TEST_F(Questions, AreAnsweredByIndexes) {
             "SCAN (?!CONSTANT|first|running|seals|ts_schema|sqlite_|up\\b)|Seq Scan on (?!running|seals|ts_schema)")))
         << question << '\n'
         << plan;
+    if (question.find("v.at < ?2 AND (?3") != std::string::npos && question.find("root_id =") == std::string::npos) {
+      EXPECT_TRUE(
+          std::regex_search(plan, std::regex("events_by_time \\(at>\\? AND at<\\?\\)|Index Cond: \\(\\(+at >= ")))
+          << question << '\n'
+          << plan;
+    }
     if (!TestStore::OnServer() &&
         question.find("WHERE e.parent_id IS NULL AND e.started_at >= ?1") != std::string::npos) {  // runs, until enough
       EXPECT_NE(plan.find("executions_by_parent (parent_id=? AND started_at>?)"), std::string::npos) << plan;

@@ -108,8 +108,8 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   }
   for (const std::string words :
        {"runs", "runs --unfinished --json", "show last --tree --events", "tail last", "export last --format csv",
-        "export --since 2000-01-01 --format trace", "events --json",
-        "events --since 2000-01-01 --csv --where 'number > 1 and bool = true'"}) {
+        "export --since 2000-01-01 --format trace", "events --json", "stats number --by run --json",
+        "parameters --json", "events --since 2000-01-01 --csv --where 'number > 1 and bool = true'"}) {
     EXPECT_EQ(Tool(words + " --config file"), 0) << said;
     const std::string ofFile = said;
     EXPECT_EQ(Tool(words + " --config server"), 0) << said;

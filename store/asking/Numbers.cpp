@@ -1,0 +1,47 @@
+#include "store/asking/Numbers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Velora::Store {
+
+void Numbers::Take(Numbers& others) {
+  for (; !others.numbers.empty(); others.numbers.pop_back()) {
+    numbers.push_back(others.numbers.back());
+  }
+}
+
+// The sums have more digits than the numbers, so that they neither overflow nor lose what is small.
+Summary Numbers::Summarize() {
+  Summary summary;
+  summary.count = numbers.size();
+  if (numbers.empty()) {
+    return summary;
+  }
+  std::sort(numbers.begin(), numbers.end());
+  summary.lowest = numbers.front();
+  summary.highest = numbers.back();
+  for (std::size_t number = 0; number < Summary::parts.size(); ++number) {
+    const double place = Summary::parts[number] * static_cast<double>(numbers.size() - 1);
+    const auto below = static_cast<std::size_t>(place);
+    const double above = numbers[std::min(below + 1, numbers.size() - 1)];
+    summary.quantiles[number] = std::lerp(numbers[below], above, place - std::floor(place));
+  }
+  const auto count = static_cast<long double>(numbers.size());
+  long double sum = 0;
+  for (const double number : numbers) {
+    sum += number;
+  }
+  const long double mean = sum / count;
+  long double squares = 0;
+  for (const double number : numbers) {
+    squares += (number - mean) * (number - mean);
+  }
+  summary.mean = static_cast<double>(mean);
+  summary.deviation = numbers.size() > 1 ? static_cast<double>(std::sqrt(squares / (count - 1)))
+                                         : std::numeric_limits<double>::quiet_NaN();
+  return summary;
+}
+
+}  // namespace Velora::Store
