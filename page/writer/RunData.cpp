@@ -1,5 +1,6 @@
 #include "page/writer/RunData.h"
 
+#include "page/writer/Against.h"
 #include "page/writer/EventBatches.h"
 #include "page/writer/ExecutionBatches.h"
 #include "page/writer/KeptEvents.h"
@@ -43,7 +44,24 @@ class Writer {
 
   void Write() {
     json = "{\"form\":1,\"tool\":\"" VELORA_VERSION "\",\"made\":";
-    json += std::to_string(Now().time_since_epoch().count() - start) + ",\"run\":";
+    json += std::to_string(Now().time_since_epoch().count() - start) + ',';
+    WriteRecord();
+    json += ",\"log\":";
+    if (beside.log == nullptr) {
+      json += "null";
+    } else {
+      beside.log->AppendJson(json, start);
+    }
+    AppendUnits();
+    WriteAgainst();
+    json += '}';
+    Flush();
+  }
+
+ private:
+  /// Writes the members that are the same for the run with which another one is compared.
+  void WriteRecord() {
+    json += "\"run\":";
     AppendText(json, run.guid);
     json += ",\"start\":";
     AppendText(json, run.startedAt);
@@ -69,19 +87,23 @@ class Writer {
                "SELECT configuration_id, saved_at, vendor_name, model_name, instrument_class, host_name, option_text, "
                "configuration_text FROM configurations WHERE configuration_id = ?1",
                events.Configurations());
-    json += ",\"log\":";
-    if (beside.log == nullptr) {
-      json += "null";
-    } else {
-      beside.log->AppendJson(json, start);
-    }
     WriteNotes();
-    AppendUnits();
-    json += '}';
     Flush();
   }
 
- private:
+  void WriteAgainst() {
+    if (beside.against == nullptr) {
+      json += ",\"against\":null";
+      return;
+    }
+    json += ",\"against\":{";
+    Flush();
+    const Beside nothing;
+    Writer(beside.against->Store(), beside.against->Run(), beside.against->Kept(), nothing, sink, step).WriteRecord();
+    beside.against->WriteComparison(sink);
+    json += '}';
+  }
+
   void AppendSeal() {
     if (store.SchemaVersion() < TableNamed("seals").since) {
       json += "null";

@@ -1,5 +1,6 @@
 #include "page/writer/RunPage.h"
 
+#include "page/writer/Against.h"
 #include "page/writer/Frame.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
@@ -27,6 +28,10 @@ std::string WithoutTags(std::string_view json) {
 
 RunPage::RunPage(const Store::Reader& store, const Store::Run& run, Beside beside)
     : store(store), run(run), beside(std::move(beside)), kept(store, run.root) {}
+
+long long RunPage::Events() const {
+  return kept.Recorded() + (beside.against != nullptr ? beside.against->Kept().Recorded() : 0);
+}
 
 void RunPage::Write(const std::function<void(std::string_view)>& write, const std::function<void()>& step) const {
   for (const std::string_view piece : frameHead) {

@@ -19,8 +19,8 @@ class RunPage {
   /// Decides which events the page has. Store, run and log must outlive this object.
   RunPage(const Store::Reader& store, const Store::Run& run, Beside beside);
 
-  /// The number of events of the run in the store.
-  long long Events() const { return kept.Recorded(); }
+  /// The number of events in the store, of the run and of the one with which it is compared.
+  long long Events() const;
   /// "all 41 events", or "binned: 8000 of 1000000 events" and what was kept of them.
   std::string EventsInWords() const { return kept.InWords(); }
 

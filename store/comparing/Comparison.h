@@ -47,6 +47,9 @@ class Comparison {
   };
   Comparison(const Side& first, const Side& second, ComparisonRules rules);
 
+  const Side& FirstSide() const { return first; }
+  const Side& SecondSide() const { return second; }
+  const ComparisonRules& ComparedBy() const { return rules; }
   const RunTree& First() const { return firstTree; }
   const RunTree& Second() const { return secondTree; }
   const Matching& Matched() const { return matching; }

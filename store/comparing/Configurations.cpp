@@ -5,6 +5,7 @@
 #include "store/reading/Rows.h"
 #include "store/values/RecordedText.h"
 
+#include <algorithm>
 #include <map>
 #include <string_view>
 
@@ -84,6 +85,19 @@ std::vector<ChangedLine> ChangedLines(const Configuration& first, const Configur
     other = ofSecond + 1;
   }
   return changed;
+}
+
+void ForEachChangedLine(const std::vector<Configuration>& first, const std::vector<Configuration>& second,
+                        const std::function<void(const ChangedLine&)>& visit) {
+  if (first.empty() || second.empty()) {
+    return;
+  }
+  for (std::size_t at = 0; at < std::max(first.size(), second.size()); ++at) {
+    for (const ChangedLine& line :
+         ChangedLines(first[std::min(at, first.size() - 1)], second[std::min(at, second.size() - 1)])) {
+      visit(line);
+    }
+  }
 }
 
 }  // namespace Velora::Store

@@ -31,4 +31,9 @@ struct ChangedLine {
 /// The lines that two configurations do not have in common, in their order.
 std::vector<ChangedLine> ChangedLines(const Configuration& first, const Configuration& second);
 
+/// Visits the lines that differ between the configurations of two runs. The n-th configuration is compared with the
+/// n-th of the other run, or with its last one if it has less. Nothing differs from a run without any.
+void ForEachChangedLine(const std::vector<Configuration>& first, const std::vector<Configuration>& second,
+                        const std::function<void(const ChangedLine&)>& visit);
+
 }  // namespace Velora::Store

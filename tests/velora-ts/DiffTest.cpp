@@ -13,6 +13,7 @@ namespace {
 
 using namespace Quor::TolvaServices;
 using namespace Velora::Store;
+using namespace std::string_literals;
 using Kind = Compared::Kind;
 
 std::vector<std::string> Split(const std::string& text, char at) {
@@ -292,6 +293,35 @@ TEST_F(Diff, IsToldByTheVerb) {
   for (const auto& [arguments, code, shown] : rows) {
     EXPECT_EQ(Tool("diff " + arguments), code) << arguments << ": " << said;
     EXPECT_TRUE(std::regex_match(said, std::regex(shown))) << arguments << ":\n" << said;
+  }
+}
+
+TEST_F(Diff, IsInTheDataOfAPage) {
+  const std::string other = Record("a{E:x=1;F} c{}"), own = Record("a{E:x=1.5} b{} c{G}");
+  const auto keys = [this](const std::string& question) {
+    return Query(*TestStore(folder / "." / "ts.db").Open(), question);
+  };
+  ASSERT_EQ(Tool("report " + own + " --against " + other + " --tolerance x=0.1,2% --ignore G -o page.html"), 0) << said;
+  const std::string page = ContentOf(folder / "page.html");
+  const auto keyOf = [&](const std::string& run, const std::string& node) {
+    return std::stoll(
+        keys("SELECT e.execution_id FROM executions e JOIN executions r ON r.execution_id = e.root_id "
+             "WHERE r.guid = '" +
+             run + "' AND e.node = '" + node + "'"));
+  };
+  const auto column = [&](const std::string& run) {
+    const long long root = keyOf(run, "run"), a = keyOf(run, "a"), c = keyOf(run, "c");
+    return '[' + std::to_string(root) + ',' + std::to_string(a - root) + ',' + std::to_string(c - a) + ']';
+  };
+  for (const std::string& part :
+       {"\"against\":{\"run\":\"" + other + "\",\"start\":\"20", "\"recorded\":2,\"slices\":null"s,
+        "\"pairs\":[{\"own\":" + column(own) + ",\"other\":" + column(other) + "}],\"event_pairs\":[{\"own\":["s,
+        "\"rules\":{\"ignored\":[\"G\"],\"tolerances\":[{\"parameter\":\"x\",\"absolute\":0.1,\"relative\":0}],"
+        "\"otherwise\":{\"absolute\":0,\"relative\":0.02}},\"parting\":{\"kind\":\"parameter\",\"execution\":"s +
+            std::to_string(keyOf(own, "a")) + ",\"other_execution\":" + std::to_string(keyOf(other, "a")) +
+            ",\"event\":",
+        ",\"parameter\":\"x\",\"at\":2000000},\"lines\":[]"s}) {
+    EXPECT_NE(page.find(part), std::string::npos) << part;
   }
 }
 

@@ -53,7 +53,7 @@ const std::map<std::string, Verb> verbs = {
     {"seal", {nullptr, {"", ""}}},  // the second time, what was added since
     {"show", {nullptr, {"last --tree --events", "0ecba827 --events --columns TiltAngle --json", "grid.mdoc"}}},
     {"note", {"it asks only for the run, as others do", {"last dry --kind cause"}}},
-    {"report", {nullptr, {"last -o /dev/null"}}},
+    {"report", {nullptr, {"last -o /dev/null", "last --against last -o /dev/null"}}},
     {"tail", {nullptr, {""}}},
 };
 

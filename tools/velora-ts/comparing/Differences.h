@@ -19,9 +19,9 @@ struct Differences {
   bool durationsCount = false;  ///< Whether durations alone make two runs different.
   std::vector<Store::Configuration> firstConfigurations, secondConfigurations;
 
-  /// Visits the lines of the configurations that differ. The n-th configuration is compared with the n-th of the other
-  /// run, or with its last one if it has less.
-  void ForEachChangedLine(const std::function<void(const Store::ChangedLine&)>& visit) const;
+  void ForEachChangedLine(const std::function<void(const Store::ChangedLine&)>& visit) const {
+    Store::ForEachChangedLine(firstConfigurations, secondConfigurations, visit);
+  }
   bool AreNone(const Store::Summary& summary) const;
 };
 

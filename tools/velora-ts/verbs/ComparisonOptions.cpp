@@ -25,6 +25,9 @@ ComparisonOptions::ComparisonOptions(Options& options) {
   options.AddList("--tolerance", tolerances,
                   "By how much numbers may differ: NAME=0.1 or NAME=1% for a parameter, 0.1 or 1% for all others");
   options.AddList("--ignore", ignored, "Parameters and events to leave out, by their names");
+}
+
+void ComparisonOptions::AddSlower(Options& options) {
   options.AddText("--slower", slower,
                   "A factor: durations that differ by more make the runs different. Without it, durations that differ "
                   "by more than 1.5 times and one second are told");

@@ -12,6 +12,8 @@ namespace Velora::Ts {
 class ComparisonOptions {
  public:
   explicit ComparisonOptions(Options& options);
+  /// Declares --slower too.
+  void AddSlower(Options& options);
 
   /// @throws UsageError when a tolerance or a factor is not understood.
   Store::ComparisonRules Rules() const;

@@ -21,6 +21,7 @@ class DiffVerb : public StoreVerb {
     options.AddText("RUN2", secondName,
                     "The run to compare it with. Default: the newest finished run of the same activity and instrument "
                     "that started before RUN");
+    rules.AddSlower(options);
     options.AddFlag("--all", all, "Write every difference, and what is equal");
     options.AddFlag("--json", json, "Write a JSON object with every difference, with times in UTC");
   }

@@ -1,11 +1,14 @@
 #include "output/Output.h"
 #include "output/Progress.h"
 #include "output/Words.h"
+#include "page/writer/Against.h"
 #include "page/writer/LogColumns.h"
 #include "page/writer/RunPage.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
+#include "verbs/ComparisonOptions.h"
 #include "verbs/LogOptions.h"
+#include "verbs/SecondRun.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
@@ -79,10 +82,14 @@ class PageFile {
 
 class ReportVerb : public StoreVerb {
  public:
-  explicit ReportVerb(Options& options) : StoreVerb(options), logs(options) {
+  explicit ReportVerb(Options& options) : StoreVerb(options), logs(options), second(options), rules(options) {
     options.AddRequiredText("RUN", name, "The run to show");
     options.AddText("-o,--output", file,
                     "The file to write. Default: run-GUID.html, with the first letters of the guid");
+    options.AddText("--against", secondName, "A run to compare it with, named as RUN");
+    for (const char* option : {"--with", "--tolerance", "--ignore"}) {
+      options.Require(option, "--against");
+    }
   }
 
   ExitCode Execute() override {
@@ -98,13 +105,24 @@ class ReportVerb : public StoreVerb {
       LogFile::LogFiles lines = logs.LinesOf(store, *run);
       log.emplace(lines);
     }
-    const Page::RunPage page(store, *run, {settings.units, log ? &*log : nullptr});
+    const std::optional<Run> other = secondName.empty() ? std::nullopt : second.Find(store, *run, secondName);
+    if (!secondName.empty() && !other) {
+      return Found;
+    }
+    std::optional<Comparison> comparison;
+    std::optional<Page::Against> against;
+    if (other) {
+      comparison.emplace(Comparison::Side{store, *run}, Comparison::Side{second.StoreOf(store), *other}, rules.Rules());
+      against.emplace(*comparison);
+    }
+    const Page::RunPage page(store, *run, {settings.units, log ? &*log : nullptr, against ? &*against : nullptr});
     PageFile target(path);
     {
       Progress progress("Writing events", page.Events());
       page.Write([&](std::string_view piece) { target.Write(piece); }, [&] { progress.Add(1); });
     }
     store.ExpectUntouched();
+    second.StoreOf(store).ExpectUntouched();
     target.Finish();
     Complain(InWords(*run) + ": " + page.EventsInWords() + (log ? ", " + log->InWords() : "") + ", written to '" +
              path + "', " + std::to_string(target.Bytes()) + " bytes");
@@ -113,7 +131,9 @@ class ReportVerb : public StoreVerb {
 
  private:
   const LogOptions logs;
-  std::string name, file;
+  SecondRun second;
+  const ComparisonOptions rules;
+  std::string name, file, secondName;
 };
 
 }  // namespace
