@@ -163,7 +163,7 @@ TEST_F(Ask, NamesWhatWasExpected) {
       {"events --where 'Dose 40'", 2, "expected one of = != < <= > >= after 'Dose 40'"},
       {"events --where 'Dose == 40'", 2, "and not '==' after 'Dose'"},
       {"events --where '> 40'", 2, "expected the name of a parameter;"},
-      {"events --where ''", 2, "expected the name of a parameter;"},
+      {"events --where ' '", 2, "expected the name of a parameter;"},
       {"events --where 'Dose > 40 and'", 2, "expected the name of a parameter after 'Dose > 40 and'"},
       {"events --where 'Dose > 40 or Note = 1'", 2, "expected a number, or a text in quotes, after 'Dose >'"},
       {"events --where 'Dose = 40 Note = 1'", 2, "expected \"and\" or the end after 'Dose = 40 Note'"},
