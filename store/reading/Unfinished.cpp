@@ -26,12 +26,14 @@ bool NotesRunning(const Reader& store) {
   return triggers.Next();
 }
 
-std::string UnfinishedRuns(const Reader& store) {
-  return std::string("SELECT x.root_id FROM ") +
+std::string UnfinishedExecutions(const Reader& store) {
+  return std::string(" FROM ") +
          (NotesRunning(store) ? "running CROSS JOIN executions x WHERE x.execution_id = running.execution_id AND "
                               : "executions x WHERE ") +
          isRunning;
 }
+
+std::string UnfinishedRuns(const Reader& store) { return "SELECT x.root_id" + UnfinishedExecutions(store); }
 
 std::string UnfinishedCondition(const Reader& store, const std::string& root) {
   return NotesRunning(store) ? root + " IN (" + UnfinishedRuns(store) + ')' : "EXISTS (" + RunningOf(root) + ')';

@@ -13,6 +13,10 @@ struct Run;
 /// one whose triggers somebody removed.
 bool NotesRunning(const Reader& store);
 
+/// The end of a query for executions x that are running, to which conditions can be added. If the store does not note
+/// them, it asks every execution that the conditions leave.
+std::string UnfinishedExecutions(const Reader& store);
+
 /// A query for the roots of all runs that are not finished. If the store does not note them, it asks every execution.
 std::string UnfinishedRuns(const Reader& store);
 

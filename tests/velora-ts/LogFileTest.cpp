@@ -93,6 +93,18 @@ TEST_F(LogFileTest, ReadsLinesOfManyForms) {
   }
 }
 
+TEST_F(LogFileTest, ReadsATimeThatClocksShowTwiceAsTheFirst) {
+  setenv("TZ", "CET-1CEST,M3.5.0/2,M10.5.0/3", 1);
+  tzset();
+  const TimeForm form("%Y-%m-%d %H:%M");
+  for (const auto& [text, utc] : {std::pair<std::string_view, long long>{"2026-10-25 02:30", 1792888200},
+                                  {"2026-10-25 03:30", 1792895400},
+                                  {"2026-07-01 00:30", 1782858600}}) {
+    std::string_view rest = text;
+    EXPECT_EQ(form.Read(rest), utc * 1'000'000) << text;
+  }
+}
+
 TEST_F(LogFileTest, FollowsALogThatGrowsAndIsRotated) {
   const std::filesystem::path path = folder / "log";
   const auto append = [&](const std::string& text) { std::ofstream(path, std::ios::app) << text; };

@@ -278,7 +278,8 @@ TEST_F(Look, WhatIsTooLongOrTooWideIsRefusedWithItsLimit) {
 TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
   create_directory(folder / "new");
   folder.Write("new/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");
-  EXPECT_EQ(Shell(": > told; timeout 60 '" VELORA_TS "' tail --config new > told 2>&1 & tail=$!\n"
+  folder.Write("new/log", "2026-11-25T03:30:00Z [error] before the run\n2026-11-25T03:30:11.57Z [warning] slow\n");
+  EXPECT_EQ(Shell(": > told; timeout 60 '" VELORA_TS "' tail --config new --log new/log > told 2>&1 & tail=$!\n"
                   "until grep -q waiting told; do sleep 0.05; done\n"
                   "sqlite3 new/made.db '.read " SOURCE "/tests/local-ts/version-1.sql' "
                   "'INSERT INTO statuses VALUES (7, 1, 1, 4, \"\")' &&\n"
@@ -286,12 +287,15 @@ TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
                   "until grep -q TiltAngle=3.1 told; do sleep 0.05; done\n"
                   "sqlite3 new/ts.db \"INSERT INTO events VALUES (4, 1, 3, 1, 'late', '2026-11-25T03:31')\"\n"
                   "until grep -q late told; do sleep 0.05; done\n"
+                  "mv new/log new/log.1 && echo '2026-11-25T03:31:05Z [error] [Stage] anew' > new/log\n"
+                  "until grep -q anew told; do sleep 0.05; done\n"
                   "sqlite3 new/ts.db 'INSERT INTO statuses VALUES (8, 1, 1, 14, \"\")'\n"
                   "wait $tail && cat told"),
             0)
       << said;
   EXPECT_TRUE(std::regex_match(said, std::regex("waiting for a run\nfollowing run [^\n]*\n[^\n]*Series[^\n]*\n"
-                                                "([^\n]*TiltAngle[^\n]*\n){2}[^\n]* late\n")))
+                                                "[^\n]* log +warning +slow\n([^\n]*TiltAngle[^\n]*\n){2}[^\n]* late\n"
+                                                "[^\n]* log of Stage +error +anew\n")))
       << said;
 }
 

@@ -119,7 +119,7 @@ bool Take(Scanner& scanner, char conversion, Parts& parts) {
       parts.fraction = scanner.TakeFraction();
       return true;
     case 's':
-      if (!scanner.TakeNumber(12, parts.secondsSince1970.emplace())) {
+      if (!scanner.TakeNumber(11, parts.secondsSince1970.emplace())) {
         return false;
       }
       parts.fraction = scanner.TakeFraction();
@@ -140,8 +140,11 @@ long long LocalOffset(sys_seconds local) {
     const std::time_t asUtc = hour.time_since_epoch() / seconds(1);
     std::tm parts{};
     static_cast<void>(gmtime_r(&asUtc, &parts));
+    std::tm summer = parts;
+    summer.tm_isdst = 1;  // the first of two
+    const std::time_t first = std::mktime(&summer);
     parts.tm_isdst = -1;
-    offset = asUtc - std::mktime(&parts);
+    offset = asUtc - (summer.tm_isdst == 1 ? first : std::mktime(&parts));
     known = hour;
   }
   return offset;

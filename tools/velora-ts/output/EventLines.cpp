@@ -7,6 +7,7 @@
 #include "store/reading/ParameterValue.h"
 #include "store/values/Json.h"
 #include "store/values/RecordedText.h"
+#include "store/values/StoredTime.h"
 
 #include <algorithm>
 
@@ -52,20 +53,39 @@ EventRows EventsOfRunSince(const Store::Reader& store, long long root, long long
   return events;
 }
 
+EventRows EventNumbered(const Store::Reader& store) {
+  return {store, columns, "events v JOIN executions x ON x.execution_id = v.execution_id", "v.event_id = ?1"};
+}
+
+long long TimeOf(const EventRows& events) {
+  return Microseconds(events.Event().Text(At)).value_or(std::numeric_limits<long long>::min());
+}
+
 void EventLines::Write(EventRows& events, ExecutionPaths& paths) {
   const Rows& event = events.Event();
-  std::string time = LocalTime(event.Text(At), true);
+  std::string values;
+  while (events.NextParameter()) {
+    values += ParameterInWords(events.Parameter(), digits) + "  ";
+  }
+  Write(event.Text(At), InWords(paths.Of(event.Integer(Key)), begins), Shown(event.Text(Name)), values);
+}
+
+void EventLines::Write(const LogFile::Line& line) {
+  Write(StoredTimeOf(line), line.source.empty() ? "log" : "log of " + Printable(line.source),
+        LogFile::InWords(line.level), Printable(line.text));
+}
+
+void EventLines::Write(std::string_view at, const std::string& where, const std::string& name,
+                       const std::string& more) {
+  std::string time = LocalTime(at, true);
   if (const std::optional<TimeParts> parts = PartsOf(time); parts && terminal.IsNarrow()) {
     const std::string day = days.Above(*parts);
     WriteOut(day.empty() ? "" : Cut(day, terminal.width) + '\n');
     time = parts->ofDay;
   }
-  const std::string begin = time + "  " + Aligned(InWords(paths.Of(event.Integer(Key)), begins), nodeWidth);
-  std::string line = Aligned(Shown(event.Text(Name)), nameWidth);
-  while (events.NextParameter()) {
-    line += ParameterInWords(events.Parameter(), digits) + "  ";
-  }
-  line = begin + Cut(line, terminal.width - std::min(terminal.width, WidthOf(begin)));
+  const std::string begin = time + "  " + Aligned(where, nodeWidth);
+  const std::string rest = Aligned(name, nameWidth) + more;
+  std::string line = begin + Cut(rest, terminal.width - std::min(terminal.width, WidthOf(begin)));
   WriteOut(line.erase(line.find_last_not_of(' ') + 1) + '\n');
 }
 

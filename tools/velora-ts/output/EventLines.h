@@ -1,11 +1,17 @@
 #pragma once
 
+#include "output/LogLines.h"
 #include "output/Terminal.h"
 #include "output/Times.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/ExecutionPath.h"
 
+#include <VeloraLogFile/Line.h>
+
+#include <limits>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace Velora::Ts {
 
@@ -15,6 +21,12 @@ namespace Velora::Ts {
 Store::EventRows EventsOfRun(const Store::Reader& store, long long root);
 /// The events of a run whose numbers are higher than `number`. Reads only what was recorded since that event.
 Store::EventRows EventsOfRunSince(const Store::Reader& store, long long root, long long number);
+
+/// The event whose number is asked for.
+Store::EventRows EventNumbered(const Store::Reader& store);
+
+/// The time of the current event, in microseconds since 1970; the earliest of all if it cannot be read.
+long long TimeOf(const Store::EventRows& events);
 
 /// Writes events as lines, each cut to the width of the terminal, but never within the path of the execution.
 class EventLines {
@@ -28,8 +40,26 @@ class EventLines {
   /// Writes the current event and its parameters.
   /// @param paths the paths of the executions in the same store.
   void Write(Store::EventRows& events, Store::ExecutionPaths& paths);
+  /// Writes a line of a log.
+  void Write(const LogFile::Line& line);
+  /// Writes all events that follow, and among them the lines of a log by their times.
+  template <typename Lines>
+  void WriteAll(Store::EventRows& events, Store::ExecutionPaths& paths, std::optional<LinesBeside<Lines>>& log) {
+    const auto writeLine = [this](const LogFile::Line& line) { Write(line); };
+    while (events.Next()) {
+      if (log) {
+        log->Before(TimeOf(events), writeLine);
+      }
+      Write(events, paths);
+    }
+    if (log) {
+      log->Before(std::numeric_limits<long long>::max(), writeLine);
+    }
+  }
 
  private:
+  void Write(std::string_view at, const std::string& where, const std::string& name, const std::string& more);
+
   const int digits;
   const Paths begins;
   const Terminal terminal;

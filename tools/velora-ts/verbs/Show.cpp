@@ -1,4 +1,5 @@
 #include "output/EventLines.h"
+#include "output/LogLines.h"
 #include "output/NoteWords.h"
 #include "output/Output.h"
 #include "output/Terminal.h"
@@ -18,10 +19,15 @@
 #include "store/values/Json.h"
 #include "store/values/RecordedText.h"
 #include "store/values/StoredText.h"
+#include "store/values/StoredTime.h"
 #include "verbs/DigitsOption.h"
+#include "verbs/LogOfRun.h"
+#include "verbs/LogOptions.h"
+#include "verbs/StopWords.h"
 #include "verbs/StoreVerb.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 namespace Velora::Ts {
@@ -48,10 +54,12 @@ struct ShowOptions {
 
 class Show {
  public:
-  Show(const Store::Reader& store, Run run, const ShowOptions& options)
+  /// @param log null for none.
+  Show(const Store::Reader& store, Run run, const ShowOptions& options, LogOfRun* log)
       : store(store),
         run(std::move(run)),
         options(options),
+        log(log),
         execution(QueryExecutions(store, "WHERE e.execution_id = ?1")),
         children(store, "SELECT execution_id FROM executions WHERE parent_id = ?1 ORDER BY execution_id"),
         parameters(store,
@@ -70,18 +78,15 @@ class Show {
     WriteTable();
     if (options.events) {
       WriteOut("\n");
-      EventLines lines(options.digits);
-      ExecutionPaths paths(store);
-      for (EventRows events = EventsOfRun(store, run.root); events.Next();) {
-        lines.Write(events, paths);
-      }
+      WriteEvents();
     }
   }
 
   void AsJson() {
     const Execution root = Find(run.root);
     WriteData('{' + JsonMembers(root) + ",\"unfinished\":" + (IsUnfinished(store, run) ? "true" : "false") +
-              ",\"notes\":" + NotesAsJson(notes.Ask(run.root)) + ",\"executions\":[");
+              ",\"notes\":" + NotesAsJson(notes.Ask(run.root)) + ",\"stopped\":" + Stopped().AsJson() +
+              ",\n\"executions\":[");
     const char* separator = "\n";
     ForEachExecution([&](const Execution& one, int depth) {
       WriteData(separator + ('{' + JsonMembers(one)) + ",\"depth\":" + std::to_string(depth) + JsonParameters(one) +
@@ -96,6 +101,7 @@ class Show {
         WriteData(separator + EventAsJson(events));
       }
       WriteData("]");
+      WriteLogAsJson();
     }
     WriteData("}\n");
   }
@@ -145,6 +151,8 @@ class Show {
           Cut(std::string(unfinishedInWords) + "; last recorded " + LocalTime(LastRecorded(store, run), true),
               terminal.width);
       WriteOut(terminal.colours ? "\x1b[1;31m" + words + "\x1b[0m\n" : words + '\n');
+      Stopped().Write(LastRecorded(store, run));
+      WriteOut("\n");
     }
     line("run", Printable(root.guid));
     line("node", Shown(root.node));
@@ -159,6 +167,30 @@ class Show {
       line("note", NoteInWords(notes));
     }
   }
+
+  void WriteEvents() {
+    EventLines lines(options.digits);
+    ExecutionPaths paths(store);
+    EventRows events = EventsOfRun(store, run.root);
+    std::optional<LinesBeside<LogFile::SpooledLines>> beside;
+    if (log != nullptr) {
+      beside.emplace(*log->All());
+    }
+    lines.WriteAll(events, paths, beside);
+  }
+
+  void WriteLogAsJson() {
+    if (log == nullptr) {
+      return;
+    }
+    WriteData(",\"log\":[");
+    for (const char* separator = "\n"; log->All()->Next(); separator = ",\n") {
+      WriteData(separator + LogLineAsJson(log->All()->Current()));
+    }
+    WriteData("]");
+  }
+
+  StopWords Stopped() const { return {store, run, log == nullptr ? nullptr : &log->Around(), options.digits}; }
 
   void WriteTable() {
     std::vector<TextTable::Column> columns{{.title = "execution", .whole = true},
@@ -224,12 +256,13 @@ class Show {
   const Store::Reader& store;
   const Run run;
   const ShowOptions& options;
+  LogOfRun* const log;
   Rows execution, children, parameters, picked, notes;
 };
 
 class ShowVerb : public StoreVerb {
  public:
-  explicit ShowVerb(Options& options) : StoreVerb(options), digits(options) {
+  explicit ShowVerb(Options& options) : StoreVerb(options), digits(options), logs(options) {
     options.AddRequiredText("RUN", name, "The run to show");
     options.AddFlag("--tree", chosen.tree, "Show all levels below the run, not only its children");
     options.AddFlag("--events", chosen.events, "Show its events too, one a line");
@@ -248,7 +281,11 @@ class ShowVerb : public StoreVerb {
     if (!run) {
       return Found;
     }
-    Show show(store, *run, chosen);
+    std::optional<LogOfRun> log;
+    if (logs.IsGiven()) {
+      log.emplace(logs.LinesOf(store, *run), Microseconds(LastRecorded(store, *run)).value_or(0), chosen.events);
+    }
+    Show show(store, *run, chosen, log ? &*log : nullptr);
     json ? show.AsJson() : show.InWords();
     FlushOut();
     store.ExpectUntouched();
@@ -259,6 +296,7 @@ class ShowVerb : public StoreVerb {
   std::string name;
   ShowOptions chosen;
   DigitsOption digits;
+  const LogOptions logs;
   bool json = false;
 };
 

@@ -9,6 +9,7 @@
 #include "store/reading/Runs.h"
 #include "store/reading/Unfinished.h"
 #include "verbs/DigitsOption.h"
+#include "verbs/LogOptions.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
@@ -80,14 +81,17 @@ std::optional<Run> RunToFollow(const Database& database, const std::string& name
 /// Writes the events of a run at the first look, and at each later look those that are new.
 class Follower {
  public:
-  Follower(Run run, int digits) : run(std::move(run)), lines(digits) {}
+  /// @param log null for none.
+  Follower(Run run, int digits, LogFile::LogFiles* log) : run(std::move(run)), lines(digits) {
+    if (log != nullptr) {
+      beside.emplace(*log);
+    }
+  }
 
   State Look(const Store::Reader& store) {
     EventRows events = first ? EventsOfRun(store, run.root) : EventsOfRunSince(store, run.root, newest);
     ExecutionPaths paths(store);
-    while (events.Next()) {
-      lines.Write(events, paths);
-    }
+    lines.WriteAll(events, paths, beside);
     FlushOut();
     first = false;
     newest = NewestEvent(store);
@@ -99,11 +103,12 @@ class Follower {
   bool first = true;
   long long newest = 0;
   EventLines lines;
+  std::optional<LinesBeside<LogFile::LogFiles>> beside;
 };
 
 class TailVerb : public StoreVerb {
  public:
-  explicit TailVerb(Options& options) : StoreVerb(options), digits(options) {
+  explicit TailVerb(Options& options) : StoreVerb(options), digits(options), logs(options) {
     options.AddText("RUN", name, "The run to follow");
   }
 
@@ -115,7 +120,12 @@ class TailVerb : public StoreVerb {
       return Found;
     }
     Complain("following " + InWords(*run) + " until it is finished; Ctrl-C stops");
-    Follower follower(*run, shown);
+    std::optional<LogFile::LogFiles> log;
+    if (logs.IsGiven()) {
+      const Reader store(database);
+      log.emplace(StateOf(store, *run) == State::Running ? logs.Following(*run) : logs.LinesOf(store, *run));
+    }
+    Follower follower(*run, shown, log ? &*log : nullptr);
     State state = follower.Look(Reader(database));
     while (state == State::Running) {
       std::this_thread::sleep_for(betweenLooks);
@@ -131,6 +141,7 @@ class TailVerb : public StoreVerb {
  private:
   std::string name;
   DigitsOption digits;
+  const LogOptions logs;
 };
 
 }  // namespace
