@@ -188,7 +188,7 @@ const std::vector<Alteration> alterations = {
     {"statuses", "UPDATE statuses SET status_id = -status_id WHERE execution_id = 5"},
     {"statuses", "INSERT INTO statuses VALUES (0, 4, 2, 4, '')"},
     {"statuses", "INSERT INTO statuses VALUES (NULL, 4, 2, 4, '')",
-     "not sealed: run run-2 \"second\" of 2026-11-26T09, which is not finished"},
+     "not sealed: run run-2 \"second\" of 2026-11-26 09:00:00.00:00, which is not finished"},
     {"events", "UPDATE events SET at = '2026-11-26T08' WHERE event_id = 6", "what belongs to no run was altered"},
     {"events", "UPDATE events SET name = 'Late' WHERE event_id = 7"},
     {"events", "UPDATE events SET execution_id = 6 WHERE event_id = 5"},
@@ -326,9 +326,9 @@ TEST_F(Seals, WhatIsNotFinishedWaitsAndLateRowsGetASealOfTheirOwn) {
             0);
   const std::string before = Query(folder / "ts.db", "SELECT * FROM seals");
   EXPECT_EQ(Tool("seal"), 0);
-  EXPECT_TRUE(Says("not sealed: run run-4 \"fourth\" of 2026-11-28 is not finished")) << said;
+  EXPECT_TRUE(Says("not sealed: run run-4 \"fourth\" of 2026-11-28 00:00:00+00:00 is not finished")) << said;
   EXPECT_EQ(Tool("verify --anchor anchor"), 4) << said;
-  EXPECT_TRUE(Says("not sealed: run run-4 \"fourth\" of 2026-11-28, which is not finished\n7 seals verified")) << said;
+  EXPECT_TRUE(Says("not sealed: run run-4 \"fourth\" of 2026-11-28 00:00:00+00:00, which is not finished\n7 seals verified")) << said;
   EXPECT_EQ(Query(folder / "ts.db", "SELECT * FROM seals WHERE seal_id < 7"), before);
   EXPECT_EQ(Query(folder / "ts.db",
                   "SELECT run, counts LIKE '%\"execution\":0,\"status\":0,\"event\":1,%' FROM seals "

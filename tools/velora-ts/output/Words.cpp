@@ -26,7 +26,7 @@ std::string Shown(std::string_view stored) { return Printable(Readable(stored));
 std::string InWords(const Run& run) {
   std::string words = "run " + run.guid + ' ';
   AppendText(words, Readable(run.node));  // a JSON text stays on one line
-  return Printable(words + " of " + run.startedAt);
+  return Printable(words) + " of " + LocalTime(run.startedAt, false);
 }
 
 std::optional<Run> TheRunNamed(const Reader& store, const std::string& name) {

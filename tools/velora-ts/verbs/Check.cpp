@@ -77,7 +77,8 @@ class CheckVerb : public StoreVerb {
   explicit CheckVerb(Options& options) : StoreVerb(options) {
     options.AddText("--library", start.library,
                     "File of the TS logging library that the host loads; the files of the host can lie in its folder. "
-                    "Default: the library that was installed with this program");
+                    "Default: the library that was installed with this program",
+                    "FILE");
     options.AddText("--activities", start.activities, "Name of the host's activities file. Default: activities.xml");
     options.AddText("--configuration", start.configuration,
                     "Name of the host's instrument configuration. Default: instrument.xml");

@@ -30,7 +30,8 @@ ComparisonOptions::ComparisonOptions(Options& options) {
 void ComparisonOptions::AddSlower(Options& options) {
   options.AddText("--slower", slower,
                   "A factor: durations that differ by more make the runs different. Without it, durations that differ "
-                  "by more than 1.5 times and one second are told");
+                  "by more than 1.5 times and one second are told",
+                  "FACTOR");
 }
 
 ComparisonRules ComparisonOptions::Rules() const {

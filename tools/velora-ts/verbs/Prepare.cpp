@@ -13,7 +13,7 @@ namespace {
 class PrepareVerb : public StoreVerb {
  public:
   explicit PrepareVerb(Options& options) : StoreVerb(options) {
-    options.AddText("--hosts", hosts, "Allow this role of the PostgreSQL server to record, and nothing else");
+    options.AddText("--hosts", hosts, "Allow this role of the PostgreSQL server to record, and nothing else", "ROLE");
   }
 
   ExitCode Execute() override {

@@ -85,7 +85,7 @@ class ReportVerb : public StoreVerb {
   explicit ReportVerb(Options& options) : StoreVerb(options), logs(options), second(options), rules(options) {
     options.AddRequiredText("RUN", name, "The run to show");
     options.AddText("-o,--output", file,
-                    "The file to write. Default: run-GUID.html, with the first letters of the guid");
+                    "The file to write. Default: run-GUID.html, with the first letters of the guid", "FILE");
     options.AddText("--against", secondName, "A run to compare it with, named as RUN");
     for (const char* option : {"--with", "--tolerance", "--ignore"}) {
       options.Require(option, "--against");

@@ -142,7 +142,7 @@ ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchor
 class SealVerb : public StoreVerb {
  public:
   explicit SealVerb(Options& options) : StoreVerb(options) {
-    options.AddText("--anchor", anchorFile, "Write the newest hash to this file; keep it away from the store");
+    options.AddText("--anchor", anchorFile, "Write the newest hash to this file; keep it away from the store", "FILE");
   }
 
   ExitCode Execute() override {

@@ -12,7 +12,8 @@ using namespace Store;
 
 SecondRun::SecondRun(Options& options) {
   options.AddText("--with", folder,
-                  "Folder with the TSAL.config of the store that has the second run. Default: the same store");
+                  "Folder with the TSAL.config of the store that has the second run. Default: the same store",
+                  "FOLDER");
 }
 
 std::optional<Run> SecondRun::Find(const Reader& store, const Run& first, const std::string& name) {

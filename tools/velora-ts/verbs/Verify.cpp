@@ -138,7 +138,7 @@ class Verifier {
 class VerifyVerb : public StoreVerb {
  public:
   explicit VerifyVerb(Options& options) : StoreVerb(options) {
-    options.AddText("--anchor", anchorFile, "Compare the seals with this file, which seal --anchor wrote");
+    options.AddText("--anchor", anchorFile, "Compare the seals with this file, which seal --anchor wrote", "FILE");
   }
 
   ExitCode Execute() override {
