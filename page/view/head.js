@@ -34,11 +34,23 @@ export function showHead(recorded) {
   fact('Sealed', ...sealOf(recorded));
   fact('Shown', ...shownOf(recorded));
   fact('Run', make('code', '', raw.run));
+  showNotes(recorded);
   showBrief(recorded, session, open, end);
   showConfigurations(recorded);
   document.getElementById('made').textContent =
     `Made by velora-ts ${raw.tool} at ${clock.local(raw.made)} from the store as it was then. ` +
     "Times are those of this computer's time zone.";
+}
+
+/** What was noted about the run. */
+function showNotes({ raw, clock }) {
+  document.getElementById('notes').replaceChildren(
+    ...raw.notes.map(({ kind, text, author, at }) => {
+      const words = showLong(make('span', 'text'), text);
+      const by = make('span', 'hint', ' ', show(make('span'), author), `, ${clock.local(at ?? NaN)}`);
+      return make('li', '', make('strong', '', kind), ' ', words, by);
+    }),
+  );
 }
 
 /** The facts in one line; it opens all of them, and is open where that leaves room for the timeline. */
