@@ -2,9 +2,13 @@
 
 import { button, linkTo, make } from './element.js';
 import { eventBlock } from './event-block.js';
+import { graveLines } from './log-lines.js';
+import { lineOf } from './log-section.js';
 import { count } from './text.js';
 
 const mostEvents = 3;
+const mostLines = 6;
+const before = 600e6; // microseconds before the last sign from which lines of the log are shown
 const mostOthers = 8;
 
 /** Of what did not finish and has nothing unfinished below it, that which gave the last sign; the deepest of these. */
@@ -20,15 +24,11 @@ export function whereItStopped(recorded) {
   );
 }
 
-/** The last events at a place or below it; where there are none, those of what it belongs to. The newest first. */
-export function lastEventsAt(recorded, at) {
-  for (const place of recorded.pathTo(at).reverse()) {
-    const events = recorded.allBelow(place).flatMap((below) => recorded.eventsOf[below].slice(-mostEvents));
-    if (events.length > 0) {
-      return events.sort((a, b) => b.number - a.number).slice(0, mostEvents);
-    }
-  }
-  return [];
+/** The last events there, below it, and of what it belongs to; the newest first. */
+function lastEventsAt(recorded, at) {
+  const places = new Set([...recorded.pathTo(at), ...recorded.allBelow(at)]);
+  const events = [...places].flatMap((place) => recorded.eventsOf[place].slice(-mostEvents));
+  return events.sort((a, b) => b.number - a.number).slice(0, mostEvents);
 }
 
 /** Shows it before everything else; `filterUnfinished` shows all that did not finish. */
@@ -45,24 +45,41 @@ export function showCause(recorded, filterUnfinished) {
   const title = make('h2', '', make('strong', '', 'Did not finish'));
   title.id = 'alarm-title';
   alarm.setAttribute('aria-labelledby', title.id);
+  const [newest, ...earlier] = lastEventsAt(recorded, at).map((event) => causeEvent(recorded, event, at));
   alarm.append(
     title,
     make('p', 'path', ...path.flatMap((step, level) => [...(level > 0 ? [' › '] : []), linkTo(recorded, step)])),
-    ...eventsAt(recorded, at),
+    make(
+      'div',
+      'evidence',
+      make('div', '', make('h3', '', newest ? 'The last event' : 'No event'), ...(newest ? [newest] : [])),
+      ...linesAround(recorded, recorded.lastSignOf(at)),
+    ),
+    ...(earlier.length > 0 ? [make('h3', '', 'Before it')] : []),
+    ...earlier,
     ...othersBeside(recorded, path, filterUnfinished),
   );
 }
 
-function eventsAt(recorded, at) {
-  const events = lastEventsAt(recorded, at);
-  const blocks = events.map((event) => {
-    const block = eventBlock(recorded, event, (time) => recorded.clock.day(time));
-    if (event.execution !== at) {
-      block.firstChild.append(' of ', linkTo(recorded, event.execution));
-    }
-    return block;
-  });
-  return [make('div', 'evidence', make('h3', '', 'Last events, the newest first'), ...blocks)];
+function causeEvent(recorded, event, at) {
+  const block = eventBlock(recorded, event, true);
+  if (event.execution !== at) {
+    block.firstChild.append(' in ', linkTo(recorded, event.execution));
+  }
+  return block;
+}
+
+/** Warnings and errors of the log around a time. */
+function linesAround(recorded, time) {
+  if (!recorded.log) {
+    return [];
+  }
+  const lines = graveLines(recorded, time - before, Infinity)
+    .slice(-mostLines)
+    .reverse();
+  const list = make('ol', 'lines', ...lines.map((line) => lineOf(recorded, line)));
+  const title = lines.length > 0 ? 'The log around that time' : 'The log has no warning or error around that time';
+  return [make('div', '', make('h3', '', title), list)];
 }
 
 /** What else did not finish. */

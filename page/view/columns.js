@@ -3,7 +3,7 @@
 import { lengthOf } from './clock.js';
 import { numberCell, textCell, valueCell } from './csv.js';
 import { statusName } from './statuses.js';
-import { valueText } from './values.js';
+import { briefText, valueText } from './values.js';
 
 const likelyColumns = ['TiltAngle', 'ExposureDose', 'Defocus'];
 const mostOwnColumns = 5;
@@ -77,8 +77,9 @@ function parameterColumn(recorded, quantity, name) {
     return Number.isNaN(number) ? text(at) : number;
   };
   const csv = (at) => valueCell(...stored(at));
+  const brief = (at) => briefText(...stored(at));
   return column(name, value, {
-    ...{ text, csv, quantity, occurrence: quantity.occurrence, number: quantity.numeric, shown: false },
+    ...{ text, brief, csv, quantity, occurrence: quantity.occurrence, number: quantity.numeric, shown: false },
   });
 }
 

@@ -3,22 +3,37 @@
 import { addInSteps, make, show } from './element.js';
 import { showLong } from './long-text.js';
 import { noName } from './text.js';
-import { valueText } from './values.js';
+import { unitAfter } from './units.js';
+import { briefText, valueText } from './values.js';
 
 const parametersAtOnce = 100;
 
-/** @param timeOf says when it was. */
-export function eventBlock(recorded, event, timeOf = (at) => recorded.clock.local(at)) {
+/** @param isBrief leaves out the date, and the digits behind the sixth. */
+export function eventBlock(recorded, event, isBrief = false) {
+  const { clock } = recorded;
   const { shape, values: columns } = event.batch;
-  const title = make('h4', '', show(make('span'), shape.name || noName), make('time', 'hint', ` ${timeOf(event.at)}`));
+  const title = make(
+    'h4',
+    '',
+    show(make('span'), shape.name || noName),
+    make('time', 'hint', ` ${isBrief ? clock.day(event.at) : clock.local(event.at)}`),
+  );
   const list = make('dl', 'parameters');
   addInSteps(list, shape.parameters, parametersAtOnce, ([name, kind], place) => {
-    const term = show(make('dt'), name);
-    term.title = kind;
-    const value = valueText(columns[place][event.row], kind);
-    const isLong = value.length > 60 || value.includes('\n');
-    const text = showLong(make('dd', kind === 'text' ? 'text' : ''), value);
-    return make('div', isLong ? 'long' : '', term, text);
+    const value = columns[place][event.row];
+    const element = parameterOf(name, kind, valueText(value, kind), isBrief ? briefText(value, kind) : null);
+    element.lastChild.append(unitAfter(recorded, name));
+    return element;
   });
   return make('section', 'event', title, list);
+}
+
+function parameterOf(name, kind, text, brief) {
+  const term = show(make('dt'), name);
+  term.title = kind;
+  const value = showLong(make('dd', kind === 'text' ? 'text' : ''), brief ?? text);
+  if (brief !== null && brief !== text) {
+    value.title = text;
+  }
+  return make('div', text.length > 60 || text.includes('\n') ? 'long' : '', term, value);
 }

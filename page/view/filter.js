@@ -5,14 +5,15 @@ import { readable } from './text.js';
 
 const typing = 200; // milliseconds without a key after which the text is looked for
 
-const pattern = (text) => new RegExp(text.replace(/[\\^$.*+?()[\]{}|]/g, '\\$&'), 'iu');
+/** A pattern that finds a text. */
+export const patternOf = (text) => new RegExp(text.replace(/[\\^$.*+?()[\]{}|]/g, '\\$&'), 'iu');
 
 /** Whether a stored text has a text in it. */
-const isIn = (found, stored) => stored && found.test(stored.startsWith('\\x') ? readable(stored) : stored);
+export const isIn = (found, stored) => found.test(stored?.startsWith('\\x') ? readable(stored) : (stored ?? ''));
 
 /** The executions with a text in their names, or in the names and values of their events. */
 function executionsWith(recorded, text) {
-  const found = pattern(text);
+  const found = patternOf(text);
   const number = text.trim() === '' ? NaN : Number(text);
   const activities = new Set([...recorded.versions].filter(([, { name }]) => isIn(found, name)).map(([key]) => key));
   const executions = new Set();

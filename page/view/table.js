@@ -10,7 +10,7 @@ import { running } from './statuses.js';
 import { count, firstOf, readable } from './text.js';
 import { Tree } from './tree.js';
 import { listenToKeys } from './tree-keys.js';
-import { sixDigits } from './values.js';
+import { unitBehind } from './units.js';
 
 const rowsAtOnce = 100;
 const deepestIndent = 19; // levels of rows; below them the level is a number
@@ -162,7 +162,7 @@ export class Table {
       this.sortBy(column);
       this.element.tHead.rows[0].cells[this.shown.indexOf(column)].firstChild.focus();
     });
-    sort.append(arrow);
+    sort.append(column.quantity ? unitBehind(this.recorded, column.quantity.name) : '', arrow);
     cell.scope = 'col';
     cell.setAttribute('aria-sort', isSorted ? (this.sorted.descending ? 'descending' : 'ascending') : 'none');
     cell.append(sort);
@@ -190,8 +190,8 @@ export class Table {
     const text = column.text(at) ?? '';
     const isNumber = column.number && typeof column.value(at) === 'number';
     const cell = make('td', isNumber ? 'number' : 'text');
-    const isBrief = isNumber && column.quantity && !this.allDigits.checked;
-    const brief = isBrief ? sixDigits(text) : firstOf(text, mostInCell);
+    const isBrief = isNumber && column.brief && !this.allDigits.checked;
+    const brief = isBrief ? column.brief(at) : firstOf(text, mostInCell);
     show(cell, brief);
     if (brief !== text) {
       cell.append(isNumber ? '' : '…');

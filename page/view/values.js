@@ -25,15 +25,12 @@ export function numberOf(value) {
   return typeof value === 'number' && Number.isFinite(value) ? value : NaN;
 }
 
-/** A number as a text with at most six digits behind its leading zeros. A whole number, and what is none, stays. */
-export function sixDigits(text) {
-  const digits = /^[+-]?0*\.?0*([\d.]*)(e|$)/i.exec(text)?.[1].replace('.', '') ?? '';
-  const isWhole = !/[.e]/i.test(text);
-  if (isWhole || digits.length <= 6) {
-    return text;
-  }
-  return Number(text)
-    .toPrecision(6)
-    .replace(/(\.\d*?)0+(e|$)/, '$1$2')
-    .replace(/\.(e|$)/, '$1');
+/** A number in six digits, though never without one before the point, as velora-ts shows it. */
+function sixDigits(number) {
+  const size = Math.abs(number);
+  return size >= 1e6 && size < 1e15 ? number.toFixed(0) : String(Number(number.toPrecision(6)));
 }
+
+/** A value of any kind as a short text. Whole numbers, and texts that are numbers, keep all their digits. */
+export const briefText = (value, kind) =>
+  kind === 'double' && typeof value === 'number' && Number.isFinite(value) ? sixDigits(value) : valueText(value, kind);

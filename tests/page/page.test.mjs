@@ -157,7 +157,7 @@ function membersOf(value, path = '') {
 }
 
 test('the form of the data', () => {
-  const found = [tiltSeries(), csvCases(), binned()].flatMap(({ file }) =>
+  const found = [tiltSeries(), csvCases(), binned(), night()].flatMap(({ file }) =>
     membersOf(JSON.parse(/id="recorded">([^<]*)/.exec(readFileSync(file, 'utf8'))[1])),
   );
   const description = readFileSync(join(process.env.SOURCE, 'page/FORM.md'), 'utf8');
@@ -340,7 +340,7 @@ const small = { width: 800, height: 600 };
 testPage('where a night stopped', { recording: night, viewport: small }, async (page, { folder }) => {
   const [{ message }] = ask(folder, "SELECT value_text AS message FROM readings WHERE parameter = 'Message'");
   assert.equal(await page.locator('#alarm .event h4 span').first().textContent(), 'Error');
-  assert.deepEqual(await page.locator('#alarm .event:nth-of-type(1) dd').allTextContents(), [
+  assert.deepEqual(await page.locator('#alarm .evidence .event dd').allTextContents(), [
     ...[message, '4117', ...texts(folder, 'Position')],
   ]);
   const first = await page.locator('#timeline').evaluate((found) => found.getBoundingClientRect().top);
@@ -363,6 +363,55 @@ testPage('where a night stopped', { recording: night, viewport: small }, async (
   await page.evaluate(() => window.dispatchEvent(new window.Event('beforeprint')));
   const paper = await page.locator('#alarm dd').first().boundingBox();
   assert.ok(paper.y + paper.height < 300, 'the message is at the top of the paper');
+});
+
+/** How many marks in each of some colours the timeline has. */
+const marksOf = (page, names) =>
+  page.evaluate((wanted) => {
+    const { documentElement } = document;
+    const shapes = echarts.getInstanceByDom(document.querySelector('#timeline .canvas')).getZr().storage;
+    return wanted.map((name) => {
+      const colour = window.getComputedStyle(documentElement).getPropertyValue(`--${name}`).trim();
+      const marks = shapes.getDisplayList().filter(({ style }) => style.fill === colour);
+      return marks.flatMap(({ shape }) => shape.rectangles).length;
+    });
+  }, names);
+
+testPage('the log of a night', { recording: night }, async (page, { folder }) => {
+  const written = readFileSync(join(folder, 'night.log'), 'utf8').matchAll(
+    /^\S+T([\d:.]+)\d{3}\S+ \[(warning|error)\] \[.*?\] (.*)/gm,
+  );
+  const lines = [...written].map(([, time, level, text]) => [time, level, text]).reverse();
+  const shown = (list) =>
+    page.$$eval(`${list} .line`, (items) =>
+      items.map((item) => ['time', 'strong', '.text'].map((part) => item.querySelector(part).textContent)),
+    );
+  const warnings = lines.filter(([, level]) => level === 'warning');
+  assert.ok(warnings.length > 5);
+  assert.deepEqual(await shown('#alarm'), lines.slice(0, 4));
+  // one warning is at the time of the error
+  assert.deepEqual(await marksOf(page, ['error', 'warning']), [1, warnings.length - 1]);
+
+  const filters = [
+    ['0', '', lines],
+    ['1', '', lines.slice(0, 1)],
+    ['2', '', warnings],
+    ['0', 'NITROGEN', lines.filter(([, , text]) => text.startsWith('nitrogen'))],
+  ];
+  for (const [level, text, expected] of filters) {
+    await page.selectOption('#of-level', level);
+    await page.fill('#find-line', text);
+    await page.waitForTimeout(300);
+    const found = (await shown('#log')).map(([time, ...rest]) => [time.slice(-12), ...rest]);
+    assert.deepEqual(found, expected.slice(0, 10), level + text);
+  }
+  const start = warnings.at(-1)[2];
+  await page.fill('#find-line', start);
+  await page.waitForTimeout(300);
+  const node = /at (hole \d+)/.exec(start)[1];
+  await page.locator('#log .line').last().locator('a').click();
+  assert.equal((await focused(page))[0], node);
+  assert.ok((await shown('#table')).some(([, , text]) => text === start));
 });
 
 testPage('the tree of a night', { recording: night }, async (page) => {

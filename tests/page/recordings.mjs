@@ -14,9 +14,9 @@ export function ask(folder, question) {
 }
 
 /** The page of the newest run of a store. */
-export function report(folder) {
+export function report(folder, ...options) {
   const file = join(folder, 'run.html');
-  execFileSync(`${bin}/velora-ts`, ['report', 'last', '-o', file], { cwd: folder });
+  execFileSync(`${bin}/velora-ts`, ['report', 'last', '-o', file, ...options], { cwd: folder });
   return { folder, file, bytes: statSync(file).size };
 }
 
@@ -72,11 +72,14 @@ export const night = once(() => {
   const settings = '<TSAL Instrument="Veldmar 3"><Database Backend="sqlite3" Connection="ts.db"/></TSAL>';
   writeFileSync(join(folder, 'TSAL.config'), settings);
   const options = ['--events', 8000, '--start', '2026-11-25T21:00:00.000000Z'];
-  const { signal } = spawnSync(`${bin}/night-run`, ['.', ...options], { cwd: folder });
+  const { signal } = spawnSync(`${bin}/night-run`, ['.', ...options], {
+    cwd: folder,
+    env: { ...process.env, TZ: 'Europe/Vienna' },
+  });
   if (signal !== 'SIGKILL') {
     throw new Error(`night-run ended with ${signal}`);
   }
-  return report(folder);
+  return report(folder, '--log', 'night.log');
 });
 
 export const hostileTexts = {
