@@ -2,7 +2,7 @@
 // parts fold; sorted or filtered they are a list.
 
 import { isPrinting } from './chart.js';
-import { columnsOf, pickLikely } from './columns.js';
+import { columnsOf, orders, pickLikely } from './columns.js';
 import { button, make, show } from './element.js';
 import { Filter } from './filter.js';
 import { historyOf } from './history.js';
@@ -60,8 +60,25 @@ export class Table {
     unfoldAll.addEventListener('click', () => this.change(() => this.tree.unfoldAll()));
     const hasTree = this.tree.order.some((at) => this.tree.folds(at));
     foldAll.hidden = unfoldAll.hidden = !hasTree;
+    this.offerOrders();
     this.allDigits = document.getElementById('all-digits');
     this.allDigits.addEventListener('change', () => this.draw());
+  }
+
+  /** Offers the times that parameters state as orders of the steps. */
+  offerOrders() {
+    const choices = orders(this.columns);
+    this.order = document.getElementById('order');
+    this.order.append(
+      new Option('as recorded', 0),
+      ...choices.map(({ name }, place) => new Option(readable(name), place + 1)),
+    );
+    this.order.parentElement.hidden = choices.length === 0;
+    this.order.addEventListener('change', () =>
+      this.change(() => {
+        this.sorted = { column: choices[this.order.value - 1] ?? null, descending: false };
+      }),
+    );
   }
 
   titleOf(column, name = column.name) {
@@ -129,6 +146,7 @@ export class Table {
 
   draw() {
     const rows = this.visible();
+    this.order.value = orders(this.columns).indexOf(this.sorted.column) + 1;
     this.page = Math.max(0, Math.min(this.page, Math.ceil(rows.length / rowsAtOnce) - 1));
     const first = this.page * rowsAtOnce;
     const onPage = rows.slice(first, first + rowsAtOnce);

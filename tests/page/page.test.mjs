@@ -313,7 +313,7 @@ testPage('an unfinished run', { recording: unfinished, colorScheme: 'dark' }, as
   assert.ok(alarm.y + alarm.height <= header.y, 'what did not finish is said first');
   await page.click('#columns summary');
   await page.check('#column-choice label:has-text("DateTime") input');
-  await page.click('#table thead button:has-text("DateTime")');
+  await page.selectOption('#order', { label: 'DateTime' });
   assert.equal(
     (await columnOf(page, 'DateTime')).filter((text) => text).at(-1),
     stepOfDecember,
