@@ -328,7 +328,9 @@ TEST_F(Seals, WhatIsNotFinishedWaitsAndLateRowsGetASealOfTheirOwn) {
   EXPECT_EQ(Tool("seal"), 0);
   EXPECT_TRUE(Says("not sealed: run run-4 \"fourth\" of 2026-11-28 00:00:00+00:00 is not finished")) << said;
   EXPECT_EQ(Tool("verify --anchor anchor"), 4) << said;
-  EXPECT_TRUE(Says("not sealed: run run-4 \"fourth\" of 2026-11-28 00:00:00+00:00, which is not finished\n7 seals verified")) << said;
+  EXPECT_TRUE(
+      Says("not sealed: run run-4 \"fourth\" of 2026-11-28 00:00:00+00:00, which is not finished\n7 seals verified"))
+      << said;
   EXPECT_EQ(Query(folder / "ts.db", "SELECT * FROM seals WHERE seal_id < 7"), before);
   EXPECT_EQ(Query(folder / "ts.db",
                   "SELECT run, counts LIKE '%\"execution\":0,\"status\":0,\"event\":1,%' FROM seals "
