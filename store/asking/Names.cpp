@@ -3,9 +3,10 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 
+#include <VeloraText/Nearest.h>
+
 #include <algorithm>
 #include <cctype>
-#include <numeric>
 #include <utility>
 
 namespace Velora::Store {
@@ -21,21 +22,6 @@ std::string Comparable(std::string_view name) {
   std::transform(letters.begin(), letters.end(), letters.begin(),
                  [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
   return letters;
-}
-
-/// How many characters must be put in, left out or replaced to make one text from another.
-std::size_t Distance(const std::string& one, const std::string& other) {
-  std::vector<std::size_t> row(other.size() + 1);
-  std::iota(row.begin(), row.end(), 0);
-  for (std::size_t line = 0; line < one.size(); ++line) {
-    std::size_t diagonal = std::exchange(row[0], line + 1);
-    for (std::size_t place = 0; place < other.size(); ++place) {
-      const std::size_t replaced = diagonal + (one[line] == other[place] ? 0 : 1);
-      diagonal = row[place + 1];
-      row[place + 1] = std::min({replaced, diagonal + 1, row[place] + 1});
-    }
-  }
-  return row.back();
 }
 
 }  // namespace
@@ -54,7 +40,7 @@ std::vector<std::string> NearestNames(const Reader& store, Named kind, const std
   for (Rows names(store,
                   kind == Named::Event ? "SELECT DISTINCT name FROM events" : "SELECT DISTINCT name FROM parameters");
        names.Next();) {
-    nearest.emplace_back(Distance(wanted, Comparable(names.Whole(0))), names.Whole(0));
+    nearest.emplace_back(Velora::Text::Distance(wanted, Comparable(names.Whole(0))), names.Whole(0));
     std::sort(nearest.begin(), nearest.end());
     nearest.resize(std::min(nearest.size(), mostNearest));
   }
