@@ -1,6 +1,8 @@
 #include "page/writer/KeptEvents.h"
 
 #include "store/reading/Reader.h"
+#include "store/reading/Stops.h"
+#include "store/reading/Unfinished.h"
 #include "store/values/Json.h"
 #include "store/values/StoredTime.h"
 
@@ -97,6 +99,7 @@ void KeptEvents::Choose(const Store::Reader& store, long long root) {
       Consider(kind->second, events.Current());
     }
   }
+  KeepLastOfUnfinished(store, root);
   for (auto& [name, kind] : binned) {
     KeepNewest(kind);
     for (const auto& [values, slices] : kind.extremes) {
@@ -174,6 +177,19 @@ void KeptEvents::KeepNewest(Kind& kind) {
     kept.push_back(event);
   }
   kind.newest.clear();
+}
+
+void KeptEvents::KeepLastOfUnfinished(const Store::Reader& store, long long root) {
+  Rows executions(store, "SELECT x.execution_id" + UnfinishedExecutions(store) + " AND x.root_id = ?1");
+  Rows events(store, "SELECT event_id, name FROM events WHERE execution_id = ?1 ORDER BY event_id DESC LIMIT " +
+                         std::to_string(lastEvents));
+  for (executions.Ask(root); executions.Next();) {
+    for (events.Ask(executions.Integer(0)); events.Next();) {
+      if (binned.count(std::string(events.Text(1))) > 0) {
+        kept.push_back(events.Integer(0));
+      }
+    }
+  }
 }
 
 std::size_t KeptEvents::SliceOf(long long at) const {

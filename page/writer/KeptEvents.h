@@ -11,7 +11,8 @@ namespace Velora::Page {
 /// Decides which events of a run a page contains: all of them, unless they are more than a browser can take. Then kinds
 /// are binned, those with the most events first, until the others have no more than that. Of a binned kind, the page
 /// contains the events with the lowest and highest value of each parameter in each slice of the run's time, finite and
-/// infinite values apart, and the newest event with each parameter of each execution.
+/// infinite values apart, the newest event with each parameter of each execution, and the last events of each execution
+/// that did not finish.
 class KeptEvents {
  public:
   /// So many events are kept of all kinds that are not binned together, and so many lowest and highest of all others.
@@ -54,6 +55,7 @@ class KeptEvents {
   void ConsiderValue(Slices& slices, std::size_t slice, double value, long long event);
   void HalveSlices();
   void KeepNewest(Kind& kind);
+  void KeepLastOfUnfinished(const Store::Reader& store, long long root);
   std::size_t SliceOf(long long at) const;
 
   long long recorded = 0;

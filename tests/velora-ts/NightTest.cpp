@@ -82,6 +82,20 @@ TEST_F(Night, ShowBeginsWithTheCause) {
   EXPECT_EQ(Told("show $('" VELORA_TS "' runs | grep done | cut -c 1-8) | head -c 4"), "run ");
 }
 
+TEST_F(Night, ALargePageHasTheLastEventsWhereItStopped) {
+  TestStore(folder / "ts.db")
+      .Open()
+      ->RunScript(
+          "INSERT INTO events (event_id, session_id, execution_id, name, at) WITH RECURSIVE n(n) AS (SELECT 1 UNION "
+          "ALL "
+          "SELECT n + 1 FROM n WHERE n < 200000) SELECT e.event_id + n, e.session_id, e.execution_id, 'Image', e.at "
+          "FROM n "
+          "CROSS JOIN events e WHERE e.name = 'Error'");
+  EXPECT_EQ(Shell("'" VELORA_TS "' report last -o page"), 0);
+  // All that there were before, the first added one and the last five.
+  EXPECT_TRUE(Says("binned: 206 of 200200 events ")) << said;
+}
+
 TEST_F(Night, LinesOfTheLogStandAmongTheEvents) {
   folder.Write("other.log", "2026-11-26T03:04:00.5Z [error] all is off\n2026-11-26T02:59:00Z [info] here\n");
   const std::string arguments = "show last --events --log other.log night.log";
