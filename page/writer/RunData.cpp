@@ -5,6 +5,7 @@
 #include "page/writer/ExecutionBatches.h"
 #include "page/writer/KeptEvents.h"
 #include "page/writer/LogColumns.h"
+#include "page/writer/RunHosts.h"
 #include "store/reading/Notes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
@@ -69,6 +70,8 @@ class Writer {
     kept.AppendSlices(json, start);
     json += ",\"seal\":";
     AppendSeal();
+    json += ",\"hosts\":";
+    AppendHosts(json, store, run, start);
 
     ExecutionBatches executions(store, run.root, start);
     WriteList("executions", [&](std::string& to) { return executions.AppendBatch(to); });

@@ -9,6 +9,7 @@
 #include "store/reading/Unfinished.h"
 #include "store/schema/SessionLocks.h"
 
+#include <algorithm>
 #include <functional>
 #include <set>
 #include <utility>
@@ -86,7 +87,11 @@ KnownState Hosts::Of(const Execution& execution) {
   }
   Look();
   const auto found = unfinished.find(execution.key);
-  return found == unfinished.end() ? NotKnown(earlierStore) : found->second.known;
+  if (found == unfinished.end()) {
+    return NotKnown(earlierStore);
+  }
+  Confirm({execution.key});
+  return found->second.known;
 }
 
 KnownState Hosts::Of(const Run& run) {
@@ -107,8 +112,13 @@ KnownState Hosts::Of(const Run& run) {
 
 std::vector<UnfinishedExecution> Hosts::UnfinishedOf(const Run& run) {
   Look();
+  const auto found = ofRuns.find(run.root);
+  if (found == ofRuns.end()) {
+    return {};
+  }
+  Confirm(found->second);
   std::vector<UnfinishedExecution> executions;
-  for (const long long key : ofRuns[run.root]) {
+  for (const long long key : found->second) {
     executions.push_back(unfinished[key]);
   }
   return executions;
@@ -133,19 +143,19 @@ void Hosts::Look() {
   for (auto& [session, known] : sessions) {
     known = StateOf(session, places.Ask(session), *locks);
   }
-  bool anyStopped = false;
   for (auto& [key, one] : unfinished) {
     one.known = sessions[one.session];
-    anyStopped = anyStopped || one.known.state == RunState::Stopped;
-  }
-  if (anyStopped) {
-    ConfirmStopped();
   }
 }
 
 // A host can have finished its work and ended between the state that the reader has and the question for its lock. What
-// it finished was running in that state.
-void Hosts::ConfirmStopped() {
+// it finished was running in that state. So if any of these executions has stopped, a later state is asked, once.
+void Hosts::Confirm(const std::vector<long long>& executions) {
+  const auto hasStopped = [this](long long key) { return unfinished[key].known.state == RunState::Stopped; };
+  if (confirmed || std::none_of(executions.begin(), executions.end(), hasStopped)) {
+    return;
+  }
+  confirmed = true;
   std::set<long long> still;
   ForEachUnfinished(Reader(store.Where()), [&still](const UnfinishedExecution& one) { still.insert(one.key); });
   for (auto& [key, one] : unfinished) {

@@ -53,10 +53,11 @@ class Hosts {
 
  private:
   void Look();
-  void ConfirmStopped();
+  void Confirm(const std::vector<long long>& executions);
 
   const Reader& store;
   bool looked = false;
+  bool confirmed = false;
   bool notes = false;                                   // whether the store notes what did not finish
   std::map<long long, UnfinishedExecution> unfinished;  // by their keys
   std::map<long long, std::vector<long long>> ofRuns;   // their keys, by those of the roots

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "store/reading/Rows.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,7 +32,17 @@ std::string ShortGuid(const Reader& store, const std::string& guid);
 /// A column in a query for runs e: how many runs begin with the same characters, `shortGuid` of them.
 extern const char* const runsWithSameLetters;
 
-/// The time of the last status or event of a run.
+/// Finds the time of the last status or event of a run.
+class LastRecords {
+ public:
+  explicit LastRecords(const Reader& store);
+  std::string Of(const Run& run);
+
+ private:
+  Rows rows;
+};
+
+/// The same for one run.
 std::string LastRecorded(const Reader& store, const Run& run);
 
 }  // namespace Velora::Store

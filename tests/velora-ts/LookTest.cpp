@@ -58,8 +58,11 @@ TEST_F(Look, ShowsWhatThereIs) {
     std::string shown;  // a pattern
   } rows[] = {
       {"runs", 0,
-       "run +started +duration +state[^\n]* +note\nffffffff  2026-11-26 15:30:00\\+05:30 +UNFINISHED  veldmar-pc +"
-       "TiltSeries 1.0  ␛\\[2J<b>\uFFFD +ran␊dry \\(\\+1\\)\n0ecba827  2026-11-25 09:00:11\\+05:30 +0:00:00  done  "
+       "run +started +until +duration +state[^\n]* +note\nffffffff  2026-11-26 15:30:00\\+05:30  2026-11-26 "
+       "16:31:02\\+05:30 +\\d+:\\d\\d:\\d\\d ago  UNFINISHED  veldmar-pc +"
+       "TiltSeries 1.0  ␛\\[2J<b>\uFFFD +ran␊dry \\(\\+1\\)\n0ecba827  2026-11-25 09:00:11\\+05:30  2026-11-25 "
+       "09:00:11\\+05:30 +0:00:00  "
+       "done  "
        "[^\n]*\n"
        "eeeeeeee  [^\n]* no status [^\n]* 1 note\n"},
       {"runs --node grid.mdoc", 0, "[^\n]*\n0ecba827[^\n]*\n"},
@@ -75,6 +78,8 @@ TEST_F(Look, ShowsWhatThereIs) {
       {"runs --json --limit 1", 0,
        "\\[\n\\{\"guid\":\"ffffffff-0000[^\n]*\"node\":\"\\\\u001b[^\n]*"
        "\"started_at\":\"2026-11-26T10:00:00.000000Z\"[^\n]*\"unfinished\":true,"
+       "\"state\":\"unknown\",\"why\":\"its host has an "
+       "earlier[^\n]*\",\"last_recorded_at\":\"2026-11-26T11:01:02.345678Z\","
        "\"notes\":\\[\\{\"number\":1,\"author\":\"An\\\\u001bna\",\"kind\":\"cause\",[^\n]*\\}\\]\\}\n\\]\n"},
       {"show --columns 'TiltAngle,Note [a],FramesOnDisk' 0ecba827 --config units", 0,
        "[^]* TiltAngle \\[°\\] +Note \\[a\\] +FramesOnDisk\n[^]*"},
@@ -83,7 +88,9 @@ TEST_F(Look, ShowsWhatThereIs) {
        "ZValue 0[^\n]* 0:00:00.008 +0.5\nZValue 1[^\n]* 0:00:00.008 +3.1  it's \uFFFD\n"},
       {"show 0ecba827 --tree", 0, "[^]*\ngrid.mdoc [^\n]* Voltage=300\n  ZValue 0 [^\n]* TiltAngle=0.5[^]*"},
       {"show ffffffff", 0,
-       "UNFINISHED; last recorded 2026-11-26 16:31:02.345\\+05:30\n[^]*state +done, but not [^]*"
+       "UNFINISHED; last recorded 2026-11-26 16:31:02.345\\+05:30, \\d+:\\d\\d:\\d\\d ago; whether its host still runs "
+       "is "
+       "not known: its host has an earlier version[^\n]*\n[^]*state +done, but not [^]*"
        "\nnote +2026-11-26 17:30:00\\+05:30 An␛na, cause: ran␊dry\nnote +[^\n]* Bo, review: \uFFFD\n[^]*"
        "\nstep [^\n]*UNFINISHED[^\n]*T=\\+3.10  T=-1\\+1  at=a \"q\",␊b  …\n[^]*"},
       {"show ffffffff --events", 0,
@@ -294,7 +301,8 @@ TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
             0)
       << said;
   EXPECT_TRUE(std::regex_match(said, std::regex("waiting for a run\nfollowing run [^\n]*\n[^\n]*Series[^\n]*\n"
-                                                "[^\n]* log +warning +slow\n([^\n]*TiltAngle[^\n]*\n){2}[^\n]* late\n"
+                                                "[^\n]* log +warning +slow\n([^\n]*TiltAngle[^\n]*\n){2}whether its "
+                                                "host still runs is not known: [^\n]*\n[^\n]* late\n"
                                                 "[^\n]* log of Stage +error +anew\n")))
       << said;
 }

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace Velora::Ts {
 
@@ -24,15 +25,22 @@ std::string Padded(const std::string& text, std::size_t width, bool atRight) {
 
 // On a terminal, a time does without what its title or a line above it says.
 void TextTable::Shorten(Line& line) {
+  std::optional<TimeParts> before;
   for (std::size_t column = 0; column < columns.size(); ++column) {
     std::string& text = line.cells[column].text;
-    const std::optional<TimeParts> time = PartsOf(text);
+    const std::optional<TimeParts> earlier = std::exchange(before, PartsOf(text));
+    const std::optional<TimeParts>& time = before;
     if (!time || columns[column].times == Times::Complete) {
       continue;
     }
     if (columns[column].times == Times::OfDay) {
       line.above = days.Above(*time);
       text = time->ofDay;
+      continue;
+    }
+    if (columns[column].times == Times::Later) {
+      const bool sameDay = earlier && earlier->date == time->date && earlier->offset == time->offset;
+      text = sameDay ? time->ofDay : text;
       continue;
     }
     if (offsets[column].empty()) {

@@ -18,6 +18,7 @@ class TextTable {
   enum class Times {
     Complete,
     Dated,  ///< Date and time of day. The offset stands in the title, and in rows that have another one.
+    Later,  ///< The time of day if the time in the column before has the same date and offset.
     OfDay   ///< The time of day. Date and offset stand on a line of their own wherever they change.
   };
   struct Column {

@@ -1,11 +1,13 @@
 #include "store/reading/Runs.h"
 #include "output/NoteWords.h"
 #include "output/Output.h"
+#include "output/StateWords.h"
 #include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
 #include "output/Words.h"
 #include "store/reading/Executions.h"
+#include "store/reading/Hosts.h"
 #include "store/reading/Notes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
@@ -75,29 +77,56 @@ constexpr std::size_t widthForNotes = 80;  // below, they would cut the state
 
 bool IsUnfinished(const Rows& rows) { return rows.Integer(executionColumns) != 0; }
 
+/// What is said of a run: whether it still runs, and the time of its last record. If it finished, that is its end.
+struct Standing {
+  KnownState known;
+  std::string lastRecorded;
+};
+
+class Standings {
+ public:
+  explicit Standings(const Store::Reader& store) : hosts(store), last(store) {}
+
+  Standing Of(const Execution& root, bool unfinished) {
+    const Run run{root.key, root.guid, root.node, root.startedAt};
+    return unfinished ? Standing{hosts.Of(run), last.Of(run)} : Standing{{}, root.statusAt};
+  }
+
+ private:
+  Hosts hosts;
+  LastRecords last;
+};
+
 void WriteTable(const Store::Reader& store, Rows& rows) {
-  std::vector<TextTable::Column> columns{
-      {.title = "run", .whole = true},           {.title = "started", .times = TextTable::Times::Dated},
-      {.title = "duration", .number = true},     {.title = "state"},
-      {.title = "instrument", .yielding = true}, {.title = "activity", .yielding = true},
-      {.title = "node", .whole = true}};
+  std::vector<TextTable::Column> columns{{.title = "run", .whole = true},
+                                         {.title = "started", .times = TextTable::Times::Dated},
+                                         {.title = "until", .times = TextTable::Times::Later},
+                                         {.title = "duration", .number = true},
+                                         {.title = "state", .whole = true},
+                                         {.title = "instrument", .yielding = true},
+                                         {.title = "activity", .yielding = true},
+                                         {.title = "node", .whole = true}};
   const bool hasNotes = HasNotes(store) && Terminal().width >= widthForNotes;
   if (hasNotes) {
     columns.push_back({.title = "note", .yielding = true});
   }
   Rows notes = QueryNotes(store);
+  Standings standings(store);
   TextTable table(columns);
   while (rows.Next()) {
     const Execution root = ExecutionAt(rows);
     const bool unfinished = IsUnfinished(rows);
+    const auto [known, lastRecorded] = standings.Of(root, unfinished);
     const bool unique = rows.Integer(executionColumns + 1) == 1;
-    std::vector<TextTable::Cell> row{{Printable(unique ? root.guid.substr(0, shortGuid) : ShortGuid(store, root.guid))},
-                                     {LocalTime(root.startedAt, false)},
-                                     {unfinished ? "" : DurationInWords(root, false)},
-                                     {unfinished ? unfinishedInWords : StateInWords(root), unfinished},
-                                     {Shown(root.instrument)},
-                                     {ActivityInWords(root)},
-                                     {Shown(root.node)}};
+    std::vector<TextTable::Cell> row{
+        {Printable(unique ? root.guid.substr(0, shortGuid) : ShortGuid(store, root.guid))},
+        {LocalTime(root.startedAt, false)},
+        {LocalTime(lastRecorded, false)},
+        {unfinished ? Ago(lastRecorded) : DurationInWords(root, false)},
+        {unfinished ? UnfinishedInWords(known.state) : StateInWords(root), IsAlarming(known.state)},
+        {Shown(root.instrument)},
+        {ActivityInWords(root)},
+        {Shown(root.node)}};
     if (hasNotes) {
       row.push_back({NotesInShort(notes.Ask(root.key))});
     }
@@ -108,12 +137,14 @@ void WriteTable(const Store::Reader& store, Rows& rows) {
 
 void WriteJson(const Store::Reader& store, Rows& rows) {
   Rows notes = QueryNotes(store);
+  Standings standings(store);
   const char* separator = "[\n";
   while (rows.Next()) {
     const Execution root = ExecutionAt(rows);
-    WriteData(separator + ('{' + JsonMembers(root)) +
-              (IsUnfinished(rows) ? ",\"unfinished\":true" : ",\"unfinished\":false") +
-              ",\"notes\":" + NotesAsJson(notes.Ask(root.key)) + '}');
+    const bool unfinished = IsUnfinished(rows);
+    const auto [known, lastRecorded] = standings.Of(root, unfinished);
+    WriteData(separator + ('{' + JsonMembers(root)) + ",\"unfinished\":" + (unfinished ? "true," : "false,") +
+              JsonState(known, lastRecorded) + ",\"notes\":" + NotesAsJson(notes.Ask(root.key)) + '}');
     separator = ",\n";
   }
   WriteData(*separator == '[' ? "[]\n" : "\n]\n");
@@ -152,8 +183,9 @@ class RunsVerb : public StoreVerb {
 
 }  // namespace
 
-extern const Registration registeredRuns = {
-    "runs", "Lists runs, the newest first. A run that did not finish is marked UNFINISHED.",
-    "runs --since 2026-11-24 --unfinished", &Make<RunsVerb>};
+extern const Registration registeredRuns = {"runs",
+                                            "Lists runs, the newest first. A run that did not finish is running or "
+                                            "STOPPED, or UNFINISHED if that is not known.",
+                                            "runs --since 2026-11-24 --unfinished", &Make<RunsVerb>};
 
 }  // namespace Velora::Ts

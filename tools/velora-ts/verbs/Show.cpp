@@ -2,6 +2,7 @@
 #include "output/LogLines.h"
 #include "output/NoteWords.h"
 #include "output/Output.h"
+#include "output/StateWords.h"
 #include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
@@ -10,12 +11,12 @@
 #include "store/reading/EventRows.h"
 #include "store/reading/ExecutionPath.h"
 #include "store/reading/Executions.h"
+#include "store/reading/Hosts.h"
 #include "store/reading/Notes.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
-#include "store/reading/Unfinished.h"
 #include "store/values/Json.h"
 #include "store/values/RecordedText.h"
 #include "store/values/StoredText.h"
@@ -70,7 +71,8 @@ class Show {
                "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM events v "
                "JOIN parameters p ON p.event_id = v.event_id WHERE v.execution_id = ?1 AND p.name = ?2 "
                "ORDER BY v.event_id DESC, p.position DESC LIMIT 1"),
-        notes(QueryNotes(store)) {}
+        notes(QueryNotes(store)),
+        hosts(store) {}
 
   void InWords() {
     WriteHead();
@@ -84,13 +86,15 @@ class Show {
 
   void AsJson() {
     const Execution root = Find(run.root);
-    WriteData('{' + JsonMembers(root) + ",\"unfinished\":" + (IsUnfinished(store, run) ? "true" : "false") +
-              ",\"notes\":" + NotesAsJson(notes.Ask(run.root)) + ",\"stopped\":" + Stopped().AsJson() +
-              ",\n\"executions\":[");
+    const KnownState known = hosts.Of(run);
+    const bool unfinished = known.state != RunState::Finished;
+    WriteData('{' + JsonMembers(root) + ",\"unfinished\":" + (unfinished ? "true," : "false,") +
+              JsonState(known, unfinished ? LastRecorded(store, run) : root.statusAt) + ",\"notes\":" +
+              NotesAsJson(notes.Ask(run.root)) + ",\"stopped\":" + Stopped().AsJson() + ",\n\"executions\":[");
     const char* separator = "\n";
     ForEachExecution([&](const Execution& one, int depth) {
-      WriteData(separator + ('{' + JsonMembers(one)) + ",\"depth\":" + std::to_string(depth) + JsonParameters(one) +
-                '}');
+      WriteData(separator + ('{' + JsonMembers(one)) + ',' + JsonState(hosts.Of(one)) +
+                ",\"depth\":" + std::to_string(depth) + JsonParameters(one) + '}');
       separator = ",\n";
     });
     WriteData("]");
@@ -145,13 +149,13 @@ class Show {
     const auto line = [&](const std::string& name, const std::string& text) {
       WriteOut(text.empty() ? "" : Cut(name + std::string(13 - name.size(), ' ') + text, terminal.width) + '\n');
     };
-    const bool unfinished = IsUnfinished(store, run);
+    const KnownState known = hosts.Of(run);
+    const bool unfinished = known.state != RunState::Finished;
     if (unfinished) {
-      const std::string words =
-          Cut(std::string(unfinishedInWords) + "; last recorded " + LocalTime(LastRecorded(store, run), true),
-              terminal.width);
-      WriteOut(terminal.colours ? "\x1b[1;31m" + words + "\x1b[0m\n" : words + '\n');
-      Stopped().Write(LastRecorded(store, run));
+      const std::string last = LastRecorded(store, run);
+      const std::string words = Cut(UnfinishedInWords(known, last), terminal.width);
+      WriteOut(terminal.colours && IsAlarming(known.state) ? "\x1b[1;31m" + words + "\x1b[0m\n" : words + '\n');
+      Stopped().Write(last);
       WriteOut("\n");
     }
     line("run", Printable(root.guid));
@@ -161,7 +165,7 @@ class Show {
     line("instrument", Shown(root.instrument) + (root.host == root.instrument ? "" : " on " + Shown(root.host)));
     line("started", LocalTime(root.startedAt, true));
     line("state",
-         unfinished && !IsRunning(root) ? StateInWords(root) + ", but not everything below it" : StateInWords(root));
+         StateInWords(root, known.state) + (unfinished && !IsRunning(root) ? ", but not everything below it" : ""));
     line("duration", DurationInWords(root, true));
     for (notes.Ask(run.root); notes.Next();) {
       line("note", NoteInWords(notes));
@@ -206,9 +210,10 @@ class Show {
     }
     TextTable table(columns);
     ForEachExecution([&](const Execution& one, int depth) {
+      const RunState state = hosts.Of(one).state;
       std::vector<TextTable::Cell> row{{(options.tree ? IndentOf(depth) : "") + Shown(one.node)},
                                        {ActivityInWords(one)},
-                                       {StateInWords(one), IsRunning(one)},
+                                       {StateInWords(one, state), IsAlarming(state)},
                                        {LocalTime(one.startedAt, false)},
                                        {DurationInWords(one, true)}};
       for (const std::string& name : options.columns) {
@@ -258,6 +263,7 @@ class Show {
   const ShowOptions& options;
   LogOfRun* const log;
   Rows execution, children, parameters, picked, notes;
+  Hosts hosts;
 };
 
 class ShowVerb : public StoreVerb {

@@ -1,9 +1,12 @@
 #include "output/EventLines.h"
 #include "output/Output.h"
+#include "output/StateWords.h"
+#include "output/Times.h"
 #include "output/Words.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/ExecutionPath.h"
 #include "store/reading/Executions.h"
+#include "store/reading/Hosts.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
@@ -32,11 +35,11 @@ long long NewestEvent(const Store::Reader& store) {
   return rows.Integer(0);
 }
 
-enum class State { Running, Finished, WithoutStatus };
+enum class State { Running, Stopped, Finished, WithoutStatus };
 
 // Reads the executions below a run only when its root has ended. TS stores an execution together with its first status,
 // so a run without a status comes from another program and may never get one.
-State StateOf(const Store::Reader& store, const Run& run) {
+State StateOf(const Store::Reader& store, const Run& run, std::string& whyNotKnown) {
   Rows rows = QueryExecutions(store, "WHERE e.execution_id = ?1");
   if (!rows.Ask(run.root).Next()) {
     return State::Finished;
@@ -45,7 +48,12 @@ State StateOf(const Store::Reader& store, const Run& run) {
   if (!root.status) {
     return State::WithoutStatus;
   }
-  return IsRunning(root) || IsUnfinished(store, run) ? State::Running : State::Finished;
+  if (!IsRunning(root) && !IsUnfinished(store, run)) {
+    return State::Finished;
+  }
+  const KnownState known = Hosts(store).Of(run);
+  whyNotKnown = known.why;
+  return known.state == RunState::Stopped ? State::Stopped : State::Running;
 }
 
 // While a host makes the store, it cannot be read yet.
@@ -95,13 +103,20 @@ class Follower {
     FlushOut();
     first = false;
     newest = NewestEvent(store);
-    return StateOf(store, run);
+    std::string why;
+    const State state = StateOf(store, run, why);
+    if (!why.empty() && why != whyNotKnown) {
+      Complain("whether its host still runs is not known: " + why);
+    }
+    whyNotKnown = why;
+    return state;
   }
 
  private:
   const Run run;
   bool first = true;
   long long newest = 0;
+  std::string whyNotKnown;  // whether the host of the run lives
   EventLines lines;
   std::optional<LinesBeside<LogFile::LogFiles>> beside;
 };
@@ -123,13 +138,22 @@ class TailVerb : public StoreVerb {
     std::optional<LogFile::LogFiles> log;
     if (logs.IsGiven()) {
       const Reader store(database);
-      log.emplace(StateOf(store, *run) == State::Running ? logs.Following(*run) : logs.LinesOf(store, *run));
+      std::string why;
+      log.emplace(StateOf(store, *run, why) == State::Running ? logs.Following(*run) : logs.LinesOf(store, *run));
     }
     Follower follower(*run, shown, log ? &*log : nullptr);
+    State before = State::Running;
     State state = follower.Look(Reader(database));
-    while (state == State::Running) {
+    // What the host wrote last can have come after the look at which it was found to have ended.
+    while (state == State::Running || (state == State::Stopped && before != State::Stopped)) {
       std::this_thread::sleep_for(betweenLooks);
+      before = state;
       state = follower.Look(Reader(database));
+    }
+    if (state == State::Stopped) {
+      const std::string last = LastRecorded(Reader(database), *run);
+      Complain("this run has stopped: its host has ended; last recorded " + LocalTime(last, true) + ", " + Ago(last));
+      return Found;
     }
     if (state == State::WithoutStatus) {
       Complain("this run has no status, so tail cannot know whether it is finished");
@@ -148,7 +172,7 @@ class TailVerb : public StoreVerb {
 
 extern const Registration registeredTail = {"tail",
                                             "Writes the events of a run, one a line, while they are recorded, until "
-                                            "the run is finished. Without RUN it follows "
+                                            "the run is finished, or has stopped. Without RUN it follows "
                                             "the run recorded last, and waits for one if there is none.",
                                             "tail", &Make<TailVerb>};
 
