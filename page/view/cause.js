@@ -4,6 +4,7 @@ import { button, linkTo, make } from './element.js';
 import { eventBlock } from './event-block.js';
 import { graveLines } from './log-lines.js';
 import { lineOf } from './log-section.js';
+import { stateName } from './states.js';
 import { count } from './text.js';
 
 const mostEvents = 3;
@@ -11,11 +12,16 @@ const mostLines = 6;
 const before = 600e6; // microseconds before the last sign from which lines of the log are shown
 const mostOthers = 8;
 
-/** Of what did not finish and has nothing unfinished below it, that which gave the last sign; the deepest of these. */
+/**
+ * Of what did not finish and has nothing unfinished below it, that which gave the last sign; the deepest of these.
+ * Where one host of several has stopped, it is there.
+ */
 export function whereItStopped(recorded) {
   const { unfinished, depth } = recorded;
   const hasOpen = new Set(unfinished.map((at) => recorded.parent[at]));
-  const innermost = unfinished.filter((at) => !hasOpen.has(at));
+  const isStopped = (at) => recorded.states.of(recorded.number[at]) === 'stopped';
+  const open = unfinished.filter((at) => !hasOpen.has(at));
+  const innermost = open.some(isStopped) ? open.filter(isStopped) : open;
   const signs = new Map(innermost.map((at) => [at, recorded.lastSignOf(at)]));
   return innermost.reduce(
     (last, at) =>
@@ -42,12 +48,16 @@ export function showCause(recorded, filterUnfinished) {
   }
   const at = whereItStopped(recorded);
   const path = recorded.pathTo(at);
-  const title = make('h2', '', make('strong', '', 'Did not finish'));
+  const number = recorded.number[at];
+  const state = recorded.states.of(number);
+  alarm.classList.toggle('calm', state === 'running');
+  const title = make('h2', '', make('strong', '', stateName(state)));
   title.id = 'alarm-title';
   alarm.setAttribute('aria-labelledby', title.id);
   const [newest, ...earlier] = lastEventsAt(recorded, at).map((event) => causeEvent(recorded, event, at));
   alarm.append(
     title,
+    make('p', 'since', recorded.states.wordsFor(number, recorded.clock)),
     make('p', 'path', ...path.flatMap((step, level) => [...(level > 0 ? [' › '] : []), linkTo(recorded, step)])),
     make(
       'div',

@@ -2,6 +2,7 @@
 
 import { lengthOf } from './clock.js';
 import { numberCell, textCell, valueCell } from './csv.js';
+import { statusOf } from './states.js';
 import { statusName } from './statuses.js';
 import { briefText, valueText } from './values.js';
 
@@ -38,7 +39,10 @@ function fixedColumns(recorded) {
   return [
     column('Execution', (at) => node[at]),
     column('Activity', (at) => recorded.versions.get(recorded.version[at])?.name),
-    column('Status', (at) => recorded.status[at], { text: (at) => statusName(recorded.status[at]) }),
+    column('Status', (at) => recorded.status[at], {
+      text: (at) => statusOf(recorded, at),
+      csv: (at) => textCell(statusName(recorded.status[at])),
+    }),
     column('Started', (at) => started[at], {
       text: (at) => clock.moment(started[at]),
       csv: (at) => textCell(clock.stored(started[at])),

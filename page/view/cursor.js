@@ -18,6 +18,18 @@ export class Cursor {
     });
   }
 
+  /** Goes to an execution, if it is not too close to others. */
+  goTo(execution) {
+    this.timeline.lanes.forEach((unused, lane) => {
+      const items = this.itemsOf(lane);
+      const item = items.find((one) => one.type === 'execution' && one.execution === execution);
+      if (item) {
+        this.lane = lane;
+        this.put(item, items);
+      }
+    });
+  }
+
   /** What is shown of a lane, in the order of time. */
   itemsOf(lane) {
     const { view, lanes } = this.timeline;

@@ -4,6 +4,7 @@ import { lengthOf } from './clock.js';
 import { colour, statusColour } from './colours.js';
 import { make, show } from './element.js';
 import { showLong } from './long-text.js';
+import { statusOf } from './states.js';
 import { running, statusName } from './statuses.js';
 import { count, noName, readable } from './text.js';
 
@@ -28,7 +29,7 @@ export function showHead(recorded) {
   fact('Started', clock.local(0));
   const open = recorded.ended[root] === Infinity;
   const end = open ? recorded.last : recorded.ended[root];
-  fact(open ? 'Last sign of life' : 'Ended', clock.local(end));
+  fact(open ? 'Last record' : 'Ended', clock.local(end));
   fact(open ? 'Duration so far' : 'Duration', lengthOf(end));
   fact('State', stateOf(recorded));
   fact('Sealed', ...sealOf(recorded));
@@ -54,16 +55,13 @@ function showNotes({ raw, clock }) {
 }
 
 /** The facts in one line; it opens all of them, and is open where that leaves room for the timeline. */
-function showBrief({ unfinished, clock, status, root }, session, open, end) {
+function showBrief(recorded, session, open, end) {
+  const { unfinished, clock, root } = recorded;
   const parts = [
     ...(session ? [show(make('span'), session.instrument)] : []),
     `${clock.date(0)} ${clock.day(0, 0)}`,
     lengthOf(end),
-    unfinished.length === 0
-      ? statusName(status[root])
-      : open
-        ? 'did not finish'
-        : `${unfinished.length} did not finish`,
+    unfinished.length > 0 && !open ? `${unfinished.length} did not finish` : statusOf(recorded, root),
   ];
   document.getElementById('brief').replaceChildren(...parts.flatMap((part, at) => (at > 0 ? [' · ', part] : [part])));
   document.getElementById('all-facts').open =
@@ -88,10 +86,10 @@ function shownOf(recorded) {
 }
 
 function stateOf(recorded) {
-  const { unfinished, status, root } = recorded;
-  return unfinished.length === 0
-    ? statusName(status[root])
-    : `${statusName(status[root])}; ${count(unfinished.length, 'execution')} did not finish`;
+  const { unfinished, states, number, root, clock } = recorded;
+  const open = unfinished.includes(root) ? `, ${states.wordsFor(number[root], clock)}` : '';
+  const others = unfinished.length > 0 ? `; ${count(unfinished.length, 'execution')} did not finish` : '';
+  return statusOf(recorded, root) + open + others;
 }
 
 function sealOf({ raw, clock }) {
@@ -139,6 +137,7 @@ function showConfigurations(recorded) {
 }
 
 export function showLegend(recorded) {
+  const levels = ['error', 'warning'].filter((level) => recorded.log?.grave.some((line) => line.level === level));
   const codes = [...new Set(recorded.status)].sort((a, b) => b - a);
   const entry = (name, background) => {
     const item = make('li', '', make('span', 'swatch'), name);
@@ -150,5 +149,6 @@ export function showLegend(recorded) {
     .replaceChildren(
       ...codes.map((code) => entry(code === running ? 'did not finish' : statusName(code), statusColour(code))),
       entry('event', colour('event')),
+      ...levels.map((level) => entry(level, colour(level))),
     );
 }

@@ -25,8 +25,8 @@ export function historyOf(recorded, at) {
   const facts = make(
     'p',
     'hint',
-    `execution ${recorded.number[at]} of the store; `,
-    showLong(make('span', 'text'), recorded.description[at] ?? ''),
+    `execution ${recorded.number[at]} of the store`,
+    ...(recorded.description[at] ? ['; ', showLong(make('span', 'text'), recorded.description[at])] : []),
   );
   const block = make('div', 'history', facts, make('h3', '', 'Statuses'), statuses, ...eventsOf(recorded, at));
   return block;

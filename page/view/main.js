@@ -38,6 +38,7 @@ function follow(address) {
     const margin = Math.max((to - from) * 0.1, 1e5);
     time.show(from - margin, to + margin);
     reveal(at);
+    requestAnimationFrame(() => timeline.cursor.goTo(at)); // that time is drawn then
   }
 }
 

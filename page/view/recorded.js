@@ -3,6 +3,7 @@
 import { Clock } from './clock.js';
 import { form, texts, values, wholeColumn, wholes } from './form.js';
 import { lanesOfLog, readLog } from './log-lines.js';
+import { States } from './states.js';
 import { running } from './statuses.js';
 import { statedTime } from './stated-time.js';
 import { readable } from './text.js';
@@ -53,6 +54,7 @@ export class Recorded {
     this.measure();
     // What else the timeline has lanes for: { label, signs }. A sign is { at, look, words, execution }: its time, the
     // name of its colour, a list of stored texts, and the execution that it opens, if any; in the order of time.
+    this.states = new States(raw, this.last);
     this.log = readLog(raw);
     this.signs = lanesOfLog(this);
   }

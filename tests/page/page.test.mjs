@@ -1,6 +1,6 @@
 // What the page of a run shows, in a real browser, against what the store holds.
 import assert from 'node:assert/strict';
-import { readFileSync, rmSync } from 'node:fs';
+import { readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 
@@ -160,7 +160,7 @@ test('the form of the data', () => {
   const found = [tiltSeries(), csvCases(), binned(), night()].flatMap(({ file }) =>
     membersOf(JSON.parse(/id="recorded">([^<]*)/.exec(readFileSync(file, 'utf8'))[1])),
   );
-  const description = readFileSync(join(process.env.SOURCE, 'page/FORM.md'), 'utf8');
+  const [description] = readFileSync(join(process.env.SOURCE, 'page/FORM.md'), 'utf8').split('\n## Against');
   const described = [...description.matchAll(/^\| `(.*?)` \|/gm)].map(([, member]) => member);
   assert.deepEqual([...new Set(found)].sort(), described.sort());
 });
@@ -376,6 +376,30 @@ const marksOf = (page, names) =>
       return marks.flatMap(({ shape }) => shape.rectangles).length;
     });
   }, names);
+
+/** A night's page as it were if its hosts were in another state. */
+function inState(state, why) {
+  const { folder, file } = night();
+  const page = readFileSync(file, 'utf8');
+  const other = join(folder, `${state}.html`);
+  writeFileSync(other, page.replaceAll('"state":"stopped","why":""', `"state":"${state}","why":"${why}"`));
+  return { folder, file: other };
+}
+
+for (const [state, why, title, since] of [
+  ['stopped', '', 'STOPPED', / before this page was made$/],
+  ['running', '', 'running', / before this page was made$/],
+  ['unknown', 'it is a copy', 'did not finish', /whether it still runs is not known: it is a copy$/],
+]) {
+  testPage(`a night whose state is ${state}`, { recording: () => inState(state, why) }, async (page) => {
+    assert.equal(await page.textContent('#alarm h2'), title);
+    const words = await page.textContent('#alarm .since');
+    assert.match(words, /^last record 2026-11-26 04:00:00.000 \+01:00, [\d]+ /);
+    assert.match(words, since);
+    assert.match(await page.textContent('#brief'), new RegExp(`${title}$`));
+    assert.equal((await columnOf(page, 'Status')).at(-1), title);
+  });
+}
 
 testPage('the log of a night', { recording: night }, async (page, { folder }) => {
   const written = readFileSync(join(folder, 'night.log'), 'utf8').matchAll(
