@@ -14,14 +14,15 @@ function spreadOf(numbers) {
   return span === 0 ? 0 : span / (Math.abs(quantile(0.5)) + span);
 }
 
-export function firstQuantity(quantities) {
+export function firstQuantity({ kinds }, quantities) {
   const candidates = quantities
     .filter(({ boolean }) => !boolean || quantities.every((one) => one.boolean))
     .map((quantity) => {
       const numbers = quantity.columns.flatMap((column) =>
         Array.from(column, numberOf).filter((one) => !Number.isNaN(one)),
       );
-      return { quantity, points: numbers.length, spread: spreadOf(numbers) };
+      const { recorded, events } = kinds.find(({ name }) => name === quantity.event); // of a binned one few are here
+      return { quantity, points: (numbers.length * recorded) / events.length, spread: spreadOf(numbers) };
     });
   const most = candidates.reduce((sum, { points }) => Math.max(sum, points), 0);
   return candidates

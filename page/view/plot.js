@@ -51,7 +51,10 @@ export class Plot {
         this.choiceY.append(group);
       }
     }
-    this.y = firstQuantity(this.quantities.filter(({ numeric }) => numeric));
+    this.y = firstQuantity(
+      this.recorded,
+      this.quantities.filter(({ numeric }) => numeric),
+    );
     this.x = firstOver(this.recorded, this.y);
     this.choiceY.value = this.quantities.indexOf(this.y);
     this.offerX();

@@ -1,20 +1,20 @@
 // Times that hosts state as texts: "24-Nov-26  21:55:03", "24/Nov/2026:21:55:03 +0100", and those of the store and the
 // tool. Without an offset a time is local.
 
-const day = /(\d{1,4})[-/ ](\d\d|[a-z]{3})[-/ ](\d{4}|\d\d)/;
-const clock = /(\d\d):(\d\d)(?::(\d\d)(?:[.,](\d{1,9}))?)?/;
-const form = new RegExp(`^${day.source}[t: ] *${clock.source} *(z|[+-]\\d\\d:?\\d\\d)?$`, 'i');
-const months = 'jan feb mar apr may jun jul aug sep oct nov dec'.split(' ');
+const day = /(\d{1,4})[-/ ](\d\d?|[A-Z][a-z][a-z])[-/ ](\d{4}|\d\d?)/;
+const clock = /(\d\d?):(\d\d?)(?::(\d\d?)(?:[.,](\d+))?)?/;
+const form = new RegExp(`^${day.source}[T: ] *${clock.source} *(Z|[+-]\\d\\d(?::?\\d\\d)?)?$`);
+const months = 'Jan Feb Mar Apr May Jun Jul Aug Sep Oct Nov Dec'.split(' ');
 
 /** Year, month from 0, and day; the year is first, or last behind a month in letters. */
 function dayOf(first, middle, last) {
-  const named = months.indexOf(middle.toLowerCase());
+  const named = months.indexOf(middle);
   const month = named < 0 ? Number(middle) - 1 : named;
   if (first.length === 4) {
-    return last.length === 2 ? [Number(first), month, Number(last)] : null;
+    return last.length < 3 ? [Number(first), month, Number(last)] : null;
   }
   const year = Number(last) + (last.length === 4 ? 0 : Number(last) < 70 ? 2000 : 1900);
-  return first.length < 3 && named >= 0 ? [year, month, Number(first)] : null;
+  return first.length < 3 && last.length !== 1 && named >= 0 ? [year, month, Number(first)] : null;
 }
 
 /** Minutes that a clock is before UTC; null for one of this computer. */
@@ -22,8 +22,8 @@ function offsetOf(text) {
   if (!text) {
     return null;
   }
-  const [sign, hours, minutes] = [text[0] === '-' ? -1 : 1, text.slice(1, 3), text.slice(-2)];
-  return /z/i.test(text) ? 0 : sign * (60 * hours + Number(minutes));
+  const [hours, minutes] = [text.slice(1, 3), text.slice(3).replace(':', '')].map(Number);
+  return text === 'Z' ? 0 : (text[0] === '-' ? -1 : 1) * (60 * hours + minutes);
 }
 
 /** Microseconds from 1970 to a time; NaN for another text. */

@@ -77,10 +77,10 @@ TEST_F(LogFileTest, ReadsLinesOfManyForms) {
       {"{time} {level}{text}", {}, "log format '{time} {level}{text}': expected text between two fields"},
       {"{time:%H:%M} {text}",
        {},
-       "time format '%H:%M': expected %Y, %m or %b, %d, %H, %M, and if there are any %S and %z; or %s"},
+       "time format '%H:%M': expected %Y or %y, %m or %b, %d, %H, %M, and if there are any %S and %z; or %s"},
       {"{time:%s%f} {text}",
        {},
-       "time format '%s%f': expected %Y, %m or %b, %d, %H, %M, and if there are any %S and %z; or %s"},
+       "time format '%s%f': expected %Y or %y, %m or %b, %d, %H, %M, and if there are any %S and %z; or %s"},
   };
   for (const auto& [form, contents, lines] : rows) {
     std::vector<std::string> files;

@@ -110,6 +110,21 @@ TEST_F(Look, ShowsWhatThereIs) {
   }
 }
 
+TEST_F(Look, OrdersStepsByTheTimesThatTheyState) {
+  ASSERT_EQ(Shell("sqlite3 ts.db \"INSERT INTO executions SELECT 9, 'ffffffff-3', 4, 4, 1, NULL, 'untimed', '', 0, "
+                  "started_at FROM executions WHERE execution_id = 4; INSERT INTO parameters VALUES "
+                  "(4, 9, 'When', 'text', '01-Dec-26  00:00:00', NULL), (5, 9, 'When', 'text', '24-Nov-26', NULL), "
+                  "(5, 10, 'When', 'text', '24-Nov-26  22:00:00', NULL)\""),
+            0)
+      << said;
+  for (const char* more : {"", " --tree", " --json"}) {
+    EXPECT_EQ(Tool("show ffffffff --order When" + std::string(more)), 0) << said;
+    EXPECT_TRUE(std::regex_match(said, std::regex("[^]*a long name of a step[^]*step[^]*untimed[^]*"))) << said;
+  }
+  EXPECT_EQ(Tool("show ffffffff --order Tab"), 2);
+  EXPECT_TRUE(Says("order 'Tab': expected a parameter of the run whose texts are times")) << said;
+}
+
 TEST_F(Look, FitsTheTerminalAndNeverSteersIt) {
   for (const char* arguments :
        {"runs", "show ffffffff --tree --events", "runs --json", "export ffffffff --format csv"}) {

@@ -2,12 +2,16 @@
 
 #include "verbs/TimeArgument.h"
 
+#include "output/StatedTime.h"
+#include "store/values/StoredTime.h"
 #include "verbs/Verb.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <ctime>
+#include <fstream>
+#include <string>
 
 namespace {
 
@@ -93,6 +97,21 @@ TEST_F(TimeArgument, IsTheBeginningOfAStoredTime) {
       EXPECT_THROW(ask(), Ts::UsageError) << given;
     }
   }
+}
+
+TEST_F(TimeArgument, IsReadFromRecordedTextsToo) {
+  SetZone("CET-1CEST,M3.5.0/2,M10.5.0/3");
+  std::ifstream rows(SOURCE "/tests/stated-times.txt");
+  std::string row;
+  std::getline(rows, row);  // says what they are
+  int count = 0;
+  for (; std::getline(rows, row); ++count) {
+    const std::size_t begin = row.rfind(' ') + 1;
+    const std::string text = row.substr(0, row.find_last_not_of(' ', begin - 1) + 1);
+    const std::string expected = row.substr(begin);
+    EXPECT_EQ(Ts::StatedTime(text), expected == "-" ? std::nullopt : Store::Microseconds(expected)) << row;
+  }
+  EXPECT_GT(count, 20);
 }
 
 }  // namespace

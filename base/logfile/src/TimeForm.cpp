@@ -44,6 +44,11 @@ class Scanner {
     rest.remove_prefix(length);
     return length > 0;
   }
+  /// A number of exactly so many digits.
+  bool TakeDigits(std::size_t digits, long long& number) {
+    const std::size_t before = rest.size();
+    return TakeNumber(digits, number) && before - rest.size() == digits;
+  }
   /// The digits after a point or a comma, as microseconds; further digits are left out.
   long long TakeFraction() {
     if (rest.size() < 2 || (rest[0] != '.' && rest[0] != ',') || !IsDigit(rest[1])) {
@@ -101,7 +106,13 @@ bool TakeOffset(Scanner& scanner, std::optional<long long>& offset) {
 bool Take(Scanner& scanner, char conversion, Parts& parts) {
   switch (conversion) {
     case 'Y':
-      return scanner.TakeNumber(4, parts.year);
+      return scanner.TakeDigits(4, parts.year);
+    case 'y':
+      if (!scanner.TakeDigits(2, parts.year)) {
+        return false;
+      }
+      parts.year += parts.year < 70 ? 2000 : 1900;
+      return true;
     case 'm':
       return scanner.TakeNumber(2, parts.month);
     case 'd':
@@ -172,10 +183,10 @@ TimeForm::TimeForm(std::string given) : form(std::move(given)) {
     conversions += at + 1 < form.size() ? form[at + 1] : ' ';
   }
   const auto has = [&](char conversion) { return conversions.find(conversion) != std::string::npos; };
-  if (conversions.find_first_not_of("YmdbHMSsz%") != std::string::npos ||
-      !(has('s') || (has('Y') && (has('m') || has('b')) && has('d') && has('H') && has('M')))) {
+  if (conversions.find_first_not_of("YymdbHMSsz%") != std::string::npos ||
+      !(has('s') || ((has('Y') || has('y')) && (has('m') || has('b')) && has('d') && has('H') && has('M')))) {
     throw std::invalid_argument("time format '" + form +
-                                "': expected %Y, %m or %b, %d, %H, %M, and if there are any %S and %z; or %s");
+                                "': expected %Y or %y, %m or %b, %d, %H, %M, and if there are any %S and %z; or %s");
   }
 }
 

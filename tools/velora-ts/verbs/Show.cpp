@@ -24,6 +24,7 @@
 #include "verbs/DigitsOption.h"
 #include "verbs/LogOfRun.h"
 #include "verbs/LogOptions.h"
+#include "verbs/StepOrder.h"
 #include "verbs/StopWords.h"
 #include "verbs/StoreVerb.h"
 
@@ -50,6 +51,7 @@ struct ShowOptions {
   bool events = false;               ///< The events of the run too.
   std::vector<std::string> columns;  ///< The parameters to show of each execution.
   Units units;                       ///< Of these.
+  std::string order;                 ///< The parameter whose times order the executions; empty for none.
   int digits = usualDigits;          ///< The significant digits of numbers.
 };
 
@@ -72,7 +74,10 @@ class Show {
                "JOIN parameters p ON p.event_id = v.event_id WHERE v.execution_id = ?1 AND p.name = ?2 "
                "ORDER BY v.event_id DESC, p.position DESC LIMIT 1"),
         notes(QueryNotes(store)),
-        hosts(store) {}
+        hosts(store),
+        order(store, Store::ToStoredText(options.order)) {
+    order.ExpectTimesIn(this->run);
+  }
 
   void InWords() {
     WriteHead();
@@ -121,6 +126,7 @@ class Show {
     for (children.Ask(key); children.Next();) {
       keys.push_back(children.Integer(0));
     }
+    order.Sort(keys);
     return keys;
   }
 
@@ -264,6 +270,7 @@ class Show {
   LogOfRun* const log;
   Rows execution, children, parameters, picked, notes;
   Hosts hosts;
+  StepOrder order;
 };
 
 class ShowVerb : public StoreVerb {
@@ -275,6 +282,9 @@ class ShowVerb : public StoreVerb {
     options.AddList("--columns", chosen.columns,
                     "Parameters to show of each execution, separated by commas; of several values, the last one. "
                     "Default: the first three parameters of each");
+    options.AddText("--order", chosen.order,
+                    "Order the executions by the times that this parameter states, such as DateTime. Default: as they "
+                    "were recorded");
     options.AddFlag("--json", json, "Write a JSON object, with times in UTC");
   }
 
