@@ -101,10 +101,11 @@ const Table& TableOf(Kind kind) {
 }
 
 Numbers HighestNumbers(const Reader& store) {
-  std::vector<std::string> highest;
+  std::vector<std::string> highest(kindCount, "0");
   for (const Kind kind : kinds) {
-    highest.push_back(
-        kind == Parameters ? "0" : "(SELECT MAX(" + TableOf(kind).Key() + ") FROM " + PlaceOf(store, kind) + " v)");
+    if (kind != Parameters) {
+      highest[kind] = "(SELECT MAX(" + TableOf(kind).Key() + ") FROM " + PlaceOf(store, kind) + " v)";
+    }
   }
   Rows rows(store, "SELECT " + Listed(highest));
   rows.Next();

@@ -17,7 +17,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         const bool isFile = settings.database.kind == Database::Kind::Sqlite;
         const std::string& where = settings.database.where;
         Require(!isFile || fs::path(where).is_absolute(), "a session keeps its database: " + where);
+        std::string units;
+        for (const auto& [parameter, unit] : settings.units) {
+          units += "<Unit" + Attribute("Parameter", parameter) + Attribute("Text", unit) + "/>";
+        }
         return "<TSAL" + Attribute("Instrument", settings.instrument) + "><Database" +
-               Attribute("Backend", isFile ? "sqlite3" : "postgresql") + Attribute("Connection", where) + "/></TSAL>";
+               Attribute("Backend", isFile ? "sqlite3" : "postgresql") + Attribute("Connection", where) + "/>" + units +
+               "</TSAL>";
       });
 }

@@ -37,6 +37,8 @@ class Ask : public ToolTest {
   Ask() {
     BringUp();
     folder.Write("recorded.sql", recorded);
+    folder.Write("TSAL.config",
+                 "<TSAL><Database Backend='sqlite3' Connection='ts.db'/><Unit Parameter='Defocus' Text='µm'/></TSAL>");
     EXPECT_EQ(Shell("sqlite3 -bail ts.db < recorded.sql"), 0) << said;
   }
   /// What matches of what the tool says on standard output, one after the other.
@@ -117,20 +119,21 @@ TEST_F(Ask, SaysWhatNumbersAreLike) {
       {"Dose --json", "UTC", "not_counted\":(\\d)", "2"},
       {"Dose --json --by run", "UTC", "(\"run\":\"[ab]|\"count\":\\d)",
        "\"run\":\"a \"count\":3 \"run\":\"b \"count\":1 \"count\":4"},
-      {"Dose --by day", "UTC", "(2026-10-0\\d +\\d)", "2026-10-01      1 2026-10-02      2 2026-10-03      1"},
-      {"Dose --by day", "IST-5:30", "(2026-10-0\\d +\\d)", "2026-10-02      3 2026-10-03      1"},
+      {"Dose --by day", "UTC", "(2026-10-0\\d +\\d)", "2026-10-01       1 2026-10-02       2 2026-10-03       1"},
+      {"Dose --by day", "IST-5:30", "(2026-10-0\\d +\\d)", "2026-10-02       3 2026-10-03       1"},
       {"Dose --by month --digits 3", "UTC", "\n(2026.*)",
-       "2026-10      4   10  11.5  17.5    30.2  42.9  48.6   50  30.1       18.4"},
+       "2026-10            4   10  11.5  17.5    30.2  42.9  48.6   50  30.1       18.4"},
       {"Dose --by activity --json", "UTC", "name\":\"(.*?)\",\"f", "Holes 2.1 all"},
       {"Dose --since 2026-10-02 --until 2026-10-04 --json", "UTC", "drift\":(.*?)\\}", "30.5 30.5 null"},
       {"Dose --since 2026-10-02 --until 2026-10-04 --by instrument --json", "UTC", "drift\":(.*?)\\}",
        "null 25 30.5 null"},  // Other, Veldmar 3, all, before
       {"Dose --since 2026-10-02 --until 2026-10-03 --against 2026-10-03..2026-10-04 --by day", "UTC", "\n(.*)",
-       "2026-10-02      2    20  21.5  27.5      35  42.5  48.5    50    35    21.2132   -5.5 "
-       "all             2    20  21.5  27.5      35  42.5  48.5    50    35    21.2132   -5.5 "
-       "before          1  40.5  40.5  40.5    40.5  40.5  40.5  40.5  40.5 "
+       "2026-10-02       2    20  21.5  27.5      35  42.5  48.5    50    35    21.2132   -5.5 "
+       "all              2    20  21.5  27.5      35  42.5  48.5    50    35    21.2132   -5.5 "
+       "before           1  40.5  40.5  40.5    40.5  40.5  40.5  40.5  40.5 "
        "before: from 2026-10-03 00:00:00+00:00 to before 2026-10-04 00:00:00+00:00 "
        "not counted: 1 value that is no finite number "},
+      {"Defocus --by month", "UTC", "^(.*) +count", "Defocus [µm] by month "},
       {"'Stage X'", "UTC", "\nall +(.*)", "1  1.5  1.5   1.5     1.5   1.5   1.5  1.5   1.5"},
   };
   for (const auto& [arguments, zone, pattern, found] : rows) {
@@ -141,12 +144,13 @@ TEST_F(Ask, SaysWhatNumbersAreLike) {
 TEST_F(Ask, ListsTheNamesOfParameters) {
   EXPECT_EQ(
       Found("parameters --since 2026-10 --until 2026-11", "\n(.*)"),
-      "Defocus        1  double              -2   -2  2026-10-01 23:00:00+00:00  2026-10-01 23:00:00+00:00  Focus "
-      "Dose           6  double, int, text   10   50  2026-10-01 22:10:00+00:00  2026-10-03 00:20:00+00:00  "
+      "Defocus [µm]      1  double              -2   -2  2026-10-01 23:00:00+00:00  2026-10-01 23:00:00+00:00  Focus "
+      "Dose              6  double, int, text   10   50  2026-10-01 22:10:00+00:00  2026-10-03 00:20:00+00:00  "
       "Idle, Image"
-      " Good           2  bool                         2026-10-01 22:10:00+00:00  2026-10-03 00:10:00+00:00  Image"
-      " Note           1  text                         2026-10-02 02:12:00+00:00  2026-10-02 02:12:00+00:00  Image"
-      " Stage X        1  text               1.5  1.5  2026-10-01 22:10:00+00:00  2026-10-01 22:10:00+00:00  Image ");
+      " Good              2  bool                         2026-10-01 22:10:00+00:00  2026-10-03 00:10:00+00:00  Image"
+      " Note              1  text                         2026-10-02 02:12:00+00:00  2026-10-02 02:12:00+00:00  Image"
+      " Stage X           1  text               1.5  1.5  2026-10-01 22:10:00+00:00  2026-10-01 22:10:00+00:00  "
+      "Image ");
   EXPECT_EQ(Found("parameters alone --json", "(\\{.*)"),
             "{\"name\":\"Dose\",\"events\":[\"Image\"],\"kinds\":[\"text\"],\"count\":1,\"min\":40.5,\"max\":40.5,"
             "\"first_at\":\"2026-10-03T00:10:00.000000Z\",\"last_at\":\"2026-10-03T00:10:00.000000Z\"}, "

@@ -1,9 +1,11 @@
 #include "output/Output.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
+#include "output/Units.h"
 #include "output/Words.h"
 #include "store/reading/ParameterValue.h"
 #include "store/values/Json.h"
+#include "store/values/RecordedText.h"
 #include "verbs/AbsentNames.h"
 #include "verbs/DigitsOption.h"
 #include "verbs/StoreVerb.h"
@@ -93,7 +95,7 @@ std::string Listed(const std::set<std::string>& names) {
   return list;
 }
 
-void WriteTable(const Uses& uses, int digits) {
+void WriteTable(const Uses& uses, const Units& units, int digits) {
   TextTable table({{.title = "parameter", .whole = true},
                    {.title = "count", .number = true},
                    {.title = "kind"},
@@ -103,7 +105,7 @@ void WriteTable(const Uses& uses, int digits) {
                    {.title = "last", .times = TextTable::Times::Dated},
                    {.title = "events", .yielding = true}});
   for (const auto& [name, use] : uses) {
-    table.Add({{Shown(name)},
+    table.Add({{units.Head(Readable(name))},
                {std::to_string(use.count)},
                {Listed(use.kinds)},
                {use.lowest ? NumberInWords(*use.lowest, digits) : ""},
@@ -160,7 +162,8 @@ class ParametersVerb : public StoreVerb {
   ExitCode Execute() override {
     Store::EventWindow asked = window.Window();
     const int shown = digits.Value();
-    const Reader store(Database());
+    const Settings settings = StoreSettings();
+    const Reader store(settings.database);
     if (!run.empty()) {
       const std::optional<Run> named = TheRunNamed(store, run);
       if (!named) {
@@ -175,7 +178,7 @@ class ParametersVerb : public StoreVerb {
     if (json) {
       WriteJson(uses);
     } else {
-      WriteTable(uses, shown);
+      WriteTable(uses, Units(settings.units), shown);
     }
     FlushOut();
     store.ExpectUntouched();

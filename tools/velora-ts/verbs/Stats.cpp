@@ -1,6 +1,7 @@
 #include "output/Output.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
+#include "output/Units.h"
 #include "output/Words.h"
 #include "store/reading/Runs.h"
 #include "store/values/StoredText.h"
@@ -51,8 +52,9 @@ std::optional<Period> PeriodBefore(const std::string& against, const Store::Even
 /// A table with a row for each group.
 class StatisticsTable {
  public:
-  StatisticsTable(const std::string& by, bool hasDrift, int digits)
-      : isOfRuns(by == "run"), hasDrift(hasDrift), digits(digits), table(ColumnsOf(by, hasDrift)) {}
+  /// @param head the name and the unit of the parameter.
+  StatisticsTable(const std::string& head, const std::string& by, bool hasDrift, int digits)
+      : isOfRuns(by == "run"), hasDrift(hasDrift), digits(digits), table(ColumnsOf(head, by, hasDrift)) {}
 
   void Add(const GroupSummary& group, bool isGroup) {
     TextTable::Row row;
@@ -83,9 +85,9 @@ class StatisticsTable {
   void Finish() { table.Finish(); }
 
  private:
-  static std::vector<TextTable::Column> ColumnsOf(const std::string& by, bool hasDrift) {
+  static std::vector<TextTable::Column> ColumnsOf(const std::string& head, const std::string& by, bool hasDrift) {
     std::vector<TextTable::Column> columns;
-    columns.push_back({.title = by, .whole = true});
+    columns.push_back({.title = head + (by.empty() ? "" : " by " + by), .whole = true});
     if (by == "run") {
       columns.push_back({.title = "first", .times = TextTable::Times::Dated});
       columns.push_back({.title = "node", .yielding = true});
@@ -121,7 +123,8 @@ class StatsVerb : public StoreVerb {
     const int shown = digits.Value();
     const std::optional<Period> before = PeriodBefore(against, asked);
     const std::string name = ToStoredText(parameter);
-    const Reader store(Database());
+    const Settings settings = StoreSettings();
+    const Reader store(settings.database);
     const Statistics statistics = StatisticsOf(store, asked, name, ways.at(by), before);
     if (!statistics.HasAny()) {
       return ExplainAbsence(store, Named::Parameter, name);
@@ -129,7 +132,7 @@ class StatsVerb : public StoreVerb {
     if (json) {
       WriteData(AsJson(statistics, name, by) + "}\n");
     } else {
-      WriteTable(statistics, shown);
+      WriteTable(statistics, Units(settings.units).Head(parameter), shown);
     }
     FlushOut();
     store.ExpectUntouched();
@@ -137,8 +140,8 @@ class StatsVerb : public StoreVerb {
   }
 
  private:
-  void WriteTable(const Statistics& statistics, int shown) const {
-    StatisticsTable table(by, statistics.before.has_value(), shown);
+  void WriteTable(const Statistics& statistics, const std::string& head, int shown) const {
+    StatisticsTable table(head, by, statistics.before.has_value(), shown);
     if (!by.empty()) {
       for (const GroupSummary& group : statistics.groups) {
         table.Add(group, true);
