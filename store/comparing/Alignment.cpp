@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 #include <unordered_map>
 
 namespace Velora::Store {
@@ -16,7 +17,8 @@ struct Both {
 };
 using Keys = std::unordered_map<std::size_t, Both>;
 
-constexpr double dear = 1000;  // more than all distances on a way: as few items as possible stay alone
+constexpr double noise = 0.02;  // values that differ by chance make ways differ by less
+constexpr double dear = 1000;   // more than all distances on a way: as few items as possible stay alone
 
 // Marks all matches as moved that are not in the longest series in which both places ascend.
 void MarkMoved(std::vector<Match>& matches) {
@@ -121,9 +123,41 @@ class Alignment {
       return first[ones[one]] == second[others[other]] ? std::optional(distance(ones[one], others[other]))
                                                        : std::nullopt;
     };
-    for (const Match& match : CheapestWay(ones.size(), others.size(), cost, dear, false)) {
+    const auto costOf = [&](const std::vector<Match>& way) {
+      return std::accumulate(way.begin(), way.end(), 0.0, [&](double sum, const Match& match) {
+        return sum + cost(match.first, match.second).value_or(dear);
+      });
+    };
+    std::vector<Match> way = CheapestWay(ones.size(), others.size(), cost, dear, false);
+    if (std::vector<Match> inOrder = InOrder(ones, others);
+        inOrder.size() == way.size() && costOf(inOrder) < costOf(way) + noise) {
+      way = std::move(inOrder);
+    }
+    for (const Match& match : way) {
       Add({ones[match.first], others[match.second]});
     }
+  }
+
+  // Matches the n-th of each key with the n-th; nothing if that is not in the order of both.
+  std::vector<Match> InOrder(const Places& ones, const Places& others) const {
+    Keys places;
+    for (std::size_t other = 0; other < others.size(); ++other) {
+      places[second[others[other]]].second.push_back(other);
+    }
+    std::vector<Match> way;
+    for (std::size_t one = 0; one < ones.size(); ++one) {
+      Both& both = places[first[ones[one]]];
+      if (both.first.size() == both.second.size()) {
+        continue;
+      }
+      const std::size_t other = both.second[both.first.size()];
+      if (!way.empty() && other < way.back().second) {
+        return {};
+      }
+      both.first.push_back(one);
+      way.push_back({one, other});
+    }
+    return way;
   }
 
   // Items of the same key that stand in different gaps.

@@ -20,8 +20,8 @@ using Distance = std::function<double(std::size_t first, std::size_t second)>;
 inline constexpr std::size_t mostWeighed = 256;
 
 /// Matches items of the same key, each at most once. Of a key that both sequences have equally often, the n-th matches
-/// the n-th. Where one has more of a key, those stay alone that make the others least different; of more than
-/// `mostWeighed`, the last ones.
+/// the n-th. Where one has more of a key, those stay alone that make the others least different; the last ones, if
+/// that makes hardly a difference, or of more than `mostWeighed`.
 /// @return the matches in the order of the first sequence.
 std::vector<Match> Align(const std::vector<std::size_t>& first, const std::vector<std::size_t>& second,
                          const Distance& distance);

@@ -203,6 +203,7 @@ TEST_F(Diff, FindsWhatDiffersAndNothingElse) {
       {"h{M:x=1} h{M:x=2} h{M:x=2.01} h{M:x=3} h{M:x=4} h{M:x=5}", "h{M:x=1} h{M:x=2} h{M:x=3} h{M:x=4} h{M:x=5}",
        "+h(3)"},
       {"h{M:x=1} h!{M:x=2} h{M:x=2} h{M:x=3}", "h{M:x=1} h{M:x=2} h{M:x=3}", "+h(2)"},
+      {"h{M:x=1.002} h{M:x=1.001} b{}", "h{M:x=1} b{}", "+h(2) h/M1:x=1.002|1"},
       {"a{M:x=1} b{M:x=2} c{}", "b{M:x=2} c{} a{M:x=3}", "~a a/M1:x=1|3"},
       {"f{} h{M:x=1} f{} h{M:x=2}", "f{} h{M:x=1} h{M:x=2}", "+f(2)"},
       // nodes with numbers that always differ
