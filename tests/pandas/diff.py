@@ -39,8 +39,9 @@ def paths_of(folder, run):
 
 
 def values_of(folder, run):
-    """A row for each parameter: the path of its execution, its event and which one of this name it is, and its value."""
-    table = pandas.read_csv(io.StringIO(tool(folder, "export", run, "--format", "csv")), keep_default_na=False, dtype=str)
+    """A row for each parameter: the path of its execution, its event and which of this name it is, and its value."""
+    exported = io.StringIO(tool(folder, "export", run, "--format", "csv"))
+    table = pandas.read_csv(exported, keep_default_na=False, dtype=str)
     table["path"] = table["execution"].map(paths_of(folder, run))
     table["n"] = table.groupby(["execution", "event"]).cumcount() + 1
     rows = table.melt(["path", "event", "n"], [name for name in table.columns if name not in [*FIXED, "path", "n"]],
