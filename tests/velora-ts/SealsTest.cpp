@@ -322,20 +322,24 @@ TEST_F(Seals, WhatIsNotFinishedWaitsAndLateRowsGetASealOfTheirOwn) {
   ASSERT_EQ(Sql("INSERT INTO executions VALUES (8, 'run-4', NULL, 8, 2, 2, 'fourth', '', 5, '2026-11-28'), "
                 "(9, 'step-4', 8, 8, 2, 2, '', '', 0, ''); "
                 "INSERT INTO statuses VALUES (14, 8, 2, 14, ''), (15, 9, 2, 4, ''); "
-                "INSERT INTO events VALUES (10, 2, 5, NULL, 'late', '')"),
+                "INSERT INTO events VALUES (10, 2, 5, NULL, 'late', ''); "
+                "INSERT INTO notes VALUES (4, 7, 'Anna', 'cause', 'late', '')"),
             0);
   const std::string before = Query(folder / "ts.db", "SELECT * FROM seals");
   EXPECT_EQ(Tool("seal"), 0);
   EXPECT_TRUE(Says("not sealed: run run-4 \"fourth\" of 2026-11-28 00:00:00+00:00 is not finished")) << said;
   EXPECT_EQ(Tool("verify --anchor anchor"), 4) << said;
   EXPECT_TRUE(
-      Says("not sealed: run run-4 \"fourth\" of 2026-11-28 00:00:00+00:00, which is not finished\n7 seals verified"))
+      Says("not sealed: run run-4 \"fourth\" of 2026-11-28 00:00:00+00:00, which is not finished\n8 seals verified"))
       << said;
   EXPECT_EQ(Query(folder / "ts.db", "SELECT * FROM seals WHERE seal_id < 7"), before);
   EXPECT_EQ(Query(folder / "ts.db",
                   "SELECT run, counts LIKE '%\"execution\":0,\"status\":0,\"event\":1,%' FROM seals "
                   "WHERE seal_id = 7"),
             "run-2|1\n");
+  EXPECT_EQ(Query(folder / "ts.db",
+                  "SELECT run, counts LIKE '%\"event\":0,\"parameter\":0,\"note\":1}' FROM seals WHERE seal_id = 8"),
+            "run-3|1\n");
 }
 
 TEST_F(Seals, WhatIsUnderTheNewestSealWithoutOneIsSealedToo) {
@@ -377,6 +381,7 @@ TEST_F(Seals, AStoreOfTheSecondVersionVerifiesBeforeAndAfterItIsBroughtUp) {
   EXPECT_EQ(said, "not sealed: what belongs to no run\n4 seals verified: 0 findings, 1 not sealed\n");
   EXPECT_EQ(Tool("seal --anchor anchor"), 0) << said;
   EXPECT_EQ(Tool("verify --anchor anchor"), 0) << said;
+  EXPECT_EQ(Query(folder / "ts.db", "SELECT COUNT(*) FROM seals WHERE counts || up_to LIKE '%note%'"), "0\n");
 }
 
 }  // namespace
