@@ -159,7 +159,8 @@ TEST_F(Look, ATerminalGetsEachDateOnceAndNumbersThatAreShort) {
       (24, 'dddddddd-4', 22, 20, 1, NULL, 'hole 1, whose name is long', '', 0, '2026-10-25T01:30'),
       (25, 'cccccccc-0', NULL, 25, 1, NULL, 'morning', '', 5, '2026-10-25T08:30');
     INSERT INTO events VALUES (20, 1, 23, NULL, 'Image', '2026-10-24T22:30:00.250000Z'),
-      (21, 1, 24, NULL, 'Image', '2026-10-25T01:30:00.250000Z');
+      (21, 1, 24, NULL, 'Image', '2026-10-25T01:30:00.250000Z'), (22, 1, 25, NULL, 'Image', '2026-10-27T01:30');
+    INSERT INTO statuses VALUES (20, 25, 1, 4, '2026-10-25T08:30');
     INSERT INTO parameters VALUES (20, 1, 'X', 'double', NULL, -0.1234567891), (20, 2, 'S', 'text', '3.10000000', NULL),
       (21, 1, 'X', 'double', NULL, 1234567.25), (21, 2, 'S', 'int', NULL, 123456789);
   )");
@@ -168,10 +169,14 @@ TEST_F(Look, ATerminalGetsEachDateOnceAndNumbersThatAreShort) {
     std::string arguments, shown;
   } rows[] = {
       {"runs --since 2026-10-24 --limit 9",
-       R"(run       started \(\+01:00\)  [^]*
-0ecba827  2026-11-25 04:30:11        [^]*
-cccccccc  2026-10-25 09:30:00        [^]*
-dddddddd  2026-10-24 22:30:00\+02:00  [^]*)"},
+       R"(run       started \(\+01:00\) +until  [^]*
+ffffffff  2026-11-26 11:00:00        12:01:02  [^]*
+    ran␊dry \(\+1\)
+0ecba827  2026-11-25 04:30:11        04:30:11  [^]*
+cccccccc  2026-10-25 09:30:00        02:30:00 \+2d  [^]*
+dddddddd  2026-10-24 22:30:00\+02:00  [^]*
+    night
+)"},
       {"show dddddddd --columns X,S --tree --events",
        R"([^]*
 execution   state      started   duration          X           S

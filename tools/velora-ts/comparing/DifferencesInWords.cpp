@@ -58,8 +58,12 @@ class Writer {
   void Title(const std::string& text) const { Line("\n" + text); }
 
   void WriteHead() const {
-    TextTable table(
-        {{"run"}, {"started"}, {"duration", true}, {"state"}, {"activity", false, true}, {"node", false, true}});
+    TextTable table({{.title = "run", .whole = true},
+                     {.title = "started", .times = TextTable::Times::Dated},
+                     {.title = "duration", .number = true},
+                     {.title = "state", .whole = true},
+                     {.title = "activity", .yielding = true},
+                     {.title = "node", .whole = true}});
     for (const auto& [name, root, unfinished] :
          {std::tuple(one, &found.first, found.isFirstUnfinished), {other, &found.second, found.isSecondUnfinished}}) {
       table.Add({{name},

@@ -13,6 +13,7 @@ namespace {
 constexpr const char* gap = "  ";
 constexpr std::size_t gapWidth = 2;
 constexpr std::size_t narrowest = 6;
+constexpr std::size_t indentBelow = 4;                        // of texts below their row
 constexpr std::size_t mostKept = 1000;                        // first rows, which decide the widths
 constexpr std::size_t mostBytesKept = std::size_t{1} << 20U;  // of their texts
 
@@ -39,8 +40,7 @@ void TextTable::Shorten(Line& line) {
       continue;
     }
     if (columns[column].times == Times::Later) {
-      const bool sameDay = earlier && earlier->date == time->date && earlier->offset == time->offset;
-      text = sameDay ? time->ofDay : text;
+      text = earlier ? LaterInShort(*earlier, *time).value_or(text) : text;
       continue;
     }
     if (offsets[column].empty()) {
@@ -88,15 +88,17 @@ void TextTable::Narrow(bool any) {
   }
 }
 
-// While the columns do not fit, long texts that are never cut get lines of their own; then yielding columns are
-// narrowed, and left out from the left; then all are narrowed, and left out from the right.
+// While the columns do not fit, long texts that are never cut, and texts below rows, get lines of their own; then
+// yielding columns are narrowed, and left out from the left; then all are narrowed, and left out from the right.
 void TextTable::Fit() {
   for (std::size_t column = 0; column < columns.size(); ++column) {
     widths.push_back(WidthOfColumn(column, Terminal::any));
   }
   if (WidthOfAll() > terminal.width) {
     for (std::size_t column = 0; column < columns.size(); ++column) {
-      widths[column] = columns[column].whole ? WidthOfColumn(column, terminal.width * 2 / 5) : widths[column];
+      widths[column] = columns[column].whole   ? WidthOfColumn(column, terminal.width * 2 / 5)
+                       : columns[column].below ? 0
+                                               : widths[column];
     }
   }
   std::vector<std::size_t> wanted = widths;
@@ -108,8 +110,9 @@ void TextTable::Fit() {
   }
   Narrow(true);
   std::size_t left = terminal.width;
-  for (std::size_t& width : widths) {
-    width = std::min(width, left);
+  for (std::size_t column = 0; column < columns.size(); ++column) {
+    std::size_t& width = widths[column];
+    width = columns[column].whole && column > 0 && width > left ? 0 : std::min(width, left);
     left -= width > 0 ? std::min(left, width + gapWidth) : 0;
   }
 }
@@ -169,6 +172,12 @@ void TextTable::Write(const Line& line) const {
     begin += width + gapWidth;
     if (columns[column].whole && terminal.IsNarrow() && WidthOf(shown) > width) {
       text += '\n' + std::string(begin - gapWidth, ' ');
+    }
+  }
+  for (std::size_t column = 0; column < columns.size(); ++column) {
+    if (IsBelow(column) && !line.cells[column].text.empty()) {
+      text.erase(text.find_last_not_of(' ') + 1);
+      text += '\n' + Cut(std::string(indentBelow, ' ') + line.cells[column].text, terminal.width);
     }
   }
   WriteOut(text.erase(text.find_last_not_of(" \n") + 1) + '\n');

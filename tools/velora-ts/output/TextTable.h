@@ -18,7 +18,7 @@ class TextTable {
   enum class Times {
     Complete,
     Dated,  ///< Date and time of day. The offset stands in the title, and in rows that have another one.
-    Later,  ///< The time of day if the time in the column before has the same date and offset.
+    Later,  ///< The time of day, and how many days after the time in the column before; complete if offsets differ.
     OfDay   ///< The time of day. Date and offset stand on a line of their own wherever they change.
   };
   struct Column {
@@ -27,6 +27,7 @@ class TextTable {
     bool yielding = false;  ///< Cut before other columns if the line is too narrow.
     bool whole = false;     ///< Never cut. What takes more than two fifths of a line stands on a line of its own.
     Times times = Times::Complete;
+    bool below = false;  ///< If there is no room for the column, its texts stand below their rows.
   };
   struct Cell {
     std::string text;       ///< Printable.
@@ -54,6 +55,9 @@ class TextTable {
   std::size_t WidthOfAll() const;
   void Fit();
   void Narrow(bool any);
+  bool IsBelow(std::size_t column) const {
+    return widths[column] == 0 && (columns[column].below || columns[column].whole);
+  }
   void Begin();
   void Write(const Line& line) const;
 

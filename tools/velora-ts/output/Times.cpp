@@ -59,6 +59,14 @@ std::optional<TimeParts> PartsOf(std::string_view localTime) {
                    std::string(localTime.substr(size - 6))};
 }
 
+std::optional<std::string> LaterInShort(const TimeParts& earlier, const TimeParts& later) {
+  const double days = SecondsBetween(earlier.date, later.date).value_or(-1) / 86'400;
+  if (earlier.offset != later.offset || days < 0) {
+    return std::nullopt;
+  }
+  return later.ofDay + (days > 0 ? Formatted(" +%.0fd", days) : "");
+}
+
 std::string DayLines::Above(const TimeParts& time) {
   const std::string now = time.date + ' ' + time.offset;
   return std::exchange(day, now) == now ? "" : now;

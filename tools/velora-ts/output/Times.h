@@ -23,6 +23,10 @@ struct TimeParts {
 /// The parts of what LocalTime() returned; nothing if it was not given a time.
 std::optional<TimeParts> PartsOf(std::string_view localTime);
 
+/// The time of day of a later time, followed by the number of days after the earlier one unless it is the same day:
+/// "05:24:43 +1d". Nothing if clocks were set back in between or had another offset.
+std::optional<std::string> LaterInShort(const TimeParts& earlier, const TimeParts& later);
+
 /// What stands above times that are shown without date and offset.
 class DayLines {
  public:

@@ -101,7 +101,7 @@ void WriteTable(const Uses& uses, const Units& units, int digits) {
                    {.title = "kind"},
                    {.title = "min", .number = true},
                    {.title = "max", .number = true},
-                   {.title = "first", .times = TextTable::Times::Dated},
+                   {.title = "first", .yielding = true, .times = TextTable::Times::Dated},
                    {.title = "last", .times = TextTable::Times::Dated},
                    {.title = "events", .yielding = true}});
   for (const auto& [name, use] : uses) {

@@ -2,7 +2,6 @@
 #include "output/NoteWords.h"
 #include "output/Output.h"
 #include "output/StateWords.h"
-#include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
 #include "output/Words.h"
@@ -73,8 +72,6 @@ std::string ConditionOf(const Store::Reader& store, const RunFilter& filter) {
          ", e.execution_id DESC LIMIT ?4";
 }
 
-constexpr std::size_t widthForNotes = 80;  // below, they would cut the state
-
 bool IsUnfinished(const Rows& rows) { return rows.Integer(executionColumns) != 0; }
 
 /// What is said of a run: whether it still runs, and the time of its last record. If it finished, that is its end.
@@ -106,9 +103,9 @@ void WriteTable(const Store::Reader& store, Rows& rows) {
                                          {.title = "instrument", .yielding = true},
                                          {.title = "activity", .yielding = true},
                                          {.title = "node", .whole = true}};
-  const bool hasNotes = HasNotes(store) && Terminal().width >= widthForNotes;
+  const bool hasNotes = HasNotes(store);
   if (hasNotes) {
-    columns.push_back({.title = "note", .yielding = true});
+    columns.push_back({.title = "note", .yielding = true, .below = true});
   }
   Rows notes = QueryNotes(store);
   Standings standings(store);

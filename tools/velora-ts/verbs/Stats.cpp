@@ -92,8 +92,9 @@ class StatisticsTable {
       columns.push_back({.title = "first", .times = TextTable::Times::Dated});
       columns.push_back({.title = "node", .yielding = true});
     }
-    for (const char* title : {"count", "min", "5 %", "25 %", "median", "75 %", "95 %", "max", "mean", "deviation"}) {
-      columns.push_back({.title = title, .number = true});
+    for (const std::string title :
+         {"count", "min", "5 %", "25 %", "median", "75 %", "95 %", "max", "mean", "deviation"}) {
+      columns.push_back({.title = title, .number = true, .yielding = title == "5 %" || title == "95 %"});
     }
     if (hasDrift) {
       columns.push_back({.title = "drift", .number = true});
