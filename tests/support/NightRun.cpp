@@ -88,7 +88,7 @@ class Night {
 
   /// Holes of 17 to 22 events each, 25 in a square, and 14 squares in a grid.
   void Record() {
-    const long long holes = options.events / 18;  // more than the events take
+    const long long holes = options.events / 16;  // more than the events take
     const ActivityExecution session = Begin(nullptr, "Session", "specimen 12", "screening over night");
     for (long long hole = 1, grid = 1; hole <= holes; ++grid) {
       const ActivityExecution atGrid = Begin(&session, "Grid", "grid " + std::to_string(grid), "");

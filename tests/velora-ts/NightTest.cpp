@@ -56,25 +56,25 @@ TEST_F(Night, ShowBeginsWithTheCause) {
                "2026-11-26T03:04:00.5Z [error] all is off\n  pump A\n2026-11-26T03:04:01Z [info] bye\n"
                "2026-11-26T03:10:30Z [error] next day\n");
   const std::string hole = "in hole 11, below specimen 12 > grid 1 > square 1, since 08:12:00.000\n";
-  EXPECT_EQ(Told("show last | sed '/^run /,$d'"),
-            "UNFINISHED; last recorded 2026-11-26 08:30:00.000+05:30\n" + hole + lastEvents + '\n');
-  EXPECT_EQ(Told("show --log night.log other.log last | sed '/^run /,$d'"),
-            "UNFINISHED; last recorded 2026-11-26 08:30:00.000+05:30\n" + hole + lastEvents +
+  EXPECT_EQ(Told("show last | sed '1s/^[A-Z]*; //; 1s/,.*//; /^run /,$d'"),
+            "last recorded 2026-11-26 08:30:00.000+05:30\n" + hole + lastEvents + '\n');
+  EXPECT_EQ(Told("show --log night.log other.log last | sed '1s/^[A-Z]*; //; 1s/,.*//; /^run /,$d'"),
+            "last recorded 2026-11-26 08:30:00.000+05:30\n" + hole + lastEvents +
                 std::regex_replace(lastLines, std::regex("\n    pump"), "\u240A  pump") + '\n');
 
   // Two branches; what is running below something that is done is innermost too.
   begin("grid 2", "specimen 12", 14, "2026-11-26T03:00:01.000000Z");
   begin("square 1b", "grid 2", 4, "2026-11-25T03:00:02.000000Z");
-  EXPECT_EQ(Told("show last | sed '/^run /,$d'"),
-            "UNFINISHED; last recorded 2026-11-26 08:30:01.000+05:30\n" + hole + lastEvents +
+  EXPECT_EQ(Told("show last | sed '1s/^[A-Z]*; //; 1s/,.*//; /^run /,$d'"),
+            "last recorded 2026-11-26 08:30:01.000+05:30\n" + hole + lastEvents +
                 "in square 1b, below specimen 12 > grid 2, since 2026-11-25 08:30:02.000+05:30\n\n");
   for (int step = 0; step < 9; ++step) {
     begin("step " + std::to_string(step), "grid 2", 4, "2026-11-26T03:00:02.000000Z");
   }
-  EXPECT_EQ(Told("show last | sed '/^run /,$d' | grep -E '^(in|and)' | sed '2,9d'"),
+  EXPECT_EQ(Told("show last | sed '1s/^[A-Z]*; //; 1s/,.*//; /^run /,$d' | grep -E '^(in|and)' | sed '2,9d'"),
             "in step 8, below specimen 12 > grid 2, since 08:30:02.000\n" + hole + "and in 1 more\n");
   EXPECT_TRUE(std::regex_search(Told("show --json --log other.log last"),
-                                std::regex(R"("stopped":\{"in":\[\{"path":\[\{"guid":"[^"]*","node":"specimen 12",)"
+                                std::regex(R"("where":\{"in":\[\{"path":\[\{"guid":"[^"]*","node":"specimen 12",)"
                                            R"("activity":"Session","version":"1.0"\},\n[^]*"more":1,"log":\[\{"at":)"
                                            R"("2026-11-26T03:04:00.500000Z","level":"error","source":"",)"
                                            R"("text":"all is off\\u000a  pump A"\}\]\},)")))

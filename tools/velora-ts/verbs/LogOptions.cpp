@@ -1,8 +1,8 @@
 #include "verbs/LogOptions.h"
 
+#include "store/reading/Hosts.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
-#include "store/reading/Unfinished.h"
 #include "store/values/StoredTime.h"
 
 #include <limits>
@@ -32,8 +32,12 @@ LogOptions::LogOptions(Options& options) {
 }
 
 LogFile::LogFiles LogOptions::LinesOf(const Reader& store, const Run& run) const {
+  const RunState state = Hosts(store).Of(run).state;
+  if (state == RunState::Running) {
+    return {Selection(), StartOf(run), anyTime};
+  }
   const long long last = Microseconds(LastRecorded(store, run)).value_or(anyTime - afterTheLastRecord);
-  return {Selection(), StartOf(run), last + (IsUnfinished(store, run) ? afterTheLastRecord : 0)};
+  return {Selection(), StartOf(run), last + (state == RunState::Finished ? 0 : afterTheLastRecord)};
 }
 
 LogFile::LogFiles LogOptions::Following(const Run& run) const { return {Selection(), StartOf(run), anyTime, true}; }

@@ -20,8 +20,8 @@ class LogOptions {
   explicit LogOptions(Options& options);
 
   bool IsGiven() const { return !files.empty(); }
-  /// The lines of the time of a run. If it did not finish, these are also the lines of the ten minutes after its last
-  /// record.
+  /// The lines of the time of a run: while it runs, all from its start on; if it stopped, also those of the ten minutes
+  /// after its last record.
   /// @throws UsageError when --log-format cannot be understood.
   LogFile::LogFiles LinesOf(const Store::Reader& store, const Store::Run& run) const;
   /// The lines from the start of a run on, also those that are written later.

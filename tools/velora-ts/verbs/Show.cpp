@@ -95,7 +95,7 @@ class Show {
     const bool unfinished = known.state != RunState::Finished;
     WriteData('{' + JsonMembers(root) + ",\"unfinished\":" + (unfinished ? "true," : "false,") +
               JsonState(known, unfinished ? LastRecorded(store, run) : root.statusAt) + ",\"notes\":" +
-              NotesAsJson(notes.Ask(run.root)) + ",\"stopped\":" + Stopped().AsJson() + ",\n\"executions\":[");
+              NotesAsJson(notes.Ask(run.root)) + ",\"where\":" + Stopped().AsJson() + ",\n\"executions\":[");
     const char* separator = "\n";
     ForEachExecution([&](const Execution& one, int depth) {
       WriteData(separator + ('{' + JsonMembers(one)) + ',' + JsonState(hosts.Of(one)) +
