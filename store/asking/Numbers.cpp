@@ -13,20 +13,20 @@ void Numbers::Take(Numbers& others) {
 }
 
 // The sums have more digits than the numbers, so that they neither overflow nor lose what is small.
-Summary Numbers::Summarize() {
-  Summary summary;
-  summary.count = numbers.size();
+Distribution Numbers::Summarize() {
+  Distribution distribution;
+  distribution.count = numbers.size();
   if (numbers.empty()) {
-    return summary;
+    return distribution;
   }
   std::sort(numbers.begin(), numbers.end());
-  summary.lowest = numbers.front();
-  summary.highest = numbers.back();
-  for (std::size_t number = 0; number < Summary::parts.size(); ++number) {
-    const double place = Summary::parts[number] * static_cast<double>(numbers.size() - 1);
+  distribution.lowest = numbers.front();
+  distribution.highest = numbers.back();
+  for (std::size_t number = 0; number < Distribution::parts.size(); ++number) {
+    const double place = Distribution::parts[number] * static_cast<double>(numbers.size() - 1);
     const auto below = static_cast<std::size_t>(place);
     const double above = numbers[std::min(below + 1, numbers.size() - 1)];
-    summary.quantiles[number] = std::lerp(numbers[below], above, place - std::floor(place));
+    distribution.quantiles[number] = std::lerp(numbers[below], above, place - std::floor(place));
   }
   const auto count = static_cast<long double>(numbers.size());
   long double sum = 0;
@@ -38,10 +38,10 @@ Summary Numbers::Summarize() {
   for (const double number : numbers) {
     squares += (number - mean) * (number - mean);
   }
-  summary.mean = static_cast<double>(mean);
-  summary.deviation = numbers.size() > 1 ? static_cast<double>(std::sqrt(squares / (count - 1)))
-                                         : std::numeric_limits<double>::quiet_NaN();
-  return summary;
+  distribution.mean = static_cast<double>(mean);
+  distribution.deviation = numbers.size() > 1 ? static_cast<double>(std::sqrt(squares / (count - 1)))
+                                              : std::numeric_limits<double>::quiet_NaN();
+  return distribution;
 }
 
 }  // namespace Velora::Store

@@ -7,7 +7,7 @@
 namespace Velora::Store {
 
 /// What numbers are like.
-struct Summary {
+struct Distribution {
   /// The parts of the numbers below the quantiles.
   static constexpr std::array parts = {0.05, 0.25, 0.5, 0.75, 0.95};
   static constexpr std::size_t median = 2;  ///< Which of them is the median.
@@ -30,7 +30,7 @@ class Numbers {
   double operator[](std::size_t place) const { return numbers[place]; }
 
   /// Sorts the numbers and says what they are like.
-  Summary Summarize();
+  Distribution Summarize();
 
  private:
   std::deque<double> numbers;  // which grows without a copy

@@ -39,7 +39,7 @@ void DivideTime(GroupSummary& group, const NumberGroup& found) {
     }
   }
   for (auto& [number, one] : bins) {
-    one.first.summary = one.second.Summarize();
+    one.first.distribution = one.second.Summarize();
     group.bins.push_back(one.first);
   }
 }
@@ -57,9 +57,9 @@ void NameRuns(const Store::Reader& store, std::vector<GroupSummary>& groups) {
   }
 }
 
-/// The median of a summary, if it has one.
-std::optional<double> MedianOf(const Summary& summary) {
-  return summary.count > 0 ? std::optional(summary.quantiles[Summary::median]) : std::nullopt;
+/// The median of a distribution, if it has one.
+std::optional<double> MedianOf(const Distribution& distribution) {
+  return distribution.count > 0 ? std::optional(distribution.quantiles[Distribution::median]) : std::nullopt;
 }
 
 class StatisticsReader {
@@ -87,7 +87,7 @@ class StatisticsReader {
     for (auto& [name, group] : found.groups) {
       GroupSummary line{name, "", group.firstAt, group.lastAt, {}, {}, {}, {}};
       DivideTime(line, group);
-      line.summary = group.numbers.Summarize();
+      line.distribution = group.numbers.Summarize();
       line.drift = DriftOf(line, HasTwins(by));
       total.firstAt = total.firstAt.empty() ? line.firstAt : std::min(total.firstAt, line.firstAt);
       total.lastAt = std::max(total.lastAt, line.lastAt);
@@ -96,7 +96,7 @@ class StatisticsReader {
       statistics.groups.push_back(std::move(line));
     }
     total.name = "all";
-    total.summary = all.Summarize();
+    total.distribution = all.Summarize();
     total.drift = DriftOf(total, false);
     if (by == GroupBy::Run) {
       NameRuns(store, statistics.groups);
@@ -107,12 +107,12 @@ class StatisticsReader {
 
  private:
   std::optional<double> DriftOf(const GroupSummary& line, bool isTwin) const {
-    std::optional<double> before = statistics.before ? MedianOf(statistics.before->summary) : std::nullopt;
+    std::optional<double> before = statistics.before ? MedianOf(statistics.before->distribution) : std::nullopt;
     if (isTwin) {
       const auto twin = medians.find(line.name);
       before = twin == medians.end() ? std::nullopt : twin->second;
     }
-    const std::optional<double> now = MedianOf(line.summary);
+    const std::optional<double> now = MedianOf(line.distribution);
     return before && now ? std::optional(*now - *before) : std::nullopt;
   }
 
@@ -131,17 +131,17 @@ void AppendMember(std::string& json, const char* name, std::optional<double> num
   }
 }
 
-void AppendSummary(std::string& json, const Summary& summary) {
+void AppendDistribution(std::string& json, const Distribution& distribution) {
   static constexpr std::array names = {"q05", "q25", "median", "q75", "q95"};
-  const auto any = [&](double number) { return summary.count > 0 ? std::optional(number) : std::nullopt; };
-  json += "\"count\":" + std::to_string(summary.count);
-  AppendMember(json, "min", any(summary.lowest));
+  const auto any = [&](double number) { return distribution.count > 0 ? std::optional(number) : std::nullopt; };
+  json += "\"count\":" + std::to_string(distribution.count);
+  AppendMember(json, "min", any(distribution.lowest));
   for (std::size_t number = 0; number < names.size(); ++number) {
-    AppendMember(json, names[number], any(summary.quantiles[number]));
+    AppendMember(json, names[number], any(distribution.quantiles[number]));
   }
-  AppendMember(json, "max", any(summary.highest));
-  AppendMember(json, "mean", any(summary.mean));
-  AppendMember(json, "deviation", any(summary.deviation));
+  AppendMember(json, "max", any(distribution.highest));
+  AppendMember(json, "mean", any(distribution.mean));
+  AppendMember(json, "deviation", any(distribution.deviation));
 }
 
 void AppendBins(std::string& json, const GroupSummary& group) {
@@ -149,7 +149,7 @@ void AppendBins(std::string& json, const GroupSummary& group) {
   for (const Bin& bin : group.bins) {
     json += (json.ends_with('[') ? "{\"from\":" : ",{\"from\":") + std::to_string(bin.from) +
             ",\"to\":" + std::to_string(bin.to) + ',';
-    AppendSummary(json, bin.summary);
+    AppendDistribution(json, bin.distribution);
     json += '}';
   }
   json += "],\"each\":[";
@@ -174,7 +174,7 @@ void AppendGroup(std::string& json, const GroupSummary& group) {
   }
   add("first_at", group.firstAt);
   add("last_at", group.lastAt);
-  AppendSummary(json, group.summary);
+  AppendDistribution(json, group.distribution);
   AppendMember(json, "drift", group.drift);
   if (!group.bins.empty()) {
     AppendBins(json, group);

@@ -15,7 +15,7 @@ using Period = std::pair<std::string, std::string>;
 /// A group of numbers in some of the time.
 struct Bin {
   long long from = 0, to = 0;  ///< The first and the last time, in microseconds.
-  Store::Summary summary;
+  Store::Distribution distribution;
 };
 
 /// What the numbers of a group are like.
@@ -23,7 +23,7 @@ struct GroupSummary {
   std::string name;             ///< Of the group, as stored; the node of a run.
   std::string run;              ///< The guid of a run.
   std::string firstAt, lastAt;  ///< Stored times.
-  Store::Summary summary;
+  Store::Distribution distribution;
   std::optional<double> drift;                     ///< Its median less that of the period before.
   std::vector<Bin> bins;                           ///< In the order of time, if they are wanted.
   std::vector<std::pair<long long, double>> each;  ///< The numbers with their times, if they are few and wanted.
@@ -36,7 +36,7 @@ struct Statistics {
   std::optional<GroupSummary> before;  ///< The period before.
   std::size_t others = 0;              ///< Values that are no finite numbers.
 
-  bool HasAny() const { return all.summary.count + others > 0; }
+  bool HasAny() const { return all.distribution.count + others > 0; }
 };
 
 /// Reads the numbers of a parameter and says what they are like.

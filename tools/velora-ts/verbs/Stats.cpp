@@ -65,18 +65,18 @@ class StatisticsTable {
     } else {
       row = {{isGroup && group.name.empty() ? "-" : Shown(group.name)}};
     }
-    const Summary& summary = group.summary;
-    row.push_back({std::to_string(summary.count)});
+    const Distribution& distribution = group.distribution;
+    row.push_back({std::to_string(distribution.count)});
     const auto add = [&](double number) {
-      row.push_back({summary.count > 0 && !std::isnan(number) ? NumberInWords(number, digits) : ""});
+      row.push_back({distribution.count > 0 && !std::isnan(number) ? NumberInWords(number, digits) : ""});
     };
-    add(summary.lowest);
-    for (const double quantile : summary.quantiles) {
+    add(distribution.lowest);
+    for (const double quantile : distribution.quantiles) {
       add(quantile);
     }
-    add(summary.highest);
-    add(summary.mean);
-    add(summary.deviation);
+    add(distribution.highest);
+    add(distribution.mean);
+    add(distribution.deviation);
     if (hasDrift) {
       add(group.drift.value_or(std::nan("")));
     }
