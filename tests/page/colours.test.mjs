@@ -59,7 +59,8 @@ function check(colours, report) {
   const apart = (one, other) => Math.min(...eyes.map((eye) => distance(colours[one], colours[other], eye)));
   const on = (ground, names) => names.map((one) => [one, ground]);
   least(on('panel', drawn), ratio, 3);
-  least([...on('panel', ['text', 'muted', 'accent', 'alarm']), ['muted', 'back']], ratio, 4.5);
+  const written = ['text', 'muted', 'alarm', 'error', 'warning', 'accent'];
+  least([...on('panel', written), ...on('alarm-back', written), ['muted', 'back']], ratio, 4.5);
   least([['event', 'done']], ratio, 2);
   least(pairsOf(main), apart, 0.2);
   least(pairsOf(drawn), apart, 0.07);
