@@ -12,6 +12,7 @@ import {
   deep,
   hostile,
   hostileTexts,
+  imported,
   manyKinds,
   night,
   outlier,
@@ -198,6 +199,12 @@ testPage('the head and the plot of a tilt series', { recording: tiltSeries }, as
   }
 });
 
+testPage('a tilt series that was recorded from its file', { recording: imported }, async (page) => {
+  const [choice] = await page.locator('#plot-x option:checked').allTextContents();
+  assert.equal(choice, 'DateTime');
+  assert.equal((await charts(page)).plot.ticks.length, 5);
+});
+
 testPage('moving through the time of a tilt series', { recording: tiltSeries }, async (page, { folder }) => {
   await afterDrawing(page, () => page.selectOption('#plot-x', { label: 'time' }));
   await page.focus('#timeline');
@@ -213,6 +220,9 @@ testPage('moving through the time of a tilt series', { recording: tiltSeries }, 
   );
   assert.ok(shown > 3 && shown < 20, `${shown} of 42 events are in a quarter of the run`);
   assert.equal((await counts(page))[1], shown);
+  await page.focus('#plot');
+  await afterDrawing(page, () => page.keyboard.press('+'));
+  checkAxes(await charts(page));
   await afterDrawing(page, () => page.click('#zoom-all'));
   assert.equal((await counts(page))[1], 42);
 
@@ -319,7 +329,8 @@ testPage('an unfinished run', { recording: unfinished, colorScheme: 'dark' }, as
     stepOfDecember,
     'in the order of time',
   );
-  const { timeline } = await charts(page);
+  const { timeline, plot } = await charts(page);
+  assert.ok(plot.texts.includes('TiltAngle [<b>°]'), `the unit stands on the axis: ${plot.texts}`);
   assert.equal(timeline.hatched.length, 2);
   assert.ok(
     timeline.hatched.every((end) => Math.abs(end - timeline.pixels[1]) < 1e-6),

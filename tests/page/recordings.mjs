@@ -20,7 +20,7 @@ export function report(folder, ...options) {
   return { folder, file, bytes: statSync(file).size };
 }
 
-function record(name, file, content) {
+function record(name, file, content, times = asOnAnInstrument) {
   const folder = join(scratch, name);
   mkdirSync(folder);
   writeFileSync(join(folder, file), content);
@@ -29,7 +29,7 @@ function record(name, file, content) {
   } catch {
     // what is wrong in the file ends the recording
   }
-  write(folder, asOnAnInstrument);
+  write(folder, times);
   return folder;
 }
 
@@ -58,11 +58,18 @@ function once(make) {
 
 export const tiltSeries = once(() => report(record('tilt', 'sample.mdoc', sample())));
 
+/** One with the times at which its file was read. */
+export const imported = () => report(record('imported', 'sample.mdoc', sample(), ''));
+
 export const stepOfDecember = '01-Dec-26  00:10:00';
 
 export function unfinished() {
   const content = String(sample().subarray(0, 4000)).replace(/24-Nov-26 {2}22:10:00/, stepOfDecember);
-  return report(record('unfinished', 'stopped.mdoc', `${content}\nno value\n`));
+  const folder = record('unfinished', 'stopped.mdoc', `${content}\nno value\n`);
+  const settings = join(folder, 'TSAL.config');
+  const unit = '<Unit Parameter="TiltAngle" Text="&lt;b&gt;°"/></TSAL>';
+  writeFileSync(settings, readFileSync(settings, 'utf8').replace('</TSAL>', unit));
+  return report(folder);
 }
 
 /** A night that was killed at its last event, an Error. */
