@@ -14,11 +14,11 @@ inline constexpr const char* afterAllTimes = "9999-12-31T24";
 
 /// Which events are asked for. An empty text stands for any. Names are as stored.
 struct EventWindow {
-  std::string from;                    ///< A time, or the beginning of one: the events at it or later.
+  std::string from = "";               ///< A time, or the beginning of one: the events at it or later.
   std::string before = afterAllTimes;  ///< The events before it.
-  std::string instrument;              ///< Of the session that saved the event.
-  std::string activity;                ///< Of the event's execution or of one above it: an activity or a version of it.
-  std::string name;                    ///< Of the event.
+  std::string instrument = "";         ///< Of the session that saved the event.
+  std::string activity = "";           ///< Of the event's execution or of one above it: an activity or a version of it.
+  std::string name = "";               ///< Of the event.
   std::optional<long long> run = {};   ///< The root of the run to which the event belongs.
 };
 

@@ -4,6 +4,8 @@
 #include "store/reading/Rows.h"
 #include "store/values/StoredText.h"
 
+#include "store/Error.h"
+
 #include <algorithm>
 #include <cctype>
 #include <limits>
@@ -70,6 +72,15 @@ std::vector<Run> RunsNamed(const Reader& store, const std::string& name) {
     }
   }
   return runs;
+}
+
+Run RunOf(const Reader& store, long long root) {
+  Rows rows(store, "SELECT execution_id, guid, node, started_at FROM executions WHERE execution_id = ?1");
+  std::vector<Run> runs = All(rows.Ask(root));
+  if (runs.empty()) {
+    throw Error("there is no execution " + std::to_string(root));
+  }
+  return std::move(runs.front());
 }
 
 const char* const runsWithSameLetters =

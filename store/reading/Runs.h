@@ -24,6 +24,9 @@ std::vector<Run> RunsBetween(const Reader& store, const std::string& from, const
 /// The runs that match a name: a guid, the first characters of one, "last" for the run recorded last, or a node.
 std::vector<Run> RunsNamed(const Reader& store, const std::string& name);
 
+/// The run with this root. @throws Error when there is none.
+Run RunOf(const Reader& store, long long root);
+
 /// The number of characters of a guid that mostly identify a run.
 inline constexpr std::size_t shortGuid = 8;
 /// The first characters of a run's guid, at least so many, and as many as no other run begins with.

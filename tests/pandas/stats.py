@@ -1,7 +1,7 @@
 """Compares velora-ts stats with groupby of pandas on exports: stats.py [FOLDER PARAMETER]
 
-Without arguments, the store is a small one with everything that is hard: texts as numbers, NaN, names twice in an event,
-events of no run, and local days of 23 and 25 hours.
+Without arguments, the store is a small one with everything that is hard: texts as numbers, NaN, names twice in an
+event, events of no run, and local days of 23 and 25 hours.
 """
 
 import io

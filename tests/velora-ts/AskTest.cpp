@@ -84,6 +84,23 @@ TEST_F(Ask, SelectsEvents) {
   }
 }
 
+TEST_F(Ask, FindsRunsByTheirEvents) {
+  static constexpr struct {
+    const char* arguments;
+    const char* runs;
+  } rows[] = {
+      {"--where 'Dose > 30'", "b a"},
+      {"--where 'Dose > 40 and Note != 1'", "a"},
+      {"--where 'Dose > 30' --limit 1", "b"},
+      {"--where 'Dose < 30' --limit 1", "a"},  // counts what is listed
+      {"--since 2026-10-01 --until 2026-10-03", "a"},
+      {"--where 'Defocus = -2' --where 'Dose = 10'", ""},  // in two events
+  };
+  for (const auto& [arguments, runs] : rows) {
+    EXPECT_EQ(Found(std::string("runs --json ") + arguments, "guid\":\"([ab])"), runs) << arguments;
+  }
+}
+
 TEST_F(Ask, ShowsEventsWithTheirPlaces) {
   const std::string words = "events --since 2026-10-01 --until 2026-10-02 ";
   EXPECT_EQ(Tool(words + "--csv"), 0);
@@ -182,6 +199,11 @@ TEST_F(Ask, NamesWhatWasExpected) {
       {"stats Defocus --since 2026-10-02", 0,
        "has a parameter named 'Defocus'; the newest in the store is of 2026-10-0"},
       {"stats Dose --against 2026-10", 2, "--against '2026-10': expected two times"},
+      {"runs --where 'Dosis = 3'", 1, "expected a name, such as 'Dose', "},
+      {"show alone --columns Dosis", 1, "expected a name, such as 'Dose', "},
+      {"show alone --columns Defocus", 0, "has a parameter named 'Defocus'; the newest in the store is of 2026-10-0"},
+      {"export --since 2026-10-02 --until '2026-10-02 12:00'", 0,
+       "it has 2 events of 1 run that started before; velora-ts events shows them:\nrun aaaa0000-1 \"session\""},
       {"parameters --name Imago", 1, "expected a name, such as 'Image', "},
       {"events --json --csv", 2, "--json excludes --csv"},
   };

@@ -21,8 +21,9 @@ INSERT INTO statuses VALUES (7, 4, 1, 4, '2026-11-26T10:00:00.000000Z'), (8, 5, 
   (9, 4, 1, 14, '2026-11-26T11:01:02.345678Z'), (10, 6, 1, 14, '2026-11-26T10:00:02.000000Z');
 INSERT INTO events VALUES (4, 1, 5, NULL, '=cmd()', '2026-11-26T10:00:01.250000Z'),
   (5, 1, 6, NULL, 'e', '2026-11-26T10:00:03.000000Z'),
-  (6, 1, NULL, NULL, 'of no run', '2026-11-26T10:00:04.000000Z');
-INSERT INTO parameters VALUES (4, 1, 'T', 'text', '+3.10', NULL), (4, 2, 'T', 'text', '-1+1', NULL),
+  (6, 1, NULL, NULL, 'of no run', '2026-11-26T10:00:04.000000Z'), (50, 1, NULL, NULL, 'old', '2025-01-01');
+INSERT INTO parameters VALUES (50, 1, 'Note [a]', 'int', NULL, 1), (50, 2, 'FramesOnDisk', 'int', NULL, 1),
+  (4, 1, 'T', 'text', '+3.10', NULL), (4, 2, 'T', 'text', '-1+1', NULL),
   (4, 3, 'at', 'text', 'a "q",' || char(10) || 'b', NULL), (4, 4, '@N', 'double', 'NaN:7ff8000000000000', NULL),
   (4, 5, 'B', 'bool', NULL, 1), (4, 6, 'Empty', 'text', '', NULL), (4, 7, 'Quote', 'text', '''x', NULL),
   (4, 8, 'Tab', 'text', char(9) || 'x', NULL),

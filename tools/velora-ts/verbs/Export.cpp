@@ -3,8 +3,11 @@
 #include "output/Progress.h"
 #include "output/Words.h"
 #include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
 #include "verbs/StoreVerb.h"
 #include "verbs/TimeArgument.h"
+
+#include <algorithm>
 
 namespace Velora::Ts {
 
@@ -43,7 +46,37 @@ class ExportVerb : public StoreVerb {
     const std::string from = TimeArgument(since);
     const std::string before = until.empty() ? "9999-12-31T24" : TimeArgument(until);
     const Reader store(Database());
-    return Export(store, {RunsBetween(store, from, before), std::pair(from, before)});
+    const Selection selection{RunsBetween(store, from, before), std::pair(from, before)};
+    if (selection.runs.empty()) {
+      NameEarlierRuns(store, from, before);
+    }
+    return Export(store, selection);
+  }
+
+  /// Says of which runs, which started before a time, there are events in that time.
+  void NameEarlierRuns(const Store::Reader& store, const std::string& from, const std::string& before) const {
+    constexpr std::size_t mostNamed = 5;
+    Rows rows(store,
+              "SELECT x.root_id + 0, COUNT(*) FROM events v CROSS JOIN executions x WHERE v.at >= ?1 AND v.at < ?2 AND "
+              "x.execution_id = v.execution_id GROUP BY x.root_id + 0 ORDER BY x.root_id + 0");
+    std::vector<long long> roots;
+    long long events = 0;
+    for (rows.Ask(from, before); rows.Next();) {
+      roots.push_back(rows.Integer(0));
+      events += rows.Integer(1);
+    }
+    if (roots.empty()) {
+      return;
+    }
+    Complain("no run started in this time, but it has " + std::to_string(events) + " events of " +
+             std::to_string(roots.size()) + (roots.size() == 1 ? " run" : " runs") +
+             " that started before; velora-ts events shows them:");
+    for (std::size_t number = 0; number < std::min(roots.size(), mostNamed); ++number) {
+      Complain(InWords(RunOf(store, roots[number])));
+    }
+    if (roots.size() > mostNamed) {
+      Complain("and " + std::to_string(roots.size() - mostNamed) + " more");
+    }
   }
 
   ExitCode Export(const Store::Reader& store, const Selection& selection) const {

@@ -5,6 +5,7 @@
 #include "output/TextTable.h"
 #include "output/Times.h"
 #include "output/Words.h"
+#include "store/asking/FulfillingRuns.h"
 #include "store/reading/Executions.h"
 #include "store/reading/Hosts.h"
 #include "store/reading/Notes.h"
@@ -13,8 +14,12 @@
 #include "store/reading/Unfinished.h"
 #include "store/values/RecordedText.h"
 #include "store/values/StoredText.h"
+#include "verbs/AbsentNames.h"
 #include "verbs/StoreVerb.h"
 #include "verbs/TimeArgument.h"
+#include "verbs/WhereArgument.h"
+
+#include <limits>
 
 namespace Velora::Ts {
 
@@ -24,9 +29,37 @@ namespace {
 
 /// Which runs to list. An empty text selects all.
 struct RunFilter {
-  std::string since, instrument, activity, node;
+  std::string since, until, instrument, activity, node;
   bool unfinished = false;  ///< Only runs that are not finished.
   long long limit = 50;     ///< The highest number of runs.
+};
+
+/// The runs to list, newest first.
+class ListedRuns {
+ public:
+  ListedRuns(Rows rows, FulfillingRuns where, long long limit)
+      : rows(std::move(rows)), where(std::move(where)), left(limit) {}
+
+  /// Goes to the next run. @return whether there is one.
+  bool Next() {
+    while (left > 0 && rows.Next()) {
+      if (where.Has(rows.Integer(0))) {
+        --left;
+        any = true;
+        return true;
+      }
+    }
+    return false;
+  }
+  const Rows& Row() const { return rows; }
+  /// The names in conditions without which there is no run to list.
+  std::set<std::string> Missing() const { return any ? std::set<std::string>() : where.NotMet(); }
+
+ private:
+  Rows rows;
+  FulfillingRuns where;
+  long long left;
+  bool any = false;
 };
 
 /// The number of runs of an instrument up to which all of them are read to find the newest.
@@ -64,6 +97,7 @@ std::string ConditionOf(const Store::Reader& store, const RunFilter& filter) {
   condition +=
       "AND e.started_at >= ?1 AND (?2 = '' OR n.instrument = ?2) "
       "AND (?3 = '' OR v.name = ?3 OR a.name = ?3) AND (?5 = '' OR e.node = ?5) ";
+  condition += filter.until.empty() ? "AND ?6 = '' " : "AND e.started_at < ?6 ";
   if (filter.unfinished && (!filter.node.empty() || !NotesRunning(store))) {
     condition += "AND " + UnfinishedCondition(store, "e.execution_id") + ' ';
   }
@@ -94,7 +128,7 @@ class Standings {
   LastRecords last;
 };
 
-void WriteTable(const Store::Reader& store, Rows& rows) {
+void WriteTable(const Store::Reader& store, ListedRuns& runs) {
   std::vector<TextTable::Column> columns{{.title = "run", .whole = true},
                                          {.title = "started", .times = TextTable::Times::Dated},
                                          {.title = "until", .times = TextTable::Times::Later},
@@ -110,7 +144,8 @@ void WriteTable(const Store::Reader& store, Rows& rows) {
   Rows notes = QueryNotes(store);
   Standings standings(store);
   TextTable table(columns);
-  while (rows.Next()) {
+  while (runs.Next()) {
+    const Rows& rows = runs.Row();
     const Execution root = ExecutionAt(rows);
     const bool unfinished = IsUnfinished(rows);
     const auto [known, lastRecorded] = standings.Of(root, unfinished);
@@ -132,11 +167,12 @@ void WriteTable(const Store::Reader& store, Rows& rows) {
   table.Finish();
 }
 
-void WriteJson(const Store::Reader& store, Rows& rows) {
+void WriteJson(const Store::Reader& store, ListedRuns& runs) {
   Rows notes = QueryNotes(store);
   Standings standings(store);
   const char* separator = "[\n";
-  while (rows.Next()) {
+  while (runs.Next()) {
+    const Rows& rows = runs.Row();
     const Execution root = ExecutionAt(rows);
     const bool unfinished = IsUnfinished(rows);
     const auto [known, lastRecorded] = standings.Of(root, unfinished);
@@ -153,6 +189,9 @@ class RunsVerb : public StoreVerb {
     options.AddText("--instrument", filter.instrument, "Only runs of this instrument");
     options.AddText("--since", filter.since, "Only runs that started at this time or later: " VELORA_TIME_FORMS,
                     "TIME");
+    options.AddText("--until", filter.until, "Only runs that started before this time", "TIME");
+    options.AddRepeatedText("--where", where,
+                            "Only runs with an event that fulfils this condition, such as 'Dose > 40', as for events");
     options.AddText("--activity", filter.activity, "Only runs of this activity or activity version");
     options.AddText("--node", filter.node, "Only runs of this node");
     options.AddFlag("--unfinished", filter.unfinished, "Only runs of which an execution did not finish");
@@ -161,20 +200,29 @@ class RunsVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
+    const std::vector<Condition> conditions = WhereArgument(where);
     const std::string since = filter.since.empty() ? "" : TimeArgument(filter.since);
+    const std::string until = filter.until.empty() ? "" : TimeArgument(filter.until);
     const Reader store(Database());
     Rows rows = QueryExecutions(store, ConditionOf(store, filter),
                                 {UnfinishedCondition(store, "e.execution_id"), runsWithSameLetters});
-    rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity), filter.limit,
-             ToStoredText(filter.node));
-    json ? WriteJson(store, rows) : WriteTable(store, rows);
+    rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity),
+             conditions.empty() ? filter.limit : std::numeric_limits<long long>::max(), ToStoredText(filter.node),
+             until);
+    ListedRuns runs(std::move(rows), FulfillingRuns(store, conditions), filter.limit);
+    json ? WriteJson(store, runs) : WriteTable(store, runs);
     FlushOut();
     store.ExpectUntouched();
-    return Done;
+    ExitCode result = Done;
+    for (const std::string& name : runs.Missing()) {
+      result = ExplainAbsence(store, Named::Parameter, name) == Found ? Found : result;
+    }
+    return result;
   }
 
  private:
   RunFilter filter;
+  std::vector<std::string> where;
   bool json = false;
 };
 

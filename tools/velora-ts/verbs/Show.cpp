@@ -21,6 +21,7 @@
 #include "store/values/RecordedText.h"
 #include "store/values/StoredText.h"
 #include "store/values/StoredTime.h"
+#include "verbs/AbsentNames.h"
 #include "verbs/DigitsOption.h"
 #include "verbs/LogOfRun.h"
 #include "verbs/LogOptions.h"
@@ -273,6 +274,14 @@ class Show {
   StepOrder order;
 };
 
+/// Whether an event of a run has a parameter of a name.
+bool HasParameter(const Store::Reader& store, const Run& run, const std::string& name) {
+  Rows any(store,
+           "SELECT 1 FROM executions x CROSS JOIN events v CROSS JOIN parameters p WHERE x.root_id = ?1 AND "
+           "v.execution_id = x.execution_id AND p.event_id = v.event_id AND p.name = ?2 LIMIT 1");
+  return any.Ask(run.root, ToStoredText(name)).Next();
+}
+
 class ShowVerb : public StoreVerb {
  public:
   explicit ShowVerb(Options& options) : StoreVerb(options), digits(options), logs(options) {
@@ -296,6 +305,12 @@ class ShowVerb : public StoreVerb {
     const std::optional<Run> run = TheRunNamed(store, name);
     if (!run) {
       return Found;
+    }
+    for (const std::string& column : chosen.columns) {
+      if (!HasParameter(store, *run, column) &&
+          ExplainAbsence(store, Named::Parameter, ToStoredText(column)) == Found) {
+        return Found;
+      }
     }
     std::optional<LogOfRun> log;
     if (logs.IsGiven()) {
