@@ -1,30 +1,22 @@
-// embed.js OUTPUT LIBRARY SCRIPT LICENCE...: writes the page without its data as C++ for page/writer/Frame.h.
+// embed.js OUTPUT LIBRARY RUN_SCRIPT STATISTICS_SCRIPT LICENCE...: writes the pages without their data as C++ for
+// page/writer/Frame.h.
 import { createHash } from 'node:crypto';
 import { readFileSync, writeFileSync } from 'node:fs';
 
 const longest = 60000; // bytes of a text that every compiler must take: 65536
 
-const [output, library, script, ...licences] = process.argv.slice(2);
+const [output, libraryFile, runScript, statisticsScript, ...licences] = process.argv.slice(2);
 // Browsers and compilers alike take a carriage return for a line end, of which hashes and lengths must not depend.
 const read = (file) => readFileSync(file, 'utf8').replaceAll('\r\n', '\n');
-const here = (name) => read(new URL(`view/${name}`, import.meta.url));
-const parts = {
-  style: here('page.css'),
-  licences: licences.map(read).join(''),
-  library: read(library),
-  script: read(script),
-};
-for (const [name, text] of Object.entries(parts)) {
-  if (/<\/(script|style)|<!--/i.test(text)) {
-    throw new Error(`the ${name} of the page has the end of a script or style in it, or a comment of HTML`);
-  }
-}
+const here = (name) => read(new URL(name, import.meta.url));
+const library = read(libraryFile);
+const common = { style: here('view/page.css'), licences: licences.map(read).join('') };
 
 // Nothing is loaded, and nothing runs but our own style and scripts: what was recorded cannot.
 const hashOf = (text) => `'sha256-${createHash('sha256').update(text).digest('base64')}'`;
-const policy =
+const policyOf = (script) =>
   "default-src 'none'; base-uri 'none'; form-action 'none'; img-src data: blob:; " +
-  `style-src ${hashOf(parts.style)}; script-src ${hashOf(parts.library)} ${hashOf(parts.script)}`;
+  `style-src ${hashOf(common.style)}; script-src ${hashOf(library)} ${hashOf(script)}`;
 
 /** A text as C++, in pieces that end before an ASCII character, so that none of several bytes is torn apart. */
 function pieces(text) {
@@ -41,16 +33,32 @@ function pieces(text) {
   return list.join('');
 }
 
-const frame = here('page.html').replace(/{{(\w+)}}/g, (place, name) =>
-  name === 'data' ? place : { policy, ...parts }[name],
-);
-if (frame.includes(')velora"')) {
-  throw new Error('the page has )velora" in it, which ends a text of the generated C++');
+/** What stands before the data of a page, between them and the library, and after it. */
+function frameOf(html, script) {
+  const parts = { ...common, script };
+  for (const [name, text] of Object.entries({ ...parts, library })) {
+    if (/<\/(script|style)|<!--/i.test(text)) {
+      throw new Error(`the ${name} of the page has the end of a script or style in it, or a comment of HTML`);
+    }
+  }
+  const split = html
+    .replace(/{{(\w+)}}/g, (place, name) => ({ policy: policyOf(script), ...parts })[name] ?? place)
+    .split(/{{(?:data|library)}}/);
+  if (split.length !== 3 || [...split, library].some((text) => text.includes(')velora"'))) {
+    throw new Error('the page lacks data or library, or has )velora" in it, which ends a text of the generated C++');
+  }
+  return split;
 }
-const [head, tail] = frame.split('{{data}}');
+
 const definition = (variable, text) =>
   `static constexpr std::string_view ${variable}Pieces[] = {\n${pieces(text)}};\n` +
-  `const FramePart ${variable}(std::begin(${variable}Pieces), std::end(${variable}Pieces));\n`;
+  `static constexpr FramePart ${variable}(std::begin(${variable}Pieces), std::end(${variable}Pieces));\n`;
+function frameDefinition(variable, texts) {
+  const places = ['head', 'middle', 'tail'].map((place) => variable + place);
+  return `${places
+    .map((place, at) => definition(place, texts[at]))
+    .join('')}const Frame ${variable}{${places[0]}, ${places[1]}, libraryText, ${places[2]}};\n`;
+}
 writeFileSync(
   output,
   `#include "page/writer/Frame.h"
@@ -59,8 +67,9 @@ writeFileSync(
 
 namespace Velora::Page {
 
-${definition('frameHead', head)}
-${definition('frameTail', tail)}
+${definition('libraryText', library)}
+${frameDefinition('runFrame', frameOf(here('view/page.html'), read(runScript)))}
+${frameDefinition('statisticsFrame', frameOf(here('statistics/page.html'), read(statisticsScript)))}
 }  // namespace Velora::Page
 `,
 );

@@ -38,7 +38,7 @@ export default [
     },
   },
   {
-    files: ['page/view/**'],
+    files: ['page/view/**', 'page/statistics/**'],
     languageOptions: {
       globals: readonly(
         ...['Blob', 'Option', 'TextDecoder', 'URL', 'atob', 'clearTimeout', 'document', 'getComputedStyle'],

@@ -88,6 +88,7 @@ NumberGroups::NumberGroups(const Store::Reader& store, const Store::EventWindow&
       ++others;
       continue;
     }
+    ++count;
     NumberGroup& group = finder.Of(rows);
     const std::string_view at = rows.Text(At);
     if (group.firstAt.empty() || at < group.firstAt) {

@@ -33,6 +33,7 @@ class NumberGroups {
   /// The groups by their names, in order: an empty one; the stored time and the key of a run; a day, a month, a stored
   /// instrument, an activity with its version.
   std::map<std::string, NumberGroup, std::less<>> groups;
+  std::size_t count = 0;   ///< Of the numbers.
   std::size_t others = 0;  ///< Values that are no finite numbers.
 };
 

@@ -1,4 +1,5 @@
 #include "output/Output.h"
+#include "output/PageFile.h"
 #include "output/Progress.h"
 #include "output/Words.h"
 #include "page/writer/Against.h"
@@ -11,74 +12,13 @@
 #include "verbs/SecondRun.h"
 #include "verbs/StoreVerb.h"
 
-#include "store/Error.h"
-
-#include <cerrno>
-#include <cstdio>
-#include <filesystem>
-#include <memory>
 #include <optional>
-#include <system_error>
 
 namespace Velora::Ts {
 
 using namespace Store;
 
 namespace {
-
-/// The file of a page: complete under its name, or not there at all.
-class PageFile {
- public:
-  explicit PageFile(const std::string& path) : path(path), target(TargetOf(path)) {
-    std::error_code unknown;
-    if (std::filesystem::exists(path, unknown) && !std::filesystem::is_regular_file(path, unknown)) {
-      fresh = target;
-      stream.reset(std::fopen(fresh.c_str(), "w"));
-    }
-    for (int number = 1; !stream && (number == 1 || errno == EEXIST); ++number) {
-      fresh = target + '.' + std::to_string(number) + ".new";
-      stream.reset(std::fopen(fresh.c_str(), "wx"));
-    }
-    Expect(stream != nullptr);
-  }
-  PageFile(const PageFile&) = delete;
-  PageFile& operator=(const PageFile&) = delete;
-  ~PageFile() {
-    if (stream && fresh != target) {
-      static_cast<void>(std::remove(fresh.c_str()));
-    }
-  }
-
-  void Write(std::string_view text) {
-    Expect(std::fwrite(text.data(), 1, text.size(), stream.get()) == text.size());
-    bytes += text.size();
-  }
-  void Finish() {
-    Expect(std::fflush(stream.get()) == 0);
-    Expect(fresh == target || std::rename(fresh.c_str(), target.c_str()) == 0);
-    stream.reset();
-  }
-  std::size_t Bytes() const { return bytes; }
-
- private:
-  /// What a link leads to, so that it stays one.
-  static std::string TargetOf(const std::string& path) {
-    std::error_code unknown;
-    const std::filesystem::path target = std::filesystem::canonical(path, unknown);
-    return unknown ? path : target.string();
-  }
-  void Expect(bool good) const {
-    if (!good) {
-      throw Store::Error("page '" + path + "' cannot be written: " + std::system_category().message(errno));
-    }
-  }
-
-  const std::string path;
-  const std::string target;
-  std::string fresh;  // what is written to
-  std::unique_ptr<FILE, int (*)(FILE*)> stream{nullptr, &std::fclose};
-  std::size_t bytes = 0;
-};
 
 class ReportVerb : public StoreVerb {
  public:

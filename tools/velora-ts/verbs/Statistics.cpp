@@ -20,13 +20,17 @@ constexpr std::size_t mostDrawn = 5000;  // numbers that are drawn one by one
 /// Whether a group can have the same name in the period before.
 bool HasTwins(GroupBy by) { return by == GroupBy::Instrument || by == GroupBy::Activity; }
 
-/// Divides the time of a group into equal parts. Its numbers must be in the order of their times.
-void DivideTime(GroupSummary& group, const NumberGroup& found) {
+/// How many parts of its time are drawn of a group. A run, a day or a month is one.
+long long BinsOf(GroupBy by) { return HasTwins(by) || by == GroupBy::Nothing ? mostBins : 1; }
+
+/// Divides the time of a group into equal parts, and keeps each number if they are to be drawn. Its numbers must still
+/// be in the order of their times.
+void DivideTime(GroupSummary& group, const NumberGroup& found, long long parts, bool drawn) {
   if (found.times.empty()) {
     return;
   }
   const auto [first, last] = std::minmax_element(found.times.begin(), found.times.end());
-  const long long length = (*last - *first) / mostBins + 1;
+  const long long length = (*last - *first) / parts + 1;
   std::map<long long, std::pair<Bin, Numbers>> bins;
   for (std::size_t place = 0; place < found.times.size(); ++place) {
     const long long at = found.times[place];
@@ -34,7 +38,7 @@ void DivideTime(GroupSummary& group, const NumberGroup& found) {
     bin.from = numbers.Count() == 0 ? at : std::min(bin.from, at);
     bin.to = std::max(bin.to, at);
     numbers.Add(found.numbers[place]);
-    if (found.times.size() <= mostDrawn) {
+    if (drawn) {
       group.each.emplace_back(at, found.numbers[place]);
     }
   }
@@ -86,7 +90,7 @@ class StatisticsReader {
     GroupSummary& total = statistics.all;
     for (auto& [name, group] : found.groups) {
       GroupSummary line{name, "", group.firstAt, group.lastAt, {}, {}, {}, {}};
-      DivideTime(line, group);
+      DivideTime(line, group, BinsOf(by), found.count <= mostDrawn);
       line.distribution = group.numbers.Summarize();
       line.drift = DriftOf(line, HasTwins(by));
       total.firstAt = total.firstAt.empty() ? line.firstAt : std::min(total.firstAt, line.firstAt);

@@ -1,9 +1,13 @@
 #include "output/Output.h"
+#include "output/PageFile.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
 #include "output/Units.h"
 #include "output/Words.h"
+#include "page/writer/Frame.h"
 #include "store/reading/Runs.h"
+#include "store/settings/Settings.h"
+#include "store/values/Json.h"
 #include "store/values/StoredText.h"
 #include "store/values/StoredTime.h"
 #include "verbs/AbsentNames.h"
@@ -116,6 +120,7 @@ class StatsVerb : public StoreVerb {
     options.AddText("--against", against,
                     "The period from which the drift is counted, as TIME..TIME. Default: directly before --since, and "
                     "as long as from there to --until, or to now");
+    options.AddText("--plot", plot, "Write a page with a plot over time to this file", "FILE");
     options.AddFlag("--json", json, "Write a JSON object, with times in UTC");
   }
 
@@ -126,11 +131,13 @@ class StatsVerb : public StoreVerb {
     const std::string name = ToStoredText(parameter);
     const Settings settings = StoreSettings();
     const Reader store(settings.database);
-    const Statistics statistics = StatisticsOf(store, asked, name, ways.at(by), before);
+    const Statistics statistics = StatisticsOf(store, asked, name, ways.at(by), before, !plot.empty());
     if (!statistics.HasAny()) {
       return ExplainAbsence(store, Named::Parameter, name);
     }
-    if (json) {
+    if (!plot.empty()) {
+      WritePage(statistics, name, settings);
+    } else if (json) {
       WriteData(AsJson(statistics, name, by) + "}\n");
     } else {
       WriteTable(statistics, Units(settings.units).Head(parameter), shown);
@@ -141,6 +148,18 @@ class StatsVerb : public StoreVerb {
   }
 
  private:
+  void WritePage(const Statistics& statistics, const std::string& name, const Settings& settings) const {
+    std::string data = AsJson(statistics, name, by) + ",\n\"unit\":";
+    AppendText(data, Units(settings.units).Of(name));
+    PageFile page(plot);
+    Page::WriteFramed(
+        Page::statisticsFrame, [&page](std::string_view text) { page.Write(text); },
+        [&data](const Page::Write& json) { json(data + '}'); });
+    page.Finish();
+    Complain(std::to_string(statistics.all.distribution.count) + " numbers, written to '" + plot + "', " +
+             std::to_string(page.Bytes()) + " bytes");
+  }
+
   void WriteTable(const Statistics& statistics, const std::string& head, int shown) const {
     StatisticsTable table(head, by, statistics.before.has_value(), shown);
     if (!by.empty()) {
@@ -165,7 +184,7 @@ class StatsVerb : public StoreVerb {
 
   WindowOptions window;
   DigitsOption digits;
-  std::string parameter, by, against;
+  std::string parameter, by, against, plot;
   bool json = false;
 };
 
