@@ -4,6 +4,7 @@
 #include "store/comparing/Configurations.h"
 #include "store/comparing/Summary.h"
 #include "store/reading/Executions.h"
+#include "store/reading/Hosts.h"
 
 #include <functional>
 #include <string>
@@ -15,8 +16,9 @@ namespace Velora::Ts {
 struct Differences {
   const Store::Comparison& comparison;
   Store::Execution first, second;  ///< The roots.
-  bool isFirstUnfinished = false, isSecondUnfinished = false;
-  bool durationsCount = false;  ///< Whether durations alone make two runs different.
+  Store::Hosts &firstHosts, &secondHosts;
+  Store::KnownState firstState, secondState;  ///< Of the runs.
+  bool durationsCount = false;                ///< Whether durations alone make two runs different.
   std::vector<Store::Configuration> firstConfigurations, secondConfigurations;
 
   void ForEachChangedLine(const std::function<void(const Store::ChangedLine&)>& visit) const {

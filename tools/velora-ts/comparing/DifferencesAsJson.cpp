@@ -1,5 +1,6 @@
 #include "comparing/Differences.h"
 #include "output/Output.h"
+#include "output/StateWords.h"
 #include "output/Words.h"
 #include "store/values/Json.h"
 #include "store/values/StoredTime.h"
@@ -152,7 +153,8 @@ class List {
 }  // namespace
 
 void WriteDifferencesAsJson(const Differences& found, Summary& summary, bool all) {
-  WriteData("{\"run\":{" + JsonMembers(found.first) + "},\"against\":{" + JsonMembers(found.second) + '}');
+  WriteData("{\"run\":{" + JsonMembers(found.first) + ',' + JsonState(found.firstState) + "},\"against\":{" +
+            JsonMembers(found.second) + ',' + JsonState(found.secondState) + '}');
   List differences("differences");
   found.comparison.Visit([&](const Compared& compared) {
     summary.Add(compared);

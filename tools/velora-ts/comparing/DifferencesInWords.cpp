@@ -1,5 +1,6 @@
 #include "comparing/Differences.h"
 #include "output/Output.h"
+#include "output/StateWords.h"
 #include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
@@ -16,14 +17,6 @@ using Kind = Compared::Kind;
 using Group = Summary::Group;
 
 constexpr const char* nothing = "-";  // of a value that is not there
-
-std::string StatusInWords(const Value& code) {
-  Execution execution;
-  if (code.json != "null") {
-    execution.status = std::stoll(code.json);
-  }
-  return StateInWords(execution);
-}
 
 class Writer {
  public:
@@ -64,12 +57,13 @@ class Writer {
                      {.title = "state", .whole = true},
                      {.title = "activity", .yielding = true},
                      {.title = "node", .whole = true}});
-    for (const auto& [name, root, unfinished] :
-         {std::tuple(one, &found.first, found.isFirstUnfinished), {other, &found.second, found.isSecondUnfinished}}) {
+    for (const auto& [name, root, state] :
+         {std::tuple(one, &found.first, found.firstState.state), {other, &found.second, found.secondState.state}}) {
+      const bool unfinished = state != RunState::Finished;
       table.Add({{name},
                  {LocalTime(root->startedAt, false)},
                  {unfinished ? "" : DurationInWords(*root, false)},
-                 {unfinished ? unfinishedInWords : StateInWords(*root), unfinished},
+                 {unfinished ? UnfinishedInWords(state) : StateInWords(*root), IsAlarming(state)},
                  {ActivityInWords(*root)},
                  {Shown(root->node)}});
     }
@@ -134,12 +128,21 @@ class Writer {
     return occurrence > 0 ? words + " > " + Shown(compared.event) + ' ' + std::to_string(occurrence) : words;
   }
 
-  std::string InWords(const Compared& compared, const std::optional<Value>& value, int digits) const {
+  static std::string StateOf(const TreeNode& node, Hosts& hosts) {
+    Execution execution;
+    execution.key = node.key;
+    execution.status = node.status;
+    return StateInWords(execution, hosts.Of(execution).state);
+  }
+
+  std::string InWords(const Compared& compared, bool ofFirst, int digits) const {
+    const std::optional<Value>& value = ofFirst ? compared.firstValue : compared.secondValue;
     if (!value) {
       return nothing;
     }
     if (compared.kind == Kind::Status) {
-      return StatusInWords(*value);
+      return ofFirst ? StateOf(comparison.First().At(compared.first), found.firstHosts)
+                     : StateOf(comparison.Second().At(compared.second), found.secondHosts);
     }
     if (compared.kind == Kind::Duration) {
       return Duration(*value->number, true);
@@ -150,7 +153,7 @@ class Writer {
   // Both values; with all digits if they look the same with fewer.
   std::pair<std::string, std::string> BothOf(const Compared& compared) const {
     for (const int digits : {options.digits, allDigits}) {
-      std::pair both(InWords(compared, compared.firstValue, digits), InWords(compared, compared.secondValue, digits));
+      std::pair both(InWords(compared, true, digits), InWords(compared, false, digits));
       if (both.first != both.second || digits == allDigits) {
         return both;
       }

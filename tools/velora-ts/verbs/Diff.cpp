@@ -1,8 +1,8 @@
 #include "comparing/Differences.h"
 #include "output/Output.h"
 #include "output/Words.h"
+#include "store/reading/Hosts.h"
 #include "store/reading/Reader.h"
-#include "store/reading/Unfinished.h"
 #include "verbs/ComparisonOptions.h"
 #include "verbs/DigitsOption.h"
 #include "verbs/SecondRun.h"
@@ -36,11 +36,14 @@ class DiffVerb : public StoreVerb {
     }
     const Reader& otherStore = second.StoreOf(store);
     const Comparison comparison({store, *run}, {otherStore, *other}, compareBy);
+    Hosts hosts(store), otherHosts(otherStore);
     const Differences found{comparison,
                             RootOf(store, *run),
                             RootOf(otherStore, *other),
-                            IsUnfinished(store, *run),
-                            IsUnfinished(otherStore, *other),
+                            hosts,
+                            otherHosts,
+                            hosts.Of(*run),
+                            otherHosts.Of(*other),
                             rules.DurationsCount(),
                             ConfigurationsOf(store, *run),
                             ConfigurationsOf(otherStore, *other)};
