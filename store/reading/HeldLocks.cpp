@@ -2,9 +2,12 @@
 
 #include "store/database/SqliteConnection.h"
 #include "store/reading/Reader.h"
+#include "store/reading/Rows.h"
 #include "store/schema/SessionLocks.h"
 
 #include <VeloraSystem/ProcessLock.h>
+
+#include <set>
 
 namespace Velora::Store {
 
@@ -24,18 +27,41 @@ class FileLocks : public HeldLocks {
   const System::ProcessLocks locks;
 };
 
-class NoLocks : public HeldLocks {
+class ServerLocks : public HeldLocks {
  public:
-  std::optional<bool> IsHeld(long long /*session*/) const override { return std::nullopt; }
+  explicit ServerLocks(const Reader& store) {
+    Rows asked(store, std::string("SELECT has_table_privilege(") + ServerLock::ofStore +
+                          ", 'SELECT'), pg_is_in_recovery(), " + ServerLock::where + ", " + ServerLock::since);
+    asked.Next();
+    if (asked.Text(0) != "t") {
+      canReadPlaces = false;
+      whyNot = "this role may not read session_locks";
+    } else if (asked.Text(1) == "t") {
+      whyNot = "the server is a standby, on which hosts hold no locks";
+    } else {
+      where = asked.Text(2);
+      since = asked.Text(3);
+    }
+    Rows locks(store,
+               std::string("SELECT CAST(objid AS bigint) FROM pg_locks WHERE locktype = 'advisory' AND granted AND "
+                           "objsubid = 1 AND database = (SELECT oid FROM pg_database WHERE datname = "
+                           "current_database()) AND classid = ") +
+                   ServerLock::ofStore);
+    while (locks.Next()) {
+      held.insert(locks.Integer(0));
+    }
+  }
+  std::optional<bool> IsHeld(long long session) const override { return held.count(session) != 0; }
+
+ private:
+  std::set<long long> held;
 };
 
 }  // namespace
 
 std::unique_ptr<HeldLocks> AskForLocks(const Reader& store) {
   if (store.Where().kind == Database::Kind::PostgreSql) {
-    auto none = std::make_unique<NoLocks>();
-    none->whyNot = "its host is one of a server";
-    return none;
+    return std::make_unique<ServerLocks>(store);
   }
   sqlite3* const file = static_cast<SqliteConnection&>(store.Sql()).Handle();
   return std::make_unique<FileLocks>(LockFileOf(sqlite3_db_filename(file, "main")));

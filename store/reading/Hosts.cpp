@@ -141,7 +141,7 @@ void Hosts::Look() {
   const auto locks = AskForLocks(store);
   Rows places(store, "SELECT place FROM session_locks WHERE session_id = ?1");
   for (auto& [session, known] : sessions) {
-    known = StateOf(session, places.Ask(session), *locks);
+    known = locks->canReadPlaces ? StateOf(session, places.Ask(session), *locks) : NotKnown(locks->whyNot);
   }
   for (auto& [key, one] : unfinished) {
     one.known = sessions[one.session];

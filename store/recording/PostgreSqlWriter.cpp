@@ -1,6 +1,7 @@
 #include "store/recording/PostgreSqlWriter.h"
 
 #include "store/database/PostgreSqlStart.h"
+#include "store/recording/ServerLocks.h"
 #include "store/schema/BringUp.h"
 #include "store/values/Json.h"
 
@@ -12,6 +13,7 @@ namespace {
 using Clock = PostgreSqlConnection::Clock;
 
 constexpr std::chrono::milliseconds longestOperation{4500};  // even if the network fails
+constexpr std::chrono::milliseconds longestWithLock{4900};
 constexpr std::chrono::seconds longestBringUp{40};
 constexpr std::chrono::seconds longestDoubt{2};   // how long to ask whether a transaction was committed
 constexpr std::chrono::hours partitionsLast{24};  // the next months are looked at again
@@ -73,7 +75,7 @@ std::string ParametersAsJson(const EventRow& event) {
 }  // namespace
 
 PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
-    : Writer(opening), connection(ConnectToServer(address)) {
+    : Writer(opening), address(address), connection(ConnectToServer(address)) {
   connection.ExplainErrorsBy([this](const DatabaseError& error) { Explain(error); });
   PostgreSqlWriter::StartOperation();
   const int version = VersionIn(Configure());
@@ -194,7 +196,14 @@ bool PostgreSqlWriter::WasCommitted() {
                       "", "");
 }
 
-void PostgreSqlWriter::StartOperation() { connection.LimitTo(Clock::now() + longestOperation); }
+void PostgreSqlWriter::StartOperation() {
+  started = Clock::now();
+  connection.LimitTo(started + longestOperation);
+}
+
+void PostgreSqlWriter::KeepLock(long long session) noexcept {
+  HoldOnServer(address, connection, session, started + longestWithLock);
+}
 
 // Takes the lock before the number: sealing waits for the lock, and after that no lower number can appear.
 long long PostgreSqlWriter::NextKey(const std::string& table, const std::string& column) {

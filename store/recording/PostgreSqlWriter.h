@@ -28,6 +28,7 @@ class PostgreSqlWriter : public Writer {
   bool AddStatus(const StatusRow& status) override;
   std::vector<ActivityVersionRow> Register(const Registration& registration,
                                            const std::vector<ActivityVersionRow>& versions) override;
+  void KeepLock(long long session) noexcept override;
   void Settle() override { connection.Settle(); }
   void StartOperation() override;
   void EndOperation() override { connection.LimitTo(std::nullopt); }
@@ -47,10 +48,12 @@ class PostgreSqlWriter : public Writer {
   void Explain(const DatabaseError& error) const;
   bool WasCommitted();
 
+  const std::string address;
   PostgreSqlConnection connection;
-  std::string server;       // the identifier of its cluster, and its timeline
-  std::string transaction;  // the number of the open transaction on the server
-  std::string logged;       // how much of the server's log was on its disk when the transaction began
+  Clock::time_point started;  // of the operation
+  std::string server;         // the identifier of its cluster, and its timeline
+  std::string transaction;    // the number of the open transaction on the server
+  std::string logged;         // how much of the server's log was on its disk when the transaction began
   Clock::time_point partitionsDue = Clock::time_point::max();  // unless it is not known whether there are any
 };
 

@@ -62,6 +62,9 @@ class Writer {
   /// Takes the lock by which others see that the host of a new session lives (SessionLocks.h), and notes where it is,
   /// within the transaction that adds the session. Without the lock, the session is recorded all the same.
   virtual void HoldLock(long long /*session*/) {}
+  /// Takes the lock of a session on a server, if it is new or was lost. Is called after each operation that succeeded;
+  /// does not fail, and does not make the operation longer than it may be.
+  virtual void KeepLock(long long /*session*/) noexcept {}
   /// Waits for the statements of the transaction that were sent without waiting; throws the first error of them.
   virtual void Settle() {}
 

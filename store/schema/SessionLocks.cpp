@@ -14,4 +14,14 @@ const Table& SessionLocks() {
 
 std::string LockFileOf(const std::string& store) { return store + "-hosts"; }
 
+const char* const ServerLock::where =
+    "(SELECT 'server ' || system_identifier || ' database ' || d.oid || ' table ' || "
+    "CAST(CAST('session_locks' AS regclass) AS oid) FROM pg_control_system(), pg_database d "
+    "WHERE datname = current_database())";
+
+const char* const ServerLock::since =
+    "(SELECT ' since ' || EXTRACT(EPOCH FROM pg_postmaster_start_time()) || ' ' || "
+    "COALESCE(EXTRACT(EPOCH FROM pg_stat_get_bgwriter_stat_reset_time()), 0) || ' ' || "
+    "pg_stat_get_db_sessions_killed(d.oid) FROM pg_database d WHERE datname = current_database())";
+
 }  // namespace Velora::Store

@@ -16,4 +16,19 @@ const Table& SessionLocks();
 /// session is locked.
 std::string LockFileOf(const std::string& store);
 
+/// On a server, the lock is an advisory one of a connection. Expressions for:
+namespace ServerLock {
+
+/// The upper half of its number, which is another one in each store. The lower half is the number of the session.
+inline constexpr const char* ofStore = "CAST(CAST('session_locks' AS regclass) AS oid)";
+/// Sessions with higher numbers have no lock.
+inline constexpr long long highestSession = 0xFFFF'FFFF;
+/// The beginning of the place: the store.
+extern const char* const where;
+/// The rest: what changes when the server may have taken locks away from hosts that live: when it was started, when it
+/// started anew after a crash of one of its processes, and how many connections were ended from outside.
+extern const char* const since;
+
+}  // namespace ServerLock
+
 }  // namespace Velora::Store

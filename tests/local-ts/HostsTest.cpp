@@ -4,65 +4,19 @@
 #include "store/reading/Hosts.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
+#include "support/Process.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <array>
-#include <csignal>
 #include <fstream>
+#include <set>
 #include <sstream>
 
 namespace {
 
 using Velora::Store::NameOf;
-
-/// A process that does something, tells that it is done, and then lives until it is killed.
-class Process {
- public:
-  template <typename Work>
-  explicit Process(const Work& work) {
-    std::array<int, 2> ends{};
-    EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-    process = fork();
-    if (process == 0) {
-      setpgid(0, 0);
-      work();
-      Tell(ends[1]);
-      for (;;) {
-        pause();
-      }
-    }
-    close(ends[1]);
-    char told = 0;
-    EXPECT_EQ(read(ends[0], &told, 1), 1) << "the process ended";
-    close(ends[0]);
-  }
-  Process(const Process&) = delete;
-  Process& operator=(const Process&) = delete;
-  /// Ends its children too.
-  ~Process() {
-    kill(-process, SIGKILL);
-    Kill();
-  }
-
-  void Kill() const {
-    kill(process, SIGKILL);
-    waitpid(process, nullptr, 0);
-  }
-
- private:
-  static void Tell(int end) {
-    if (write(end, "!", 1) != 1) {
-      _exit(1);
-    }
-  }
-
-  pid_t process = 0;
-};
 
 class Hosts : public LocalTsTest {
  protected:
@@ -97,38 +51,23 @@ class Hosts : public LocalTsTest {
     stat(LockFile().c_str(), &file);
     std::array<char, 64> id{};
     std::snprintf(id.data(), id.size(), "%02x:%02x:%lu", major(file.st_dev), minor(file.st_dev), file.st_ino);
-    std::string shown;
+    std::set<std::string> ranges;
     std::ifstream table("/proc/locks");
     for (std::string line; std::getline(table, line);) {
       std::istringstream words(line);
       std::string number, kind, force, access, process, where, first, last;
       words >> number >> kind >> force >> access >> process >> where >> first >> last;
       if (where == id.data() && kind == "OFDLCK") {
-        shown += (shown.empty() ? "" : " ") + first + '-' + last;
+        ranges.insert(first + '-' + last);
       }
+    }
+    std::string shown;
+    for (const std::string& range : ranges) {
+      shown += (shown.empty() ? "" : " ") + range;
     }
     return shown;
   }
 };
-
-/// Starts a child that lives on, and waits until it has got so far.
-void StartChild(const char* program) {
-  std::array<int, 2> ends{};
-  EXPECT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
-  if (fork() == 0) {
-    if (program != nullptr) {
-      execlp(program, program, "600", nullptr);
-    }
-    close(ends[1]);
-    for (;;) {
-      pause();
-    }
-  }
-  close(ends[1]);
-  char none = 0;
-  EXPECT_EQ(read(ends[0], &none, 1), 0);
-  close(ends[0]);
-}
 
 TEST_F(Hosts, AreToldToLiveAsLongAsTheirProcessDoes) {
   const auto nothing = [] {};
@@ -154,6 +93,64 @@ TEST_F(Hosts, AreToldToLiveAsLongAsTheirProcessDoes) {
     EXPECT_EQ(Said(), "one stopped");
     remove_all(folder / "store");
   }
+}
+
+// Each execution has the state of its own host, and a run lives as long as any of them does.
+TEST_F(Hosts, OfOneRunAreToldApart) {
+  MakeStore("store");
+  Process first([this] { Run("one"); });
+  const std::string guid = Recorded("SELECT guid FROM executions", "store/ts.db").substr(0, 36);
+  Process second([&, this] {
+    Run("two");
+    const ActivityExecution parent = Load(Tsid(guid));
+    Saved("below", &parent);
+  });
+  EXPECT_EQ(Said(), "one running (running), two running");
+  EXPECT_EQ(Shown(), "1-1 2-2");
+  first.Kill();
+  EXPECT_EQ(Said(), "one running (running), two running");
+  EXPECT_EQ(Shown(), "2-2");
+  second.Kill();
+  EXPECT_EQ(Said(), "one stopped (stopped), two stopped");
+}
+
+TEST_F(Hosts, AreNotKnownWhereTheirLocksAreNot) {
+  const std::tuple<const char*, std::function<void()>, const char*, const char*> rows[] = {
+      {"moved", [this] { rename(folder / "store", folder / "there"); }, "one running", "one stopped"},
+      {"copied", [this] { copy(folder / "store", folder / "there", fs::copy_options::recursive); }, "one unknown",
+       "one unknown"},
+      {"copied alone",
+       [this] {
+         create_directory(folder / "there");
+         copy(folder / "store/ts.db", folder / "there/ts.db");
+         copy(folder / "store/ts.db-wal", folder / "there/ts.db-wal");
+       },
+       "one unknown", "one unknown"},
+      {"without its lock file",
+       [this] {
+         rename(folder / "store", folder / "there");
+         fs::remove(folder / "there/ts.db-hosts");
+       },
+       "one unknown", "one unknown"},
+  };
+  for (const auto& [what, act, whileItLives, afterwards] : rows) {
+    SCOPED_TRACE(what);
+    MakeStore("store");
+    const Process host([this] { Run("one"); });
+    act();
+    EXPECT_EQ(Said("there"), whileItLives);
+    host.Kill();
+    EXPECT_EQ(Said("there"), afterwards);
+    remove_all(folder / "store");
+    remove_all(folder / "there");
+  }
+}
+
+TEST_F(Hosts, RecordWithoutALockAsWithOne) {
+  MakeStore("store");
+  create_directory(LockFile());
+  const Process host([this] { Run("one"); });
+  EXPECT_EQ(Said(), "one unknown");
 }
 
 }  // namespace

@@ -73,6 +73,8 @@ std::string ProgramFolder() {
   return std::filesystem::read_symlink("/proc/self/exe", unknown).parent_path();
 }
 
+long ProcessNumber() { return getpid(); }
+
 std::string ComputerName() {
   std::array<char, 257> buffer{};
   return gethostname(buffer.data(), buffer.size() - 1) == 0 && buffer[0] != '\0' ? buffer.data() : "unknown";

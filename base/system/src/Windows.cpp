@@ -41,6 +41,8 @@ std::string ProgramFolder() {
   return path.substr(0, path.find_last_of('\\') + 1);
 }
 
+long ProcessNumber() { return static_cast<long>(GetCurrentProcessId()); }
+
 std::string ComputerName() {
   std::array<char, 256> buffer{};
   DWORD size = buffer.size();

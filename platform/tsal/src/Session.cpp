@@ -20,6 +20,7 @@ Session::Session(const Settings& settings, std::unique_ptr<Writer> opened, const
     const long long key = InsertSession(*store.writer, guid, settings.instrument, {text1, text2, text3});
     store.writer->HoldLock(key);
     transaction.Commit();
+    store.writer->KeepLock(key);
     return key;
   });
 }
@@ -59,6 +60,9 @@ std::unique_ptr<OpenStore> Session::Connect() {
 }
 
 void Session::Keep(std::unique_ptr<OpenStore> store) noexcept {
+  if (row != 0) {
+    store->writer->KeepLock(row);
+  }
   store->writer->EndOperation();
   try {
     const std::lock_guard lock(mutex);

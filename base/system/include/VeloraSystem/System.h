@@ -27,6 +27,9 @@ bool TakesNewFiles(const std::string& folder);
 /// The folder of the program of this process; empty if the system does not tell it.
 std::string ProgramFolder();
 
+/// The number by which the system knows this process.
+long ProcessNumber();
+
 /// The name of this computer; "unknown" if the system does not tell it.
 std::string ComputerName();
 
