@@ -86,10 +86,9 @@ function shownOf(recorded) {
 }
 
 function stateOf(recorded) {
-  const { unfinished, states, number, root, clock } = recorded;
-  const open = unfinished.includes(root) ? `, ${states.wordsFor(number[root], clock)}` : '';
+  const { unfinished, root } = recorded;
   const others = unfinished.length > 0 ? `; ${count(unfinished.length, 'execution')} did not finish` : '';
-  return statusOf(recorded, root) + open + others;
+  return statusOf(recorded, root) + others;
 }
 
 function sealOf({ raw, clock }) {

@@ -78,12 +78,12 @@ export class LogSection {
   itemOf(line) {
     const { recorded, time } = this;
     const item = lineOf(recorded, line, (at) => recorded.clock.moment(at));
-    const see = button('link', 'see', () => {
+    const see = button('link', 'timeline', () => {
       time.show(line.at - around, line.at + around);
       document.getElementById('timeline').scrollIntoView({ block: 'center' });
     });
     see.title = 'Show this time in the timeline';
-    item.append(' ', make('span', 'hint', 'in ', linkTo(recorded, executionAt(recorded, line.at)), ' ', see));
+    item.append(' ', make('span', 'hint', 'in ', linkTo(recorded, executionAt(recorded, line.at)), ', ', see));
     return item;
   }
 

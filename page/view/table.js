@@ -14,6 +14,7 @@ import { unitBehind } from './units.js';
 
 const rowsAtOnce = 100;
 const deepestIndent = 19; // levels of rows; below them the level is a number
+const mostUnbroken = 24;
 const mostInCell = { characters: 120, lines: 1 };
 const mostInTitle = { characters: 2000, lines: 40 };
 
@@ -207,9 +208,9 @@ export class Table {
   cell(column, at) {
     const text = column.text(at) ?? '';
     const isNumber = column.number && typeof column.value(at) === 'number';
-    const cell = make('td', isNumber ? 'number' : 'text');
     const isBrief = isNumber && column.brief && !this.allDigits.checked;
     const brief = isBrief ? column.brief(at) : firstOf(text, mostInCell);
+    const cell = make('td', isNumber ? 'number' : brief.length <= mostUnbroken ? 'word' : 'text');
     show(cell, brief);
     if (brief !== text) {
       cell.append(isNumber ? '' : '…');

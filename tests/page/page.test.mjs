@@ -13,8 +13,10 @@ import {
   hostile,
   hostileTexts,
   imported,
+  longText,
   manyKinds,
   night,
+  nightNote,
   outlier,
   scratch,
   stepOfDecember,
@@ -363,6 +365,8 @@ testPage('where a night stopped', { recording: night, viewport: small }, async (
     await links.allTextContents(),
     open.map(({ node }) => node),
   );
+  const { text, author } = nightNote;
+  assert.match(await page.textContent('#notes li'), new RegExp(`^cause ${text} ${author}, 20`));
   await page.click('#fold-all');
   await afterDrawing(page, () => links.last().click());
   assert.deepEqual(await focused(page), [open.at(-1).node, '3', null]);
@@ -470,6 +474,22 @@ testPage('the tree of a night', { recording: night }, async (page) => {
   assert.deepEqual(await names(), folded);
 });
 
+testPage('digits of a night', { recording: night }, async (page, { folder }) => {
+  const question = "SELECT value_number AS dose FROM readings WHERE node = 'hole 1' AND parameter = 'FocusScore'";
+  const [{ dose }] = ask(folder, question);
+  await page.fill('#find', 'hole-1-3.tiff');
+  await page.waitForFunction(() => document.querySelectorAll('#table tbody tr').length === 1);
+  const cell = page.locator(`#table td[title="${dose}"]`).first();
+  assert.equal(await cell.textContent(), String(Number(dose.toPrecision(6))));
+  const { names, cellsOf } = await tableIn(page, '#download');
+  assert.ok(
+    names.some((name) => cellsOf(name)[0] === String(dose)),
+    'CSV is exact',
+  );
+  await page.check('#all-digits');
+  assert.ok((await rowsOf(page))[0].includes(String(dose)));
+});
+
 testPage('looking for executions of a night', { recording: night }, async (page, { folder }) => {
   const choose = async (select, name) => {
     const options = await page.locator(`${select} option`).allTextContents();
@@ -518,6 +538,20 @@ testPage('a run of markup, script, quotes and broken UTF-8', { recording: hostil
     names.map((field) => cellsOf(field).find((text) => text !== '')),
     [`'${formula}`, '1', '2', braces, 'a\ufffd\ufffd(<u>'],
   );
+});
+
+testPage('a long text', { recording: longText }, async (page) => {
+  const height = () => page.evaluate(() => document.documentElement.scrollHeight);
+  for (const row of await page.locator('#table tr[data-execution]').all()) {
+    await row.click();
+  }
+  await page.click('#own-history');
+  assert.ok((await height()) < 6000, `${await height()} pixels`);
+  const part = page.locator('#table dd', { hasText: 'line 1 of 9000' });
+  await part.locator('button').click();
+  assert.match(await part.textContent(), /line 9000 of 9000/);
+  await part.locator('button').click();
+  assert.ok((await height()) < 6000, `${await height()} pixels when it is closed again`);
 });
 
 testPage('CSV by the rules of velora-ts', { recording: csvCases }, async (page, { folder }) => {

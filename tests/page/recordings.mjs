@@ -72,6 +72,8 @@ export function unfinished() {
   return report(folder);
 }
 
+export const nightNote = { text: 'The cryo stage ran dry at four.', author: 'Ines' };
+
 /** A night that was killed at its last event, an Error. */
 export const night = once(() => {
   const folder = join(scratch, 'night');
@@ -86,8 +88,22 @@ export const night = once(() => {
   if (signal !== 'SIGKILL') {
     throw new Error(`night-run ended with ${signal}`);
   }
+  const note = ['note', 'last', nightNote.text, '--kind', 'cause', '--author', nightNote.author];
+  execFileSync(`${bin}/velora-ts`, note, { cwd: folder, stdio: 'ignore' });
   return report(folder, '--log', 'night.log');
 });
+
+/** A run with a text of many lines in each place that takes one. */
+export function longText() {
+  const folder = record('long-text', 'sample.mdoc', '[ZValue = 0]\nTiltAngle = 1\n');
+  const text = Array.from({ length: 9000 }, (unused, line) => `line ${line + 1} of 9000`).join('\n');
+  write(
+    folder,
+    `DROP TRIGGER parameters_no_update; UPDATE executions SET description = '${text}';
+    UPDATE parameters SET kind = 'text', value_number = NULL, value_text = '${text}' WHERE position = 1;`,
+  );
+  return report(folder);
+}
 
 export const hostileTexts = {
   node: 'ZValue <script>window.bad = 1</script>',
