@@ -32,7 +32,7 @@ using Types::DateTimeOffset;
 using Parameter = std::shared_ptr<Types::InstrumentParameterBase>;
 
 constexpr long long second = 1'000'000;  // microseconds
-constexpr long long night = 6 * 3600 * second;
+constexpr long long night = second * 3600 * 6;
 
 struct NightOptions {
   std::string folder = ".";
@@ -119,7 +119,8 @@ class Night {
 
   void RecordHole(const ActivityExecution& square, const std::string& node, long long hole) {
     const ActivityExecution at = Begin(&square, "Hole", node, "");
-    const double x = 12.5 + 0.75 * static_cast<double>(hole % 25), y = -7.25 - 0.5 * static_cast<double>(hole / 25);
+    const long long row = hole / 25;
+    const double x = 12.5 + 0.75 * static_cast<double>(hole - 25 * row), y = -7.25 - 0.5 * static_cast<double>(row);
     position = Decimal(x, 3) + " " + Decimal(y, 3);
     Save(at, "Stage moved", {Double("StageX", x), Double("StageY", y)});
     const double score = 0.75 + 0.002 * static_cast<double>(hole % 7) + Noise(0.01);
