@@ -1,6 +1,6 @@
 // Elements of the page.
 
-import { partsOf } from './text.js';
+import { firstOf, partsOf, readable } from './text.js';
 
 /** An element with a class and with children or a text. */
 export function make(tag, className, ...children) {
@@ -24,6 +24,19 @@ export function show(element, stored) {
   return element;
 }
 
+const mostOfName = { characters: 120, lines: 1 };
+
+/** Puts a name into an element; of a long one the begin, the rest when it is pointed at. */
+export function showName(element, stored) {
+  const first = firstOf(stored, mostOfName);
+  show(element, first);
+  if (first !== stored) {
+    element.append('…');
+    element.title = readable(firstOf(stored, { characters: 2000, lines: 40 }));
+  }
+  return element;
+}
+
 /** A button with a label that does something. */
 export function button(className, label, work) {
   const element = make('button', className, label);
@@ -37,7 +50,7 @@ export const addressOf = (recorded, at) => `#execution-${recorded.number[at]}`;
 
 /** The node of an execution as a link that opens its row. */
 export function linkTo(recorded, at) {
-  const link = show(make('a'), recorded.node[at] || '–');
+  const link = showName(make('a'), recorded.node[at] || '–');
   link.href = addressOf(recorded, at);
   return link;
 }

@@ -1,6 +1,6 @@
 // An event with all its parameters, as histories and the cause show it.
 
-import { addInSteps, make, show } from './element.js';
+import { addInSteps, make, showName } from './element.js';
 import { showLong } from './long-text.js';
 import { noName } from './text.js';
 import { unitAfter } from './units.js';
@@ -15,7 +15,7 @@ export function eventBlock(recorded, event, isBrief = false) {
   const title = make(
     'h4',
     '',
-    show(make('span'), shape.name || noName),
+    showName(make('span'), shape.name || noName),
     make('time', 'hint', ` ${isBrief ? clock.day(event.at) : clock.local(event.at)}`),
   );
   const list = make('dl', 'parameters');
@@ -29,8 +29,8 @@ export function eventBlock(recorded, event, isBrief = false) {
 }
 
 function parameterOf(name, kind, text, brief) {
-  const term = show(make('dt'), name);
-  term.title = kind;
+  const term = showName(make('dt'), name);
+  term.title = [kind, term.title].filter(Boolean).join(': ');
   const value = showLong(make('dd', kind === 'text' ? 'text' : ''), brief ?? text);
   if (brief !== null && brief !== text) {
     value.title = text;

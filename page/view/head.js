@@ -2,7 +2,7 @@
 
 import { lengthOf } from './clock.js';
 import { colour, statusColour } from './colours.js';
-import { make, show } from './element.js';
+import { make, show, showName } from './element.js';
 import { showLong } from './long-text.js';
 import { statusOf } from './states.js';
 import { running, statusName } from './statuses.js';
@@ -15,7 +15,7 @@ export function showHead(recorded) {
   const version = recorded.versions.get(recorded.version[root]);
   const session = recorded.sessions.get(recorded.session[root]);
   document.title = `${readable(recorded.node[root])} · ${clock.date(0)}`;
-  show(document.getElementById('title'), recorded.node[root]);
+  showName(document.getElementById('title'), recorded.node[root]);
   showLong(document.getElementById('subtitle'), recorded.description[root] ?? '');
   const facts = document.getElementById('facts');
   const fact = (name, ...children) => facts.append(make('div', '', make('dt', '', name), make('dd', '', ...children)));

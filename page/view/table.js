@@ -3,7 +3,7 @@
 
 import { isPrinting } from './chart.js';
 import { columnsOf, orders, pickLikely } from './columns.js';
-import { button, make, show } from './element.js';
+import { button, make, show, showName } from './element.js';
 import { Filter } from './filter.js';
 import { historyOf } from './history.js';
 import { running } from './statuses.js';
@@ -83,7 +83,7 @@ export class Table {
   }
 
   titleOf(column, name = column.name) {
-    const title = show(make('span'), name);
+    const title = showName(make('span'), name);
     if (column.occurrence > 1) {
       title.append(` (${column.occurrence})`);
     }
@@ -223,7 +223,7 @@ export class Table {
     const { recorded, tree } = this;
     const cell = make('th', column.number ? 'number' : '');
     cell.scope = 'row';
-    const open = show(make('button', 'open'), column.text(at) || '–');
+    const open = showName(make('button', 'open'), column.text(at) || '–');
     open.type = 'button';
     open.tabIndex = at === this.current ? 0 : -1;
     open.setAttribute('aria-expanded', this.opened.has(at));
@@ -254,9 +254,7 @@ export class Table {
   /** In a list, what a row belongs to. */
   pathBefore(at) {
     const above = this.recorded.pathTo(at).slice(1, -1);
-    return above.length === 0
-      ? []
-      : [show(make('span', 'hint'), above.map((step) => readable(this.recorded.node[step])).join(' › ')), ' › '];
+    return above.flatMap((step) => [showName(make('span', 'hint'), this.recorded.node[step]), ' › ']);
   }
 
   filterUnfinished() {

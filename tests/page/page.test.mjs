@@ -378,6 +378,7 @@ testPage('where a night stopped', { recording: night, viewport: small }, async (
   await page.evaluate(() => window.dispatchEvent(new window.Event('beforeprint')));
   const paper = await page.locator('#alarm dd').first().boundingBox();
   assert.ok(paper.y + paper.height < 300, 'the message is at the top of the paper');
+  assert.ok((await rowsOf(page))[0][0].endsWith(` › ${open.at(-1).node}`), 'the hole is the first row there');
 });
 
 /** How many marks in each of some colours the timeline has. */
@@ -514,7 +515,7 @@ testPage('looking for executions of a night', { recording: night }, async (page,
 });
 
 testPage('a run of markup, script, quotes and broken UTF-8', { recording: hostile }, async (page) => {
-  const { node, event, value, name, braces, formula, below } = hostileTexts;
+  const { node, event, value, name, braces, formula, below, noted, logged } = hostileTexts;
   assert.equal(await page.textContent('h1'), '<img src=x onerror="window.bad = 1">.mdoc');
   const { timeline } = await charts(page);
   for (const text of [node, `${event}  1`]) {
@@ -524,11 +525,10 @@ testPage('a run of markup, script, quotes and broken UTF-8', { recording: hostil
     await row.click();
   }
   await page.click('#own-history');
-  const shown = await page.$$eval('#table th button.open, #table h4 span, #table dt, #table dd', (elements) =>
-    elements.map((element) => element.textContent),
-  );
+  const places = '#table th button.open, #table h4 span, #table dt, #table dd, #notes .text, #log .text';
+  const shown = await page.$$eval(places, (elements) => elements.map((element) => element.textContent));
   const bytes = ['\\x41', 'a\\u61cb\\u202ec\\ue0041', 'a\\xff\\xc3(<u>', '\\x00\\xff'];
-  for (const text of [node, below, event, value, name, braces, formula, ...bytes, 'NaN', 'inf']) {
+  for (const text of [node, below, event, value, name, braces, formula, noted, logged, ...bytes, 'NaN', 'inf']) {
     assert.ok(shown.includes(text), `${text} is shown: ${shown}`);
   }
   assert.equal(shown.filter((text) => text === 'Twice').length, 2);

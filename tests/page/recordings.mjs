@@ -99,7 +99,7 @@ export function longText() {
   const text = Array.from({ length: 9000 }, (unused, line) => `line ${line + 1} of 9000`).join('\n');
   write(
     folder,
-    `DROP TRIGGER parameters_no_update; UPDATE executions SET description = '${text}';
+    `DROP TRIGGER parameters_no_update; UPDATE executions SET description = '${text}', node = '${text}';
     UPDATE parameters SET kind = 'text', value_number = NULL, value_text = '${text}' WHERE position = 1;`,
   );
   return report(folder);
@@ -113,10 +113,12 @@ export const hostileTexts = {
   braces: '{a|b}{c}',
   formula: '=HYPERLINK("x")',
   below: '</textarea><svg onload=window.bad=1>{a|b}',
+  noted: '<img src=y onerror="window.bad = 5">',
+  logged: '</script><img src=z onerror="window.bad = 6">',
 };
 
 export function hostile() {
-  const { name, braces, value, formula, event, below } = hostileTexts;
+  const { name, braces, value, formula, event, below, noted, logged } = hostileTexts;
   const lines = [
     `[ZValue = <script>window.bad = 1</script>]`,
     `${name} = ${value}`,
@@ -141,7 +143,9 @@ export function hostile() {
     INSERT INTO parameters VALUES (900, 1, '\\x00ff', 'double', NULL, 1.5),
       (900, 2, 'none', 'double', 'NaN:7ff8000000000000', NULL), (900, 3, 'much', 'double', NULL, 9e999);`,
   );
-  return report(folder);
+  execFileSync(`${bin}/velora-ts`, ['note', 'last', noted], { cwd: folder, stdio: 'ignore' });
+  writeFileSync(join(folder, 'host.log'), `2026-11-25T00:00:05.000000+00:00 [error] [<b>] ${logged}\n`);
+  return report(folder, '--log', 'host.log');
 }
 
 /** A run of the cases that CSV is held against. */
