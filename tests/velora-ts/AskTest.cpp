@@ -65,6 +65,9 @@ TEST_F(Ask, SelectsEvents) {
       {"--since 2026-10 --until 2026-11 --activity Holes", "11 16 13 14"},
       {"--activity Screening --name Focus", "12"},
       {"--where 'Dose > 40'", "13 14"},
+      {"--where 'Dose > 50'", ""},
+      {"--where 'Dose < 10'", ""},
+      {"--where 'Dose <= 10'", "11"},
       {"--where 'Dose >= 50' --where 'Dose <= 10'", ""},  // NaN is neither
       {"--where 'Dose != 10'", "16 13 14 15"},
       {"--where 'Dose = 40.50'", "14"},

@@ -130,6 +130,8 @@ TEST_F(Questions, AreAnsweredByIndexes) {
           std::regex_search(plan, std::regex("events_by_time \\(at>\\? AND at<\\?\\)|Index Cond: \\(\\(+at >= ")))
           << question << '\n'
           << plan;
+      EXPECT_EQ(plan.find("parameters_20"), std::string::npos) << "the partition of another month: " << plan;
+      EXPECT_EQ(plan.find("TEMP B-TREE"), std::string::npos) << "not in the order of the index: " << plan;
     }
     if (!TestStore::OnServer() &&
         question.find("WHERE e.parent_id IS NULL AND e.started_at >= ?1") != std::string::npos) {  // runs, until enough
