@@ -51,13 +51,15 @@ class Holder {
     connection.Send(HoldAndNote(), {std::to_string(session)});
     connection.Settle();
   }
-  // It is idle, so whatever arrives is the server's last message, or its end, for which there are two looks.
+  // It is idle, so whatever arrives is the server's last message and then its end, for which there are two looks.
   bool IsLost() {
-    const auto arrived = [this] {
-      return System::AwaitSocket(PQsocket(connection.Handle()), false, std::chrono::milliseconds(0)) &&
-             PQconsumeInput(connection.Handle()) != 1;
-    };
-    return arrived() || arrived() || connection.IsLost();
+    for (int look = 0; look < 2; ++look) {
+      if (System::AwaitSocket(PQsocket(connection.Handle()), false, std::chrono::milliseconds(0)) &&
+          PQconsumeInput(connection.Handle()) != 1) {
+        return true;
+      }
+    }
+    return connection.IsLost();
   }
 
  private:

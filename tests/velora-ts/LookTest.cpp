@@ -1,6 +1,7 @@
 // What runs, show, tail and the exports for other programs make of a store.
 
 #include "ToolTest.h"
+#include "support/Process.h"
 
 #include <algorithm>
 #include <functional>
@@ -326,6 +327,35 @@ TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
                                                 "host still runs is not known: [^\n]*\n[^\n]* late\n"
                                                 "[^\n]* log of Stage +error +anew\n")))
       << said;
+}
+
+TEST_F(Look, SaysWhetherARunStillRunsAndFollowsItNoFurtherThanItsHost) {
+  using namespace Quor::TolvaServices;
+  for (const char* const name : {"new", "copied", "backup"}) {
+    create_directory(folder / name);
+    folder.Write(std::string(name) + "/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");
+  }
+  const Process host([this] {
+    Types::TSInstance::SetTsalPath((folder / "new").string());
+    Types::TSInstance::BeginSession();
+    Types::ActivityExecution execution;
+    execution.Status = {Types::Enums::ActivityExecStatus(4), Types::DateTimeOffset::FromMicroseconds(1)};
+    Methods::ActivityMethods::SaveActivityExecution(execution, Types::SessionHandle::Empty);
+  });
+  EXPECT_EQ(Tool("runs --config new && '" VELORA_TS "' show last --config new"), 0);
+  EXPECT_TRUE(std::regex_search(said, std::regex(" ago  running [^]*\nrunning; last recorded [^]*state +running")))
+      << said;
+  EXPECT_EQ(Tool("backup --config new backup/ts.db && '" VELORA_TS "' copy new copied"), 0) << said;
+  host.Kill();
+  EXPECT_EQ(Tool("tail last --config new"), 1);
+  EXPECT_TRUE(Says("\nthis run has stopped: its host has ended; last recorded 19")) << said;
+  EXPECT_EQ(Tool("runs --config new && '" VELORA_TS "' report last --config new -o page"), 0);
+  EXPECT_TRUE(Says(" ago  STOPPED ")) << said;
+  EXPECT_NE(ContentOf(folder / "page").find("\"hosts\":{\"state\":\"stopped\""), std::string::npos);
+  for (const std::string copy : {"copied", "backup"}) {
+    EXPECT_EQ(Tool("runs --config " + copy), 0);
+    EXPECT_TRUE(Says(" ago  UNFINISHED ")) << copy << said;
+  }
 }
 
 }  // namespace
