@@ -77,14 +77,23 @@ class Comparer {
   void CompareEvents(std::size_t one, std::size_t other, const ComparedEvent* event, const ComparedEvent* counterpart,
                      bool moved) {
     const bool both = event != nullptr && counterpart != nullptr;
-    compared.first = event != nullptr ? one : Matching::none;
-    compared.second = counterpart != nullptr ? other : Matching::none;
-    compared.event = event != nullptr ? event->name : counterpart->name;
-    compared.firstEvent = event != nullptr ? std::optional(event->number) : std::nullopt;
-    compared.secondEvent = counterpart != nullptr ? std::optional(counterpart->number) : std::nullopt;
-    compared.firstOccurrence = event != nullptr ? Count(ofFirst, event->name) : 0;
-    compared.secondOccurrence = counterpart != nullptr ? Count(ofSecond, counterpart->name) : 0;
-    compared.at = event != nullptr ? event->at : InTimeOf(first.At(one), second.At(other), counterpart->at);
+    compared.first = compared.second = Matching::none;
+    compared.firstEvent = compared.secondEvent = std::nullopt;
+    compared.firstOccurrence = compared.secondOccurrence = 0;
+    if (counterpart != nullptr) {
+      compared.second = other;
+      compared.event = counterpart->name;
+      compared.secondEvent = counterpart->number;
+      compared.secondOccurrence = Count(ofSecond, counterpart->name);
+      compared.at = InTimeOf(first.At(one), second.At(other), counterpart->at);
+    }
+    if (event != nullptr) {
+      compared.first = one;
+      compared.event = event->name;
+      compared.firstEvent = event->number;
+      compared.firstOccurrence = Count(ofFirst, event->name);
+      compared.at = event->at;
+    }
     compared.differs = !both || moved;
     compared.kind = both ? Kind::EventOrder : Kind::Event;
     Visit("", 1, nullptr, nullptr);

@@ -34,6 +34,7 @@ std::vector<std::string> LinesOf(const Configuration& configuration) {
 
 std::vector<std::size_t> KeysOf(const std::vector<std::string>& lines, std::map<std::string_view, std::size_t>& known) {
   std::vector<std::size_t> keys;
+  keys.reserve(lines.size());
   for (const std::string& line : lines) {
     keys.push_back(known.try_emplace(line, known.size()).first->second);
   }
