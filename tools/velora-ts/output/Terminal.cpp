@@ -1,6 +1,7 @@
 #include "output/Terminal.h"
 
 #include <VeloraText/Character.h>
+#include <VeloraText/Wrapped.h>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include <clocale>
 #include <cstdlib>
 #include <cstring>
+#include <sstream>
 
 namespace Velora::Ts {
 
@@ -76,6 +78,15 @@ std::string Cut(std::string_view printable, std::size_t width) {
     kept += character.length;
   }
   return std::string(printable.substr(0, kept)) + (width > 0 ? "\u2026" : "");
+}
+
+std::vector<std::string> Folded(std::string_view printable, std::size_t width) {
+  std::vector<std::string> lines;
+  std::istringstream wrapped(Velora::Text::Wrapped(printable, width));
+  for (std::string line; std::getline(wrapped, line);) {
+    lines.push_back(Cut(line, width));
+  }
+  return lines;
 }
 
 }  // namespace Velora::Ts

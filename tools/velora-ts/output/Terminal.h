@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Velora::Ts {
 
@@ -27,5 +28,7 @@ using Velora::Text::Printable;
 std::size_t WidthOf(std::string_view printable);
 /// A printable text; if it is wider than `width` columns, its beginning and an ellipsis.
 std::string Cut(std::string_view printable, std::size_t width);
+/// The lines of a printable text that is broken at blanks. What has none and is wider than `width` columns is cut.
+std::vector<std::string> Folded(std::string_view printable, std::size_t width);
 
 }  // namespace Velora::Ts

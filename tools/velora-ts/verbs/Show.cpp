@@ -160,8 +160,9 @@ class Show {
     const bool unfinished = known.state != RunState::Finished;
     if (unfinished) {
       const std::string last = LastRecorded(store, run);
-      const std::string words = Cut(UnfinishedInWords(known, last), terminal.width);
-      WriteOut(terminal.colours && IsAlarming(known.state) ? "\x1b[1;31m" + words + "\x1b[0m\n" : words + '\n');
+      for (const std::string& words : Folded(UnfinishedInWords(known, last), terminal.width)) {
+        WriteOut(terminal.colours && IsAlarming(known.state) ? "\x1b[1;31m" + words + "\x1b[0m\n" : words + '\n');
+      }
       Stopped().Write(last);
       WriteOut("\n");
     }
