@@ -141,7 +141,7 @@ const std::vector<Question> questions = {
     {2, R"(20.*\|broken.mdoc\|.*)"},
     {1, R"([-0-9a-f]{36}\|20.*\|.*)"},
     {1, R"(now\|Anna\|cause\|cryo ran dry)"},
-    {1, R"(.*\|20.*\|ZValue 1\|ZValue\|3.1)"},
+    {2, R"(.*\|20.*\|ZValue 1\|ZValue\|3.1)"},
 };
 
 std::string Explained(Velora::Store::Connection& sql, const std::string& statement) {
