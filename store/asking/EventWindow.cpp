@@ -48,12 +48,11 @@ std::vector<std::string> WindowQuestion::Values(const std::vector<std::string>& 
 // keep it from looking for the lowest key along the index of keys.
 void WindowQuestion::LimitKeys() {
   Rows keys(store, "SELECT MIN(v.event_id + 0), MAX(v.event_id + 0) FROM events v WHERE " + isBetween);
-  if (keys.Ask(window.from, window.before).Next() && !keys.IsNull(0)) {
-    const std::string between =
-        ".event_id BETWEEN " + std::to_string(keys.Integer(0)) + " AND " + std::to_string(keys.Integer(1));
-    condition += " AND v" + between;
-    ofParameters += " AND p" + between;
-  }
+  const bool any = keys.Ask(window.from, window.before).Next() && !keys.IsNull(0);
+  const auto limit = [&](int column) { return std::to_string(any ? keys.Integer(column) : 0); };  // keys begin with 1
+  const std::string between = ".event_id BETWEEN " + limit(0) + " AND " + limit(1);
+  condition += " AND v" + between;
+  ofParameters += " AND p" + between;
 }
 
 }  // namespace Velora::Store
