@@ -154,7 +154,7 @@ class StatsVerb : public StoreVerb {
     PageFile page(plot);
     Page::WriteFramed(
         Page::statisticsFrame, [&page](std::string_view text) { page.Write(text); },
-        [&data](const Page::Write& json) { json(data + '}'); });
+        [&data](const Page::Write& write) { write(data + '}'); });
     page.Finish();
     Complain(std::to_string(statistics.all.distribution.count) + " numbers, written to '" + plot + "', " +
              std::to_string(page.Bytes()) + " bytes");
