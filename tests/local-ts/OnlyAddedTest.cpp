@@ -70,6 +70,7 @@ std::vector<std::vector<std::string>> UniqueOf(const Table& table) {
 TEST_F(OnlyAdded, NoStatementChangesDeletesOrReplacesARow) {
   Begin();
   Run("INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 2, '', '')");
+  Run("INSERT INTO notes VALUES (1, 1, '', '', '', '')");
   const std::string before = Content();
   for (const Table& table : Velora::Store::Tables()) {
     const std::string set = "SET " + table.Number() + " = " + table.Number();
@@ -93,6 +94,7 @@ TEST_F(OnlyAdded, NoStatementChangesDeletesOrReplacesARow) {
 TEST_F(OnlyAdded, NoStatementNumbersARowOutsideWhatSealsCover) {
   Begin();
   Run("INSERT INTO seals VALUES (NULL, NULL, '', '', '', '', '', 2, '', '')");
+  Run("INSERT INTO notes VALUES (1, 1, '', '', '', '')");
   for (const Table& table : Velora::Store::Tables()) {
     for (const char* number : {"-9223372036854775808", "-1", "0", "9007199254740993", "9223372036854775807", "1.5"}) {
       const bool isTyped = table.primaryKey.empty() && number == "1.5"s;
