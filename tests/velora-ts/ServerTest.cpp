@@ -5,6 +5,7 @@
 
 #include <bit>
 #include <limits>
+#include <regex>
 #include <thread>
 
 namespace {
@@ -106,20 +107,23 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
     EXPECT_EQ(Tool("runs --unfinished --json --config " + name), 0) << said;
     EXPECT_TRUE(Says("\"status\":4")) << said;
   }
+  // This process holds a lock beside the file, and a copy has none; why nothing is known of a host differs.
+  remove(folder / "file/ts.db-hosts");
+  const auto withoutReason = [this] { return std::regex_replace(said, std::regex(R"("why":"[^"]*")"), ""); };
   for (const std::string words :
        {"runs", "runs --unfinished --json", "show last --tree --events", "tail last", "export last --format csv",
         "export --since 2000-01-01 --format trace", "events --json", "stats number --by run --json",
         "parameters --json", "events --since 2000-01-01 --csv --where 'number > 1 and bool = true'"}) {
     EXPECT_EQ(Tool(words + " --config file"), 0) << said;
-    const std::string ofFile = said;
+    const std::string ofFile = withoutReason();
     EXPECT_EQ(Tool(words + " --config server"), 0) << said;
-    EXPECT_TRUE(said == ofFile) << words << said << ofFile;
+    EXPECT_TRUE(withoutReason() == ofFile) << words << said << ofFile;
   }
   std::string page;
   for (const std::string name : {"file", "server"}) {
-    EXPECT_EQ(
-        Shell("'" VELORA_TS "' report last -o page.html --config " + name + " && sed 's/\"made\":[0-9]*//' page.html"),
-        0);
+    EXPECT_EQ(Shell("'" VELORA_TS "' report last -o page.html --config " + name +
+                    " && sed -E 's/\"(made|asked)\":[0-9]*//g; s/\"why\":\"[^\"]*\"//' page.html"),
+              0);
     said.erase(0, said.find('\n'));  // which says how many bytes it has
     EXPECT_TRUE(page.empty() || said == page);
     page = said;
