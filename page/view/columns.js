@@ -84,6 +84,7 @@ function parameterColumn(recorded, quantity, name) {
   const brief = (at) => briefText(...stored(at));
   return column(name, value, {
     ...{ text, brief, csv, quantity, occurrence: quantity.occurrence, number: quantity.numeric, shown: false },
+    stored,
   });
 }
 

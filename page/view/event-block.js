@@ -1,10 +1,11 @@
 // An event with all its parameters, as histories and the cause show it.
 
+import { differenceOf } from './against-section.js';
 import { addInSteps, make, showName } from './element.js';
 import { showLong } from './long-text.js';
 import { noName } from './text.js';
 import { unitAfter } from './units.js';
-import { briefText, valueText } from './values.js';
+import { briefly, briefText, valueText } from './values.js';
 
 const parametersAtOnce = 100;
 
@@ -18,10 +19,17 @@ export function eventBlock(recorded, event, isBrief = false) {
     showName(make('span'), shape.name || noName),
     make('time', 'hint', ` ${isBrief ? clock.day(event.at) : clock.local(event.at)}`),
   );
+  if (recorded.against?.isEventAlone(event)) {
+    title.append(make('span', 'difference', ' only in this run'));
+  }
   const list = make('dl', 'parameters');
   addInSteps(list, shape.parameters, parametersAtOnce, ([name, kind], place) => {
     const value = columns[place][event.row];
     const element = parameterOf(name, kind, valueText(value, kind), isBrief ? briefText(value, kind) : null);
+    const other = recorded.against?.otherValue(event, place);
+    if (other) {
+      element.lastChild.append(differenceOf(briefly([value, kind], other)[1]));
+    }
     element.lastChild.append(unitAfter(recorded, name));
     return element;
   });

@@ -39,9 +39,15 @@ function executionsWith(recorded, text) {
 }
 
 export class Filter {
-  /** @param changed is called after the reader chose something else. */
-  constructor(recorded, changed) {
-    Object.assign(this, { recorded, changed, found: null });
+  /**
+   * @param changed is called after the reader chose something else.
+   * @param differs tells whether an execution differs from the run with which this one is compared.
+   */
+  constructor(recorded, changed, differs) {
+    Object.assign(this, { recorded, changed, differs, found: null });
+    this.onlyDiffering = document.getElementById('only-differing');
+    this.onlyDiffering.parentElement.hidden = !recorded.against;
+    this.onlyDiffering.addEventListener('change', () => changed());
     this.text = document.getElementById('find');
     this.status = document.getElementById('of-status');
     this.activity = document.getElementById('of-activity');
@@ -78,7 +84,9 @@ export class Filter {
   }
 
   get isSet() {
-    return this.found !== null || this.status.value !== '0' || this.activity.value !== '0';
+    return (
+      this.found !== null || this.status.value !== '0' || this.activity.value !== '0' || this.onlyDiffering.checked
+    );
   }
 
   find() {
@@ -87,6 +95,7 @@ export class Filter {
 
   clear() {
     [this.text.value, this.status.value, this.activity.value] = ['', '0', '0'];
+    this.onlyDiffering.checked = false;
     this.find();
   }
 
@@ -103,7 +112,8 @@ export class Filter {
       (at) =>
         (status === undefined || this.recorded.status[at] === status) &&
         (activity === undefined || this.activities[at] === activity) &&
-        (this.found?.has(at) ?? true),
+        (this.found?.has(at) ?? true) &&
+        (!this.onlyDiffering.checked || this.differs(at)),
     );
   }
 }

@@ -148,6 +148,7 @@ export function showLegend(recorded) {
     .replaceChildren(
       ...codes.map((code) => entry(code === running ? 'did not finish' : statusName(code), statusColour(code))),
       entry('event', colour('event')),
+      ...(recorded.against ? [entry('the other run', colour('against'))] : []),
       ...levels.map((level) => entry(level, colour(level))),
     );
 }

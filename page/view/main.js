@@ -1,5 +1,7 @@
 // Puts the parts of the page together.
 
+import { Against } from './against.js';
+import { showAgainst } from './against-section.js';
 import { showCause } from './cause.js';
 import { oncePerFrame } from './chart.js';
 import { csvOfEvents, csvOfTable, download } from './csv.js';
@@ -15,10 +17,12 @@ import { Timeline } from './timeline.js';
 
 const byId = (id) => document.getElementById(id);
 const recorded = new Recorded(JSON.parse(byId('recorded').textContent));
+recorded.against = recorded.raw.against ? new Against(recorded) : null;
 byId('recorded').remove();
 byId('licences').textContent = byId('licence-texts').textContent;
 
 showHead(recorded);
+showAgainst(recorded);
 showCause(recorded, () => table.filterUnfinished());
 const time = new TimeWindow(recorded.first, recorded.last);
 new LogSection(recorded, time);

@@ -1,15 +1,15 @@
 // The plot: a parameter over time or over another parameter of the same event.
 
 import { Chart, isPrinting, left, plain, right, shortened, timeAxis } from './chart.js';
-import { colour, statusColour } from './colours.js';
+import { colour } from './colours.js';
 import { make } from './element.js';
 import { firstOver, firstQuantity } from './first-plot.js';
-import { drawnOf, fewPoints, placesIn, Points, rangeOf, side } from './points.js';
-import { barsIn, slicesIn, slicesOf } from './slices.js';
-import { done, statusName } from './statuses.js';
+import { pointsOf } from './plotted.js';
+import { drawnOf, fewPoints, placesIn, rangeOf, side } from './points.js';
+import { barsIn, slicesIn } from './slices.js';
+import { statusName } from './statuses.js';
 import { count, eventName } from './text.js';
 import { unitAfter, unitBehind } from './units.js';
-import { numberOf } from './values.js';
 
 const plotHeight = () => (isPrinting() ? 170 : 300);
 const [top, bottom] = [12, 44]; // around the drawing
@@ -25,9 +25,11 @@ export class Plot {
     this.note = document.getElementById('plot-note');
     this.chart = new Chart(element, time, () => this.x === null);
     this.chart.onItem(({ seriesIndex, dataIndex }) => {
-      const event = this.groups[seriesIndex]?.points[dataIndex]?.event;
-      if (event) {
-        open(event.execution);
+      const group = this.groups[seriesIndex];
+      const event = group?.points[dataIndex]?.event;
+      const at = group?.run === recorded ? event?.execution : recorded.against?.owns.get(event?.execution);
+      if (at !== undefined) {
+        open(at);
       }
     });
     this.offerY();
@@ -80,7 +82,7 @@ export class Plot {
   draw() {
     this.chart.fit(plotHeight());
     if (this.read?.y !== this.y || this.read.x !== this.x) {
-      this.read = this.pointsOf(this.recorded.kinds.find((kind) => kind.name === this.y.event));
+      this.read = pointsOf(this.recorded, { x: this.x, y: this.y });
     }
     this.chart.draw({
       grid: { left, right, top, bottom, outerBoundsMode: 'none' },
@@ -94,51 +96,30 @@ export class Plot {
     this.chart.change(this.inTheTimeShown());
   }
 
-  /** The points of what is chosen, in a group for each status of an execution. */
-  pointsOf(kind) {
-    const { recorded, x: quantityX, y: quantityY } = this;
-    const groups = new Map();
-    const noNumber = [];
-    for (const event of kind.events) {
-      const value = recorded.valueOf(event, quantityY);
-      if (value === undefined) {
-        continue;
-      }
-      const y = numberOf(value);
-      const x = quantityX === null ? event.at : recorded.coordinateOf(event, quantityX);
-      const code = recorded.status[event.execution];
-      if (Number.isNaN(x) || Number.isNaN(y)) {
-        noNumber.push(event);
-      } else {
-        groups.set(code, groups.get(code) ?? new Points(code));
-        groups.get(code).add(event, x, y);
-      }
-    }
-    const read = { kind, noNumber, x: quantityX, y: quantityY, groups: [...groups.values()] };
-    if (kind.slices !== null && quantityX === null) {
-      read.slices = read.groups.map((group) => slicesOf(group, recorded.raw.slices));
-    }
-    return read;
-  }
-
   inTheTimeShown() {
-    const { groups, slices } = this.read;
+    const groups = this.allGroups;
     this.spans = groups.map(({ events }) => placesIn(this.time, events));
     const frame = this.frame();
     this.groups = groups.map((group, at) => ({
-      code: group.code,
-      ...(slices ? this.bars(slices[at]) : this.points(group, this.spans[at], frame)),
+      ...group.look,
+      run: group.run,
+      isBars: group.slices !== null,
+      ...(group.slices ? this.bars(group.slices) : this.points(group, this.spans[at], frame)),
     }));
     this.tell();
     return {
       xAxis: this.axisX(),
-      series: this.groups.map((group) => (slices ? this.barSeries(group) : this.pointSeries(group))),
+      series: this.groups.map((group) => (group.isBars ? this.barSeries(group) : this.pointSeries(group))),
     };
+  }
+
+  get allGroups() {
+    return [...this.read.groups, ...this.read.others];
   }
 
   /** Where points lie: numbers at the ends of both axes, and their lengths in pixels. */
   frame() {
-    const { groups } = this.read;
+    const groups = this.allGroups;
     return {
       x: this.x === null ? [this.time.from, this.time.to] : rangeOf(groups, 'x', this.spans),
       y: rangeOf(groups, 'y', this.spans),
@@ -157,7 +138,7 @@ export class Plot {
     return { points: barsIn(slices, time, (time.to - time.from) / this.chart.width) };
   }
 
-  pointSeries({ code, points, many }) {
+  pointSeries({ name, look, symbol, run, points, many }) {
     const flat = new Float64Array(2 * points.length);
     points.forEach((point, at) => {
       flat[2 * at] = point.x;
@@ -165,23 +146,23 @@ export class Plot {
     });
     return {
       type: 'scatter',
-      name: statusName(code),
+      name,
       data: flat,
       dimensions: ['x', 'y'],
       progressive: 0,
       large: true,
       largeThreshold: 500,
-      symbol: code === done ? 'circle' : 'triangle',
+      symbol,
       symbolSize: many ? manySize() : points.length > 500 ? 5 : 8,
-      itemStyle: { color: statusColour(code), opacity: 1 },
-      tooltip: { formatter: ({ dataIndex }) => this.wordsFor(points[dataIndex]) },
+      itemStyle: { color: colour(look), opacity: 1 },
+      tooltip: { formatter: ({ dataIndex }) => this.wordsFor(points[dataIndex], run) },
     };
   }
 
-  barSeries({ code, points }) {
+  barSeries({ name, look, points }) {
     return {
       type: 'custom',
-      name: statusName(code),
+      name,
       progressive: 0,
       clip: true,
       dimensions: ['x', 'y', 'high'],
@@ -193,7 +174,7 @@ export class Plot {
         const [end, high] = api.coord([bar.to, bar.high]);
         return {
           type: 'rect',
-          style: { fill: statusColour(code) },
+          style: { fill: colour(look) },
           shape: { x, y: high - 1, width: Math.max(end - x, 1), height: low - high + 2 },
         };
       },
@@ -225,7 +206,7 @@ export class Plot {
 
   /** From the first to the last time that a parameter states, and a little around it. */
   timesOfX() {
-    const [first, last] = rangeOf(this.read.groups, 'x', this.spans);
+    const [first, last] = rangeOf(this.allGroups, 'x', this.spans);
     const margin = Math.max(1e6, 0.01 * (last - first));
     return first <= last ? { from: first - margin, to: last + margin } : this.time;
   }
@@ -262,22 +243,34 @@ export class Plot {
   }
 
   tell() {
-    const drawn = this.groups.reduce((sum, group) => sum + group.points.length, 0);
+    const own = this.groups.filter(({ run }) => run === this.recorded);
+    const drawn = own.reduce((sum, group) => sum + group.points.length, 0);
     Object.assign(this.element.dataset, { points: drawn, from: this.time.from, to: this.time.to });
-    this.note.textContent = this.read.slices ? this.wordsForSlices() : this.wordsForPoints(drawn);
+    this.note.textContent =
+      (this.read.isBinned ? this.wordsForSlices() : this.wordsForPoints(drawn)) + this.wordsForOthers(own.length);
     this.chart.describe(`Plot of ${this.y.label} over ${this.x ? this.x.label : 'time'}: ${this.note.textContent}.`);
   }
 
   wordsForSlices() {
-    const { kind, slices } = this.read;
-    const shown = slices.reduce((sum, group) => sum + slicesIn(group, this.time).length, 0);
+    const { kind, groups } = this.read;
+    const shown = groups.reduce((sum, { slices }) => sum + slicesIn(slices, this.time).length, 0);
     const whole = `in place of ${count(kind.recorded, 'event')}`;
     return `binned: lowest and highest of ${count(shown, 'slice')} of time ${this.time.isWhole ? whole : 'shown'}`;
   }
 
+  /** How many events the groups from one place to another have in the time shown. */
+  inSpans(from, to) {
+    return this.spans.slice(from, to).reduce((sum, [begin, end]) => sum + end - begin, 0);
+  }
+
+  wordsForOthers(own) {
+    const { others } = this.read;
+    return others.length > 0 ? `; ${this.inSpans(own).toLocaleString('en')} of the other run` : '';
+  }
+
   wordsForPoints(drawn) {
-    const { kind, noNumber } = this.read;
-    const shown = this.spans.reduce((sum, [begin, end]) => sum + end - begin, 0);
+    const { kind, noNumber, groups } = this.read;
+    const shown = this.inSpans(0, groups.length);
     const where = this.time.isWhole ? '' : ' in the time shown';
     const [first, behind] = placesIn(this.time, noNumber);
     return [
@@ -290,8 +283,8 @@ export class Plot {
     ].join('; ');
   }
 
-  wordsFor({ event, x, y }) {
-    const { clock } = this.recorded;
+  wordsFor({ event, x, y }, run) {
+    const { clock } = run;
     const words = (quantity, number) =>
       quantity.timely ? `${clock.date(number)} ${clock.day(number)}` : quantity.boolean ? number === 1 : number;
     const value = (quantity, number) =>
@@ -299,8 +292,9 @@ export class Plot {
     return [
       value(this.y, y),
       ...(this.x ? [value(this.x, x)] : []),
-      shortened(plain(this.recorded.node[event.execution]), 60),
-      `${clock.moment(event.at, 6)}, ${statusName(this.recorded.status[event.execution])}`,
+      shortened(plain(run.node[event.execution]), 60),
+      `${clock.moment(event.at, 6)}, ${statusName(run.status[event.execution])}`,
+      ...(run === this.recorded ? [] : ['the other run']),
     ].join('\n');
   }
 }

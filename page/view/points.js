@@ -19,10 +19,10 @@ function endsOf(numbers, [begin, end]) {
   return begin < end ? [low, high] : [];
 }
 
-/** The points of the executions of one status, in the order of their time. */
+/** Points of a run that look alike, in the order of their time. */
 export class Points {
-  constructor(code) {
-    Object.assign(this, { code, events: [], x: [], y: [] });
+  constructor(run, look) {
+    Object.assign(this, { run, look, events: [], x: [], y: [] });
   }
 
   add(event, x, y) {

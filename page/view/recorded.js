@@ -57,6 +57,7 @@ export class Recorded {
     this.states = new States(raw, this.last);
     this.log = readLog(raw);
     this.signs = lanesOfLog(this);
+    this.against = null; // the comparison with another run, which main.js adds
   }
 
   readExecutions() {

@@ -1,6 +1,7 @@
 // The table: a row for each execution below the run, with the columns that the reader picks. The rows are a tree, whose
 // parts fold; sorted or filtered they are a list.
 
+import { differenceOf, differencesIn, wordsForDifferences } from './against-section.js';
 import { isPrinting } from './chart.js';
 import { columnsOf, orders, pickLikely } from './columns.js';
 import { button, make, show, showName } from './element.js';
@@ -27,7 +28,11 @@ export class Table {
     this.sorted = { column: null, descending: false };
     this.opened = new Map(); // the history of each
     this.current = null; // the row that the Tab key reaches
-    this.filter = new Filter(recorded, () => this.change());
+    this.filter = new Filter(
+      recorded,
+      () => this.change(),
+      (at) => recorded.against.isDifferent(at, this.shown),
+    );
     this.offerColumns();
     this.offerTools();
     listenToKeys(this);
@@ -47,6 +52,7 @@ export class Table {
       box.checked = column.shown;
       box.addEventListener('change', () => {
         column.shown = box.checked;
+        this.known = null; // which rows differ depends on the columns
         this.draw();
       });
       groups.get(group).append(make('label', '', box, this.titleOf(column, column.quantity?.name ?? column.name)));
@@ -135,14 +141,17 @@ export class Table {
     );
   }
 
-  /** The rows to be shown, page by page; on paper, where few have room, first those that did not finish. */
+  /** The rows to be shown, page by page; on paper, where few have room, first those that did not finish or differ. */
   visible() {
     this.known ??= this.isTree ? this.tree.visible() : this.ordered();
     if (!isPrinting()) {
       return this.known;
     }
-    const isOpen = (at) => this.recorded.status[at] === running;
-    return [...this.known.filter(isOpen).reverse(), ...this.known.filter((at) => !isOpen(at))];
+    const { against, status } = this.recorded;
+    const isOpen = (at) => status[at] === running;
+    const differs = (at) => against?.isDifferent(at, this.shown);
+    const rows = against && this.isTree ? this.tree.order.filter(differs) : this.known;
+    return [...rows.filter(isOpen).reverse(), ...rows.filter((at) => !isOpen(at))];
   }
 
   draw() {
@@ -170,7 +179,7 @@ export class Table {
           ? ` and ${(all - rows.length).toLocaleString('en')} folded away`
           : ` found of ${all.toLocaleString('en')}`
         : '';
-    return `${part}${count(rows.length, 'row')}${rest}`;
+    return `${part}${count(rows.length, 'row')}${rest}${wordsForDifferences(this.recorded, rows, this.shown)}`;
   }
 
   headOf(column) {
@@ -182,6 +191,7 @@ export class Table {
       this.element.tHead.rows[0].cells[this.shown.indexOf(column)].firstChild.focus();
     });
     sort.append(column.quantity ? unitBehind(this.recorded, column.quantity.name) : '', arrow);
+    sort.append(differencesIn(this.recorded, column));
     cell.scope = 'col';
     cell.setAttribute('aria-sort', isSorted ? (this.sorted.descending ? 'descending' : 'ascending') : 'none');
     cell.append(sort);
@@ -190,8 +200,14 @@ export class Table {
 
   rowsOf(at) {
     const row = make('tr', this.recorded.status[at] === running ? 'unfinished' : '');
-    this.shown.forEach((column, place) => row.append(place === 0 ? this.firstCell(column, at) : this.cell(column, at)));
+    this.shown.forEach((column, place) =>
+      row.append(place === 0 ? this.firstCell(column, at) : this.anyCell(column, at)),
+    );
     row.dataset.execution = at;
+    if (this.recorded.against?.isAlone(at)) {
+      row.classList.add('alone');
+      row.querySelector('.open')?.append(make('span', 'difference', ' only in this run'));
+    }
     row.setAttribute('aria-level', this.isTree ? this.recorded.depth[at] : 1);
     if (this.isTree && this.tree.folds(at)) {
       row.setAttribute('aria-expanded', !this.tree.folded.has(at));
@@ -203,6 +219,18 @@ export class Table {
     const cell = make('td', '', this.opened.get(at));
     cell.colSpan = Math.max(1, this.shown.length);
     return [row, make('tr', 'opened', cell)];
+  }
+
+  anyCell(column, at) {
+    const both = this.recorded.against?.cell(column, at, this.allDigits.checked);
+    return both ? this.cellOfBoth(column, both) : this.cell(column, at);
+  }
+
+  /** What this run has, and what the other one has there. */
+  cellOfBoth(column, [own, other]) {
+    const cell = make('td', column.number ? 'differs number' : 'differs text');
+    show(cell, firstOf(own, mostInCell) || '–').append(differenceOf(other));
+    return cell;
   }
 
   cell(column, at) {

@@ -4,6 +4,7 @@
 import { Chart, isPrinting, left, plain, right, shortened, timeAxis, tooltipLine } from './chart.js';
 import { lengthOf } from './clock.js';
 import { colour, inkOn, palette } from './colours.js';
+import { partingLine } from './parting-line.js';
 import { Cursor } from './cursor.js';
 import { closest, Items } from './items.js';
 import { lanesOf } from './lanes.js';
@@ -69,7 +70,7 @@ export class Timeline {
     });
     return {
       xAxis: { ...timeAxis(time, recorded.clock, this.chart.width), position: 'top' },
-      series: [this.series(this.items)],
+      series: [this.series(this.items), ...partingLine(recorded, this.height)],
     };
   }
 

@@ -34,3 +34,9 @@ function sixDigits(number) {
 /** A value of any kind as a short text. Whole numbers, and texts that are numbers, keep all their digits. */
 export const briefText = (value, kind) =>
   kind === 'double' && typeof value === 'number' && Number.isFinite(value) ? sixDigits(value) : valueText(value, kind);
+
+/** Two values, each with its kind, as short texts, unless only all digits tell them apart. */
+export function briefly(one, other) {
+  const brief = [briefText(...one), briefText(...other)];
+  return brief[0] === brief[1] ? [valueText(...one), valueText(...other)] : brief;
+}

@@ -46,7 +46,7 @@ const distance = (one, other, eye) => {
 };
 
 const main = ['event', 'done', 'running'];
-const drawn = [...main, 'other-0', 'other-1', 'other-2', 'error', 'warning'];
+const drawn = [...main, 'other-0', 'other-1', 'other-2', 'error', 'warning', 'against'];
 const pairsOf = (names) => names.flatMap((one, at) => names.slice(at + 1).map((other) => [one, other]));
 
 function check(colours, report) {
@@ -59,7 +59,7 @@ function check(colours, report) {
   const apart = (one, other) => Math.min(...eyes.map((eye) => distance(colours[one], colours[other], eye)));
   const on = (ground, names) => names.map((one) => [one, ground]);
   least(on('panel', drawn), ratio, 3);
-  const written = ['text', 'muted', 'alarm', 'error', 'warning', 'accent'];
+  const written = ['text', 'muted', 'alarm', 'error', 'warning', 'accent', 'against'];
   least([...on('panel', written), ...on('alarm-back', written), ['muted', 'back']], ratio, 4.5);
   least([['event', 'done']], ratio, 2);
   least(pairsOf(main), apart, 0.2);

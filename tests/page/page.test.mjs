@@ -21,6 +21,7 @@ import {
   scratch,
   stepOfDecember,
   tiltSeries,
+  twoNights,
   unfinished,
   withOutlier,
 } from './recordings.mjs';
@@ -764,3 +765,45 @@ testPage('more events of many kinds than a page has', { recording: manyKinds }, 
   await page.evaluate(() => window.dispatchEvent(new window.Event('beforeprint'))); // more kinds share the last lane
   assert.equal(await eventsShown(page), 450000);
 });
+
+testPage(
+  'a comparison says where two nights part, and marks what differs',
+  { recording: twoNights },
+  async (page, run) => {
+    const head = await page.textContent('#against');
+    assert.match(head, /alone in this run: 1, in the other: 26\./); // a square with its 25 holes
+    assert.match(head, /They first part at .*: specimen 12 › grid 1 › square 2 › hole 5: only in this run/);
+    const marks = await page.evaluate(() =>
+      [...document.querySelectorAll('.chart .canvas')].map((canvas) => {
+        const { series } = echarts.getInstanceByDom(canvas).getOption();
+        const lines = series.flatMap(({ markLine }) => markLine?.data ?? []);
+        return [lines.length, series.filter(({ name, data }) => name === 'the other run' && data.length > 0).length];
+      }),
+    );
+    assert.deepEqual(marks, [
+      [1, 0],
+      [0, 1],
+    ]);
+
+    await afterDrawing(page, () => page.click('#against .parting a >> nth=-1'));
+    const only = page.locator('#table tr.alone');
+    assert.equal(await only.locator('.open').textContent(), 'hole 5 only in this run');
+    assert.equal(await page.evaluate(() => document.activeElement.closest('tr').className), 'alone');
+
+    const dose = page.locator('#column-choice label', { hasText: /^Dose$/ }).locator('input');
+    await page.locator('#columns').evaluate((found) => (found.open = true));
+    await dose.check();
+    await page.check('#only-differing');
+    const [{ differing }] = ask(
+      run.folder,
+      `SELECT COUNT(DISTINCT r.execution_id) AS differing FROM readings r JOIN executions x USING (execution_id)
+      WHERE r.root_id > 1 AND parameter = 'Dose' AND value_number = 41.5`,
+    );
+    assert.match(
+      await page.textContent('#more'),
+      new RegExp(`of ${differing + 1} rows found of 171; ${differing + 1} of them differ`),
+    );
+    const doses = await columnOf(page, 'Dose');
+    assert.deepEqual([...new Set(doses)].sort(), ['40', '41.5 ≠ 40']);
+  },
+);

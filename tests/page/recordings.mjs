@@ -74,24 +74,41 @@ export function unfinished() {
 
 export const nightNote = { text: 'The cryo stage ran dry at four.', author: 'Ines' };
 
-/** A night that was killed at its last event, an Error. */
-export const night = once(() => {
-  const folder = join(scratch, 'night');
+function folderOfNights(name) {
+  const folder = join(scratch, name);
   mkdirSync(folder);
   const settings = '<TSAL Instrument="Veldmar 3"><Database Backend="sqlite3" Connection="ts.db"/></TSAL>';
   writeFileSync(join(folder, 'TSAL.config'), settings);
-  const options = ['--events', 8000, '--start', '2026-11-25T21:00:00.000000Z'];
-  const { signal } = spawnSync(`${bin}/night-run`, ['.', ...options], {
-    cwd: folder,
-    env: { ...process.env, TZ: 'Europe/Vienna' },
-  });
-  if (signal !== 'SIGKILL') {
+  return folder;
+}
+
+function runNight(folder, expected, start, ...options) {
+  const env = { ...process.env, TZ: 'Europe/Vienna' };
+  const { signal } = spawnSync(`${bin}/night-run`, ['.', '--start', start, ...options], { cwd: folder, env });
+  if (signal !== expected) {
     throw new Error(`night-run ended with ${signal}`);
   }
+}
+
+/** A night that was killed at its last event, an Error. */
+export const night = once(() => {
+  const folder = folderOfNights('night');
+  runNight(folder, 'SIGKILL', '2026-11-25T21:00:00.000000Z', '--events', 8000);
   const note = ['note', 'last', nightNote.text, '--kind', 'cause', '--author', nightNote.author];
   execFileSync(`${bin}/velora-ts`, note, { cwd: folder, stdio: 'ignore' });
   return report(folder, '--log', 'night.log');
 });
+
+/** A night beside one before it: a hole more, a square less, other doses behind that, and another version of Hole. */
+export function twoNights() {
+  const folder = folderOfNights('nights');
+  runNight(folder, null, '2026-11-24T20:00:00.000000Z', '--finish', '--events', 3000);
+  const changes = ['--changes', 'hole,square,dose,version'];
+  runNight(folder, null, '2026-11-25T21:00:00.000000Z', '--finish', '--events', 3000, ...changes);
+  const [{ guid }] = ask(folder, 'SELECT guid FROM executions WHERE execution_id = 1');
+  const ignored = ['File', 'DateTime', 'Defocus', 'FocusScore'].flatMap((name) => ['--ignore', name]);
+  return report(folder, '--against', guid, ...ignored);
+}
 
 /** A run with a text of many lines in each place that takes one. */
 export function longText() {
