@@ -67,8 +67,8 @@ export function unfinished() {
   const content = String(sample().subarray(0, 4000)).replace(/24-Nov-26 {2}22:10:00/, stepOfDecember);
   const folder = record('unfinished', 'stopped.mdoc', `${content}\nno value\n`);
   const settings = join(folder, 'TSAL.config');
-  const unit = '<Unit Parameter="TiltAngle" Text="&lt;b&gt;°"/></TSAL>';
-  writeFileSync(settings, readFileSync(settings, 'utf8').replace('</TSAL>', unit));
+  const [own, markup] = ['"TiltAngle" Text="', '"TiltAngle" Text="&lt;b&gt;'];
+  writeFileSync(settings, readFileSync(settings, 'utf8').replace(own, markup));
   return report(folder);
 }
 
