@@ -465,6 +465,7 @@ testPage('the tree of a night', { recording: night }, async (page) => {
     ['ArrowRight', ['grid 1', '1', 'true']],
     ['ArrowRight', ['square 1', '2', 'false']],
     ['ArrowDown', ['square 2', '2', 'false']],
+    ['ArrowUp', ['square 1', '2', 'false']],
     ['ArrowLeft', ['grid 1', '1', 'true']],
     ['ArrowLeft', ['grid 1', '1', 'false']],
     ['End', ['grid 2', '1', 'false']],
