@@ -36,6 +36,7 @@ function fixedColumns(recorded) {
   const ended = (at) => (recorded.ended[at] === Infinity ? NaN : recorded.ended[at]);
   const duration = (at) => ended(at) - started[at];
   const events = (at) => recorded.eventsOf[at].length;
+  const isSameDay = (at, above) => above !== undefined && clock.date(started[at]) === clock.date(started[above]);
   return [
     column('Execution', (at) => node[at]),
     column('Activity', (at) => recorded.versions.get(recorded.version[at])?.name),
@@ -45,6 +46,7 @@ function fixedColumns(recorded) {
     }),
     column('Started', (at) => started[at], {
       text: (at) => clock.moment(started[at]),
+      brief: (at, above) => (isSameDay(at, above) ? clock.day(started[at]) : clock.moment(started[at])),
       csv: (at) => textCell(clock.stored(started[at])),
       number: true,
     }),

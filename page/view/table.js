@@ -162,7 +162,7 @@ export class Table {
     const onPage = rows.slice(first, first + rowsAtOnce);
     this.current = onPage.includes(this.current) ? this.current : (onPage[0] ?? null);
     this.element.tHead.replaceChildren(make('tr', '', ...this.shown.map((column) => this.headOf(column))));
-    this.element.tBodies[0].replaceChildren(...onPage.flatMap((at) => this.rowsOf(at)));
+    this.element.tBodies[0].replaceChildren(...onPage.flatMap((at, place) => this.rowsOf(at, onPage[place - 1])));
     document.getElementById('more').textContent = this.wordsFor(rows, first, onPage.length);
     this.offerPages(rows.length);
   }
@@ -198,10 +198,11 @@ export class Table {
     return cell;
   }
 
-  rowsOf(at) {
+  /** The row of an execution, below that of another one, and its history where it is open. */
+  rowsOf(at, above) {
     const row = make('tr', this.recorded.status[at] === running ? 'unfinished' : '');
     this.shown.forEach((column, place) =>
-      row.append(place === 0 ? this.firstCell(column, at) : this.anyCell(column, at)),
+      row.append(place === 0 ? this.firstCell(column, at) : this.anyCell(column, at, above)),
     );
     row.dataset.execution = at;
     if (this.recorded.against?.isAlone(at)) {
@@ -221,9 +222,9 @@ export class Table {
     return [row, make('tr', 'opened', cell)];
   }
 
-  anyCell(column, at) {
+  anyCell(column, at, above) {
     const both = this.recorded.against?.cell(column, at, this.allDigits.checked);
-    return both ? this.cellOfBoth(column, both) : this.cell(column, at);
+    return both ? this.cellOfBoth(column, both) : this.cell(column, at, above);
   }
 
   /** What this run has, and what the other one has there. */
@@ -233,11 +234,11 @@ export class Table {
     return cell;
   }
 
-  cell(column, at) {
+  cell(column, at, above) {
     const text = column.text(at) ?? '';
     const isNumber = column.number && typeof column.value(at) === 'number';
     const isBrief = isNumber && column.brief && !this.allDigits.checked;
-    const brief = isBrief ? column.brief(at) : firstOf(text, mostInCell);
+    const brief = isBrief ? column.brief(at, above) : firstOf(text, mostInCell);
     const cell = make('td', isNumber ? 'number' : brief.length <= mostUnbroken ? 'word' : 'text');
     show(cell, brief);
     if (brief !== text) {

@@ -368,6 +368,11 @@ testPage('where a night stopped', { recording: night, viewport: small }, async (
   );
   const { text, author } = nightNote;
   assert.match(await page.textContent('#notes li'), new RegExp(`^cause ${text} ${author}, 20`));
+  const dates = (await columnOf(page, 'Started')).filter((started) => started.startsWith('2026-'));
+  assert.deepEqual(
+    dates.map((started) => started.slice(0, 10)),
+    ['2026-11-25', '2026-11-26'],
+  );
   await page.click('#fold-all');
   await afterDrawing(page, () => links.last().click());
   assert.deepEqual(await focused(page), [open.at(-1).node, '3', null]);
