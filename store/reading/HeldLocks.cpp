@@ -29,7 +29,12 @@ class FileLocks : public HeldLocks {
 
 class ServerLocks : public HeldLocks {
  public:
+  // What says that locks can have been taken away is asked after what is left of them.
   explicit ServerLocks(const Reader& store) {
+    Rows locks(store, ServerLock::held);
+    while (locks.Next()) {
+      held.insert(locks.Integer(0));
+    }
     Rows asked(store, std::string("SELECT has_table_privilege(") + ServerLock::ofStore +
                           ", 'SELECT'), pg_is_in_recovery(), " + ServerLock::where + ", " + ServerLock::since);
     asked.Next();
@@ -41,14 +46,6 @@ class ServerLocks : public HeldLocks {
     } else {
       where = asked.Text(2);
       since = asked.Text(3);
-    }
-    Rows locks(store,
-               std::string("SELECT CAST(objid AS bigint) FROM pg_locks WHERE locktype = 'advisory' AND granted AND "
-                           "objsubid = 1 AND database = (SELECT oid FROM pg_database WHERE datname = "
-                           "current_database()) AND classid = ") +
-                   ServerLock::ofStore);
-    while (locks.Next()) {
-      held.insert(locks.Integer(0));
     }
   }
   std::optional<bool> IsHeld(long long session) const override { return held.count(session) != 0; }

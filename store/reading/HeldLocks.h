@@ -21,7 +21,7 @@ class HeldLocks {
 
   bool canReadPlaces = true;  ///< Whether `session_locks` can be read.
   std::string where;   ///< The beginning of the place of each lock that is looked for here; empty if none can be.
-  std::string since;   ///< The rest of the place of a lock that was not lost without its host having ended.
+  std::string since;   ///< What follows in the place of a lock that was not lost without its host having ended.
   std::string whyNot;  ///< Why no lock can be looked for.
 };
 

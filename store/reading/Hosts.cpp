@@ -36,17 +36,31 @@ constexpr const char* earlierStore = "the store had an earlier version, whose ho
 
 /// @param places an asked query for the places of the session's lock.
 KnownState StateOf(long long session, Rows& places, const HeldLocks& locks) {
-  bool any = false;
+  const std::string since = locks.where + locks.since;
+  int taken = 0;
+  int ended = 0;
   bool isHere = false;
   bool isCertain = false;
   while (places.Next()) {
     const std::string_view place = places.Text(0);
-    any = true;
+    if (place.starts_with(ServerLock::ended)) {
+      ++ended;
+      continue;
+    }
+    ++taken;
     isHere = isHere || (!locks.where.empty() && place.starts_with(locks.where));
-    isCertain = isCertain || place == locks.where + locks.since;
+    isCertain = isCertain || place == since || place.starts_with(since + ServerLock::by);
   }
-  if (!any) {
+  if (taken == 0) {
     return NotKnown("its host has an earlier version, or could take no lock");
+  }
+  const bool canLook = isHere && locks.whyNot.empty();
+  const std::optional<bool> held = canLook ? locks.IsHeld(session) : std::nullopt;
+  if (held.value_or(false)) {
+    return {RunState::Running};
+  }
+  if (ended == taken || (held && isCertain)) {
+    return {RunState::Stopped};
   }
   if (!locks.whyNot.empty()) {
     return NotKnown(locks.whyNot);
@@ -54,14 +68,10 @@ KnownState StateOf(long long session, Rows& places, const HeldLocks& locks) {
   if (!isHere) {
     return NotKnown("its host holds no lock here: the store is a copy, or its locks were removed");
   }
-  const std::optional<bool> held = locks.IsHeld(session);
   if (!held) {
     return NotKnown("the system does not tell whether its host holds a lock");
   }
-  if (!*held && !isCertain) {
-    return NotKnown("the server was restarted or ended connections since its host took a lock");
-  }
-  return {*held ? RunState::Running : RunState::Stopped};
+  return NotKnown("the server was restarted or ended connections since its host took a lock");
 }
 
 }  // namespace

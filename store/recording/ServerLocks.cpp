@@ -27,8 +27,22 @@ constexpr const char* configureHolder =
 const std::string& HoldAndNote() {
   static const std::string statement =
       "INSERT INTO session_locks (session_id, place) SELECT CAST($1 AS bigint), " + std::string(ServerLock::where) +
-      " || " + ServerLock::since + " FROM (SELECT pg_try_advisory_lock_shared((CAST(" + ServerLock::ofStore +
+      " || " + ServerLock::since + " || '" + ServerLock::by +
+      "' || pg_backend_pid() FROM (SELECT pg_try_advisory_lock_shared((CAST(" + ServerLock::ofStore +
       " AS bigint) << 32) | CAST($1 AS bigint)) AS held OFFSET 0) AS lock WHERE held ON CONFLICT DO NOTHING";
+  return statement;
+}
+
+/// Notes which hosts of what did not finish have ended, as long as the server can tell.
+const std::string& NoteEnded() {
+  static const std::string statement =
+      "INSERT INTO session_locks (session_id, place) SELECT DISTINCT taken.session_id, '" +
+      std::string(ServerLock::ended) +
+      "' || taken.place FROM running JOIN statuses USING (status_id) JOIN session_locks here USING (session_id) "
+      "JOIN session_locks taken USING (session_id) WHERE starts_with(here.place, " +
+      ServerLock::where + " || " + ServerLock::since + " || '" + ServerLock::by +
+      "') AND NOT starts_with(taken.place, '" + ServerLock::ended + "') AND session_id NOT IN " + ServerLock::held +
+      " ON CONFLICT DO NOTHING";
   return statement;
 }
 
@@ -36,11 +50,12 @@ const std::string& HoldAndNote() {
 class Holder {
  public:
   Holder(const std::string& server, Clock::time_point end) : connection(server, end) {
-    if (!System::KeepFromChildren(PQsocket(connection.Handle()))) {
-      throw Error("a process can have no more descriptors that its children do not have");
-    }
     connection.Send(findStore, {});
     connection.Send(configureHolder, {});
+    connection.SendTrial(NoteEnded(), nullptr);
+    if (!System::KeepFromChildren(PQsocket(connection.Handle()))) {  // last, because only the destructor forgets it
+      throw Error("a process can have no more descriptors that its children do not have");
+    }
   }
   Holder(const Holder&) = delete;
   Holder& operator=(const Holder&) = delete;

@@ -24,4 +24,9 @@ const char* const ServerLock::since =
     "COALESCE(EXTRACT(EPOCH FROM pg_stat_get_bgwriter_stat_reset_time()), 0) || ' ' || "
     "pg_stat_get_db_sessions_killed(d.oid) FROM pg_database d WHERE datname = current_database())";
 
+const char* const ServerLock::held =
+    "(SELECT CAST(objid AS bigint) FROM pg_locks WHERE locktype = 'advisory' AND granted AND objsubid = 1 AND "
+    "database = (SELECT oid FROM pg_database WHERE datname = current_database()) AND "
+    "classid = CAST(CAST('session_locks' AS regclass) AS oid))";
+
 }  // namespace Velora::Store

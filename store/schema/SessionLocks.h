@@ -25,9 +25,17 @@ inline constexpr const char* ofStore = "CAST(CAST('session_locks' AS regclass) A
 inline constexpr long long highestSession = 0xFFFF'FFFF;
 /// The beginning of the place: the store.
 extern const char* const where;
-/// The rest: what changes when the server may have taken locks away from hosts that live: when it was started, when it
-/// started anew after a crash of one of its processes, and how many connections were ended from outside.
+/// Then what changes when the server may have taken locks away from hosts that live: when it was started, when it
+/// started anew after a crash of one of its processes, and how many connections to this database were ended from
+/// outside.
 extern const char* const since;
+/// The rest: this, and the number of the connection's process.
+inline constexpr const char* by = " by ";
+/// A place with this before it says that this lock was not held any more when the server could still have kept it: its
+/// host had ended. Hosts note that when they begin, because nobody can see it after the next restart of the server.
+inline constexpr const char* ended = "ended: ";
+/// The numbers of the locks that are held in this store.
+extern const char* const held;
 
 }  // namespace ServerLock
 

@@ -85,7 +85,7 @@ TEST_F(Faults, AConnectionThatEndsBeforeAnyStatementIsAnErrorOfThatOperationAlon
     TheInterruptions() = {};
     ExpectAllThereOnce();
   }
-  EXPECT_EQ(harmless, 3);
+  EXPECT_EQ(harmless, 4);
 }
 
 TEST_F(Faults, ACommitWhoseAnswerIsLostIsAskedAfter) {
