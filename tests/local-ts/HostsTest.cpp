@@ -1,9 +1,7 @@
 // Whether the host of a run lives, as a reader says it and as the kernel's table of locks shows it.
 
 #include "LocalTsTest.h"
-#include "store/reading/Hosts.h"
-#include "store/reading/Reader.h"
-#include "store/reading/Runs.h"
+#include "RunStates.h"
 #include "support/Process.h"
 
 #include <sys/stat.h>
@@ -15,8 +13,6 @@
 #include <sstream>
 
 namespace {
-
-using Velora::Store::NameOf;
 
 class Hosts : public LocalTsTest {
  protected:
@@ -32,19 +28,7 @@ class Hosts : public LocalTsTest {
   }
   fs::path LockFile() const { return folder / "store/ts.db-hosts"; }
 
-  /// "running 1, stopped 2": each run of a store and what is said of it, in the order of recording.
-  std::string Said(const std::string& store = "store") const {
-    const Velora::Store::Reader reader({Velora::Store::Database::Kind::Sqlite, (folder / store / "ts.db").string()});
-    Velora::Store::Hosts hosts(reader);
-    std::string said;
-    for (const Velora::Store::Run& run : RunsBetween(reader, "", "3")) {
-      said += (said.empty() ? "" : ", ") + run.node + ' ' + NameOf(hosts.Of(run).state);
-      for (const auto& one : hosts.UnfinishedOf(run)) {
-        said += one.key == run.root ? "" : std::string(" (") + NameOf(one.known.state) + ')';
-      }
-    }
-    return said;
-  }
+  std::string Said(const std::string& store = "store") const { return StatesOfRuns(folder / store / "ts.db"); }
   /// The bytes of the lock file that are locked, as the kernel shows them.
   std::string Shown() const {
     struct stat file {};
