@@ -11,17 +11,17 @@ namespace {
 bool Holds(Condition::Operator comparison, std::partial_ordering order) {
   switch (comparison) {
     case Condition::Operator::Equal:
-      return order == 0;
+      return std::is_eq(order);
     case Condition::Operator::Unequal:
-      return order != 0;
+      return std::is_neq(order);
     case Condition::Operator::Less:
-      return order < 0;
+      return std::is_lt(order);
     case Condition::Operator::LessOrEqual:
-      return order <= 0;
+      return std::is_lteq(order);
     case Condition::Operator::Greater:
-      return order > 0;
+      return std::is_gt(order);
     case Condition::Operator::GreaterOrEqual:
-      return order >= 0;
+      return std::is_gteq(order);
   }
   return false;
 }

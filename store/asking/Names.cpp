@@ -45,6 +45,7 @@ std::vector<std::string> NearestNames(const Reader& store, Named kind, const std
     nearest.resize(std::min(nearest.size(), mostNearest));
   }
   std::vector<std::string> found;
+  found.reserve(nearest.size());
   for (auto& [distance, one] : nearest) {
     found.push_back(std::move(one));
   }
