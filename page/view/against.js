@@ -87,10 +87,10 @@ export class Against {
     return this.ignored.has(event) || this.ignored.has(name);
   }
 
-  /** The columns beside parameters that are compared, as texts of both runs. */
-  static fixedTexts = {
-    Status: ({ own, other }, at, there) => [statusOf(own, at), statusOf(other, there)],
-    Activity: ({ own, other }, at, there) => [activityOf(own, at), activityOf(other, there)],
+  /** The columns beside parameters that are compared: by what, and what they show. Whether a host lives is no part. */
+  static fixed = {
+    Status: { key: ({ status }, at) => status[at], text: statusOf },
+    Activity: { key: activityOf, text: activityOf },
   };
 
   /** What an execution and its counterpart have in a column of a parameter: the values with their kinds. */
@@ -104,8 +104,8 @@ export class Against {
       const [[one], [other]] = this.values(column, at, there);
       return !this.isSame(column.quantity, one, other);
     }
-    const [one, other] = Against.fixedTexts[column.name]?.(this, at, there) ?? [];
-    return one !== other;
+    const fixed = Against.fixed[column.name];
+    return fixed !== undefined && fixed.key(this.own, at) !== fixed.key(this.other, there);
   }
 
   /** Of a cell that differs, the texts of both runs; null for others. */
@@ -115,7 +115,8 @@ export class Against {
     }
     const there = this.counterparts.get(at);
     if (!column.quantity) {
-      return Against.fixedTexts[column.name](this, at, there);
+      const { text } = Against.fixed[column.name];
+      return [text(this.own, at), text(this.other, there)];
     }
     const values = this.values(column, at, there);
     return allDigits ? values.map((value) => valueText(...value)) : briefly(...values);
