@@ -1,8 +1,9 @@
 #pragma once
 
-#include <string>
+#include <VeloraSystem/NewFile.h>
 
-#include <sys/types.h>
+#include <string>
+#include <string_view>
 
 namespace Velora::Ts {
 
@@ -10,31 +11,23 @@ namespace Velora::Ts {
 /// if the program is killed, that file stays.
 class FreshFile {
  public:
+  using Existing = System::NewFile::Existing;
+
+  /// @param words what errors call it: "file 'run.csv'".
   /// @param mode its permissions, from which the umask of the process is taken away.
-  FreshFile(std::string target, mode_t mode);
-  FreshFile(const FreshFile&) = delete;
-  FreshFile& operator=(const FreshFile&) = delete;
-  /// Removes the file if it has not got its name.
-  ~FreshFile();
+  FreshFile(std::string words, const std::string& target, unsigned mode);
 
   /// The random name.
-  const std::string& Path() const { return path; }
+  const std::string& Path() const { return file.Path(); }
   /// Appends to the file.
-  void Write(const std::string& content) const;
-
-  /// What becomes of a file that already has the name.
-  enum class Existing { Keep, Replace };
-  /// Gives the file its name. When this returns, file and name are on the disk.
+  void Write(std::string_view content) const;
+  /// Gives the file its name. Nothing can be written then. When this returns, file and name are on the disk.
   /// @throws Error when an existing file is to be kept.
   void TakeName(Existing existing);
 
  private:
-  [[noreturn]] void Fail() const;
-  bool Rename(Existing existing) const;
-
-  const std::string target;
-  std::string path;
-  int file = -1;
+  const std::string words, target;
+  System::NewFile file;
 };
 
 }  // namespace Velora::Ts

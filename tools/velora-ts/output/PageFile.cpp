@@ -2,6 +2,8 @@
 
 #include "store/Error.h"
 
+#include <VeloraSystem/Path.h>
+
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -10,47 +12,49 @@ namespace Velora::Ts {
 
 namespace {
 
+// What a link leads to, so that it stays one.
 std::string TargetOf(const std::string& path) {
   std::error_code unknown;
-  const std::filesystem::path target = std::filesystem::canonical(path, unknown);
-  return unknown ? path : target.string();
+  const std::filesystem::path target = std::filesystem::canonical(System::PathOf(path), unknown);
+  return unknown ? path : System::TextOf(target);
+}
+
+bool IsDevice(const std::filesystem::path& path) {
+  std::error_code unknown;
+  return std::filesystem::exists(path, unknown) && !std::filesystem::is_regular_file(path, unknown);
 }
 
 }  // namespace
 
-PageFile::PageFile(const std::string& path) : path(path), target(TargetOf(path)) {
-  std::error_code unknown;
-  if (std::filesystem::exists(path, unknown) && !std::filesystem::is_regular_file(path, unknown)) {
-    fresh = target;
-    stream.reset(std::fopen(fresh.c_str(), "w"));
-  }
-  for (int number = 1; !stream && (number == 1 || errno == EEXIST); ++number) {
-    fresh = target + '.' + std::to_string(number) + ".new";
-    stream.reset(std::fopen(fresh.c_str(), "wx"));
-  }
-  Expect(stream != nullptr);
-}
-
-PageFile::~PageFile() {
-  if (stream && fresh != target) {
-    static_cast<void>(std::remove(fresh.c_str()));
+PageFile::PageFile(const std::string& path) : words("page '" + path + "'") {
+  if (IsDevice(System::PathOf(path))) {
+    device.reset(std::fopen(path.c_str(), "w"));
+    Expect(device != nullptr);
+  } else {
+    file.emplace(words, TargetOf(path), 0666U);
   }
 }
 
 void PageFile::Write(std::string_view text) {
-  Expect(std::fwrite(text.data(), 1, text.size(), stream.get()) == text.size());
+  if (file) {
+    file->Write(text);
+  } else {
+    Expect(std::fwrite(text.data(), 1, text.size(), device.get()) == text.size());
+  }
   bytes += text.size();
 }
 
 void PageFile::Finish() {
-  Expect(std::fflush(stream.get()) == 0);
-  Expect(fresh == target || std::rename(fresh.c_str(), target.c_str()) == 0);
-  stream.reset();
+  if (file) {
+    file->TakeName(FreshFile::Existing::Replace);
+  } else {
+    Expect(std::fflush(device.get()) == 0);
+  }
 }
 
 void PageFile::Expect(bool good) const {
   if (!good) {
-    throw Store::Error("page '" + path + "' cannot be written: " + std::system_category().message(errno));
+    throw Store::Error(words + " cannot be written: " + std::generic_category().message(errno));
   }
 }
 

@@ -1,21 +1,21 @@
 #pragma once
 
+#include "output/FreshFile.h"
+
 #include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace Velora::Ts {
 
-/// The file of a page: complete under its name, or not there at all.
+/// The file of a page: complete under its name, or not there at all. What is no regular file is written as it is.
 class PageFile {
  public:
   /// @throws Error when it cannot be written; so do the other operations.
   explicit PageFile(const std::string& path);
-  PageFile(const PageFile&) = delete;
-  PageFile& operator=(const PageFile&) = delete;
-  ~PageFile();
 
   void Write(std::string_view text);
   /// Gives the file its name.
@@ -25,10 +25,9 @@ class PageFile {
  private:
   void Expect(bool good) const;
 
-  const std::string path;
-  const std::string target;  // what a link leads to, so that it stays one
-  std::string fresh;         // what is written to
-  std::unique_ptr<FILE, int (*)(FILE*)> stream{nullptr, &std::fclose};
+  const std::string words;
+  std::optional<FreshFile> file;
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> device{nullptr, &std::fclose};
   std::size_t bytes = 0;
 };
 

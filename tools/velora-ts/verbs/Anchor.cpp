@@ -45,7 +45,7 @@ Anchor ReadAnchor(const std::string& file) {
 }
 
 void WriteAnchor(const std::string& file, const Anchor& anchor) {
-  FreshFile fresh(file, 0666);
+  FreshFile fresh("file '" + file + "'", file, 0666U);
   fresh.Write("seal " + std::to_string(anchor.number) + ' ' + anchor.hash + '\n');
   fresh.TakeName(FreshFile::Existing::Replace);
 }

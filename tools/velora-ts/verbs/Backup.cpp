@@ -10,6 +10,8 @@
 
 #include "store/Error.h"
 
+#include <VeloraSystem/Path.h>
+
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -20,7 +22,7 @@ using namespace Store;
 
 namespace {
 
-constexpr mode_t ownerAndGroup = 0640;  // the permissions of a store
+constexpr unsigned ownerAndGroup = 0640;  // the permissions of a store
 
 std::string CountOf(const Reader& store, Kind kind) {
   Rows count(store, "SELECT COUNT(*) FROM " + TableOf(kind).name);
@@ -49,10 +51,11 @@ class BackupVerb : public StoreVerb {
   ExitCode Execute() override {
     const Reader store(Database());
     ExpectFile(store, file);
-    if (std::error_code unknown; std::filesystem::exists(std::filesystem::symlink_status(file, unknown))) {
-      throw Error("file '" + file + "' cannot be written: " + std::system_category().message(EEXIST));
+    if (std::error_code unknown;
+        std::filesystem::exists(std::filesystem::symlink_status(System::PathOf(file), unknown))) {
+      throw Error("file '" + file + "' cannot be written: " + std::generic_category().message(EEXIST));
     }
-    FreshFile fresh(file, ownerAndGroup);
+    FreshFile fresh("file '" + file + "'", file, ownerAndGroup);
     {
       Progress progress("Copying pages", 0);
       CopyFile(store, fresh.Path(), [&progress](long long pages) { progress.Show(pages); });

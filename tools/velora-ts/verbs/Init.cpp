@@ -1,13 +1,13 @@
+#include "output/FreshFile.h"
 #include "output/Output.h"
 #include "verbs/InitialSettings.h"
 #include "verbs/Verb.h"
 
 #include "store/Error.h"
 
-#include <cerrno>
-#include <cstdio>
+#include <VeloraSystem/Path.h>
+
 #include <filesystem>
-#include <memory>
 #include <string>
 #include <system_error>
 
@@ -46,15 +46,14 @@ std::string NamedFor(std::string_view settings, const std::string& instrument) {
 }
 
 /// Writes a file if none has its name. @return whether it was written.
-bool WriteNew(const fs::path& file, std::string_view content) {
-  const std::unique_ptr<std::FILE, decltype(&std::fclose)> made(std::fopen(file.c_str(), "wbx"), &std::fclose);
-  if (!made && errno == EEXIST) {
+bool WriteNew(const fs::path& path, std::string_view content) {
+  if (std::error_code unknown; fs::exists(fs::symlink_status(path, unknown))) {
     return false;
   }
-  if (!made || std::fwrite(content.data(), 1, content.size(), made.get()) != content.size() ||
-      std::fflush(made.get()) != 0) {
-    throw Error("file '" + file.string() + "' cannot be written: " + std::system_category().message(errno));
-  }
+  const std::string file = System::TextOf(path);
+  FreshFile fresh("file '" + file + "'", file, 0666U);
+  fresh.Write(content);
+  fresh.TakeName(FreshFile::Existing::Keep);
   return true;
 }
 
@@ -67,18 +66,18 @@ class InitVerb : public Verb {
 
   ExitCode Execute() override {
     std::error_code failed;
-    fs::create_directories(folder, failed);
+    fs::create_directories(System::PathOf(folder), failed);
     if (failed) {
       throw Error("folder '" + folder + "' cannot be made: " + failed.message());
     }
     ExitCode result = Done;
     for (const InitialFile& file : initialFiles) {
       const bool isNamed = &file == initialFiles.data() && !instrument.empty();
-      const fs::path path = fs::path(folder) / file.name;
+      const fs::path path = System::PathOf(folder) / file.name;
       if (WriteNew(path, isNamed ? NamedFor(file.content, instrument) : std::string(file.content))) {
-        Say("written: " + path.string());
+        Say("written: " + System::TextOf(path));
       } else {
-        Say("kept as it is: " + path.string());
+        Say("kept as it is: " + System::TextOf(path));
         result = isNamed ? Found : result;
       }
     }

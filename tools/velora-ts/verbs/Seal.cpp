@@ -14,6 +14,8 @@
 
 #include "store/Error.h"
 
+#include <VeloraSystem/Path.h>
+
 #include <filesystem>
 
 namespace Velora::Ts {
@@ -126,7 +128,7 @@ ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchor
       return Refuse(broken.front());
     }
   }
-  if (std::error_code unknown; !anchorFile.empty() && std::filesystem::exists(anchorFile, unknown)) {
+  if (std::error_code unknown; !anchorFile.empty() && std::filesystem::exists(System::PathOf(anchorFile), unknown)) {
     if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), store); !finding.empty()) {
       return Refuse(finding);
     }

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string>
+
+namespace Velora::System {
+
+/// The whole path of a file, in the form that the system takes at any length.
+std::wstring WholePath(const std::string& path);
+
+}  // namespace Velora::System
