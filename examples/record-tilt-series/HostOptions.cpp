@@ -2,6 +2,8 @@
 
 #include "TiltSeriesRecording.h"
 
+#include <VeloraSystem/Console.h>
+
 #include <filesystem>
 
 HostOptions::HostOptions(const std::string& description)
@@ -15,7 +17,7 @@ std::optional<int> HostOptions::Read(int argc, char** argv) {
                         "Folder of the record and its settings; what it lacks of them is put there. "
                         "Default: the current directory");
   program.Own().AddRequiredTexts("FILE", files, "An .mdoc file");
-  if (const std::optional<bool> helped = program.Read(argc, argv)) {
+  if (const std::optional<bool> helped = program.Read(Velora::System::Arguments(argc, argv))) {
     return *helped ? Recorded : WrongUsage;
   }
   for (std::string& file : files) {

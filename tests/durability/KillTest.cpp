@@ -151,7 +151,7 @@ int main(int count, char** arguments) {
   options.AddCount("--hosts", hosts, "How many of them");
   options.Exclude("--together", "KILLS");
   options.Require("--hosts", "--together");
-  if (const std::optional<bool> helped = program.Read(count, arguments)) {
+  if (const std::optional<bool> helped = program.Read({arguments, arguments + count})) {
     return *helped ? EXIT_SUCCESS : EXIT_FAILURE;
   }
   const bool right = seconds > 0 ? TakeTurns(static_cast<int>(hosts), static_cast<int>(seconds))

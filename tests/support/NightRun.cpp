@@ -236,7 +236,7 @@ int main(int count, char** arguments) try {
   line.AddList("--changes", options.changes,
                "Differences: hole (hole 5 of square 2 is repeated), square (square 3 of grid 1 is left out), version "
                "(of Hole), dose (from square 4 on), configuration (of the instrument)");
-  if (const std::optional<bool> ended = program.Read(count, arguments)) {
+  if (const std::optional<bool> ended = program.Read({arguments, arguments + count})) {
     return *ended ? EXIT_SUCCESS : EXIT_FAILURE;
   }
   Night(options).Record();

@@ -63,12 +63,8 @@ class Questions : public ToolTest {
   static int Execute(const std::string& command) {
     std::istringstream words("velora-ts " + command);
     const std::vector<std::string> given{std::istream_iterator<std::string>(words), {}};
-    std::vector<const char*> pointers;
-    for (const std::string& word : given) {
-      pointers.push_back(word.c_str());
-    }
     testing::internal::CaptureStdout();
-    const int result = RunCommandLine(static_cast<int>(pointers.size()), pointers.data());
+    const int result = RunCommandLine(given);
     testing::internal::GetCapturedStdout();
     return result;
   }

@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Velora::Ts {
 
@@ -23,7 +24,7 @@ constexpr const char* footer =
 
 }  // namespace
 
-ExitCode RunCommandLine(int argc, const char* const* argv) {
+ExitCode RunCommandLine(const std::vector<std::string>& arguments) {
   CommandLine::Program program("Shows, checks, copies and verifies the store of a local TS.", footer, "velora-ts");
   program.AddVersion("velora-ts " VELORA_VERSION);
   std::map<std::string, std::unique_ptr<Verb>> verbs;
@@ -32,7 +33,7 @@ ExitCode RunCommandLine(int argc, const char* const* argv) {
     verbs.emplace(verb->name, verb->make(options));
   }
   try {
-    if (const std::optional<bool> helped = program.Read(argc, argv)) {
+    if (const std::optional<bool> helped = program.Read(arguments)) {
       return *helped ? Done : WrongUsage;
     }
     const ExitCode result = verbs.at(program.Verb())->Execute();

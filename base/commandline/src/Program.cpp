@@ -202,11 +202,12 @@ Options Program::AddVerb(const std::string& name, const std::string& help, const
   return Options(*verb);
 }
 
-std::optional<bool> Program::Read(int argc, const char* const* argv) {
+std::optional<bool> Program::Read(std::vector<std::string> arguments) {
   if (app->get_name().empty()) {
-    app->name(argv[0]);
+    app->name(arguments.front());
   }
-  std::vector<std::string> arguments = WithoutHelpVerb(*app, {argv + 1, argv + argc});
+  arguments.erase(arguments.begin());
+  arguments = WithoutHelpVerb(*app, std::move(arguments));
   const std::string mistake = HasVerbs(*app) ? LackOfVerb(*app, arguments) : "";
   if (!mistake.empty()) {
     return Explain(*app, CLI::ValidationError(mistake));

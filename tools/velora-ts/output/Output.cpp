@@ -4,11 +4,10 @@
 
 #include "store/Error.h"
 
-#include <unistd.h>
+#include <VeloraSystem/Console.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <iostream>
 #include <system_error>
 
@@ -19,7 +18,7 @@ using namespace Store;
 namespace {
 
 [[noreturn]] void Fail() {
-  throw Store::Error("the output cannot be written: " + std::system_category().message(errno));
+  throw Store::Error("the output cannot be written: " + std::generic_category().message(errno));
 }
 
 }  // namespace
@@ -29,13 +28,13 @@ void Say(std::string_view line) { WriteOut(Printable(line) + '\n'); }
 void Complain(std::string_view line) { Velora::Text::WriteLine(std::cerr, line); }
 
 void WriteOut(std::string_view text) {
-  if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
+  if (!std::cout.write(text.data(), static_cast<std::streamsize>(text.size()))) {
     Fail();
   }
 }
 
 void WriteData(std::string_view text) {
-  static const bool terminal = isatty(STDOUT_FILENO) != 0;
+  static const bool terminal = System::IsTerminal(System::Standard::Output);
   while (terminal && !text.empty()) {
     const std::size_t line = std::min(text.find('\n'), text.size());
     WriteOut(Printable(text.substr(0, line)));
@@ -46,7 +45,7 @@ void WriteData(std::string_view text) {
 }
 
 void FlushOut() {
-  if (std::fflush(stdout) != 0) {
+  if (!std::cout.flush()) {
     Fail();
   }
 }

@@ -1,6 +1,6 @@
 #include "output/Progress.h"
 
-#include <unistd.h>
+#include <VeloraSystem/Console.h>
 
 #include <algorithm>
 #include <iostream>
@@ -9,7 +9,7 @@
 namespace Velora::Ts {
 
 Progress::Progress(std::string doing, long long total)
-    : terminal(isatty(STDERR_FILENO) != 0), doing(std::move(doing)), total(total) {}
+    : terminal(System::TakesEscapes(System::Standard::Error)), doing(std::move(doing)), total(total) {}
 
 Progress::~Progress() {
   if (shown) {

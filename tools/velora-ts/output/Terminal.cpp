@@ -1,15 +1,10 @@
 #include "output/Terminal.h"
 
+#include <VeloraSystem/Console.h>
 #include <VeloraText/Character.h>
 #include <VeloraText/Wrapped.h>
 
-#include <sys/ioctl.h>
-#include <unistd.h>
-#include <wchar.h>
-
-#include <algorithm>
 #include <charconv>
-#include <clocale>
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
@@ -29,8 +24,7 @@ std::size_t WidthOfTerminal() {
       return width;
     }
   }
-  winsize size{};
-  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usualWidth;
+  return System::TerminalWidth().value_or(usualWidth);
 }
 
 bool Has(const char* variable) {
@@ -38,29 +32,13 @@ bool Has(const char* variable) {
   return value != nullptr && *value != '\0';
 }
 
-std::size_t WidthOf(const Character& character) {
-  static const bool utf8 = std::setlocale(LC_CTYPE, "C.UTF-8") != nullptr;
-  return utf8 ? static_cast<std::size_t>(std::max(wcwidth(static_cast<wchar_t>(character.code)), 0)) : 1;
-}
-
 }  // namespace
 
 Terminal::Terminal() {
-  if (isatty(STDOUT_FILENO) != 0) {
+  if (System::IsTerminal(System::Standard::Output)) {
     width = WidthOfTerminal();
-    const char* const kind = std::getenv("TERM");
-    colours = !Has("NO_COLOR") && kind != nullptr && std::strcmp(kind, "dumb") != 0;
+    colours = !Has("NO_COLOR") && System::TakesEscapes(System::Standard::Output);
   }
-}
-
-std::size_t WidthOf(std::string_view printable) {
-  std::size_t width = 0;
-  while (!printable.empty()) {
-    const Character character(printable);
-    width += WidthOf(character);
-    printable.remove_prefix(character.length);
-  }
-  return width;
 }
 
 std::string Cut(std::string_view printable, std::size_t width) {
@@ -71,7 +49,7 @@ std::string Cut(std::string_view printable, std::size_t width) {
   std::size_t columns = 0;
   while (width > 0 && kept < printable.size()) {
     const Character character(printable.substr(kept));
-    columns += WidthOf(character);
+    columns += WidthOf(printable.substr(kept, character.length));
     if (columns > width - 1) {
       break;
     }

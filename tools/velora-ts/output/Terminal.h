@@ -1,6 +1,7 @@
 #pragma once
 
 #include <VeloraText/Printable.h>
+#include <VeloraText/Width.h>
 
 #include <cstddef>
 #include <limits>
@@ -23,9 +24,8 @@ struct Terminal {
 };
 
 using Velora::Text::Printable;
+using Velora::Text::WidthOf;
 
-/// The number of columns that a printable text takes on a terminal.
-std::size_t WidthOf(std::string_view printable);
 /// A printable text; if it is wider than `width` columns, its beginning and an ellipsis.
 std::string Cut(std::string_view printable, std::size_t width);
 /// The lines of a printable text that is broken at blanks. What has none and is wider than `width` columns is cut.

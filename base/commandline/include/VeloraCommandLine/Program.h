@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Velora::CommandLine {
 
@@ -28,8 +29,9 @@ class Program {
 
   /// Gives the variables of the options their values. Writes the help to standard output if it is asked for, and what
   /// is wrong with the command line to standard error.
+  /// @param arguments those of the program, whose name is the first.
   /// @return nothing if the program goes on; else whether it was asked for help or the version, and has ended well.
-  std::optional<bool> Read(int argc, const char* const* argv);
+  std::optional<bool> Read(std::vector<std::string> arguments);
   /// The verb that was named.
   std::string Verb() const;
   /// Writes to standard error what is wrong, as Read does.
