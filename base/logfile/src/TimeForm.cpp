@@ -1,10 +1,10 @@
 #include <VeloraLogFile/TimeForm.h>
+#include <VeloraSystem/LocalClock.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <chrono>
-#include <ctime>
 #include <stdexcept>
 #include <utility>
 
@@ -148,14 +148,7 @@ long long LocalOffset(sys_seconds local) {
   thread_local long long offset = 0;
   const auto hour = floor<hours>(local);
   if (hour != known) {
-    const std::time_t asUtc = hour.time_since_epoch() / seconds(1);
-    std::tm parts{};
-    static_cast<void>(gmtime_r(&asUtc, &parts));
-    std::tm summer = parts;
-    summer.tm_isdst = 1;  // the first of two
-    const std::time_t first = std::mktime(&summer);
-    parts.tm_isdst = -1;
-    offset = asUtc - (summer.tm_isdst == 1 ? first : std::mktime(&parts));
+    offset = System::OffsetOfClockTime(hour).count();
     known = hour;
   }
   return offset;

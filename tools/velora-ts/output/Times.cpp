@@ -4,10 +4,11 @@
 #include "store/Error.h"
 #include "store/values/StoredTime.h"
 
+#include <VeloraSystem/LocalClock.h>
+
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
 #include <utility>
 
 namespace Velora::Ts {
@@ -26,9 +27,7 @@ std::string Formatted(const char* format, Values... values) {
 }  // namespace
 
 std::chrono::seconds LocalOffset(Store::Time time) {
-  const std::time_t whole = std::chrono::floor<std::chrono::seconds>(time).time_since_epoch().count();
-  std::tm local{};
-  return std::chrono::seconds(localtime_r(&whole, &local) == nullptr ? 0 : local.tm_gmtoff);
+  return System::LocalOffset(std::chrono::floor<std::chrono::seconds>(time));
 }
 
 std::string LocalTime(std::string_view stored, bool fractions) {
