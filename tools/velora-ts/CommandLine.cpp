@@ -22,30 +22,40 @@ constexpr const char* footer =
     "sealed.\n\"velora-ts help VERB\" has an example for each verb; "
     "\"man velora-ts\" says more.";
 
+/// The program with its verbs.
+struct DeclaredVerbs {
+  CommandLine::Program program{"Shows, checks, copies and verifies the store of a local TS.", footer, "velora-ts"};
+  std::map<std::string, std::unique_ptr<Verb>> verbs;
+
+  DeclaredVerbs() {
+    program.AddVersion("velora-ts " VELORA_VERSION);
+    for (const Registration* const verb : registeredVerbs) {
+      Options options = program.AddVerb(verb->name, verb->help, verb->example);
+      verbs.emplace(verb->name, verb->make(options));
+    }
+  }
+};
+
 }  // namespace
 
 ExitCode RunCommandLine(const std::vector<std::string>& arguments) {
-  CommandLine::Program program("Shows, checks, copies and verifies the store of a local TS.", footer, "velora-ts");
-  program.AddVersion("velora-ts " VELORA_VERSION);
-  std::map<std::string, std::unique_ptr<Verb>> verbs;
-  for (const Registration* const verb : registeredVerbs) {
-    Options options = program.AddVerb(verb->name, verb->help, "Example:\n  velora-ts " + std::string(verb->example));
-    verbs.emplace(verb->name, verb->make(options));
-  }
+  DeclaredVerbs declared;
   try {
-    if (const std::optional<bool> helped = program.Read(arguments)) {
+    if (const std::optional<bool> helped = declared.program.Read(arguments)) {
       return *helped ? Done : WrongUsage;
     }
-    const ExitCode result = verbs.at(program.Verb())->Execute();
+    const ExitCode result = declared.verbs.at(declared.program.Verb())->Execute();
     FlushOut();
     return result;
   } catch (const UsageError& error) {
-    program.Refuse(error.what());
+    declared.program.Refuse(error.what());
     return WrongUsage;
   } catch (const Store::NotOffered& reason) {
     Complain(reason.what());
     return WrongUsage;
   }
 }
+
+CommandLine::Description DescribeCommandLine() { return DeclaredVerbs().program.Describe(); }
 
 }  // namespace Velora::Ts

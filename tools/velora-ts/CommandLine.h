@@ -2,6 +2,8 @@
 
 #include "verbs/ExitCode.h"
 
+#include <VeloraCommandLine/Description.h>
+
 #include <string>
 #include <vector>
 
@@ -11,5 +13,8 @@ namespace Velora::Ts {
 /// @return the exit code of the program.
 /// @throws std::exception when a store or a file cannot be read or written.
 ExitCode RunCommandLine(const std::vector<std::string>& arguments);
+
+/// What RunCommandLine understands.
+CommandLine::Description DescribeCommandLine();
 
 }  // namespace Velora::Ts

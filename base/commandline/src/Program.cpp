@@ -1,3 +1,4 @@
+#include <VeloraCommandLine/Description.h>
 #include <VeloraCommandLine/Options.h>
 #include <VeloraCommandLine/Program.h>
 #include <VeloraText/Nearest.h>
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <set>
 #include <sstream>
 #include <utility>
 #include <vector>
@@ -25,22 +27,28 @@ const CLI::Validator& NotEmpty() {
   return validator;
 }
 
+std::string FormOf(const std::string& name, const std::string& form) {
+  return !form.empty() ? form : name.starts_with('-') ? "TEXT" : name;
+}
+
 }  // namespace
 
 void Options::AddText(const std::string& name, std::string& value, const std::string& help, const std::string& form) {
-  line.add_option(name, value, help)->check(NotEmpty())->type_name(form);
+  line.add_option(name, value, help)->check(NotEmpty())->type_name(FormOf(name, form));
 }
 
-void Options::AddRequiredText(const std::string& name, std::string& value, const std::string& help) {
-  line.add_option(name, value, help)->required()->check(NotEmpty());
+void Options::AddRequiredText(const std::string& name, std::string& value, const std::string& help,
+                              const std::string& form) {
+  line.add_option(name, value, help)->required()->check(NotEmpty())->type_name(FormOf(name, form));
 }
 
 void Options::AddRequiredTexts(const std::string& name, std::vector<std::string>& values, const std::string& help) {
-  line.add_option(name, values, help)->required()->check(NotEmpty());
+  line.add_option(name, values, help)->required()->check(NotEmpty())->type_name(FormOf(name, ""));
 }
 
-void Options::AddRepeatedText(const std::string& name, std::vector<std::string>& values, const std::string& help) {
-  line.add_option(name, values, help)->allow_extra_args(false)->check(NotEmpty());
+void Options::AddRepeatedText(const std::string& name, std::vector<std::string>& values, const std::string& help,
+                              const std::string& form) {
+  line.add_option(name, values, help)->allow_extra_args(false)->check(NotEmpty())->type_name(FormOf(name, form));
 }
 
 void Options::AddChoice(const std::string& name, std::string& value, const std::vector<std::string>& choices,
@@ -53,12 +61,13 @@ void Options::AddChoice(const std::string& name, std::string& value, const std::
   line.add_option(name, value, help)->check(CLI::Validator(complain, ""))->type_name(CLI::detail::join(choices, "|"));
 }
 
-void Options::AddList(const std::string& name, std::vector<std::string>& values, const std::string& help) {
+void Options::AddList(const std::string& name, std::vector<std::string>& values, const std::string& help,
+                      const std::string& form) {
   line.add_option(name, values, help)
       ->delimiter(',')
       ->allow_extra_args(false)
       ->check(NotEmpty())
-      ->type_name("NAME,...");
+      ->type_name(form + ",...");
 }
 
 void Options::AddFiles(const std::string& name, std::vector<std::string>& values, const std::string& help) {
@@ -166,6 +175,49 @@ std::string Unexpected(const CLI::App& app) {
   return "there is no option '" + given + '\'' + Suggestion(given, names);
 }
 
+std::vector<std::string> NamesOf(const CLI::Option& option) {
+  if (option.get_positional()) {
+    return {option.get_name(true)};
+  }
+  std::vector<std::string> names;
+  for (const std::string& name : option.get_snames()) {
+    names.push_back('-' + name);
+  }
+  for (const std::string& name : option.get_lnames()) {
+    names.push_back("--" + name);
+  }
+  return names;
+}
+
+/// The longest name of each, in order.
+std::vector<std::string> NamesOf(const std::set<CLI::Option*>& options) {
+  std::vector<std::string> names;
+  for (const CLI::Option* const option : options) {
+    names.push_back(NamesOf(*option).back());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+std::vector<OptionDescription> OptionsOf(const CLI::App& line) {
+  std::vector<OptionDescription> options;
+  for (const CLI::Option* const option : line.get_options()) {
+    OptionDescription one;
+    one.names = NamesOf(*option);
+    one.form = option->get_type_size() > 0 ? option->get_type_name() : "";
+    one.choices = one.form.find('|') == std::string::npos ? one.choices : CLI::detail::split(one.form, '|');
+    one.help = option->get_description();
+    one.excluded = NamesOf(option->get_excludes());
+    one.required = NamesOf(option->get_needs());
+    one.isArgument = option->get_positional();
+    one.isRequired = option->get_required();
+    one.isRepeated = option->get_items_expected_max() > 1;
+    one.isOpen = one.isRepeated && option->get_allow_extra_args();
+    options.push_back(one);
+  }
+  return options;
+}
+
 bool HasVerbs(const CLI::App& app) { return app.get_require_subcommand_min() > 0; }
 
 /// "help VERB" is another form of "VERB --help".
@@ -194,11 +246,17 @@ Options Program::Own() { return Options(*app); }
 
 void Program::AddVersion(const std::string& text) { app->set_version_flag("--version", text, "Show the version"); }
 
-Options Program::AddVerb(const std::string& name, const std::string& help, const std::string& footer) {
+Options Program::AddVerb(const std::string& name, const std::string& help, const std::string& example) {
   app->require_subcommand(1);
   CLI::App* const verb = app->add_subcommand(name, help);
   verb->group("Verbs");
+  std::string footer = "Example:";
+  std::istringstream lines(example);
+  for (std::string line; std::getline(lines, line);) {
+    footer += "\n  " + app->get_name() + ' ' + line;
+  }
   verb->footer(footer);
+  examples[name] = example;
   return Options(*verb);
 }
 
@@ -230,5 +288,24 @@ std::optional<bool> Program::Read(std::vector<std::string> arguments) {
 std::string Program::Verb() const { return app->get_subcommands().front()->get_name(); }
 
 void Program::Refuse(const std::string& mistake) const { Explain(*app, CLI::ValidationError(mistake)); }
+
+Description Program::Describe() const {
+  Description description{app->get_name(), app->get_description(), OptionsOf(*app), {}};
+  OptionDescription verb;
+  verb.names = {"VERB"};
+  verb.form = "VERB";
+  verb.help = "The verb";
+  verb.isArgument = true;
+  for (const CLI::App* const one : app->get_subcommands(nullptr)) {
+    const std::string& name = one->get_name();
+    description.verbs.push_back({name, one->get_description(), examples.at(name), OptionsOf(*one)});
+    verb.choices.push_back(name);
+  }
+  if (HasVerbs(*app)) {
+    const std::string help = "Describes the options of a verb, with an example. Without VERB, it lists the verbs.";
+    description.verbs.push_back({"help", help, "help " + verb.choices.front(), {verb}});
+  }
+  return description;
+}
 
 }  // namespace Velora::CommandLine

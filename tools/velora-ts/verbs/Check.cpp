@@ -79,9 +79,10 @@ class CheckVerb : public StoreVerb {
                     "File of the TS logging library that the host loads; the files of the host can lie in its folder. "
                     "Default: the library that was installed with this program",
                     "FILE");
-    options.AddText("--activities", start.activities, "Name of the host's activities file. Default: activities.xml");
+    options.AddText("--activities", start.activities, "Name of the host's activities file. Default: activities.xml",
+                    "NAME");
     options.AddText("--configuration", start.configuration,
-                    "Name of the host's instrument configuration. Default: instrument.xml");
+                    "Name of the host's instrument configuration. Default: instrument.xml", "NAME");
   }
 
   ExitCode Execute() override {

@@ -23,8 +23,9 @@ Tolerance ToleranceOf(const std::string& text, const std::string& argument) {
 
 ComparisonOptions::ComparisonOptions(Options& options) {
   options.AddList("--tolerance", tolerances,
-                  "By how much numbers may differ: NAME=0.1 or NAME=1% for a parameter, 0.1 or 1% for all others");
-  options.AddList("--ignore", ignored, "Parameters and events to leave out, by their names");
+                  "By how much numbers may differ: PARAMETER=0.1 or PARAMETER=1% for one, 0.1 or 1% for all others",
+                  "[PARAMETER=]X");
+  options.AddList("--ignore", ignored, "Parameters and events to leave out, by their names", "PARAMETER");
 }
 
 void ComparisonOptions::AddSlower(Options& options) {

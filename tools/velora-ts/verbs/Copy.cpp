@@ -83,8 +83,8 @@ Content Copy(const Reader& from, const Database& target) {
 class CopyVerb : public Verb {
  public:
   explicit CopyVerb(Options& options) {
-    options.AddRequiredText("FROM", from, "Folder with the TSAL.config of the store to copy");
-    options.AddRequiredText("TO", to, "Folder with the TSAL.config of an empty store or of an earlier copy");
+    options.AddRequiredText("FROM", from, "Folder with the TSAL.config of the store to copy", "FOLDER");
+    options.AddRequiredText("TO", to, "Folder with the TSAL.config of an empty store or of an earlier copy", "FOLDER");
   }
 
   ExitCode Execute() override {

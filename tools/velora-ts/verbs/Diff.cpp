@@ -5,6 +5,7 @@
 #include "store/reading/Reader.h"
 #include "verbs/ComparisonOptions.h"
 #include "verbs/DigitsOption.h"
+#include "verbs/RunForms.h"
 #include "verbs/SecondRun.h"
 #include "verbs/StoreVerb.h"
 
@@ -17,12 +18,14 @@ namespace {
 class DiffVerb : public StoreVerb {
  public:
   explicit DiffVerb(Options& options) : StoreVerb(options), second(options), rules(options), digits(options) {
-    options.AddRequiredText("RUN", name, "The run to compare");
+    options.AddRequiredText("RUN", name, "The run to compare: " VELORA_RUN_FORMS);
     options.AddText("RUN2", secondName,
-                    "The run to compare it with. Default: the newest finished run of the same activity and instrument "
-                    "that started before RUN");
+                    "The run to compare it with, named as RUN. Default: the newest finished run of the same activity "
+                    "and instrument "
+                    "that started before RUN",
+                    "RUN");
     rules.AddSlower(options);
-    options.AddFlag("--all", all, "Write every difference, and what is equal");
+    options.AddFlag("--all", all, "Write every difference instead of a summary, and what is equal");
     options.AddFlag("--json", json, "Write a JSON object with every difference, with times in UTC");
   }
 
@@ -78,8 +81,8 @@ class DiffVerb : public StoreVerb {
 
 extern const Registration registeredDiff = {
     "diff",
-    "Says how a run differs from another one, or from the last good one before it. Both are named as for export. Exit "
-    "code 0 if nothing differs, 1 if something does.",
+    "Says how a run differs from another one, or from the last good one before it. The exit code is 0 if nothing "
+    "differs, and 1 if something does.",
     "diff last --tolerance 1% --ignore ImageFile", &Make<DiffVerb>};
 
 }  // namespace Velora::Ts

@@ -42,7 +42,8 @@ class EventsVerb : public StoreVerb {
   explicit EventsVerb(Options& options) : StoreVerb(options), window(options), digits(options) {
     options.AddRepeatedText("--where", where,
                             "Only events with a parameter that fulfils this, such as 'Dose > 40'; several conditions, "
-                            "joined by \"and\" or given one by one, are for the same event");
+                            "joined by \"and\" or given one by one, are for the same event",
+                            "CONDITION");
     options.AddFlag("--json", json, "Write a JSON array, with times in UTC");
     options.AddFlag("--csv", csv, "Write a table in the format of export --format csv");
     options.Exclude("--json", "--csv");

@@ -4,6 +4,7 @@
 #include "output/Words.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
+#include "verbs/RunForms.h"
 #include "verbs/StoreVerb.h"
 #include "verbs/TimeArgument.h"
 
@@ -18,12 +19,13 @@ namespace {
 class ExportVerb : public StoreVerb {
  public:
   explicit ExportVerb(Options& options) : StoreVerb(options) {
-    options.AddText("RUN", name, "The run to export");
+    options.AddText("RUN", name, "The run to export: " VELORA_RUN_FORMS);
     options.AddText("--since", since, "Export runs that started at this time or later: " VELORA_TIME_FORMS, "TIME");
     options.AddText("--until", until, "Export runs that started before this time", "TIME");
     options.AddChoice(
         "--format", format, {"jsonl", "csv", "trace"},
-        "jsonl, the canonical form; csv, a row for each event; trace, for timeline viewers. Default: jsonl");
+        "jsonl, the canonical form, one record a line; csv, a table with a row for each event and a column for each "
+        "parameter; trace, a timeline for viewers of trace events. Default: jsonl");
     options.Exclude("--since", "RUN");
     options.Require("--until", "--since");
   }
@@ -94,10 +96,8 @@ class ExportVerb : public StoreVerb {
 }  // namespace
 
 extern const Registration registeredExport = {
-    "export",
-    "Writes what was recorded to standard output. RUN is a guid, the first letters of one, \"last\" for the run "
-    "recorded last, or a node that only one run has.",
-    "export last > run.jsonl\n  velora-ts export --since 2026-11-24 --until 2026-12-01 --format csv > november.csv",
+    "export", "Writes what was recorded to standard output: a run, or the runs of a time.",
+    "export last > run.jsonl\nexport --since 2026-11-24 --until 2026-12-01 --format csv > november.csv",
     &Make<ExportVerb>};
 
 }  // namespace Velora::Ts

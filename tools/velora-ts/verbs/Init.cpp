@@ -61,7 +61,8 @@ class InitVerb : public Verb {
  public:
   explicit InitVerb(Options& options) {
     options.AddRequiredText("FOLDER", folder, "The folder in which hosts will run; it is made if it does not exist");
-    options.AddText("--instrument", instrument, "Name of the instrument in the records. Default: the computer's name");
+    options.AddText("--instrument", instrument, "Name of the instrument in the records. Default: the computer's name",
+                    "NAME");
   }
 
   ExitCode Execute() override {

@@ -26,7 +26,8 @@ LogOptions::LogOptions(Options& options) {
   options.AddFlag("--log-info", infos, "Show informational lines of the log too");
   options.AddText("--log-format", form,
                   "How the lines of the log are written, for example '{time:%d.%m.%Y %H:%M:%S} {level} {*} - {text}'. "
-                  "Default: '{time} [{level}] [{source}] {text}', as the default logger writes");
+                  "Default: '{time} [{level}] [{source}] {text}', as the default logger writes",
+                  "FORM");
   options.Require("--log-info", "--log");
   options.Require("--log-format", "--log");
 }

@@ -3,6 +3,7 @@
 #include "store/reading/Reader.h"
 #include "store/recording/NoteRow.h"
 #include "store/recording/Writer.h"
+#include "verbs/RunForms.h"
 #include "verbs/StoreVerb.h"
 
 #include <VeloraSystem/System.h>
@@ -18,12 +19,12 @@ bool IsBlank(const std::string& text) { return text.find_first_not_of(" \t\r\n")
 class NoteVerb : public StoreVerb {
  public:
   explicit NoteVerb(Options& options) : StoreVerb(options) {
-    options.AddRequiredText("RUN", name, "The run that the note is about");
+    options.AddRequiredText("RUN", name, "The run that the note is about: " VELORA_RUN_FORMS);
     options.AddRequiredText("TEXT", note.text, "What the note says");
     options.AddChoice("--kind", note.kind, {"cause", "review", "tag"},
                       "cause, why the run stopped or failed; review, a remark; tag, a short mark. "
                       "Default: review");
-    options.AddText("--author", note.author, "Who wrote it. Default: the name of the user on this computer");
+    options.AddText("--author", note.author, "Who wrote it. Default: the name of the user on this computer", "NAME");
     note.kind = "review";
     note.author = System::UserName();
   }
@@ -49,8 +50,7 @@ class NoteVerb : public StoreVerb {
 
 }  // namespace
 
-extern const Registration registeredNote = {
-    "note", "Adds a note to a run. It changes nothing that was recorded. RUN is named as for export.",
-    "note last \"cryo ran dry\" --kind cause", &Make<NoteVerb>};
+extern const Registration registeredNote = {"note", "Adds a note to a run. It changes nothing that was recorded.",
+                                            "note last \"cryo ran dry\" --kind cause", &Make<NoteVerb>};
 
 }  // namespace Velora::Ts

@@ -8,6 +8,7 @@
 #include "store/values/RecordedText.h"
 #include "verbs/AbsentNames.h"
 #include "verbs/DigitsOption.h"
+#include "verbs/RunForms.h"
 #include "verbs/StoreVerb.h"
 #include "verbs/WindowOptions.h"
 
@@ -155,7 +156,7 @@ void WriteJson(const Uses& uses) {
 class ParametersVerb : public StoreVerb {
  public:
   explicit ParametersVerb(Options& options) : StoreVerb(options), window(options), digits(options) {
-    options.AddText("RUN", run, "Only events of this run");
+    options.AddText("RUN", run, "Only events of this run: " VELORA_RUN_FORMS);
     options.AddFlag("--json", json, "Write a JSON array, with times in UTC");
   }
 
@@ -196,8 +197,7 @@ class ParametersVerb : public StoreVerb {
 
 extern const Registration registeredParameters = {
     "parameters",
-    "Lists the names of parameters: how often and in which events they were recorded, and from where to where. RUN is "
-    "named as for export.",
-    "parameters last\n  velora-ts parameters --since 2026-11", &Make<ParametersVerb>};
+    "Lists the names of parameters: how often and in which events they were recorded, and from where to where.",
+    "parameters last\nparameters --since 2026-11", &Make<ParametersVerb>};
 
 }  // namespace Velora::Ts

@@ -13,7 +13,11 @@ namespace {
 class PrepareVerb : public StoreVerb {
  public:
   explicit PrepareVerb(Options& options) : StoreVerb(options) {
-    options.AddText("--hosts", hosts, "Allow this role of the PostgreSQL server to record, and nothing else", "ROLE");
+    options.AddText(
+        "--hosts", hosts,
+        "Let this role of the PostgreSQL server add rows and read them, and revoke all other rights of the role and of "
+        "everybody on the store",
+        "ROLE");
   }
 
   ExitCode Execute() override {

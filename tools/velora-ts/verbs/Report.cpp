@@ -9,6 +9,7 @@
 #include "store/reading/Runs.h"
 #include "verbs/ComparisonOptions.h"
 #include "verbs/LogOptions.h"
+#include "verbs/RunForms.h"
 #include "verbs/SecondRun.h"
 #include "verbs/StoreVerb.h"
 
@@ -23,10 +24,10 @@ namespace {
 class ReportVerb : public StoreVerb {
  public:
   explicit ReportVerb(Options& options) : StoreVerb(options), logs(options), second(options), rules(options) {
-    options.AddRequiredText("RUN", name, "The run to show");
+    options.AddRequiredText("RUN", name, "The run to show: " VELORA_RUN_FORMS);
     options.AddText("-o,--output", file,
                     "The file to write. Default: run-GUID.html, with the first letters of the guid", "FILE");
-    options.AddText("--against", secondName, "A run to compare it with, named as RUN");
+    options.AddText("--against", secondName, "A run to compare it with, named as RUN", "RUN");
     for (const char* option : {"--with", "--tolerance", "--ignore"}) {
       options.Require(option, "--against");
     }
@@ -79,8 +80,7 @@ class ReportVerb : public StoreVerb {
 }  // namespace
 
 extern const Registration registeredReport = {
-    "report",
-    "Writes a page that shows a run in any browser, as one file that needs no other. RUN is named as for export.",
+    "report", "Writes a page that shows a run in any browser, as one file that needs no other.",
     "report last -o run.html", &Make<ReportVerb>};
 
 }  // namespace Velora::Ts

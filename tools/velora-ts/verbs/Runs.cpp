@@ -186,14 +186,15 @@ void WriteJson(const Store::Reader& store, ListedRuns& runs) {
 class RunsVerb : public StoreVerb {
  public:
   explicit RunsVerb(Options& options) : StoreVerb(options) {
-    options.AddText("--instrument", filter.instrument, "Only runs of this instrument");
+    options.AddText("--instrument", filter.instrument, "Only runs of this instrument", "INSTRUMENT");
     options.AddText("--since", filter.since, "Only runs that started at this time or later: " VELORA_TIME_FORMS,
                     "TIME");
     options.AddText("--until", filter.until, "Only runs that started before this time", "TIME");
     options.AddRepeatedText("--where", where,
-                            "Only runs with an event that fulfils this condition, such as 'Dose > 40', as for events");
-    options.AddText("--activity", filter.activity, "Only runs of this activity or activity version");
-    options.AddText("--node", filter.node, "Only runs of this node");
+                            "Only runs with an event that fulfils this condition, such as 'Dose > 40', as for events",
+                            "CONDITION");
+    options.AddText("--activity", filter.activity, "Only runs of this activity or activity version", "ACTIVITY");
+    options.AddText("--node", filter.node, "Only runs of this node", "NODE");
     options.AddFlag("--unfinished", filter.unfinished, "Only runs of which an execution did not finish");
     options.AddCount("--limit", filter.limit, "The highest number of runs. Default: 50");
     options.AddFlag("--json", json, "Write a JSON array, with times in UTC");

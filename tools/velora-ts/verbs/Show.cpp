@@ -9,6 +9,7 @@
 #include "verbs/DigitsOption.h"
 #include "verbs/LogOfRun.h"
 #include "verbs/LogOptions.h"
+#include "verbs/RunForms.h"
 #include "verbs/ShownRun.h"
 #include "verbs/StoreVerb.h"
 
@@ -31,15 +32,17 @@ bool HasParameter(const Store::Reader& store, const Run& run, const std::string&
 class ShowVerb : public StoreVerb {
  public:
   explicit ShowVerb(Options& options) : StoreVerb(options), digits(options), logs(options) {
-    options.AddRequiredText("RUN", name, "The run to show");
+    options.AddRequiredText("RUN", name, "The run to show: " VELORA_RUN_FORMS);
     options.AddFlag("--tree", chosen.tree, "Show all levels below the run, not only its children");
     options.AddFlag("--events", chosen.events, "Show its events too, one a line");
     options.AddList("--columns", chosen.columns,
                     "Parameters to show of each execution, separated by commas; of several values, the last one. "
-                    "Default: the first three parameters of each");
+                    "Default: the first three parameters of each",
+                    "PARAMETER");
     options.AddText("--order", chosen.order,
                     "Order the executions by the times that this parameter states, such as DateTime. Default: as they "
-                    "were recorded");
+                    "were recorded",
+                    "PARAMETER");
     options.AddFlag("--json", json, "Write a JSON object, with times in UTC");
   }
 
@@ -78,10 +81,7 @@ class ShowVerb : public StoreVerb {
 
 }  // namespace
 
-extern const Registration registeredShow = {
-    "show",
-    "Shows a run: its head and a row for each execution below it. RUN is named as for export, for example by the "
-    "letters that runs shows.",
-    "show last --columns TiltAngle,ExposureDose,Defocus", &Make<ShowVerb>};
+extern const Registration registeredShow = {"show", "Shows a run: its head and a row for each execution below it.",
+                                            "show last --columns TiltAngle,ExposureDose,Defocus", &Make<ShowVerb>};
 
 }  // namespace Velora::Ts

@@ -119,8 +119,9 @@ class StatsVerb : public StoreVerb {
                       "A row for each run, local day, local month, instrument, or activity version of the execution");
     options.AddText("--against", against,
                     "The period from which the drift is counted, as TIME..TIME. Default: directly before --since, and "
-                    "as long as from there to --until, or to now");
-    options.AddText("--plot", plot, "Write a page with a plot over time to this file", "FILE");
+                    "as long as from there to --until, or to now",
+                    "TIME..TIME");
+    options.AddText("--plot", plot, "Write a page with a plot over time to this file, instead of the table", "FILE");
     options.AddFlag("--json", json, "Write a JSON object, with times in UTC");
   }
 

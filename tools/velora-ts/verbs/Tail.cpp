@@ -13,6 +13,7 @@
 #include "store/reading/Unfinished.h"
 #include "verbs/DigitsOption.h"
 #include "verbs/LogOptions.h"
+#include "verbs/RunForms.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
@@ -124,7 +125,7 @@ class Follower {
 class TailVerb : public StoreVerb {
  public:
   explicit TailVerb(Options& options) : StoreVerb(options), digits(options), logs(options) {
-    options.AddText("RUN", name, "The run to follow");
+    options.AddText("RUN", name, "The run to follow: " VELORA_RUN_FORMS);
   }
 
   ExitCode Execute() override {

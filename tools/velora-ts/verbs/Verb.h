@@ -32,7 +32,7 @@ struct UsageError : std::runtime_error {
 struct Registration {
   const char* name;
   const char* help;                                 ///< One or two sentences about what it does.
-  const char* example;                              ///< A command line without the name of the program.
+  const char* example;                              ///< Command lines without the name of the program, one a line.
   std::unique_ptr<Verb> (*make)(Options& options);  ///< Makes the verb, which declares its options.
 };
 

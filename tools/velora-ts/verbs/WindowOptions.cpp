@@ -10,9 +10,10 @@ using namespace Store;
 WindowOptions::WindowOptions(Options& options) {
   options.AddText("--since", since, "Only events at this time or later: " VELORA_TIME_FORMS, "TIME");
   options.AddText("--until", until, "Only events before this time", "TIME");
-  options.AddText("--instrument", instrument, "Only events of this instrument");
-  options.AddText("--activity", activity, "Only events below an execution of this activity or activity version");
-  options.AddText("--name", name, "Only events of this name");
+  options.AddText("--instrument", instrument, "Only events of this instrument", "INSTRUMENT");
+  options.AddText("--activity", activity, "Only events below an execution of this activity or activity version",
+                  "ACTIVITY");
+  options.AddText("--name", name, "Only events of this name", "EVENT");
 }
 
 Store::EventWindow WindowOptions::Window() const {

@@ -16,22 +16,27 @@ class Options {
  public:
   explicit Options(CLI::App& line) : line(line) {}
 
-  // Texts must not be empty: an empty one is a mistake, such as a variable of a script that is not set.
+  // Texts must not be empty: an empty one is a mistake, such as a variable of a script that is not set. Their form,
+  // such as FOLDER, is what the help calls them, and says what a shell can offer. That of an argument is its name if
+  // none is given.
 
   /// A text.
-  /// @param form what the help calls it.
-  void AddText(const std::string& name, std::string& value, const std::string& help, const std::string& form = "TEXT");
+  void AddText(const std::string& name, std::string& value, const std::string& help, const std::string& form = "");
   /// A text that must be given.
-  void AddRequiredText(const std::string& name, std::string& value, const std::string& help);
+  void AddRequiredText(const std::string& name, std::string& value, const std::string& help,
+                       const std::string& form = "");
   /// Texts of which at least one must be given.
   void AddRequiredTexts(const std::string& name, std::vector<std::string>& values, const std::string& help);
   /// A text that can be given several times.
-  void AddRepeatedText(const std::string& name, std::vector<std::string>& values, const std::string& help);
+  void AddRepeatedText(const std::string& name, std::vector<std::string>& values, const std::string& help,
+                       const std::string& form = "");
   /// One of the texts in `choices`.
   void AddChoice(const std::string& name, std::string& value, const std::vector<std::string>& choices,
                  const std::string& help);
   /// Texts, separated by commas.
-  void AddList(const std::string& name, std::vector<std::string>& values, const std::string& help);
+  /// @param form of each.
+  void AddList(const std::string& name, std::vector<std::string>& values, const std::string& help,
+               const std::string& form = "NAME");
   /// Names of files: one or more after the name of the option, which can also be given several times.
   void AddFiles(const std::string& name, std::vector<std::string>& values, const std::string& help);
   /// A whole number greater than zero.

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <VeloraCommandLine/Description.h>
 #include <VeloraCommandLine/Options.h>
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,8 +26,10 @@ class Program {
   Options Own();
   /// Adds --version, which writes a text.
   void AddVersion(const std::string& text);
-  /// Adds a verb. The command line must then name one. @return the options of the verb.
-  Options AddVerb(const std::string& name, const std::string& help, const std::string& footer);
+  /// Adds a verb. The command line must then name one.
+  /// @param example command lines without the name of the program, one a line, with which the help ends.
+  /// @return the options of the verb.
+  Options AddVerb(const std::string& name, const std::string& help, const std::string& example);
 
   /// Gives the variables of the options their values. Writes the help to standard output if it is asked for, and what
   /// is wrong with the command line to standard error.
@@ -37,8 +41,12 @@ class Program {
   /// Writes to standard error what is wrong, as Read does.
   void Refuse(const std::string& mistake) const;
 
+  /// What Read understands.
+  Description Describe() const;
+
  private:
   const std::unique_ptr<CLI::App> app;
+  std::map<std::string, std::string> examples;  // of the verbs
 };
 
 }  // namespace Velora::CommandLine
