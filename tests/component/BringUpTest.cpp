@@ -1,8 +1,7 @@
 // What CreateTsLogging writes, and asks of TS and of the instrument, in which order.
 
 #include "support/ComponentTest.h"
-
-#include <regex>
+#include "support/Patterns.h"
 
 namespace {
 
@@ -98,8 +97,8 @@ TEST_F(BringUp, HostsGatewayIsAskedEverythingAndToldThePathEachTime) {
   const std::string bringUp = Scope("CreateTsLoggingSession", Check(root, pathIsCurrent), DataRootLines(root),
                                     pathIsCurrent, SessionLines(Registration("activities.xml"), "i")) +
                               Scope("GetInstance", Check(root, pathIsCurrent));
-  EXPECT_EQ(Journal(), Scope("SetTolvaServicesInstance") +
-                           std::regex_replace(bringUp, std::regex("TSAL "), "the host's gateway:\nTSAL "));
+  EXPECT_EQ(Journal(),
+            Scope("SetTolvaServicesInstance") + ReplaceMatches(bringUp, "TSAL ", "the host's gateway:\nTSAL "));
 }
 
 TEST_F(BringUp, LinesOfAScopeGoToTheLoggerThatItTookAtItsStart) {

@@ -1,8 +1,7 @@
 // Objects of a host that call back into the component from wherever it calls or releases them.
 
 #include "support/ComponentTest.h"
-
-#include <regex>
+#include "support/Patterns.h"
 
 namespace {
 
@@ -24,7 +23,7 @@ class Reentry : public ComponentTest {
   static std::string Written(const std::function<void()>& act) {
     act();
     Fakes::TheScene().hook = nullptr;
-    return std::regex_replace(Journal(), std::regex("gateway released\n"), "");
+    return ReplaceMatches(Journal(), "gateway released\n", "");
   }
 
   struct Action {

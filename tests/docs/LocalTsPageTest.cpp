@@ -2,6 +2,7 @@
 // recorded.
 
 #include "store/schema/Tables.h"
+#include "support/Patterns.h"
 #include "support/Query.h"
 #include "support/ScratchFolder.h"
 
@@ -9,7 +10,8 @@
 
 #include <algorithm>
 #include <map>
-#include <regex>
+#include <sstream>
+#include <string>
 #include <vector>
 
 namespace {
@@ -37,10 +39,6 @@ class LocalTsPage : public testing::Test {
   ScratchFolder folder;
   const std::string page = ContentOf(DOCS "/local-ts.md");
 };
-
-std::vector<std::smatch> Matches(const std::string& text, const std::regex& pattern) {
-  return {std::sregex_iterator(text.begin(), text.end(), pattern), std::sregex_iterator()};
-}
 
 /// The page's table of tables; columns of one meaning that follow one another share a row.
 std::string TablesAsDescribed() {
@@ -70,18 +68,16 @@ TEST(Pages, SayWhatEveryTableIsDescribedAs) {
 
 TEST(Pages, NameTheFieldsOfEveryRecordInTheirOrder) {
   const std::string page = ContentOf(DOCS "/record-format.md");
-  static const std::regex row(R"(\n\| (`(\w+)`)? ?\| ((`\w+`(, )?)+) \| (`(\w+)`)?)");
-  static const std::regex name(R"(`(\w+)`)");
+  const std::string row = R"(\n\| (`(\w+)`)? ?\| ((`\w+`(, )?)+) \| (`(\w+)`)?)";
   std::map<std::string, std::string> named;
   std::string record;
-  for (const std::smatch& line : Matches(page, row)) {
-    if (line[2].matched) {
+  for (const auto& line : MatchesIn(page, row)) {
+    if (!line[2].empty()) {
       record = line[2];
       named[record] = line[7];
     }
-    const std::string fields = line[3];
-    for (const std::smatch& field : Matches(fields, name)) {
-      named[record] += ' ' + field[1].str();
+    for (const auto& field : MatchesIn(line[3], R"(`(\w+)`)")) {
+      named[record] += ' ' + field[1];
     }
   }
   std::map<std::string, std::string> described = {{"run", " format guid"}, {"rest", " format"}};
@@ -107,12 +103,12 @@ TEST(FiveCalls, LeaveTheRowsThatThePageShows) {
   EXPECT_EQ(std::system(command.c_str()), 0);
   const std::string page = ContentOf(DOCS "/local-ts.md");
   int tables = 0;
-  for (const std::smatch& shown : Matches(page, std::regex(R"(\n\| (\w+) \| ([^\n]+) \|\n[|-]+((\n\| \|[^\n]+)+))"))) {
-    std::string rows = std::regex_replace(shown[3].str(), std::regex(R"(\n\| \| (.*) \|)"), "$1\n");
-    rows = std::regex_replace(std::regex_replace(rows, std::regex(R"( \| )"), "\\|"), std::regex("…"), "[^|]+");
-    const std::string columns = std::regex_replace(shown[2].str(), std::regex(R"( \| )"), ", ");
-    const std::string stored = Query(folder / "ts.db", "SELECT " + columns + " FROM " + shown[1].str() + " ORDER BY 1");
-    EXPECT_TRUE(std::regex_match(stored, std::regex(rows))) << shown[1] << ": " << stored << "shown as\n" << rows;
+  for (const auto& shown : MatchesIn(page, R"(\n\| (\w+) \| ([^\n]+) \|\n[|-]+((\n\| \|[^\n]+)+))")) {
+    std::string rows = ReplaceMatches(shown[3], R"(\n\| \| (.*) \|)", "$1\n");
+    rows = ReplaceMatches(ReplaceMatches(rows, R"( \| )", "\\|"), "…", "[^|]+");
+    const std::string columns = ReplaceMatches(shown[2], R"( \| )", ", ");
+    const std::string stored = Query(folder / "ts.db", "SELECT " + columns + " FROM " + shown[1] + " ORDER BY 1");
+    EXPECT_TRUE(Matches(stored, rows)) << shown[1] << ": " << stored << "shown as\n" << rows;
     ++tables;
   }
   EXPECT_EQ(tables, 4);
@@ -177,21 +173,21 @@ TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
                                                      {":high", "1"}};
   const SqlConnection sql = TestStore(folder / "ts.db").Open();
   Add(*sql, run);
-  const auto asked = Matches(page, std::regex(R"(\n### (\d+\. [^\n]*)\n+```sql\n([^`]*);\n```)"));
+  const auto asked = MatchesIn(page, R"(\n### (\d+\. [^\n]*)\n+```sql\n([^`]*);\n```)");
   ASSERT_EQ(asked.size(), questions.size());
   std::string plans;
   for (std::size_t n = 0; n < asked.size(); ++n) {
-    SCOPED_TRACE(asked[n][1].str());
+    SCOPED_TRACE(asked[n][1]);
     std::string statement = asked[n][2];
     for (const auto& [name, value] : values) {
-      statement = std::regex_replace(statement, std::regex(name + "\\b"), value);
+      statement = ReplaceMatches(statement, name + "\\b", value);
     }
     const std::string answer = Ask(statement);
     EXPECT_EQ(Ask("SELECT COUNT(*) FROM (" + statement + ") AS rows_of_it"), std::to_string(questions[n].rows) + "\n")
         << answer;
-    EXPECT_TRUE(std::regex_match(answer.substr(0, answer.find('\n')), std::regex(questions[n].firstAnswer))) << answer;
+    EXPECT_TRUE(Matches(answer.substr(0, answer.find('\n')), questions[n].firstAnswer)) << answer;
     const std::string plan = Explained(*sql, statement);
-    EXPECT_FALSE(std::regex_search(plan, std::regex(R"(SCAN (?!open|tree|running|o\b|r\b|t\b)|Seq Scan)"))) << plan;
+    EXPECT_FALSE(HasMatch(plan, R"(SCAN (?!open|tree|running|o\b|r\b|t\b)|Seq Scan)")) << plan;
     plans += plan;
   }
   // And no index is there that none of them needs.

@@ -1,5 +1,6 @@
 // The default logger. It opens its target once in a process: each of these cases needs one of its own.
 
+#include "support/Patterns.h"
 #include "support/ScratchFolder.h"
 #include "support/System.h"
 
@@ -8,7 +9,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <regex>
 #include <thread>
 
 namespace {
@@ -18,8 +18,8 @@ using namespace std::string_literals;
 
 /// A log with TIME for each time that has the form, and one end for its lines.
 std::string Timeless(const std::string& log) {
-  static const std::regex time(R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}[+-]\d\d:\d\d)");
-  return std::regex_replace(std::regex_replace(log, time, "TIME"), std::regex("\r\n"), "\n");
+  const std::string time = R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}[+-]\d\d:\d\d)";
+  return ReplaceMatches(ReplaceMatches(log, time, "TIME"), "\r\n", "\n");
 }
 
 TEST(LoggerOfTheHost, WritesALineForEachTextAndThreadWhateverIsInIt) {
@@ -44,8 +44,8 @@ TEST(LoggerOfTheHost, WritesALineForEachTextAndThreadWhateverIsInIt) {
   };
   std::thread one(write), two(write);
   one.join(), two.join();
-  const std::regex line("TIME \\[info\\] \\[a\\] " + std::string(5'000, 'x') + "\n");
-  EXPECT_EQ(std::regex_replace(Timeless(ContentOf(folder / "log")), line, "."), expected + std::string(100, '.'));
+  const std::string line = "TIME \\[info\\] \\[a\\] " + std::string(5'000, 'x') + "\n";
+  EXPECT_EQ(ReplaceMatches(Timeless(ContentOf(folder / "log")), line, "."), expected + std::string(100, '.'));
 }
 
 TEST(LoggerOfTheHost, MakesAFileThatOnlyOwnerAndGroupCanRead) {
