@@ -2,6 +2,7 @@
 // line says of itself and from SOURCE, which has what it does not say. Run by the build.
 
 #include "CommandLine.h"
+#include "describing/Completion.h"
 #include "describing/ManualPage.h"
 
 #include <exception>
@@ -31,6 +32,9 @@ std::string Described(const std::string& form, const std::string& source) {
   const Velora::CommandLine::Description program = Velora::Ts::DescribeCommandLine();
   if (form == "manual") {
     return ManualPage(program, VELORA_VERSION, source);
+  }
+  if (form == "bash") {
+    return BashCompletion(program, source);
   }
   throw std::runtime_error("there is no form '" + form + '\'');
 }

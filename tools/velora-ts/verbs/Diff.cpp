@@ -23,7 +23,7 @@ class DiffVerb : public StoreVerb {
                     "The run to compare it with, named as RUN. Default: the newest finished run of the same activity "
                     "and instrument "
                     "that started before RUN",
-                    "RUN");
+                    "RUN2");
     rules.AddSlower(options);
     options.AddFlag("--all", all, "Write every difference instead of a summary, and what is equal");
     options.AddFlag("--json", json, "Write a JSON object with every difference, with times in UTC");

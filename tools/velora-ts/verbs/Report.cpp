@@ -27,7 +27,7 @@ class ReportVerb : public StoreVerb {
     options.AddRequiredText("RUN", name, "The run to show: " VELORA_RUN_FORMS);
     options.AddText("-o,--output", file,
                     "The file to write. Default: run-GUID.html, with the first letters of the guid", "FILE");
-    options.AddText("--against", secondName, "A run to compare it with, named as RUN", "RUN");
+    options.AddText("--against", secondName, "A run to compare it with, named as RUN", "RUN2");
     for (const char* option : {"--with", "--tolerance", "--ignore"}) {
       options.Require(option, "--against");
     }
