@@ -1,18 +1,20 @@
 # shellcheck shell=bash
 # Functions that the scripts share. Source it from the root of the project.
 
-# quietly TEXT LOG COMMAND...: prints TEXT and writes the output of the command to LOG. If the command fails, it shows
-# the end of the output.
+# quietly TEXT LOG COMMAND...: prints TEXT and how long the command took, and writes its output to LOG. If the command
+# fails, it shows the end of the output.
 quietly() {
-  local text=$1 log=$2
+  local text=$1 log=$2 start=$SECONDS
   shift 2
-  echo "$text"
+  printf '%s' "$text"
   mkdir -p "$(dirname "$log")"
   if ! "$@" >"$log" 2>&1; then
+    echo
     tail -n 40 "$log" >&2
     echo "$text: failed; the whole output is in $log" >&2
     return 1
   fi
+  echo ": $((SECONDS - start)) s"
 }
 
 # build PRESET [TARGET...]: configures and builds into build/PRESET.
@@ -21,6 +23,13 @@ build() {
   shift
   quietly "Configuring $preset" "build/$preset-configure.log" cmake --preset "$preset"
   quietly "Building $preset" "build/$preset-build.log" cmake --build --preset "$preset" ${1:+--target "$@"}
+}
+
+# prepare_benchmarks TARGET...: builds benchmarks with release, where the libraries are that tests run.
+prepare_benchmarks() {
+  scripts/install-prerequisites benchmarks
+  quietly "Turning the benchmarks on" build/release-benchmarks.log cmake --preset release -D VELORA_BENCHMARKS=ON
+  build release "$@"
 }
 
 # prepare_page: builds release with the tests that open pages of runs in Chromium.
