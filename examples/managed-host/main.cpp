@@ -5,6 +5,7 @@
 #include "LoadedLibrary.h"
 #include "TiltSeriesRecording.h"
 
+#include <VeloraSystem/Console.h>
 #include <VeloraText/Printable.h>
 #include <VeloraTsLogging/ITsLoggingConfigurator.h>
 
@@ -50,6 +51,7 @@ int Main(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const Velora::System::StandardStreams streams;
   try {
     return Main(argc, argv);
   } catch (const std::exception& reason) {

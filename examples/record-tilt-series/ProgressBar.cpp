@@ -1,7 +1,6 @@
 #include "ProgressBar.h"
 
-#include "System.h"
-
+#include <VeloraSystem/Console.h>
 #include <VeloraText/Printable.h>
 
 #include <algorithm>
@@ -15,7 +14,8 @@ constexpr std::chrono::milliseconds betweenDrawings{100};
 
 }  // namespace
 
-ProgressBar::ProgressBar(std::uint64_t total) : terminal(IsTerminalOnStandardError()), total(total) {}
+ProgressBar::ProgressBar(std::uint64_t total)
+    : terminal(Velora::System::TakesEscapes(Velora::System::Standard::Error)), total(total) {}
 
 void ProgressBar::Show(std::uint64_t done, const std::string& label) {
   const auto now = std::chrono::steady_clock::now();

@@ -6,7 +6,6 @@
 
 // Functions that have different names on different systems.
 
-bool IsTerminalOnStandardError();
 /// Sets an environment variable that has no value yet.
 void SetUnlessSet(const char* variable, const std::string& value);
 /// What a program writes to standard output; nothing if it cannot be started or ends with another exit code than 0.

@@ -1,7 +1,5 @@
 #include "System.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
 
@@ -17,7 +15,6 @@ std::string Quoted(const std::string& word) {
 
 }  // namespace
 
-bool IsTerminalOnStandardError() { return isatty(STDERR_FILENO) != 0; }
 void SetUnlessSet(const char* variable, const std::string& value) { setenv(variable, value.c_str(), 0); }
 
 std::optional<std::string> OutputOf(const std::vector<std::string>& command) {

@@ -1,7 +1,5 @@
 #include "System.h"
 
-#include <io.h>
-
 #include <cstdio>
 #include <cstdlib>
 
@@ -12,7 +10,6 @@ std::string Quoted(const std::string& word) { return '"' + word + '"'; }
 
 }  // namespace
 
-bool IsTerminalOnStandardError() { return _isatty(_fileno(stderr)) != 0; }
 void SetUnlessSet(const char* variable, const std::string& value) {
   if (std::getenv(variable) == nullptr) {
     _putenv_s(variable, value.c_str());

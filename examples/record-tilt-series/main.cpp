@@ -3,6 +3,7 @@
 #include "HostOptions.h"
 #include "TiltSeriesRecording.h"
 
+#include <VeloraSystem/Console.h>
 #include <VeloraText/Printable.h>
 
 #include <iostream>
@@ -24,6 +25,7 @@ int Main(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  const Velora::System::StandardStreams streams;
   try {
     return Main(argc, argv);
   } catch (const std::exception& reason) {

@@ -45,7 +45,7 @@ std::size_t EndOfWholeCharacters(std::string_view text) {
 class Buffer : public std::streambuf {
  public:
   Buffer(std::ostream& stream, Standard standard)
-      : stream(stream), standard(standard), console(IsTerminal(standard)), former(stream.rdbuf(this)) {
+      : stream(stream), standard(standard), console(ConsoleMode(standard)), former(stream.rdbuf(this)) {
     setp(bytes.data(), bytes.data() + bytes.size());
     _setmode(Descriptor(), _O_BINARY);
   }
@@ -54,6 +54,9 @@ class Buffer : public std::streambuf {
   ~Buffer() override {
     sync();
     stream.rdbuf(former);
+    if (console) {
+      SetConsoleMode(HandleOf(standard), *console);
+    }
   }
 
  protected:
@@ -110,7 +113,7 @@ class Buffer : public std::streambuf {
 
   std::ostream& stream;
   const Standard standard;
-  const bool console;
+  const std::optional<DWORD> console;  // how it was; nothing if it is none
   std::streambuf* const former;
   std::array<char, 8192> bytes{};
 };
