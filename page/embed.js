@@ -53,11 +53,11 @@ function frameOf(html, script) {
 const definition = (variable, text) =>
   `static constexpr std::string_view ${variable}Pieces[] = {\n${pieces(text)}};\n` +
   `static constexpr FramePart ${variable}(std::begin(${variable}Pieces), std::end(${variable}Pieces));\n`;
-function frameDefinition(variable, texts) {
-  const places = ['head', 'middle', 'tail'].map((place) => variable + place);
+function frameDefinition(name, texts) {
+  const places = ['Head', 'Middle', 'Tail'].map((place) => name + place);
   return `${places
     .map((place, at) => definition(place, texts[at]))
-    .join('')}const Frame ${variable}{${places[0]}, ${places[1]}, libraryText, ${places[2]}};\n`;
+    .join('')}Frame ${name}() { return {${places[0]}, ${places[1]}, libraryText, ${places[2]}}; }\n`;
 }
 writeFileSync(
   output,
@@ -68,8 +68,8 @@ writeFileSync(
 namespace Velora::Page {
 
 ${definition('libraryText', library)}
-${frameDefinition('runFrame', frameOf(here('view/page.html'), read(runScript)))}
-${frameDefinition('statisticsFrame', frameOf(here('statistics/page.html'), read(statisticsScript)))}
+${frameDefinition('RunFrame', frameOf(here('view/page.html'), read(runScript)))}
+${frameDefinition('StatisticsFrame', frameOf(here('statistics/page.html'), read(statisticsScript)))}
 }  // namespace Velora::Page
 `,
 );

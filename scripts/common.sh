@@ -17,11 +17,13 @@ quietly() {
   echo ": $((SECONDS - start)) s"
 }
 
-# build PRESET [TARGET...]: configures and builds into build/PRESET.
+# build PRESET [TARGET...]: configures and builds into build/PRESET. VELORA_PAGE in the environment becomes the option
+# of that name (docs/report.md).
 build() {
   local preset=$1
   shift
-  quietly "Configuring $preset" "build/$preset-configure.log" cmake --preset "$preset"
+  quietly "Configuring $preset" "build/$preset-configure.log" \
+    cmake --preset "$preset" ${VELORA_PAGE:+-D "VELORA_PAGE=$VELORA_PAGE"}
   quietly "Building $preset" "build/$preset-build.log" cmake --build --preset "$preset" ${1:+--target "$@"}
 }
 
@@ -35,7 +37,8 @@ prepare_benchmarks() {
 # prepare_page: builds release with the tests that open pages of runs in Chromium.
 prepare_page() {
   scripts/install-prerequisites page
-  quietly "Turning the tests of the page on" build/release-page.log cmake --preset release -D VELORA_PAGE_TESTS=ON
+  quietly "Turning the tests of the page on" build/release-page.log \
+    cmake --preset release -D VELORA_PAGE=ON -D VELORA_PAGE_TESTS=ON
   build release
 }
 

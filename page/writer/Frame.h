@@ -14,8 +14,11 @@ struct Frame {
   FramePart beforeData, behindData, library, end;
 };
 
-extern const Frame runFrame;         ///< Of a run.
-extern const Frame statisticsFrame;  ///< Of statistics.
+/// The page of a run.
+/// @throws NotOffered when the program was built without pages; so does the other one.
+Frame RunFrame();
+/// The page of statistics.
+Frame StatisticsFrame();
 
 using Write = std::function<void(std::string_view)>;
 

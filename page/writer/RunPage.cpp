@@ -16,8 +16,9 @@ long long RunPage::Events() const {
   return kept.Recorded() + (beside.against != nullptr ? beside.against->Kept().Recorded() : 0);
 }
 
-void RunPage::Write(const std::function<void(std::string_view)>& write, const std::function<void()>& step) const {
-  WriteFramed(runFrame, write, [&](const Page::Write& json) { WriteRunData(store, run, kept, beside, json, step); });
+void RunPage::Write(const Frame& frame, const std::function<void(std::string_view)>& write,
+                    const std::function<void()>& step) const {
+  WriteFramed(frame, write, [&](const Page::Write& json) { WriteRunData(store, run, kept, beside, json, step); });
 }
 
 }  // namespace Velora::Page

@@ -13,6 +13,8 @@ struct Run;
 
 namespace Velora::Page {
 
+struct Frame;
+
 /// The page of a run: one HTML file that needs neither another file nor a network.
 class RunPage {
  public:
@@ -25,8 +27,10 @@ class RunPage {
   std::string EventsInWords() const { return kept.InWords(); }
 
   /// Writes the page in pieces.
+  /// @param frame the page without its data.
   /// @param step is called for each event of the run.
-  void Write(const std::function<void(std::string_view piece)>& write, const std::function<void()>& step) const;
+  void Write(const Frame& frame, const std::function<void(std::string_view piece)>& write,
+             const std::function<void()>& step) const;
 
  private:
   const Store::Reader& store;

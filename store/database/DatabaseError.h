@@ -39,7 +39,7 @@ class StoreReplaced : public Error {
               "' was removed or replaced since the session began; expected it to stay until the next session") {}
 };
 
-/// This kind of database does not offer what was asked for.
+/// This kind of database, or this build, does not offer what was asked for.
 class NotOffered : public Error {
  public:
   using Error::Error;

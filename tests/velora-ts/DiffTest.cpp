@@ -299,6 +299,7 @@ TEST_F(Diff, IsToldByTheVerb) {
 }
 
 TEST_F(Diff, IsInTheDataOfAPage) {
+  NEEDS_PAGE();
   const std::string other = Record("a{E:x=1;F} c{}"), own = Record("a{E:x=1.5} b{} c{G}");
   const auto keys = [this](const std::string& question) {
     return Query(*TestStore(folder / "." / "ts.db").Open(), question);

@@ -83,6 +83,7 @@ TEST_F(Night, ShowBeginsWithTheCause) {
 }
 
 TEST_F(Night, ALargePageHasTheLastEventsWhereItStopped) {
+  NEEDS_PAGE();
   TestStore(folder / "ts.db")
       .Open()
       ->RunScript(
@@ -108,6 +109,7 @@ TEST_F(Night, LinesOfTheLogStandAmongTheEvents) {
       "2026-11-26 08:34:00.500+05:30 log error all is off\n2026-11-26 08:29:00.000+05:30 log info here\n");
   EXPECT_EQ(Told(arguments + " | sed -n '/ info /p'"), "");
   EXPECT_TRUE(std::regex_search(Told(arguments + " --json"), std::regex(R"(\],"log":\[\n(\{"at":"[^\n]*\n){4}$)")));
+  NEEDS_PAGE();
   EXPECT_EQ(Shell("'" VELORA_TS "' report last -o page --log night.log other.log && grep -o '\"log\":{.*\\]' page"), 0);
   EXPECT_TRUE(Says(R"("level":["warning",0,"error",0],"source":["Acquisition",0,0,""],"text":["nitrogen)")) << said;
 }

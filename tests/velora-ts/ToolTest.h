@@ -11,6 +11,10 @@
 
 #include <string>
 
+/// Skips the rest of a test, which needs the page, in a build without it.
+#define NEEDS_PAGE() \
+  if (!WITH_PAGE) GTEST_SKIP() << "velora-ts was built without pages; npm brings them"
+
 /// A fixture whose tests run velora-ts in its folder.
 template <typename Fixture>
 class WithTool : public WithShell<Fixture> {

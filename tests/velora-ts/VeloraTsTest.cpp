@@ -108,6 +108,19 @@ TEST_F(VeloraTs, HelpIsTheSameInBothFormsAndFitsATerminal) {
   }
 }
 
+TEST_F(VeloraTs, BuiltWithoutPagesSaysSoAndDoesTheRest) {
+  for (const std::string arguments : {"report last", "report nothing --config none", "stats TiltAngle --plot page"}) {
+    EXPECT_EQ(Shell("'" VELORA_TS_WITHOUT_PAGE "' " + arguments), 2) << arguments;
+    EXPECT_TRUE(std::regex_match(said, std::regex("[^\n]*built without pages[^\n]*VELORA_PAGE=ON[^\n]*\n"))) << said;
+  }
+  for (const std::string arguments : {"help report", "stats TiltAngle"}) {
+    EXPECT_EQ(Tool(arguments), 0);
+    const std::string expected = said;
+    EXPECT_EQ(Shell("'" VELORA_TS_WITHOUT_PAGE "' " + arguments), 0);
+    EXPECT_EQ(said, expected);
+  }
+}
+
 TEST_F(VeloraTs, NothingThatItSaysSteersATerminal) {
   static const std::string steering = "\x1b[2J\u009B\u061C\u202E\u2066\u200B\U000E0041\xFF";
   const auto store = [this](const std::string& name, const std::string& statements) {
@@ -124,16 +137,21 @@ TEST_F(VeloraTs, NothingThatItSaysSteersATerminal) {
   create_directory(folder / "setting");
   WriteHostFiles(folder, "setting/");
   folder.Write("setting/TSAL.config", "<TSAL><Database Backend='\u009B\u202E' Connection='x'/></TSAL>");
-  for (const std::string& arguments :
-       {"verify --config foreign"s, "check --config foreign"s, "check --config malformed"s, "check --config setting"s,
-        "check --config '" + steering + "'", "backup '" + steering + ".db'", "report last -o '" + steering + ".html'",
-        "show '" + steering + "'", "runs '" + steering + "'"}) {
+  const auto expectHarmless = [&](const std::string& arguments) {
     Tool(arguments);
     EXPECT_TRUE(Says("\uFFFD\uFFFD")) << arguments << ": " << said;
     for (const std::string raw : {"\x1b", "\u009B", "\u061C", "\u202E", "\u2066", "\u200B", "\U000E0041", "\xFF"}) {
       EXPECT_FALSE(Says(raw)) << arguments << ": " << said;
     }
+  };
+  for (const std::string& arguments :
+       {"verify --config foreign"s, "check --config foreign"s, "check --config malformed"s, "check --config setting"s,
+        "check --config '" + steering + "'", "backup '" + steering + ".db'", "show '" + steering + "'",
+        "runs '" + steering + "'"}) {
+    expectHarmless(arguments);
   }
+  NEEDS_PAGE();
+  expectHarmless("report last -o '" + steering + ".html'");
 }
 
 TEST_F(VeloraTs, ExportsTheSameFromEverySchemaAndAsDocumented) {

@@ -3,6 +3,7 @@
 #include "output/Progress.h"
 #include "output/Words.h"
 #include "page/writer/Against.h"
+#include "page/writer/Frame.h"
 #include "page/writer/LogColumns.h"
 #include "page/writer/RunPage.h"
 #include "store/reading/Reader.h"
@@ -34,6 +35,7 @@ class ReportVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
+    const Page::Frame frame = Page::RunFrame();  // first, because a build may lack it
     const Settings settings = StoreSettings();
     const Reader store(settings.database);
     const std::optional<Run> run = TheRunNamed(store, name);
@@ -60,7 +62,8 @@ class ReportVerb : public StoreVerb {
     PageFile target(path);
     {
       Progress progress("Writing events", page.Events());
-      page.Write([&](std::string_view piece) { target.Write(piece); }, [&] { progress.Add(1); });
+      page.Write(
+          frame, [&](std::string_view piece) { target.Write(piece); }, [&] { progress.Add(1); });
     }
     store.ExpectUntouched();
     second.StoreOf(store).ExpectUntouched();

@@ -126,18 +126,20 @@ class StatsVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
+    // First, because a build may lack it.
+    const std::optional<Page::Frame> frame = plot.empty() ? std::nullopt : std::optional(Page::StatisticsFrame());
     const Store::EventWindow asked = window.Window();
     const int shown = digits.Value();
     const std::optional<Period> before = PeriodBefore(against, asked);
     const std::string name = ToStoredText(parameter);
     const Settings settings = StoreSettings();
     const Reader store(settings.database);
-    const Statistics statistics = StatisticsOf(store, asked, name, ways.at(by), before, !plot.empty());
+    const Statistics statistics = StatisticsOf(store, asked, name, ways.at(by), before, frame.has_value());
     if (!statistics.HasAny()) {
       return ExplainAbsence(store, Named::Parameter, name);
     }
-    if (!plot.empty()) {
-      WritePage(statistics, name, settings);
+    if (frame) {
+      WritePage(*frame, statistics, name, settings);
     } else if (json) {
       WriteData(AsJson(statistics, name, by) + "}\n");
     } else {
@@ -149,12 +151,13 @@ class StatsVerb : public StoreVerb {
   }
 
  private:
-  void WritePage(const Statistics& statistics, const std::string& name, const Settings& settings) const {
+  void WritePage(const Page::Frame& frame, const Statistics& statistics, const std::string& name,
+                 const Settings& settings) const {
     std::string data = AsJson(statistics, name, by) + ",\n\"unit\":";
     AppendText(data, Units(settings.units).Of(name));
     PageFile page(plot);
     Page::WriteFramed(
-        Page::statisticsFrame, [&page](std::string_view text) { page.Write(text); },
+        frame, [&page](std::string_view text) { page.Write(text); },
         [&data](const Page::Write& write) { write(data + '}'); });
     page.Finish();
     Complain(std::to_string(statistics.all.distribution.count) + " numbers, written to '" + plot + "', " +
