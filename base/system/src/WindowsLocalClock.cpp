@@ -37,9 +37,11 @@ sys_seconds TimeOf(const SYSTEMTIME& parts) {
 seconds LocalOffset(sys_seconds moment) {
   const sys_seconds known = std::clamp<sys_seconds>(moment, first, last);
   const SYSTEMTIME utc = PartsOf(known);
+  TIME_ZONE_INFORMATION ofYear{};
+  TIME_ZONE_INFORMATION* const rules =  // null for those of today
+      GetTimeZoneInformationForYear(utc.wYear, nullptr, &ofYear) != 0 ? &ofYear : nullptr;
   SYSTEMTIME local{};
-  // With the rules of that year.
-  return SystemTimeToTzSpecificLocalTimeEx(nullptr, &utc, &local) != 0 ? TimeOf(local) - known : seconds(0);
+  return SystemTimeToTzSpecificLocalTime(rules, &utc, &local) != 0 ? TimeOf(local) - known : seconds(0);
 }
 
 }  // namespace Velora::System
