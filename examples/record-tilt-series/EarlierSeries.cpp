@@ -2,6 +2,7 @@
 
 #include "System.h"
 
+#include <VeloraSystem/Path.h>
 #include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/System.h>
 #include <VeloraText/Printable.h>
@@ -11,7 +12,6 @@
 #include <cstdio>
 #include <iomanip>
 #include <iostream>
-#include <memory>
 #include <optional>
 #include <sstream>
 
@@ -20,19 +20,20 @@ namespace fs = std::filesystem;
 namespace {
 
 /// The 64-bit FNV-1a hash of a file. It finds equal files, and is no proof against someone who makes others.
-std::string ContentOf(const fs::path& path) {
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(Velora::System::OpenRegularFile(path.string()),
-                                                             &std::fclose);
+std::string ContentOf(const fs::path& path) try {
+  const Velora::System::File file = Velora::System::OpenRegularFile(Velora::System::TextOf(path));
   std::uint64_t hash = 14695981039346656037U;
   std::array<unsigned char, 65536> bytes{};
-  for (std::size_t count = 0; file && (count = std::fread(bytes.data(), 1, bytes.size(), file.get())) > 0;) {
+  for (std::size_t count = 0; (count = std::fread(bytes.data(), 1, bytes.size(), file.get())) > 0;) {
     for (std::size_t at = 0; at < count; ++at) {
       hash = (hash ^ bytes[at]) * 1099511628211U;
     }
   }
   std::ostringstream digits;
   digits << "content " << std::hex << std::setfill('0') << std::setw(16) << hash;
-  return file && std::ferror(file.get()) == 0 ? digits.str() : "";
+  return std::ferror(file.get()) == 0 ? digits.str() : "";
+} catch (const Velora::System::Failure&) {
+  return "";
 }
 
 /// The runs of a node, one a line, as JSON; nothing if they cannot be read.

@@ -3,6 +3,8 @@
 #include "store/database/SqliteConnection.h"
 #include "store/reading/Reader.h"
 
+#include <VeloraSystem/Path.h>
+
 namespace Velora::Store {
 namespace {
 
@@ -23,7 +25,7 @@ void CopyFile(const Reader& store, const std::string& target, const std::functio
     throw Error("file '" + target + "' cannot be written: " + reason);
   };
   try {
-    SqliteConnection to(target, target, SQLITE_OPEN_READWRITE);
+    SqliteConnection to(target, System::AtAnyLength(target), SQLITE_OPEN_READWRITE);
     // Without a journal: if the program is killed, the next program to open the file would undo the copy from it.
     to.RunScript("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF");
     sqlite3* const from = static_cast<SqliteConnection&>(store.Sql()).Handle();

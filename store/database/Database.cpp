@@ -2,7 +2,7 @@
 
 #include "store/database/PostgreSqlAddress.h"
 
-#include <filesystem>
+#include <VeloraSystem/Path.h>
 
 namespace Velora::Store {
 
@@ -11,7 +11,7 @@ std::string NameOf(const Database& database) {
 }
 
 std::string FolderOf(const Database& database) {
-  return database.kind == Database::Kind::Sqlite ? std::filesystem::path(database.where).parent_path().string() : "";
+  return database.kind == Database::Kind::Sqlite ? System::TextOf(System::PathOf(database.where).parent_path()) : "";
 }
 
 }  // namespace Velora::Store

@@ -76,12 +76,18 @@ class SqliteCursor : public Cursor {
   bool over = false;
 };
 
+// On Windows, the access to files that takes paths of any length. Elsewhere there is none of this name.
+const char* AnyLength() {
+  constexpr const char* name = "win32-longpath";
+  return sqlite3_vfs_find(name) != nullptr ? name : nullptr;
+}
+
 }  // namespace
 
 // Without SQLite's mutex, which every call would lock: one thread at a time uses a connection.
 SqliteConnection::SqliteConnection(std::string name, const std::string& file, int flags) : Connection(std::move(name)) {
   sqlite3* opened = nullptr;
-  const int result = sqlite3_open_v2(file.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, nullptr);
+  const int result = sqlite3_open_v2(file.c_str(), &opened, flags | SQLITE_OPEN_NOMUTEX, AnyLength());
   handle.reset(opened);
   if (result == SQLITE_NOMEM) {
     throw std::bad_alloc();

@@ -1,5 +1,6 @@
 #include "store/reading/SqliteSource.h"
 
+#include <VeloraSystem/Path.h>
 #include <VeloraSystem/RegularFile.h>
 #include "store/Error.h"
 
@@ -17,12 +18,12 @@ constexpr int longestWaitMilliseconds =
 
 std::filesystem::file_time_type WrittenAt(const std::string& path) {
   std::error_code unknown;
-  return std::filesystem::last_write_time(path, unknown);
+  return std::filesystem::last_write_time(System::PathOf(path), unknown);
 }
 
 bool HasContent(const std::string& path) {
   std::error_code unknown;
-  const auto size = std::filesystem::file_size(path, unknown);
+  const auto size = std::filesystem::file_size(System::PathOf(path), unknown);
   return !unknown && size > 0;
 }
 
@@ -45,10 +46,10 @@ std::string UriOf(const std::string& path, const char* how) {
 
 SqliteSource::SqliteSource(const std::string& path) : path(path) {
   std::error_code unknown;
-  if (!std::filesystem::exists(path, unknown)) {
+  if (!std::filesystem::exists(System::PathOf(path), unknown)) {
     throw NoStoreYet("there is no TS store '" + path + "'; the first host that records makes it");
   }
-  if (const std::string kind = System::KindOfNoFile(path); !kind.empty()) {
+  if (const std::string kind = System::KindOfNoFile(System::PathOf(path)); !kind.empty()) {
     throw Error("TS database '" + path + "' is " + kind + "; expected a regular file");
   }
   Open(path, "?mode=ro");
@@ -59,7 +60,8 @@ SqliteSource::SqliteSource(const std::string& path) : path(path) {
   written = WrittenAt(file);
   // If a host has the file open, its log lies beside it. If there is no log, SQLite would make one for a reader too,
   // which would stay behind, and would fail for a user who may not write to the folder.
-  closed = !std::filesystem::exists(sqlite3_filename_wal(name), unknown) && !HasContent(sqlite3_filename_journal(name));
+  closed = !std::filesystem::exists(System::PathOf(sqlite3_filename_wal(name)), unknown) &&
+           !HasContent(sqlite3_filename_journal(name));
   if (closed) {
     Open(file, "?immutable=1");
   }
@@ -68,7 +70,8 @@ SqliteSource::SqliteSource(const std::string& path) : path(path) {
 
 void SqliteSource::Open(const std::string& name, const char* how) {
   try {
-    connection = std::make_unique<SqliteConnection>(path, UriOf(name, how), SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
+    connection = std::make_unique<SqliteConnection>(path, UriOf(System::AtAnyLength(name), how),
+                                                    SQLITE_OPEN_READONLY | SQLITE_OPEN_URI);
   } catch (const DatabaseError& error) {
     throw Error("TS database '" + path + "' cannot be opened: " + error.reason);
   }
@@ -78,7 +81,7 @@ void SqliteSource::Open(const std::string& name, const char* how) {
 
 void SqliteSource::ExpectOneName() const {
   std::error_code unknown;
-  const auto names = std::filesystem::hard_link_count(file, unknown);
+  const auto names = std::filesystem::hard_link_count(System::PathOf(file), unknown);
   if (!unknown && names > 1) {
     throw Error("TS database '" + path + "' has " + std::to_string(names) +
                 " names (hard links), and what hosts record may be in a log beside another one; expected one name: "

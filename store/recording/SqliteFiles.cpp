@@ -1,5 +1,7 @@
 #include "store/recording/SqliteFiles.h"
 
+#include <VeloraSystem/Path.h>
+
 #include <sqlite3.h>
 
 #include <algorithm>
@@ -31,7 +33,7 @@ SqliteFiles::SqliteFiles(sqlite3* database, const std::string& name)
 // the identity of one that is open.
 bool SqliteFiles::AreInPlace() const {
   const auto isInPlace = [](const File& file) {
-    return file.id != System::FileId() && file.id == System::IdOf(file.path);
+    return file.id != System::FileId() && file.id == System::IdOfOpen(file.path);
   };
   return std::all_of(main.begin(), main.end(), isInPlace) && std::all_of(log.begin(), log.end(), isInPlace);
 }
@@ -41,8 +43,8 @@ bool SqliteFiles::AreInPlace() const {
 void SqliteFiles::SpareOthers() const {
   const auto isAnothers = [](const File& file) {
     std::error_code none;
-    const std::uintmax_t size = std::filesystem::file_size(file.path, none);
-    return !none && size != 0 && file.id != System::IdOf(file.path);
+    const std::uintmax_t size = std::filesystem::file_size(System::PathOf(file.path), none);
+    return !none && size != 0 && file.id != System::IdOfOpen(file.path);
   };
   if (std::any_of(log.begin(), log.end(), isAnothers)) {
     sqlite3_db_config(database, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);

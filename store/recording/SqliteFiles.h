@@ -30,7 +30,7 @@ class SqliteFiles {
     std::string path;
     System::FileId id;
   };
-  static File Find(const std::string& path) { return {path, System::IdOf(path)}; }
+  static File Find(const std::string& path) { return {path, System::IdOfOpen(path)}; }
 
   sqlite3* const database;
   std::vector<File> main;  // as others find it, and as SQLite opened it if that is another path

@@ -3,6 +3,7 @@
 #include "store/schema/BringUp.h"
 #include "store/schema/SessionLocks.h"
 
+#include <VeloraSystem/Path.h>
 #include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/System.h>
 
@@ -23,17 +24,19 @@ constexpr const char* rightsExpected =
     "; expected an existing folder, and the right to write it and the file, because a log is kept beside the file";
 
 SqliteConnection Open(const std::string& file, Opening opening) {
-  if (const std::string kind = System::KindOfNoFile(file); !kind.empty()) {  // SQLite would wait for a FIFO
+  if (const std::string kind = System::KindOfNoFile(System::PathOf(file));
+      !kind.empty()) {  // SQLite would wait for a FIFO
     throw Error("TS database '" + file + "' is " + kind + "; expected a regular file");
   }
   if (opening == Opening::MakesStore) {
     // SQLite would make a file that everybody can read. Its other files get the permissions of this one.
     System::MakeOwnFile(file);
-  } else if (std::error_code unknown; !std::filesystem::exists(file, unknown) && !unknown) {
+  } else if (std::error_code unknown; !std::filesystem::exists(System::PathOf(file), unknown) && !unknown) {
     throw StoreReplaced(file);
   }
   try {
-    return {file, file, SQLITE_OPEN_READWRITE | (opening == Opening::MakesStore ? SQLITE_OPEN_CREATE : 0)};
+    return {file, System::AtAnyLength(file),
+            SQLITE_OPEN_READWRITE | (opening == Opening::MakesStore ? SQLITE_OPEN_CREATE : 0)};
   } catch (const DatabaseError& error) {
     throw NotReachable("TS database '" + file + "' cannot be opened: " + error.reason + rightsExpected);
   }

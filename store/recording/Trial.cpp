@@ -6,6 +6,7 @@
 #include "store/values/Guid.h"
 #include "store/values/StoredTime.h"
 
+#include <VeloraSystem/Path.h>
 #include <VeloraSystem/System.h>
 
 #include <filesystem>
@@ -17,15 +18,15 @@ namespace fs = std::filesystem;
 namespace Velora::Store {
 namespace {
 
-void ExpectRoomFor(const fs::path& file) {
-  const std::string folder = file.parent_path().string();
+void ExpectRoomFor(const Database& database) {
+  const std::string folder = FolderOf(database);
   std::error_code unknown;
-  if (!fs::is_directory(folder, unknown)) {
-    throw Error("TS database '" + file.string() + "' cannot be made: there is no folder '" + folder +
+  if (!fs::is_directory(System::PathOf(folder), unknown)) {
+    throw Error("TS database '" + database.where + "' cannot be made: there is no folder '" + folder +
                 "'; expected an existing folder");
   }
   if (!System::TakesNewFiles(folder)) {
-    throw Error("TS database '" + file.string() + "' cannot be made or written: no file can be made in the folder '" +
+    throw Error("TS database '" + database.where + "' cannot be made or written: no file can be made in the folder '" +
                 folder + "'; expected the right to write it, because a log is kept beside the database");
   }
 }
@@ -56,9 +57,9 @@ Trial TryIn(Writer& store, const Settings& settings) {
 Trial TryToRecord(const Settings& settings) {
   const Database& database = settings.database;
   if (database.kind == Database::Kind::Sqlite) {
-    ExpectRoomFor(database.where);
+    ExpectRoomFor(database);
     std::error_code unknown;
-    if (!fs::exists(database.where, unknown)) {
+    if (!fs::exists(System::PathOf(database.where), unknown)) {
       return {0, "'" + database.where + "' does not exist yet; the first host that records makes it", ""};
     }
   }

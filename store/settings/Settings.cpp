@@ -3,6 +3,7 @@
 #include "store/database/PostgreSqlAddress.h"
 #include "store/settings/XmlFile.h"
 
+#include <VeloraSystem/Path.h>
 #include <VeloraSystem/System.h>
 #include "store/Error.h"
 
@@ -31,7 +32,7 @@ Database DatabaseIn(const XmlFile& xml, const std::filesystem::path& folder) {
   const std::string backend = xml.Required(database, "Backend");
   const std::string connection = xml.Required(database, "Connection");
   if (backend == "sqlite3") {
-    return {Database::Kind::Sqlite, (folder / connection).string()};
+    return {Database::Kind::Sqlite, System::TextOf(folder / System::PathOf(connection))};
   }
   if (backend == "postgresql") {
     if (!IsPostgreSqlAddress(connection)) {  // the library's reason is left out: it can contain a password
@@ -59,12 +60,12 @@ std::map<std::string, std::string> UnitsIn(const XmlFile& xml) {
 Settings ReadSettings(const std::string& folder) {
   // Absolute, so that a session keeps its database when the current directory changes.
   std::error_code error;
-  const std::filesystem::path file = std::filesystem::absolute(std::filesystem::path(folder) / "TSAL.config", error);
+  const std::filesystem::path file = std::filesystem::absolute(System::PathOf(folder) / "TSAL.config", error);
   if (error) {
     throw Error("file 'TSAL.config' cannot be found: the current directory is unknown: " + error.message());
   }
-  const XmlFile xml(file.string(), {{{"TSAL", {"Instrument"}}},
-                                    {{"Database", {"Backend", "Connection"}}, {"Unit", {"Parameter", "Text"}}}});
+  const XmlFile xml(System::TextOf(file), {{{"TSAL", {"Instrument"}}},
+                                           {{"Database", {"Backend", "Connection"}}, {"Unit", {"Parameter", "Text"}}}});
   Settings settings;
   const std::string given = xml.Elements().front().Value("Instrument");
   settings.instrument = given.empty() ? System::ComputerName() : given;

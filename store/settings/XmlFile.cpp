@@ -2,6 +2,7 @@
 
 #include "store/settings/WholeFile.h"
 
+#include <VeloraSystem/Path.h>
 #include "store/Error.h"
 
 #include <algorithm>
@@ -15,8 +16,8 @@ namespace {
 // The absolute path, for errors: a reader of the log does not know the current directory.
 std::string AbsoluteWhereKnown(const std::string& path) {
   std::error_code unknown;
-  const std::filesystem::path absolute = std::filesystem::absolute(path, unknown);
-  return unknown ? path : absolute.string();
+  const std::filesystem::path absolute = std::filesystem::absolute(System::PathOf(path), unknown);
+  return unknown ? path : System::TextOf(absolute);
 }
 
 }  // namespace

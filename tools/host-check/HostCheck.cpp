@@ -8,6 +8,8 @@
 #include "store/settings/WholeFile.h"
 #include "store/values/StoredTime.h"
 
+#include <VeloraSystem/Path.h>
+
 #include <filesystem>
 #include <optional>
 
@@ -29,7 +31,7 @@ class HostCheck {
     AskForService();
     Try([this] {
       folder = FolderOfSettings(start);
-      return "settings: TSAL.config and " + start.activities + " in '" + folder.string() + "'";
+      return "settings: TSAL.config and " + start.activities + " in '" + System::TextOf(folder) + "'";
     });
     if (!folder.empty()) {
       Try([this] { return ReadSettings(); });
@@ -66,13 +68,13 @@ class HostCheck {
   }
 
   std::string ReadSettings() {
-    settings = Store::ReadSettings(folder.string());
+    settings = Store::ReadSettings(System::TextOf(folder));
     return "TSAL.config: instrument '" + settings->instrument + "'";
   }
 
   std::string ReadActivities() {
     std::string names;
-    for (const auto& version : Store::ReadActivitiesFile((folder / start.activities).string())) {
+    for (const auto& version : Store::ReadActivitiesFile(System::TextOf(folder / System::PathOf(start.activities)))) {
       names += (names.empty() ? "" : ", ") + version.name + ' ' + version.version;
     }
     if (names.empty()) {
@@ -82,7 +84,7 @@ class HostCheck {
   }
 
   std::string ReadConfiguration() {
-    const std::size_t size = Store::ReadWholeFile((folder / start.configuration).string()).size();
+    const std::size_t size = Store::ReadWholeFile(System::TextOf(folder / System::PathOf(start.configuration))).size();
     return start.configuration + ": " + std::to_string(size) + " bytes";
   }
 
@@ -101,7 +103,7 @@ class HostCheck {
   void LookAtRoom() {
     const std::string ofDatabase = Store::FolderOf(settings->database);
     std::error_code unknown;
-    const fs::space_info space = fs::space(ofDatabase, unknown);
+    const fs::space_info space = fs::space(System::PathOf(ofDatabase), unknown);
     if (!unknown && space.available < littleRoom) {
       Warn("the disk of '" + settings->database.where + "' has only " + Megabytes(space.available) + " left");
     }

@@ -2,6 +2,7 @@
 
 #include "store/Error.h"
 
+#include <VeloraSystem/Path.h>
 #include <VeloraSystem/System.h>
 
 namespace Velora::HostCheck {
@@ -14,7 +15,7 @@ namespace {
 std::string LackingIn(const fs::path& folder, const std::string& activities) {
   std::string lacking;
   for (const std::string& file : {std::string("TSAL.config"), activities}) {
-    if (!fs::exists(folder / file)) {
+    if (!fs::exists(folder / System::PathOf(file))) {
       lacking += (lacking.empty() ? "" : " and ") + file;
     }
   }
@@ -24,25 +25,25 @@ std::string LackingIn(const fs::path& folder, const std::string& activities) {
 }  // namespace
 
 std::string LibraryBesideProgram() {
-  const fs::path library = fs::path(Velora::System::ProgramFolder()) / VELORA_LIBRARY_FROM_PROGRAM;
+  const fs::path library = System::PathOf(System::ProgramFolder()) / VELORA_LIBRARY_FROM_PROGRAM;
   std::error_code unknown;
-  return fs::exists(library, unknown) ? library.string() : "";
+  return fs::exists(library, unknown) ? System::TextOf(library) : "";
 }
 
 fs::path FolderOfSettings(const HostStart& start) {
-  fs::path here = start.folder.empty() ? fs::current_path() : fs::absolute(start.folder);
+  fs::path here = start.folder.empty() ? fs::current_path() : fs::absolute(System::PathOf(start.folder));
   const std::string lackingHere = LackingIn(here, start.activities);
   if (lackingHere.empty()) {
     return here;
   }
-  std::string reason = "the current directory '" + here.string() + "' lacks " + lackingHere;
+  std::string reason = "the current directory '" + System::TextOf(here) + "' lacks " + lackingHere;
   if (!start.library.empty()) {
-    fs::path root = fs::weakly_canonical(start.library).parent_path();
+    fs::path root = fs::weakly_canonical(System::PathOf(start.library)).parent_path();
     const std::string lackingThere = LackingIn(root, start.activities);
     if (lackingThere.empty()) {
       return root;
     }
-    reason += ", and the library's folder '" + root.string() + "' lacks " + lackingThere;
+    reason += ", and the library's folder '" + System::TextOf(root) + "' lacks " + lackingThere;
   }
   throw Store::Error(reason + "; expected both files in one folder: \"velora-ts init\" writes them");
 }

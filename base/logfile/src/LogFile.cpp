@@ -1,5 +1,6 @@
 #include <VeloraLogFile/LogFile.h>
 
+#include <VeloraSystem/Path.h>
 #include <VeloraText/Character.h>
 
 #include <algorithm>
@@ -42,9 +43,10 @@ LogFile::LogFile(std::string path, LineForm form, bool following)
 void LogFile::Open() {
   do {
     id = System::IdOf(path);
-    file.reset(std::fopen(path.c_str(), "rb"));
-    if (!file) {
-      Refuse("cannot be opened: " + std::system_category().message(errno));
+    try {
+      file = System::OpenToRead(path);
+    } catch (const System::Failure& failure) {
+      Refuse(std::string("cannot be opened: ") + failure.what());
     }
   } while (following && !(System::IdOf(path) == id));
   bytes = 0;
@@ -130,7 +132,7 @@ bool LogFile::Read() {
   std::clearerr(file.get());
   unread = {buffer.data(), std::fread(buffer.data(), 1, buffer.size(), file.get())};
   if (std::ferror(file.get()) != 0) {
-    Refuse("cannot be read: " + std::system_category().message(errno));
+    Refuse("cannot be read: " + std::generic_category().message(errno));
   }
   if (bytes == 0 && unread.starts_with(byteOrderMark)) {
     unread.remove_prefix(byteOrderMark.size());
@@ -142,7 +144,8 @@ bool LogFile::Read() {
 bool LogFile::IsReplaced() const {
   const System::FileId now = System::IdOf(path);
   std::error_code gone;
-  return now == id ? std::filesystem::file_size(path, gone) < bytes && !gone : !(now == System::FileId());
+  return now == id ? std::filesystem::file_size(System::PathOf(path), gone) < bytes && !gone
+                   : !(now == System::FileId());
 }
 
 void LogFile::Refuse(const std::string& reason) const { throw std::runtime_error("log file '" + path + "' " + reason); }

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstdio>
 #include <stdexcept>
 #include <system_error>
 
@@ -9,10 +10,13 @@ namespace Velora::LogFile {
 
 namespace {
 
+[[noreturn]] void Refuse(const std::string& reason) {
+  throw std::runtime_error("lines of a log cannot be kept in a temporary file: " + reason);
+}
+
 void Expect(bool good) {
   if (!good) {
-    throw std::runtime_error("lines of a log cannot be kept in a temporary file: " +
-                             std::system_category().message(errno));
+    Refuse(std::generic_category().message(errno));
   }
 }
 
@@ -24,7 +28,10 @@ struct SpooledLines::Head {
   std::size_t source, text;  // their lengths
 };
 
-SpooledLines::SpooledLines() : file(std::tmpfile(), &std::fclose) { Expect(file != nullptr); }
+SpooledLines::SpooledLines() try : file(System::OpenTemporary()) {
+} catch (const System::Failure& failure) {
+  Refuse(failure.what());
+}
 
 void SpooledLines::Add(const Line& line) {
   const Head head{line.at, line.level, line.source.size(), line.text.size()};

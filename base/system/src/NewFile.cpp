@@ -6,7 +6,7 @@
 
 namespace Velora::System {
 
-NewFile::NewFile(std::string path, unsigned mode) : path(std::move(path)), file(Make(this->path, mode), &std::fclose) {}
+NewFile::NewFile(std::string path, unsigned mode) : path(std::move(path)), file(Make(this->path, mode)) {}
 
 NewFile::~NewFile() {
   file.reset();

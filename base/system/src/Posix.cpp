@@ -1,4 +1,3 @@
-#include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/Sockets.h>
 #include <VeloraSystem/System.h>
 
@@ -10,7 +9,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -45,24 +43,12 @@ long LockingProcess(const std::string& path, unsigned byte) {
 
 void MakeOwnFile(const std::string& path) { mknod(path.c_str(), S_IFREG | S_IRUSR | S_IWUSR | S_IRGRP, 0); }
 
-std::FILE* OpenRegularFile(const std::string& path) {
-  const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-  if (file < 0) {
-    return nullptr;
-  }
-  struct stat status {};
-  std::FILE* const opened = fstat(file, &status) == 0 && S_ISREG(status.st_mode) ? fdopen(file, "rb") : nullptr;
-  if (opened == nullptr) {
-    close(file);
-    errno = EINVAL;
-  }
-  return opened;
-}
-
 FileId IdOf(const std::string& path) {
   struct stat file {};
   return stat(path.c_str(), &file) == 0 ? FileId{file.st_dev, file.st_ino} : FileId{};
 }
+
+FileId IdOfOpen(const std::string& path) { return IdOf(path); }
 
 bool TakesNewFiles(const std::string& folder) {
   return faccessat(AT_FDCWD, folder.c_str(), W_OK | X_OK, AT_EACCESS) == 0;

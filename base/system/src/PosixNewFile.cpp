@@ -1,3 +1,5 @@
+#include "PosixStream.h"
+
 #include <VeloraSystem/NewFile.h>
 
 #include <fcntl.h>
@@ -12,7 +14,7 @@ namespace {
 
 void Expect(bool good) {
   if (!good) {
-    throw NewFile::Failure(std::generic_category().message(errno));
+    throw Failure(std::generic_category().message(errno));
   }
 }
 
@@ -35,15 +37,8 @@ bool MoveToFreeName(const char* path, const char* name) {
 
 }  // namespace
 
-std::FILE* NewFile::Make(const std::string& path, unsigned mode) {
-  const int made = open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
-  Expect(made >= 0);
-  std::FILE* const file = fdopen(made, "w+b");
-  if (file == nullptr) {
-    close(made);
-    Expect(false);
-  }
-  return file;
+File NewFile::Make(const std::string& path, unsigned mode) {
+  return StreamOf(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode), "w+b");
 }
 
 void NewFile::Sync(std::FILE* file) { Expect(fsync(fileno(file)) == 0); }

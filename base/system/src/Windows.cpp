@@ -1,58 +1,60 @@
-#include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/Sockets.h>
 #include <VeloraSystem/System.h>
 
 #include <winsock2.h>  // before windows.h
 
-#include <io.h>
-#include <windows.h>
+#include "WindowsOpen.h"
+#include "WindowsPath.h"
+#include "WindowsText.h"
 
 #include <array>
-#include <cerrno>
 #include <string>
 
 namespace Velora::System {
 
 void MakeOwnFile(const std::string& /*path*/) {}
 
-std::FILE* OpenRegularFile(const std::string& path) {
-  std::FILE* const file = std::fopen(path.c_str(), "rb");
-  if (file != nullptr && GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(file)))) != FILE_TYPE_DISK) {
-    std::fclose(file);
-    errno = EINVAL;
-    return nullptr;
+FileId IdOf(const std::string& path) {
+  const HANDLE opened =
+      CreateFileW(WholePath(Wide(path)).c_str(), FILE_READ_ATTRIBUTES, shareAll, nullptr, OPEN_EXISTING, 0, nullptr);
+  BY_HANDLE_FILE_INFORMATION file{};
+  const bool known = GetFileInformationByHandle(opened, &file) != 0;
+  if (opened != INVALID_HANDLE_VALUE) {
+    CloseHandle(opened);
   }
-  return file;
+  return known ? FileId{file.dwVolumeSerialNumber, std::uint64_t{file.nFileIndexHigh} << 32U | file.nFileIndexLow}
+               : FileId{};
 }
 
-FileId IdOf(const std::string& /*path*/) { return {1, 1}; }
+FileId IdOfOpen(const std::string& /*path*/) { return {1, 1}; }
 
 // Only the attempt tells: rights are those of lists, groups and shares.
 bool TakesNewFiles(const std::string& folder) {
   const std::string file = folder + "\\velora-" + std::to_string(GetCurrentProcessId()) + ".tmp";
-  const HANDLE made =
-      CreateFileA(file.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+  const HANDLE made = CreateFileW(WholePath(Wide(file)).c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
+                                  FILE_FLAG_DELETE_ON_CLOSE, nullptr);
   return made != INVALID_HANDLE_VALUE && CloseHandle(made) != 0;
 }
 
 std::string ProgramFolder() {
-  std::string path(32768, '\0');
-  path.resize(GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())));
-  return path.substr(0, path.find_last_of('\\') + 1);
+  std::wstring path(32768, L'\0');
+  path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+  return Utf8(path.substr(0, path.find_last_of(L'\\') + 1));
 }
 
 long ProcessNumber() { return static_cast<long>(GetCurrentProcessId()); }
 
 std::string ComputerName() {
-  std::array<char, 256> buffer{};
+  std::array<wchar_t, 256> buffer{};
   DWORD size = buffer.size();
-  return GetComputerNameExA(ComputerNameDnsHostname, buffer.data(), &size) != 0 && size > 0 ? buffer.data() : "unknown";
+  return GetComputerNameExW(ComputerNameDnsHostname, buffer.data(), &size) != 0 && size > 0 ? Utf8(buffer.data())
+                                                                                            : "unknown";
 }
 
 std::string UserName() {
-  std::array<char, 257> buffer{};
+  std::array<wchar_t, 257> buffer{};
   DWORD size = buffer.size();
-  return GetUserNameA(buffer.data(), &size) != 0 && buffer[0] != '\0' ? buffer.data() : "unknown";
+  return GetUserNameW(buffer.data(), &size) != 0 && buffer[0] != L'\0' ? Utf8(buffer.data()) : "unknown";
 }
 
 std::string LockerOf(const std::string& /*path*/, unsigned /*byte*/) { return "another process or thread"; }

@@ -1,16 +1,15 @@
 #include "Fingerprint.h"
+#include "WindowsOpen.h"
+#include "WindowsPath.h"
+#include "WindowsReason.h"
+#include "WindowsText.h"
 
 #include <VeloraSystem/ProcessLock.h>
 #include <VeloraSystem/Sockets.h>
 
-#include <winsock2.h>  // before windows.h
-
-#include <windows.h>
-
 #include <algorithm>
 #include <array>
 #include <mutex>
-#include <system_error>
 
 // Handles that children do not inherit. The host's lock is exclusive and that of a reader is shared, so that readers do
 // not see one another.
@@ -26,9 +25,9 @@ struct LockFile {
 std::mutex mutex;
 std::array<LockFile, 256> lockFiles;  // guarded by mutex
 
-HANDLE Open(const std::string& file, DWORD disposition) {
-  return CreateFileA(file.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                     disposition, FILE_ATTRIBUTE_NORMAL, nullptr);
+HANDLE OpenLockFile(const std::string& file, DWORD disposition) {
+  return CreateFileW(WholePath(Wide(file)).c_str(), GENERIC_READ, shareAll, nullptr, disposition, FILE_ATTRIBUTE_NORMAL,
+                     nullptr);
 }
 
 std::string Computer() {
@@ -81,9 +80,13 @@ void CloseDeleted() {
 ProcessLock::ProcessLock(const std::string& file, const std::string& /*like*/, long long byte) : byte(byte) {
   const std::lock_guard lock(mutex);
   CloseDeleted();
-  HANDLE opened = Open(file, OPEN_ALWAYS);
+  HANDLE opened = OpenLockFile(file, OPEN_ALWAYS);
   BY_HANDLE_FILE_INFORMATION status{};
-  if (opened == INVALID_HANDLE_VALUE || GetFileInformationByHandle(opened, &status) == 0) {
+  if (opened == INVALID_HANDLE_VALUE) {
+    return;
+  }
+  if (GetFileInformationByHandle(opened, &status) == 0) {
+    CloseHandle(opened);
     return;
   }
   const std::string found = PlaceOf(status);
@@ -112,10 +115,10 @@ ProcessLock::~ProcessLock() {
 }
 
 ProcessLocks::ProcessLocks(const std::string& file)
-    : handle(reinterpret_cast<std::intptr_t>(Open(file, OPEN_EXISTING))) {
+    : handle(reinterpret_cast<std::intptr_t>(OpenLockFile(file, OPEN_EXISTING))) {
   BY_HANDLE_FILE_INFORMATION status{};
   if (HandleOf(handle) == INVALID_HANDLE_VALUE || GetFileInformationByHandle(HandleOf(handle), &status) == 0) {
-    reason = std::system_category().message(static_cast<int>(GetLastError()));
+    reason = LastReason();
   } else {
     place = PlaceOf(status);
   }

@@ -9,6 +9,9 @@
 namespace Velora::System {
 
 std::string ReasonOf(unsigned long code) {
+  if (code == ERROR_SHARING_VIOLATION) {
+    return "another program has it open and lets nobody else; expected it to be closed there";
+  }
   std::array<wchar_t, 512> words{};
   const DWORD length = FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
                                       words.data(), words.size(), nullptr);

@@ -1,3 +1,6 @@
+#include "Fingerprint.h"
+#include "WindowsText.h"
+
 #include <VeloraSystem/Turn.h>
 
 #include <windows.h>
@@ -9,11 +12,22 @@
 
 namespace Velora::System {
 
-// A path that is too long for a name has no queue.
+namespace {
+
+// A path that is too long for a name is named by its fingerprint.
+std::wstring NameOfQueue(const std::string& file) {
+  std::wstring path = Wide(file);
+  if (path.size() > 200) {
+    path = Wide(Fingerprint(file));
+  }
+  std::replace(path.begin(), path.end(), L'\\', L'/');
+  return L"Global\\Velora TS " + path;
+}
+
+}  // namespace
+
 Turn::Turn(const std::string& file, std::chrono::milliseconds longest) {
-  std::string name = "Global\\Velora TS " + file;
-  std::replace(name.begin() + 7, name.end(), '\\', '/');
-  const HANDLE mutex = CreateMutexA(nullptr, FALSE, name.c_str());
+  const HANDLE mutex = CreateMutexW(nullptr, FALSE, NameOfQueue(file).c_str());
   if (mutex == nullptr) {
     return;
   }

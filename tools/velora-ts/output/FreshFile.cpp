@@ -22,7 +22,7 @@ template <typename Work>
 auto Naming(const std::string& words, const Work& work) {
   try {
     return work();
-  } catch (const System::NewFile::Failure& failure) {
+  } catch (const System::Failure& failure) {
     throw Store::Error(words + " cannot be written: " + failure.what());
   }
 }

@@ -13,6 +13,8 @@
 
 #include "store/Error.h"
 
+#include <VeloraSystem/Path.h>
+
 #include <string>
 
 namespace Velora::Ts {
@@ -91,7 +93,7 @@ class CheckVerb : public StoreVerb {
     bool isSound = true;
     try {
       if (host.hasStore || !host.records) {  // a store that no host can use can often be read
-        isSound = SayWhatIsThere(Store::ReadSettings(FolderOfSettings(start).string()).database);
+        isSound = SayWhatIsThere(Store::ReadSettings(System::TextOf(FolderOfSettings(start))).database);
       }
     } catch (const Error&) {
       if (host.records) {

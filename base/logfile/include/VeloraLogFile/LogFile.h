@@ -2,10 +2,10 @@
 
 #include <VeloraLogFile/Line.h>
 #include <VeloraLogFile/LineForm.h>
+#include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/System.h>
 
 #include <cstdio>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,8 +29,6 @@ class LogFile {
   const Line& Current() const { return current; }
 
  private:
-  using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
-
   void Open();
   /// Reads a whole line into `raw`. @return whether there was one.
   bool ReadRaw();
@@ -44,7 +42,7 @@ class LogFile {
   const std::string path;
   const LineForm form;
   const bool following;
-  File file{nullptr, &std::fclose};
+  System::File file{nullptr, &std::fclose};
   System::FileId id;
   std::vector<char> buffer;
   std::string_view unread;       // of the buffer

@@ -1,9 +1,8 @@
 #pragma once
 
 #include <VeloraLogFile/Line.h>
+#include <VeloraSystem/RegularFile.h>
 
-#include <cstdio>
-#include <memory>
 #include <string>
 
 namespace Velora::LogFile {
@@ -26,7 +25,7 @@ class SpooledLines {
   void Write(const void* bytes, std::size_t count);
   bool Read(void* bytes, std::size_t count);
 
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file;
+  System::File file;
   bool reading = false;
   Line current;
 };

@@ -1,21 +1,16 @@
 #pragma once
 
+#include <VeloraSystem/RegularFile.h>
+
 #include <cstdio>
-#include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
 namespace Velora::System {
 
-/// A file that is written before it gets its name.
+/// A file that is written before it gets its name. Every operation can throw a Failure.
 class NewFile {
  public:
-  /// The reason why the file cannot be made, written or named, without its name. Every operation can throw it.
-  struct Failure : std::runtime_error {
-    using std::runtime_error::runtime_error;
-  };
-
   /// Makes an empty file. Nothing must have its name, not even a link.
   /// @param mode its permissions, from which the umask of the process is taken away. On Windows the file gets the
   /// access list of its folder.
@@ -35,13 +30,13 @@ class NewFile {
   void MoveTo(const std::string& name, Existing existing);
 
  private:
-  static std::FILE* Make(const std::string& path, unsigned mode);
+  static File Make(const std::string& path, unsigned mode);
   static void Sync(std::FILE* file);
   static void Move(const std::string& path, const std::string& name, Existing existing);
   static void Remove(const std::string& path);
 
   std::string path;
-  std::unique_ptr<std::FILE, int (*)(std::FILE*)> file;
+  File file;
 };
 
 }  // namespace Velora::System

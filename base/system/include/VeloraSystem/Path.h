@@ -2,18 +2,19 @@
 
 #include <filesystem>
 #include <string>
-#include <string_view>
 
 namespace Velora::System {
 
-// Every narrow text that is a path is UTF-8 here, or on Linux any bytes. The standard library does not agree with
-// itself on Windows: it makes a path of a narrow text in the code page, and a narrow text in UTF-8 of a path.
+// A narrow text that is a path is UTF-8 on Windows, and any bytes elsewhere. The standard library does not do for it:
+// on Windows it makes a path of a text in the code page, and a text in UTF-8 of a path.
 
-inline std::filesystem::path PathOf(std::string_view text) { return std::u8string(text.begin(), text.end()); }
+/// The path that a text names. On Windows a long one is made whole and gets the form that the system takes at any
+/// length.
+std::filesystem::path PathOf(const std::string& text);
+/// The text of a path, without the signs of the long form.
+std::string TextOf(const std::filesystem::path& path);
 
-inline std::string TextOf(const std::filesystem::path& path) {
-  const std::u8string text = path.u8string();
-  return {text.begin(), text.end()};
-}
+/// A text that names the same file, at any length and in any folder, to libraries that take UTF-8.
+std::string AtAnyLength(const std::string& text);
 
 }  // namespace Velora::System

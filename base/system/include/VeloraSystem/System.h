@@ -10,8 +10,7 @@ namespace Velora::System {
 /// does. On Windows it does nothing, because a file gets the access list of its folder there.
 void MakeOwnFile(const std::string& path);
 
-/// The identity of a file. All files that exist or are open at one time have different identities. On Windows all files
-/// have the same identity: a file cannot be deleted there while it is open.
+/// The identity of a file. All files that exist or are open at one time have different identities.
 struct FileId {
   std::uint64_t device = 0;
   std::uint64_t number = 0;
@@ -20,6 +19,9 @@ struct FileId {
 };
 /// The identity of the file that a path leads to, with links followed. Default-constructed if there is no file.
 FileId IdOf(const std::string& path);
+/// The same of a file that SQLite has open. On Windows all such files have the same identity, which costs nothing:
+/// nobody can delete or rename them there.
+FileId IdOfOpen(const std::string& path);
 
 /// Whether this process can make files in a folder. It leaves no file there.
 bool TakesNewFiles(const std::string& folder);
