@@ -36,6 +36,9 @@ std::string Described(const std::string& form, const std::string& source) {
   if (form == "bash") {
     return BashCompletion(program, source);
   }
+  if (form == "zsh") {
+    return ZshCompletion(program, source);
+  }
   throw std::runtime_error("there is no form '" + form + '\'');
 }
 
