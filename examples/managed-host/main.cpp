@@ -2,10 +2,10 @@
 // with an unmangled name, and sets a parent execution. All that the native side records then belongs to this parent.
 
 #include "HostOptions.h"
-#include "LoadedLibrary.h"
 #include "TiltSeriesRecording.h"
 
 #include <VeloraSystem/Console.h>
+#include <VeloraSystem/LoadedLibrary.h>
 #include <VeloraText/Printable.h>
 #include <VeloraTsLogging/ITsLoggingConfigurator.h>
 
@@ -13,6 +13,7 @@
 #include <iostream>
 
 using Quor::Velora::Unmanaged::ITsLoggingConfigurator;
+using Velora::System::LoadedLibrary;
 using Velora::Text::WriteLine;
 
 namespace {

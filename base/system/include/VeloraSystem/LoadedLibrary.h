@@ -2,9 +2,12 @@
 
 #include <string>
 
-/// A library that is loaded by the name of its file and stays loaded until the process ends.
+namespace Velora::System {
+
+/// A library that is loaded from its file and stays loaded until the process ends.
 class LoadedLibrary {
  public:
+  /// @param file is its absolute path, or a name that the system looks for.
   /// @throws std::runtime_error if it cannot be loaded, with the file and the reason.
   explicit LoadedLibrary(const std::string& file);
 
@@ -20,3 +23,5 @@ class LoadedLibrary {
 
   void* handle;
 };
+
+}  // namespace Velora::System

@@ -1,8 +1,10 @@
-#include "LoadedLibrary.h"
+#include <VeloraSystem/LoadedLibrary.h>
 
 #include <dlfcn.h>
 
 #include <stdexcept>
+
+namespace Velora::System {
 
 LoadedLibrary::LoadedLibrary(const std::string& file) : handle(dlopen(file.c_str(), RTLD_NOW)) {
   if (handle == nullptr) {
@@ -17,3 +19,5 @@ void* LoadedLibrary::FindAddress(const char* name) const {
   }
   return address;
 }
+
+}  // namespace Velora::System
