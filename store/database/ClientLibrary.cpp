@@ -2,44 +2,17 @@
 // called: it brings twenty other libraries with it, and most programs ask for no server. To use another function, add
 // its line; the compiler compares it with the library's declaration.
 
-#include "store/database/DatabaseError.h"
+#include "store/database/ClientFunction.h"
 
-#include <dlfcn.h>
 #include <libpq-fe.h>
 
-#include <string>
+#include <cstddef>
 
 namespace {
 
-[[noreturn]] void Fail(const std::string& expected) {
-  throw Velora::Store::NotReachable("PostgreSQL's client library cannot be used: " + std::string(dlerror()) +
-                                    "; expected " + expected);
-}
-
-void* Load() {
-  void* const loaded = dlopen("libpq.so.5", RTLD_NOW | RTLD_LOCAL);
-  if (loaded == nullptr) {
-    Fail("Debian's package libpq5 or the same library from elsewhere");
-  }
-  return loaded;
-}
-
-// A program that links with the library itself keeps its own.
-void* Find(const char* name) {
-  if (void* const own = dlsym(RTLD_DEFAULT, name); own != nullptr) {
-    return own;
-  }
-  static void* const library = Load();
-  void* const found = dlsym(library, name);
-  if (found == nullptr) {
-    Fail("the library of PostgreSQL 14 or newer");
-  }
-  return found;
-}
-
 template <auto function, typename... Arguments>
 auto Call(const char* name, Arguments... arguments) {
-  static const auto found = reinterpret_cast<decltype(function)>(Find(name));
+  static const auto found = reinterpret_cast<decltype(function)>(Velora::Store::FindClientFunction(name));
   return found(arguments...);
 }
 
