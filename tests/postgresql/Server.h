@@ -4,16 +4,23 @@
 #include "support/ScratchFolder.h"
 
 #include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <string>
 
-/// A server of a test's own, in a folder of its own, which client libraries of this process find.
+/// A server of a test's own, in a folder of its own, which client libraries of this process and of the programs that it
+/// starts find.
 class Server {
  public:
-  explicit Server(std::filesystem::path folder) : folder(std::move(folder)) {
-    Run("start");
-    setenv("PGHOST", this->folder.c_str(), 1);
+  /// @param port at which programs that know no sockets in folders reach it, with the password.
+  explicit Server(std::filesystem::path folder, const std::string& port = "") : folder(std::move(folder)) {
+    setenv("PGPASSWORD", password, 1);
+    Run("start", port);
+    setenv("PGHOST", port.empty() ? this->folder.c_str() : "127.0.0.1", 1);
+    setenv("PGPORT", port.empty() ? "5432" : port.c_str(), 1);
     setenv("PGUSER", "velora", 1);
   }
   Server(const Server&) = delete;
@@ -23,13 +30,25 @@ class Server {
   void Crash() const { Run("crash"); }
   void Resume() const { Run("resume"); }
 
+  static constexpr const char* password = "secret";
   std::filesystem::path folder;
 
  private:
-  void Run(const std::string& verb) const {
-    EXPECT_EQ(std::system(("'" SCRIPTS "/postgresql' " + verb + " '" + folder.string() + "'").c_str()), 0);
+  void Run(const std::string& verb, const std::string& port = "") const {
+    EXPECT_EQ(std::system(("'" SCRIPTS "/postgresql' " + verb + " '" + folder.string() + "' " + port).c_str()), 0);
   }
 };
+
+/// A port of 127.0.0.1 at which nobody listens.
+inline std::string FreePort() {
+  const int listener = socket(AF_INET, SOCK_STREAM, 0);
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  auto* const given = reinterpret_cast<sockaddr*>(&address);
+  EXPECT_EQ(listen(listener, 1) + getsockname(listener, given, &size), 0);
+  close(listener);
+  return std::to_string(ntohs(address.sin_port));
+}
 
 class PostgreSql : public testing::Test {
  protected:

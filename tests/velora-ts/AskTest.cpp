@@ -43,7 +43,7 @@ class Ask : public ToolTest {
   }
   /// What matches of what the tool says on standard output, one after the other.
   std::string Found(const std::string& arguments, const char* pattern, const std::string& zone = "UTC") {
-    EXPECT_EQ(Shell("TZ=" + zone + " '" VELORA_TS "' " + arguments), 0) << arguments << said;
+    EXPECT_EQ(Shell("TZ=" + zone + " velora-ts " + arguments), 0) << arguments << said;
     std::string all;
     const std::regex matching(pattern);
     for (std::sregex_iterator at(said.begin(), said.end(), matching), end; at != end; ++at) {

@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::string_literals;
 
-class Check : public WithShell<InFolder> {
+class Check : public WithTool<InFolder> {
  protected:
   /// Every file of the host's folder with its content.
   std::map<std::string, std::string> Files() const {
@@ -69,11 +69,11 @@ const std::vector<Case> cases = {
 TEST_F(Check, SaysWhatAHostThatStartsThereMeets) {
   for (const Case& row : cases) {
     SCOPED_TRACE(row.prepared + " "s + row.start);
-    ASSERT_EQ(Shell("rm -rf host library; '" VELORA_TS "' init host; cd host; "s + row.prepared), 0) << said;
+    ASSERT_EQ(Shell("rm -rf host library; velora-ts init host; cd host; "s + row.prepared), 0) << said;
     ASSERT_EQ(Shell("[ ! -d library ] || cp '" LIBRARIES "/" LIBRARY "' library"), 0) << said;
     const std::string before = Executions();
     const auto files = Files();
-    EXPECT_EQ(Shell("cd host && "s + row.start + " '" VELORA_TS "' check " + row.options), row.records ? 0 : 1) << said;
+    EXPECT_EQ(Shell("cd host && "s + row.start + " velora-ts check " + row.options), row.records ? 0 : 1) << said;
     EXPECT_NE(said.find(row.words), std::string::npos) << said;
     EXPECT_EQ(Files(), files) << "it leaves nothing";
     const int ended = Shell("cd host && VELORA_LOG_FILE=../log "s + row.start + " '" FIVE_CALLS "'");

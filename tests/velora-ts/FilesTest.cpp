@@ -33,8 +33,7 @@ TEST_F(Files, AStoreIsReadWithItsLogHoweverItIsReached) {
     EXPECT_EQ(Tool("export last --config other"), code);
     EXPECT_EQ(Says("in the log"), code == 0) << said;
   }
-  EXPECT_EQ(
-      Shell("rm second; ln -sf ../ts.db other/ts.db; '" VELORA_TS "' seal --config other && '" VELORA_TS "' verify"), 0)
+  EXPECT_EQ(Shell("rm second; ln -sf ../ts.db other/ts.db; velora-ts seal --config other && velora-ts verify"), 0)
       << said;
 }
 
@@ -62,7 +61,7 @@ TEST_F(Files, AKilledBackupLeavesNothingThatIsTakenForOne) {
   int killed = 0;
   for (int turn = 0; turn < 40; ++turn) {
     const std::string wait = std::to_string(0.001 * static_cast<double>(random() % 150));
-    ASSERT_EQ(Shell("rm -f copy.db; '" VELORA_TS "' backup copy.db & sleep " + wait +
+    ASSERT_EQ(Shell("rm -f copy.db; velora-ts backup copy.db & sleep " + wait +
                     "; kill -9 $!; wait $! || "
                     "echo killed; [ ! -e copy.db ] || sqlite3 copy.db 'SELECT COUNT(*) FROM events'"),
               0);
@@ -70,7 +69,7 @@ TEST_F(Files, AKilledBackupLeavesNothingThatIsTakenForOne) {
     EXPECT_TRUE(!exists(folder / "copy.db") || Says("150000\n")) << wait << said;
   }
   EXPECT_GT(killed, 0);
-  EXPECT_EQ(Shell("rm -f copy.db; '" VELORA_TS "' backup copy.db && find . -name 'copy.db*' -not -name '*.part'"), 0);
+  EXPECT_EQ(Shell("rm -f copy.db; velora-ts backup copy.db && find . -name 'copy.db*' -not -name '*.part'"), 0);
   EXPECT_TRUE(Says("checked: 3 executions, 150000 events\n./copy.db\n")) << said;
   EXPECT_EQ(Shell("find copy.db -perm 0640 | grep copy"), 0);
 }

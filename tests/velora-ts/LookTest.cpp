@@ -44,8 +44,8 @@ class Look : public ToolTest {
   }
   /// Runs the tool on a terminal that has this many columns.
   int OnTerminal(const std::string& arguments, int columns, const std::string& zone = "UTC") {
-    return Shell("TZ=" + zone + " TERM=xterm script -qec \"stty cols " + std::to_string(columns) +
-                 "; '" VELORA_TS "' " + arguments + "\" /dev/null");
+    return Shell("TZ=" + zone + " TERM=xterm script -qec \"stty cols " + std::to_string(columns) + "; velora-ts " +
+                 arguments + "\" /dev/null");
   }
 };
 
@@ -107,7 +107,7 @@ TEST_F(Look, ShowsWhatThereIs) {
       {"tail nothing", 1, "no run matches 'nothing'; [^\n]*\n"},
   };
   for (const auto& [arguments, code, shown] : rows) {
-    EXPECT_EQ(Shell("TZ=IST-5:30 timeout 20 '" VELORA_TS "' " + arguments), code) << arguments << ": " << said;
+    EXPECT_EQ(Shell("TZ=IST-5:30 timeout 20 velora-ts " + arguments), code) << arguments << ": " << said;
     EXPECT_TRUE(std::regex_match(said, std::regex(shown))) << arguments << ":\n" << said;
   }
 }
@@ -148,7 +148,7 @@ TEST_F(Look, FitsTheTerminalAndNeverSteersIt) {
       }
     }
   }
-  EXPECT_EQ(Shell("NO_COLOR=1 script -qec \"'" VELORA_TS "' runs\" /dev/null"), 0);
+  EXPECT_EQ(Shell("NO_COLOR=1 script -qec \"velora-ts runs\" /dev/null"), 0);
   EXPECT_TRUE(Says("UNFINISHED") && !Says("\x1b")) << said;
 }
 
@@ -237,9 +237,8 @@ TEST_F(Look, ExportsATableByTheRulesOfThePage) {
 }
 
 TEST_F(Look, ExportsATimelineThatAgreesWithTheStore) {
-  ASSERT_EQ(
-      Tool("export ffffffff --format trace > t.json && '" VELORA_TS "' show ffffffff --json --tree --events > s.json"),
-      0)
+  ASSERT_EQ(Tool("export ffffffff --format trace > t.json && velora-ts show ffffffff --json --tree --events > s.json"),
+            0)
       << said;
   folder.Write("ask.sql", R"(
     SELECT json_array_length(readfile('s.json'), '$.executions'), json_array_length(readfile('s.json'), '$.events');
@@ -302,7 +301,7 @@ TEST_F(Look, WhatIsTooLongOrTooWideIsRefusedWithItsLimit) {
   expectTooLong("export --format csv");
   EXPECT_EQ(Tool("export ffffffff > long && grep -c x.*x long"), 0) << said;
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // which take memory of their own
-  EXPECT_EQ(Shell("ulimit -v 200000; '" VELORA_TS "' export ffffffff > long"), 3);
+  EXPECT_EQ(Shell("ulimit -v 200000; velora-ts export ffffffff > long"), 3);
   EXPECT_TRUE(Says("event_id 9 has 67108865 bytes, for which there is not enough memory")) << said;
 #endif
   NEEDS_PAGE();
@@ -313,7 +312,7 @@ TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
   create_directory(folder / "new");
   folder.Write("new/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");
   folder.Write("new/log", "2026-11-25T03:30:00Z [error] before the run\n2026-11-25T03:30:11.57Z [warning] slow\n");
-  EXPECT_EQ(Shell(": > told; timeout 60 '" VELORA_TS "' tail --config new --log new/log > told 2>&1 & tail=$!\n"
+  EXPECT_EQ(Shell(": > told; timeout 60 velora-ts tail --config new --log new/log > told 2>&1 & tail=$!\n"
                   "until grep -q waiting told; do sleep 0.05; done\n"
                   "sqlite3 new/made.db '.read " SOURCE "/tests/local-ts/version-1.sql' "
                   "'INSERT INTO statuses VALUES (7, 1, 1, 4, \"\")' &&\n"
@@ -347,10 +346,10 @@ TEST_F(Look, SaysWhetherARunStillRunsAndFollowsItNoFurtherThanItsHost) {
     execution.Status = {Types::Enums::ActivityExecStatus(4), Types::DateTimeOffset::FromMicroseconds(1)};
     Methods::ActivityMethods::SaveActivityExecution(execution, Types::SessionHandle::Empty);
   });
-  EXPECT_EQ(Tool("runs --config new && '" VELORA_TS "' show last --config new"), 0);
+  EXPECT_EQ(Tool("runs --config new && velora-ts show last --config new"), 0);
   EXPECT_TRUE(std::regex_search(said, std::regex(" ago  running [^]*\nrunning; last recorded [^]*state +running")))
       << said;
-  EXPECT_EQ(Tool("backup --config new backup/ts.db && '" VELORA_TS "' copy new copied"), 0) << said;
+  EXPECT_EQ(Tool("backup --config new backup/ts.db && velora-ts copy new copied"), 0) << said;
   host.Kill();
   EXPECT_EQ(Tool("tail last --config new"), 1);
   EXPECT_TRUE(Says("\nthis run has stopped: its host has ended; last recorded 19")) << said;

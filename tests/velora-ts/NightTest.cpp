@@ -19,7 +19,7 @@ class Night : public WithTool<InFolder> {
   }
   /// What the tool writes in a zone of its own.
   std::string Told(const std::string& arguments) {
-    EXPECT_EQ(Shell("TZ=IST-5:30 timeout 60 '" VELORA_TS "' " + arguments), 0) << arguments << ": " << said;
+    EXPECT_EQ(Shell("TZ=IST-5:30 timeout 60 velora-ts " + arguments), 0) << arguments << ": " << said;
     return said;
   }
 };
@@ -79,7 +79,7 @@ TEST_F(Night, ShowBeginsWithTheCause) {
                                            R"("2026-11-26T03:04:00.500000Z","level":"error","source":"",)"
                                            R"("text":"all is off\\u000a  pump A"\}\]\},)")))
       << said;
-  EXPECT_EQ(Told("show $('" VELORA_TS "' runs | grep done | cut -c 1-8) | head -c 4"), "run ");
+  EXPECT_EQ(Told("show $(velora-ts runs | grep done | cut -c 1-8) | head -c 4"), "run ");
 }
 
 TEST_F(Night, ALargePageHasTheLastEventsWhereItStopped) {
@@ -92,7 +92,7 @@ TEST_F(Night, ALargePageHasTheLastEventsWhereItStopped) {
           "SELECT n + 1 FROM n WHERE n < 200000) SELECT e.event_id + n, e.session_id, e.execution_id, 'Image', e.at "
           "FROM n "
           "CROSS JOIN events e WHERE e.name = 'Error'");
-  EXPECT_EQ(Shell("'" VELORA_TS "' report last -o page"), 0);
+  EXPECT_EQ(Shell("velora-ts report last -o page"), 0);
   // All that there were before, the first added one and the last five.
   EXPECT_TRUE(Says("binned: 206 of 200200 events ")) << said;
 }
@@ -110,7 +110,7 @@ TEST_F(Night, LinesOfTheLogStandAmongTheEvents) {
   EXPECT_EQ(Told(arguments + " | sed -n '/ info /p'"), "");
   EXPECT_TRUE(std::regex_search(Told(arguments + " --json"), std::regex(R"(\],"log":\[\n(\{"at":"[^\n]*\n){4}$)")));
   NEEDS_PAGE();
-  EXPECT_EQ(Shell("'" VELORA_TS "' report last -o page --log night.log other.log && grep -o '\"log\":{.*\\]' page"), 0);
+  EXPECT_EQ(Shell("velora-ts report last -o page --log night.log other.log && grep -o '\"log\":{.*\\]' page"), 0);
   EXPECT_TRUE(Says(R"("level":["warning",0,"error",0],"source":["Acquisition",0,0,""],"text":["nitrogen)")) << said;
 }
 

@@ -269,7 +269,7 @@ const std::vector<Alteration> alterations = {
 TEST_F(Seals, EveryAlterationIsFoundAndAnUntouchedStoreGivesNoFinding) {
   EXPECT_EQ(Tool("verify --anchor anchor"), 0) << said;
   EXPECT_EQ(said, "6 seals verified: 0 findings, 0 not sealed\n");
-  EXPECT_EQ(Shell("'" VELORA_TS "' export run-3 | sha256sum | cut -c1-64"), 0);
+  EXPECT_EQ(Shell("velora-ts export run-3 | sha256sum | cut -c1-64"), 0);
   EXPECT_EQ(said, Query(folder / "sealed.db", "SELECT content_hash FROM seals WHERE run = 'run-3'"));
   EXPECT_EQ(Shell("sqlite3 ts.db VACUUM"), 0);
   EXPECT_EQ(Tool("verify --anchor anchor"), 0) << said;

@@ -2,9 +2,8 @@
 
 #include "ToolTest.h"
 #include "postgresql/Server.h"
+#include "support/HostileRun.h"
 
-#include <bit>
-#include <limits>
 #include <regex>
 #include <thread>
 
@@ -29,36 +28,12 @@ class OnServer : public WithTool<PostgreSql> {
     Types::TSInstance::SetTsalPath((folder / name).string());
     Types::TSInstance::BeginSession();
   }
-  /// A finished run with everything that is hard to keep, and an event outside of it.
-  static void Record(const std::string& node) {
-    using namespace Types;
-    const auto& session = SessionHandle::Empty;
-    const std::string hostile = node + "\0\xff\"'\\\n,<script>"s;
-    const Tsid configuration =
-        Methods::SystemMethods::SaveInstrumentConfigWithResult(hostile, "", "", "", "", "", "", "", "").ConfigurationId;
-    ActivityExecution run;
-    run.Node = hostile;
-    run.ActivityVersion.Id = Tsid("01234567-89ab-4def-8123-456789abcdef");
-    run.ActivityVersion.Name = hostile;
-    Methods::ActivityMethods::SaveActivityExecution(run, session);
-    InstrumentEvent event{hostile, {}, {std::make_shared<InstrumentParameterString>(hostile, hostile)}, {}, {}};
-    using Double = std::numeric_limits<double>;
-    for (const double number : {0.1, 0.0, -0.0, 1e22, Double::infinity(), -Double::infinity(), Double::denorm_min(),
-                                Double::max(), 5e15, std::bit_cast<double>(0x7ff8000000000001U)}) {
-      event.Parameters.push_back(std::make_shared<InstrumentParameterDouble>("number", number));
-    }
-    event.Parameters.push_back(std::make_shared<InstrumentParameterBoolean>("bool", true));
-    Methods::LoggingMethods::SaveEvent(event, configuration, &run.Id, false, session);
-    Methods::LoggingMethods::SaveEvent(event, Tsid(), nullptr, false, session);
-    run.Status = {Enums::ActivityExecStatus::Done, DateTimeOffset::Now()};
-    Methods::ActivityMethods::SaveActivityExecution(run, session);
-  }
   /// Makes a database "sealed" with two runs, in which a role "host" may record.
   void PrepareSealed() {
     Begin("server");
-    Record("one");
-    Record("two");
-    Sql("CREATE ROLE host LOGIN");
+    RecordHostileRun("one");
+    RecordHostileRun("two");
+    Sql("CREATE ROLE host LOGIN PASSWORD 'secret'");
     EXPECT_EQ(Tool("prepare --hosts host --config server"), 0) << said;
     EXPECT_EQ(Tool("seal --config server"), 0) << said;
     EXPECT_EQ(Tool("verify --config server"), 0) << said;
@@ -84,14 +59,14 @@ class OnServer : public WithTool<PostgreSql> {
   }
   static constexpr const char* exportAll = "export --since 2000-01-01 --config ";
 
-  const Server server{folder / "of the server"};
+  const Server server{folder / "of the server", underWine ? FreePort() : ""};
 };
 
 TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   Begin("file");
-  Record("first");
+  RecordHostileRun("first");
   EXPECT_EQ(Tool("seal --config file --anchor anchor"), 0) << said;
-  Record("second");
+  RecordHostileRun("second");
   EXPECT_EQ(Shell("sqlite3 file/ts.db \"INSERT INTO statuses VALUES (NULL, 1, 1, 4, '2026-11-24')\""), 0);  // goes on
   EXPECT_EQ(Tool("note last \"it's dry \xff\" --kind cause --config file"), 0) << said;
   EXPECT_EQ(Tool(exportAll + "file"s), 0);
@@ -124,7 +99,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
     if (!WITH_PAGE) {
       break;
     }
-    EXPECT_EQ(Shell("'" VELORA_TS "' report last -o page.html --config " + name +
+    EXPECT_EQ(Shell("velora-ts report last -o page.html --config " + name +
                     " && sed -E 's/\"(made|asked)\":[0-9]*//g; s/\"why\":\"[^\"]*\"//' page.html"),
               0);
     said.erase(0, said.find('\n'));  // which says how many bytes it has
@@ -132,7 +107,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
     page = said;
   }
   Begin("server");
-  Record("third");
+  RecordHostileRun("third");
   Sql("INSERT INTO statuses (execution_id, session_id, code, at) VALUES (1, 1, 14, '2026-11-25')");
   EXPECT_EQ(Tool("note last again --config server"), 0) << said;
   EXPECT_EQ(Tool("seal --config server"), 0) << said;
@@ -150,7 +125,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
 
 TEST_F(OnServer, ACopyIsWholeOrNotThereAndHasWhatGuardsIt) {
   Begin("file");
-  Record("run");
+  RecordHostileRun("run");
   const auto recordMore = [this](int from, int to) {
     EXPECT_EQ(Shell("sqlite3 file/ts.db \"WITH RECURSIVE n(i) AS (SELECT " + std::to_string(from) +
                     " UNION ALL SELECT i + 1 FROM n WHERE i < " + std::to_string(to) +
@@ -170,7 +145,7 @@ TEST_F(OnServer, ACopyIsWholeOrNotThereAndHasWhatGuardsIt) {
   for (const auto& [target, middle] : targets) {
     const std::string copy = "copy file " + target;
     EXPECT_EQ(Tool("prepare --config " + target), 0) << said;
-    EXPECT_EQ(Shell("'" VELORA_TS "' " + copy + " & while kill -0 $! && ! " + middle +
+    EXPECT_EQ(Shell("velora-ts " + copy + " & while kill -0 $! && ! " + middle +
                     "; do sleep 0.01; done 2>/dev/null; kill -KILL $!; wait"),
               0);
     EXPECT_EQ(Tool("verify --config " + target), 4) << said;
@@ -186,7 +161,7 @@ TEST_F(OnServer, ACopyIsWholeOrNotThereAndHasWhatGuardsIt) {
     int interrupted = 0;
     const std::string copy = "copy file " + target;
     for (const char* const wait : {"0.1", "0.3", "0.5"}) {
-      interrupted += Shell("timeout -s KILL "s + wait + " '" VELORA_TS "' " + copy) != 0 ? 1 : 0;
+      interrupted += Shell("timeout -s KILL "s + wait + " velora-ts " + copy) != 0 ? 1 : 0;
     }
     EXPECT_GT(interrupted, 0);
     EXPECT_EQ(Tool(copy), 0) << said;
@@ -197,7 +172,7 @@ TEST_F(OnServer, ACopyIsWholeOrNotThereAndHasWhatGuardsIt) {
 
 TEST_F(OnServer, ARowThatRefersToNoneIsNotCopied) {
   Begin("file");
-  Record("run");
+  RecordHostileRun("run");
   EXPECT_EQ(Shell("sqlite3 file/ts.db \"INSERT INTO parameters VALUES (99, 1, 'p', 'int', NULL, 1)\""), 0) << said;
   for (const auto& [target, words] : {std::pair("server", "violates foreign key constraint"),
                                       {"back", "of parameters refers to a row of events that does not exist"}}) {
@@ -360,7 +335,7 @@ TEST_F(OnServer, WhatReadersAddAndAnotherServerMakesOfItIsNoFinding) {
       "REFERENCES executions, text text); CREATE FUNCTION mine() RETURNS int LANGUAGE sql AS 'SELECT 1'; ALTER TABLE "
       "events_" +
       Month() +
-      " SET (fillfactor = 90); CREATE ROLE reader LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA "
+      " SET (fillfactor = 90); CREATE ROLE reader LOGIN PASSWORD 'secret'; GRANT SELECT ON ALL TABLES IN SCHEMA "
       "public TO reader; CREATE ROLE night LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA public TO PUBLIC; GRANT ALL ON "
       "remarks TO reader; ALTER DEFAULT PRIVILEGES GRANT SELECT ON TABLES TO reader; ALTER TABLE parameters DETACH "
       "PARTITION parameters_" +
@@ -392,7 +367,7 @@ TEST_F(OnServer, WhatReadersAddAndAnotherServerMakesOfItIsNoFinding) {
 // A number is taken before its row can be seen: the seal waits for the row with the lower one.
 TEST_F(OnServer, NothingIsSealedPastARowThatIsUnderWay) {
   Begin("server");
-  Record("run");
+  RecordHostileRun("run");
   const SqlConnection slow = OpenServer("dbname=postgres");
   slow->RunScript("BEGIN");
   slow->RunScript("INSERT INTO events (session_id, execution_id, name, at) VALUES (1, 1, 'under way', '2026')");

@@ -9,17 +9,36 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <string>
 
 /// Skips the rest of a test, which needs the page, in a build without it.
 #define NEEDS_PAGE() \
   if (!WITH_PAGE) GTEST_SKIP() << "velora-ts was built without pages; npm brings them"
 
+/// Whether the tests run velora-ts.exe: VELORA_TEST_TOOLS names a folder where a program velora-ts does so.
+inline const bool underWine = std::getenv("VELORA_TEST_TOOLS") != nullptr;
+/// Where shells find velora-ts.
+inline const int toolIsFound = setenv(
+    "PATH", ((underWine ? std::getenv("VELORA_TEST_TOOLS") : TOOLS) + (':' + std::string(std::getenv("PATH")))).c_str(),
+    1);
+
 /// A fixture whose tests run velora-ts in its folder.
 template <typename Fixture>
 class WithTool : public WithShell<Fixture> {
  protected:
-  int Tool(const std::string& arguments) { return this->Shell("'" VELORA_TS "' " + arguments); }
+  int Tool(const std::string& arguments) { return Shell("velora-ts " + arguments); }
+  /// As that of the base, but paths are said as they are here.
+  int Shell(const std::string& command) {
+    const int code = WithShell<Fixture>::Shell(command);
+    for (std::size_t at = 0; underWine && (at = this->said.find("'Z:\\", at)) != std::string::npos;) {
+      this->said.erase(at + 1, 2);
+      const auto path = this->said.begin() + static_cast<std::ptrdiff_t>(at) + 1;
+      std::replace(path, std::find(path, this->said.end(), '\''), '\\', '/');
+    }
+    return code;
+  }
 };
 
 /// A fixture with a folder.

@@ -211,7 +211,7 @@ TEST_F(VeloraTs, ReadingChangesNothingAndWaitsForNobody) {
   host->RunScript("INSERT INTO events VALUES (4, 1, 1, NULL, 'not yet there', '')");
   auto open = files();
   for (const char* verb : {"runs", "export last", "verify; [ $? -eq 4 ]"}) {
-    EXPECT_EQ(Tool("--version && timeout 3 '" VELORA_TS "' " + std::string(verb)), 0) << said;
+    EXPECT_EQ(Tool("--version && timeout 3 velora-ts " + std::string(verb)), 0) << said;
     EXPECT_FALSE(Says("not yet there"));
   }
   auto after = files();
@@ -228,7 +228,7 @@ TEST_F(VeloraTs, ABackupMadeWhileAHostRecordsIsAWayBack) {
                "<ActivityVersion Name='Focus' Version='1'/></Activity></Activities>");
   ASSERT_EQ(Shell(": > told; '" RECORDING_HOST "' . host 100 > told & host=$!\n"
                   "tells() { until [ $(wc -l < told) -ge $1 ]; do kill -0 $host || exit; sleep 0.01; done; }\n"
-                  "tells 300; '" VELORA_TS "' backup copy.db; code=$?\n"
+                  "tells 300; velora-ts backup copy.db; code=$?\n"
                   "tells $(($(wc -l < told) + 300)); kill $host; wait $host; exit $code"),
             0)
       << said;
@@ -238,8 +238,7 @@ TEST_F(VeloraTs, ABackupMadeWhileAHostRecordsIsAWayBack) {
   const std::string page = ContentOf(SOURCE "/docs/velora-ts.md");
   const std::size_t begin = page.find("```sh\n") + 6;
   const std::string way = page.substr(begin, page.find("```", begin) - begin);
-  EXPECT_EQ(Shell("PATH=$(dirname '" VELORA_TS "'):$PATH STORE=ts.db BACKUP=copy.db\n" + way), 4)
-      << said;  // not all is sealed
+  EXPECT_EQ(Shell("STORE=ts.db BACKUP=copy.db\n" + way), 4) << said;  // not all is sealed
   EXPECT_EQ(Query(folder / "ts.db", recorded), kept);
   EXPECT_EQ(Query(folder / "ts.db", "PRAGMA integrity_check"), "ok\n");
 }

@@ -1,0 +1,12 @@
+# The tests that run velora-ts are programs of the preset "release": a shell, hosts and helpers of this system, and
+# velora-ts.exe in the place of velora-ts.
+set(test_environment VELORA_TEST_TOOLS=${CMAKE_CURRENT_SOURCE_DIR}/under-wine)
+set(native ${PROJECT_SOURCE_DIR}/build/release/bin)
+foreach(test velora-ts-test velora-ts-questions-test velora-ts-diff-test)
+  add_executable(${test} IMPORTED)
+  set_target_properties(${test} PROPERTIES IMPORTED_LOCATION ${native}/${test} CROSSCOMPILING_EMULATOR "")
+  gtest_discover_tests(${test} DISCOVERY_MODE PRE_TEST TEST_FILTER -LogFileTest.*:Questions.*:Growth.*:TimeArgument.*
+    PROPERTIES TIMEOUT 600 LABELS ${test} ENVIRONMENT "${test_environment}")
+endforeach()
+velora_test_postgresql(velora-ts-diff-test)
+velora_test_postgresql(velora-ts-questions-test Night.*)
