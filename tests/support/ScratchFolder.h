@@ -2,9 +2,10 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
+#include <sstream>
 #include <string>
+#include <utility>
 
 /// A folder of a test's own, removed with everything in it.
 class ScratchFolder {
@@ -35,5 +36,7 @@ class ScratchFolder {
 
 inline std::string ContentOf(const std::filesystem::path& file) {
   std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+  std::ostringstream content;  // takes blocks, not characters
+  content << stream.rdbuf();
+  return std::move(content).str();
 }
