@@ -192,6 +192,7 @@ std::vector<std::string> NamesOf(const CLI::Option& option) {
 /// The longest name of each, in order.
 std::vector<std::string> NamesOf(const std::set<CLI::Option*>& options) {
   std::vector<std::string> names;
+  names.reserve(options.size());
   for (const CLI::Option* const option : options) {
     names.push_back(NamesOf(*option).back());
   }
