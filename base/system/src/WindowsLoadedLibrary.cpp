@@ -14,8 +14,9 @@ namespace {
 
 // The libraries below one that is named by its path are looked for in its folder, not in that of the program.
 HMODULE Load(const std::string& file) {
-  return PathOf(file).is_absolute() ? LoadLibraryExW(WholePath(file).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)
-                                    : LoadLibraryW(Wide(file).c_str());
+  return PathOf(file).is_absolute()
+             ? LoadLibraryExW(WholePath(Wide(file)).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH)
+             : LoadLibraryW(Wide(file).c_str());
 }
 
 }  // namespace
