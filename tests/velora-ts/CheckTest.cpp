@@ -62,6 +62,8 @@ const std::vector<Case> cases = {
      "PostgreSQL's client library cannot be used: ../client/libpq.so.5: file too short; expected",
      "LD_LIBRARY_PATH=../client"},
     {":", false, "TSAL_SERVICE is 'absent'", "TSAL_SERVICE=absent"},
+    {"mkdir ../client; touch ../client/" TSAL, false, "' cannot be loaded: ../client/" TSAL ": file too short",
+     "LD_LIBRARY_PATH=../client"},
     {"mkdir ../library && mv TSAL.config activities.xml instrument.xml ../library", true,
      "/library/ts.db' does not exist yet", "LD_LIBRARY_PATH=../library:" LIBRARIES, "--library ../library/" LIBRARY},
 };
@@ -69,7 +71,7 @@ const std::vector<Case> cases = {
 TEST_F(Check, SaysWhatAHostThatStartsThereMeets) {
   for (const Case& row : cases) {
     SCOPED_TRACE(row.prepared + " "s + row.start);
-    ASSERT_EQ(Shell("rm -rf host library; velora-ts init host; cd host; "s + row.prepared), 0) << said;
+    ASSERT_EQ(Shell("rm -rf host library client; velora-ts init host; cd host; "s + row.prepared), 0) << said;
     ASSERT_EQ(Shell("[ ! -d library ] || cp '" LIBRARIES "/" LIBRARY "' library"), 0) << said;
     const std::string before = Executions();
     const auto files = Files();

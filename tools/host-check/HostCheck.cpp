@@ -1,17 +1,16 @@
 #include "host-check/HostCheck.h"
 
+#include "host-check/LibraryOfHost.h"
 #include "host-check/SettingsOfHost.h"
 #include "store/recording/Trial.h"
 #include "store/settings/ActivitiesFile.h"
 #include "store/settings/Service.h"
-#include "store/settings/Settings.h"
 #include "store/settings/WholeFile.h"
 #include "store/values/StoredTime.h"
 
 #include <VeloraSystem/Path.h>
 
 #include <filesystem>
-#include <optional>
 
 namespace Velora::HostCheck {
 
@@ -28,6 +27,7 @@ class HostCheck {
   HostCheck(const HostStart& start, const std::function<void(const HostStep&)>& tell) : start(start), tell(tell) {}
 
   HostOutcome Run() {
+    LoadComponent();
     AskForService();
     Try([this] {
       folder = FolderOfSettings(start);
@@ -38,7 +38,7 @@ class HostCheck {
       Try([this] { return ReadActivities(); });
       Try([this] { return ReadConfiguration(); });
     }
-    if (settings) {
+    if (outcome.settings) {
       Try([this] { return TryDatabase(); });
     }
     return outcome;
@@ -59,6 +59,19 @@ class HostCheck {
   }
   void Warn(const std::string& what) { tell({HostStep::Outcome::Warns, what}); }
 
+  void LoadComponent() {
+    if (start.library.empty()) {
+      return Warn("there is no TS logging library beside this program; --library names that of the host");
+    }
+    const std::vector<std::string> reasons = WhyNotLoaded(start.library);
+    for (const std::string& reason : reasons) {
+      Prevent(reason);
+    }
+    if (reasons.empty()) {
+      tell({HostStep::Outcome::Works, "library '" + start.library + "'"});
+    }
+  }
+
   void AskForService() {
     if (const std::string reason = Store::WhyServiceIsAbsent(); reason.empty()) {
       tell({HostStep::Outcome::Works, "service: present"});
@@ -68,8 +81,8 @@ class HostCheck {
   }
 
   std::string ReadSettings() {
-    settings = Store::ReadSettings(System::TextOf(folder));
-    return "TSAL.config: instrument '" + settings->instrument + "'";
+    outcome.settings = Store::ReadSettings(System::TextOf(folder));
+    return "TSAL.config: instrument '" + outcome.settings->instrument + "'";
   }
 
   std::string ReadActivities() {
@@ -89,7 +102,7 @@ class HostCheck {
   }
 
   std::string TryDatabase() {
-    const Store::Trial trial = Store::TryToRecord(*settings);
+    const Store::Trial trial = Store::TryToRecord(*outcome.settings);
     outcome.hasStore = trial.version > 0;
     LookAtRoom();
     const std::string now = Store::ToStoredTime(Store::Now());
@@ -101,18 +114,18 @@ class HostCheck {
   }
 
   void LookAtRoom() {
-    const std::string ofDatabase = Store::FolderOf(settings->database);
+    const Store::Database& database = outcome.settings->database;
+    const std::string ofDatabase = Store::FolderOf(database);
     std::error_code unknown;
     const fs::space_info space = fs::space(System::PathOf(ofDatabase), unknown);
     if (!unknown && space.available < littleRoom) {
-      Warn("the disk of '" + settings->database.where + "' has only " + Megabytes(space.available) + " left");
+      Warn("the disk of '" + database.where + "' has only " + Megabytes(space.available) + " left");
     }
   }
 
   const HostStart& start;
   const std::function<void(const HostStep&)>& tell;
   fs::path folder;
-  std::optional<Store::Settings> settings;
   HostOutcome outcome;
 };
 

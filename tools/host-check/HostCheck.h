@@ -1,6 +1,9 @@
 #pragma once
 
+#include "store/settings/Settings.h"
+
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace Velora::HostCheck {
@@ -32,8 +35,9 @@ std::string LibraryBesideProgram();
 
 /// The outcome of all steps.
 struct HostOutcome {
-  bool records = true;    ///< Whether a host would record.
-  bool hasStore = false;  ///< Whether the store exists.
+  bool records = true;                      ///< Whether a host would record.
+  bool hasStore = false;                    ///< Whether the store exists.
+  std::optional<Store::Settings> settings;  ///< What TSAL.config says; empty if a host cannot read it.
 };
 
 /// Does what the start of a host does, step by step, and undoes it: no store is made or upgraded, and no file is left.

@@ -3,7 +3,6 @@
 #include "store/Error.h"
 
 #include <VeloraSystem/Path.h>
-#include <VeloraSystem/System.h>
 
 namespace Velora::HostCheck {
 
@@ -23,12 +22,6 @@ std::string LackingIn(const fs::path& folder, const std::string& activities) {
 }
 
 }  // namespace
-
-std::string LibraryBesideProgram() {
-  const fs::path library = System::PathOf(System::ProgramFolder()) / VELORA_LIBRARY_FROM_PROGRAM;
-  std::error_code unknown;
-  return fs::exists(library, unknown) ? System::TextOf(library) : "";
-}
 
 fs::path FolderOfSettings(const HostStart& start) {
   fs::path here = start.folder.empty() ? fs::current_path() : fs::absolute(System::PathOf(start.folder));

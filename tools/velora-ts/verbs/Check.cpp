@@ -1,4 +1,4 @@
-#include "host-check/SettingsOfHost.h"
+#include "host-check/HostCheck.h"
 #include "output/Output.h"
 #include "output/Words.h"
 #include "store/reading/Reader.h"
@@ -6,14 +6,11 @@
 #include "store/reading/Runs.h"
 #include "store/reading/Unfinished.h"
 #include "store/record/Records.h"
-#include "store/settings/Settings.h"
 #include "store/soundness/Soundness.h"
 #include "verbs/Mistakes.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
-
-#include <VeloraSystem/Path.h>
 
 #include <string>
 
@@ -92,8 +89,9 @@ class CheckVerb : public StoreVerb {
     const HostOutcome host = CheckHost(start, [](const HostStep& step) { Say(InWords(step)); });
     bool isSound = true;
     try {
-      if (host.hasStore || !host.records) {  // a store that no host can use can often be read
-        isSound = SayWhatIsThere(Store::ReadSettings(System::TextOf(FolderOfSettings(start))).database);
+      // A store that no host can use can often be read.
+      if (host.settings && (host.hasStore || !host.records)) {
+        isSound = SayWhatIsThere(host.settings->database);
       }
     } catch (const Error&) {
       if (host.records) {
