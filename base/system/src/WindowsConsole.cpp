@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <iostream>
 #include <streambuf>
@@ -24,6 +25,16 @@ HANDLE HandleOf(Standard stream) {
 std::optional<DWORD> ConsoleMode(Standard stream) {
   DWORD mode = 0;
   return GetConsoleMode(HandleOf(stream), &mode) != 0 ? std::optional(mode) : std::nullopt;
+}
+
+/// The exit code that a shell on Linux reports for a process that a signal ended.
+constexpr int EndedBy(int signal) { return 128 + signal; }
+
+BOOL WINAPI EndAtControlC(DWORD event) {
+  if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
+    return FALSE;
+  }
+  ExitProcess(EndedBy(SIGINT));
 }
 
 /// Where the last character of a text begins if it is cut off; else the end of the text.
@@ -101,7 +112,8 @@ class Buffer : public std::streambuf {
     while (!text.empty()) {
       const int more = _write(Descriptor(), text.data(), static_cast<unsigned>(text.size()));
       if (more < 0 && errno == EPIPE) {
-        _exit(128 + 13);  // the exit code of SIGPIPE in a shell on Linux
+        constexpr int sigpipe = 13;
+        _exit(EndedBy(sigpipe));
       }
       if (more < 0) {
         return false;
@@ -151,7 +163,9 @@ struct StandardStreams::Replaced {
   Buffer output{std::cout, Standard::Output};
   Buffer error{std::cerr, Standard::Error};
 };
-StandardStreams::StandardStreams() : replaced(std::make_unique<Replaced>()) {}
+StandardStreams::StandardStreams() : replaced(std::make_unique<Replaced>()) {
+  SetConsoleCtrlHandler(&EndAtControlC, TRUE);
+}
 StandardStreams::~StandardStreams() = default;
 
 }  // namespace Velora::System

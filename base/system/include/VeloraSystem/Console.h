@@ -25,8 +25,8 @@ std::optional<std::size_t> TerminalWidth();
 std::vector<std::string> Arguments(int argc, const char* const* argv);
 
 /// While it exists, std::cout and std::cerr write a UTF-8 text to a console whatever the code page of that is, and to a
-/// file or a pipe the bytes as they are. If nobody reads a pipe any more, the process ends without a word. All this is
-/// so on Linux without doing anything.
+/// file or a pipe the bytes as they are. If nobody reads a pipe any more, and at Ctrl-C, the process ends at once,
+/// without a word and with the exit code that a shell on Linux reports then. On Linux all this is so without it.
 class StandardStreams {
  public:
   StandardStreams();
