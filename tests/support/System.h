@@ -28,6 +28,9 @@ void Unload(void* library);
 bool IsLoaded(const std::filesystem::path& file);
 
 void SetVariable(const char* name, const std::string& value);
+/// Sets TZ. @return whether local clocks are those of that zone now. On Windows they stay as they were when the process
+/// began, and Wine takes them from TZ then.
+bool SetZone(const std::string& zone);
 std::string HostName();
 /// Lets the process have an ordinary user's rights, and its own again; false where that cannot be.
 bool GiveUpRights();

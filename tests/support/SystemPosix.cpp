@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <ctime>
 #include <stdexcept>
 
 namespace System {
@@ -26,6 +27,12 @@ bool IsLoaded(const std::filesystem::path& file) {
 }
 
 void SetVariable(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
+
+bool SetZone(const std::string& zone) {
+  SetVariable("TZ", zone);
+  tzset();
+  return true;
+}
 
 std::string HostName() {
   std::array<char, 128> name{};

@@ -34,6 +34,11 @@ bool IsLoaded(const std::filesystem::path& file) { return GetModuleHandleW(file.
 
 void SetVariable(const char* name, const std::string& value) { _putenv_s(name, value.c_str()); }
 
+bool SetZone(const std::string& zone) {
+  const char* const first = std::getenv("TZ");
+  return first != nullptr && zone == first;
+}
+
 std::string HostName() {
   std::array<char, 128> name{};
   DWORD size = name.size();

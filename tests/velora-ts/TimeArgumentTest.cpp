@@ -4,12 +4,11 @@
 
 #include "output/StatedTime.h"
 #include "store/values/StoredTime.h"
+#include "support/System.h"
 #include "verbs/Verb.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <ctime>
 #include <fstream>
 #include <string>
 
@@ -17,19 +16,7 @@ namespace {
 
 using namespace Velora;
 
-class TimeArgument : public testing::Test {
- protected:
-  static void SetZone(const char* zone) {
-    setenv("TZ", zone, 1);
-    tzset();
-  }
-  void TearDown() override {
-    unsetenv("TZ");
-    tzset();
-  }
-};
-
-TEST_F(TimeArgument, IsTheBeginningOfAStoredTime) {
+TEST(TimeArgument, IsTheBeginningOfAStoredTime) {
   static constexpr const char* europe = "CET-1CEST,M3.5.0/2,M10.5.0/3";
   static constexpr const char* atMidnight = "AAA3BBB,M9.1.0/0,M4.1.0/0";  // as in Paraguay until 2024
   static const struct {
@@ -88,8 +75,12 @@ TEST_F(TimeArgument, IsTheBeginningOfAStoredTime) {
       {"UTC", "2026-11-26T03:30:00.000000Z", "tomorrow", ""},
       {"UTC", "2026-11-26T03:30:00.000000Z", "", ""},
   };
+  int asked = 0;
   for (const auto& [zone, now, given, moment] : rows) {
-    SetZone(zone);
+    if (!System::SetZone(zone)) {
+      continue;
+    }
+    ++asked;
     const auto ask = [&given = given, at = Store::FromStoredTime(now)] { return Ts::TimeArgument(given, at); };
     if (*moment != '\0') {
       EXPECT_EQ(ask(), moment) << given << " in " << zone;
@@ -97,10 +88,13 @@ TEST_F(TimeArgument, IsTheBeginningOfAStoredTime) {
       EXPECT_THROW(ask(), Ts::UsageError) << given;
     }
   }
+  EXPECT_GT(asked, 0);
 }
 
-TEST_F(TimeArgument, IsReadFromRecordedTextsToo) {
-  SetZone("CET-1CEST,M3.5.0/2,M10.5.0/3");
+TEST(TimeArgument, IsReadFromRecordedTextsToo) {
+  if (!System::SetZone("CET-1CEST,M3.5.0/2,M10.5.0/3")) {
+    GTEST_SKIP() << "the zone of this process is another one";
+  }
   std::ifstream rows(SOURCE "/tests/stated-times.txt");
   std::string row;
   std::getline(rows, row);  // says what they are
