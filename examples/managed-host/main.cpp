@@ -6,12 +6,14 @@
 
 #include <VeloraSystem/Console.h>
 #include <VeloraSystem/LoadedLibrary.h>
+#include <VeloraSystem/Path.h>
 #include <VeloraText/Printable.h>
 #include <VeloraTsLogging/ITsLoggingConfigurator.h>
 
 #include <filesystem>
 #include <iostream>
 
+namespace fs = std::filesystem;
 using Quor::Velora::Unmanaged::ITsLoggingConfigurator;
 using Velora::System::LoadedLibrary;
 using Velora::Text::WriteLine;
@@ -34,7 +36,7 @@ int Main(int argc, char** argv) {
   if (const std::optional<int> done = options.Read(argc, argv)) {
     return *done;
   }
-  const LoadedLibrary component(std::filesystem::absolute(library).string());
+  const LoadedLibrary component(Velora::System::TextOf(fs::absolute(Velora::System::PathOf(library))));
   const LoadedLibrary recording(TILT_SERIES_RECORDING);
   const int entered = recording.Find<decltype(EnterRecordFolder)>("EnterRecordFolder")(options.data.c_str());
   if (entered != Recorded) {

@@ -3,6 +3,7 @@
 #include "TiltSeriesRecording.h"
 
 #include <VeloraSystem/Console.h>
+#include <VeloraSystem/Path.h>
 
 #include <filesystem>
 
@@ -21,7 +22,7 @@ std::optional<int> HostOptions::Read(int argc, char** argv) {
     return *helped ? Recorded : WrongUsage;
   }
   for (std::string& file : files) {
-    file = std::filesystem::absolute(file).string();
+    file = Velora::System::TextOf(std::filesystem::absolute(Velora::System::PathOf(file)));
   }
   return std::nullopt;
 }

@@ -8,12 +8,15 @@
 #include "SeriesRecorder.h"
 #include "System.h"
 
+#include <VeloraSystem/Path.h>
 #include <VeloraText/Printable.h>
 #include <VeloraTsLogging/IFactory.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <numeric>
 #include <string>
@@ -22,6 +25,7 @@
 namespace fs = std::filesystem;
 using Quor::Velora::Infra::TsLogging::IFactory;
 using Quor::Velora::Infra::TsLogging::ITsLogging;
+using Velora::System::PathOf;
 using Velora::Text::WriteLine;
 
 namespace {
@@ -113,16 +117,17 @@ int Guarded(const Work& work) {
 
 int EnterRecordFolder(const char* folder) {
   return Guarded([folder] {
-    EnterDataFolder(folder);
+    EnterDataFolder(PathOf(folder));
     // The terminal shows the progress; the component's log lines go to a file beside the records.
-    SetUnlessSet("VELORA_LOG_FILE", (fs::current_path() / "velora.log").string());
+    SetUnlessSet("VELORA_LOG_FILE", "velora.log");
     return Recorded;
   });
 }
 
 int RecordTiltSeries(const char* const* files, std::size_t count) {
   return Guarded([files, count] {
-    const std::vector<fs::path> paths(files, files + count);
+    std::vector<fs::path> paths;
+    std::transform(files, files + count, std::back_inserter(paths), PathOf);
     SayWhatIsThere(paths);
     const std::shared_ptr<ITsLogging> logging = IFactory::CreateTsLogging(instrumentConfigFile);
     Run run(*logging, paths);
