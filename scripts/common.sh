@@ -27,6 +27,9 @@ build() {
   quietly "Building $preset" "build/$preset-build.log" cmake --build --preset "$preset" ${1:+--target "$@"}
 }
 
+# without_page PRESET: says why the preset was configured without the page of a run; nothing, if it has it.
+without_page() { sed -n 's/^-- page: no, because //p' "build/$1-configure.log"; }
+
 # prepare_benchmarks TARGET...: builds benchmarks with release, where the libraries are that tests run.
 prepare_benchmarks() {
   scripts/install-prerequisites benchmarks
@@ -36,7 +39,7 @@ prepare_benchmarks() {
 
 # prepare_page: builds release with the tests that open pages of runs in Chromium.
 prepare_page() {
-  scripts/install-prerequisites page
+  scripts/install-prerequisites browser
   quietly "Turning the tests of the page on" build/release-page.log \
     cmake --preset release -D VELORA_PAGE=ON -D VELORA_PAGE_TESTS=ON
   build release
