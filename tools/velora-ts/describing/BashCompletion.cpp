@@ -25,7 +25,9 @@ std::string Rows(const std::string& verb, const std::vector<OptionDescription>& 
     rows += option.isRepeated ? Row("repeated", key, "1") : "";
     rows += option.isOpen ? Row("open", key, "1") : "";
     for (const std::string& name : option.names) {
-      rows += name == option.Name() ? "" : Row("long", verb + ' ' + name, option.Name());
+      if (name != option.Name()) {
+        rows += Row("long", Joined({verb, name}), option.Name());
+      }
     }
   }
   rows += arguments.empty() ? "" : Row("arguments", verb, Joined(arguments));

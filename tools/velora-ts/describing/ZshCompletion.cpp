@@ -74,14 +74,14 @@ std::string Specifications(const OptionDescription& option, const std::map<std::
   if (option.isArgument) {
     return "      " + Quoted(exclusion + places.at(option.Name()) + (option.isRequired ? ":" : "::") + value) + '\n';
   }
+  const std::string start = (option.isRepeated ? "*" : "") + exclusion;
+  const std::string end = '[' + Escaped(FirstSentence(option.help)) + (option.form.empty() ? "]" : "]:" + value);
   std::string specifications;
   for (const std::string& name : option.names) {
-    const std::string ending = option.form.empty() ? "" : name.starts_with("--") ? "=" : "+";
-    const std::string values = option.form.empty() ? "" : ':' + value;
-    specifications += "      " +
-                      Quoted((option.isRepeated ? "*" : "") + exclusion + name + ending + '[' +
-                             Escaped(FirstSentence(option.help)) + ']' + values) +
-                      '\n';
+    const std::string sign = option.form.empty() ? "" : name.starts_with("--") ? "=" : "+";
+    specifications.append("      ")
+        .append(Quoted(std::string(start).append(name).append(sign).append(end)))
+        .append("\n");
   }
   return specifications;
 }
