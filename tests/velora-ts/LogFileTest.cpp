@@ -128,6 +128,10 @@ TEST_F(LogFileTest, FollowsALogThatGrowsAndIsRotated) {
   std::filesystem::resize_file(path, 0);
   append("7 x\n");
   EXPECT_EQ(look() + look(), "7000000|info||x\n");
+  for (const std::string said : {"y", "more than before"}) {
+    std::ofstream(path) << "8 " + said + '\n';  // emptied, and grown again by the next look
+    EXPECT_EQ(look() + look(), "8000000|info||" + said + '\n');
+  }
 }
 
 }  // namespace

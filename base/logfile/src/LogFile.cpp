@@ -1,11 +1,9 @@
 #include <VeloraLogFile/LogFile.h>
 
-#include <VeloraSystem/Path.h>
 #include <VeloraText/Character.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <filesystem>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -16,6 +14,7 @@ namespace {
 
 constexpr std::size_t bufferSize = std::size_t{64} << 10U;
 constexpr std::size_t longestRaw = 2 * Line::longestText;
+constexpr std::size_t mostCompared = 256;  // one or two lines, of which each has its own time
 constexpr std::string_view ellipsis = "\u2026";
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
@@ -49,7 +48,7 @@ void LogFile::Open() {
       Refuse(std::string("cannot be opened: ") + failure.what());
     }
   } while (following && !(System::IdOf(path) == id));
-  bytes = 0;
+  last.clear();
 }
 
 bool LogFile::Next() {
@@ -116,12 +115,13 @@ bool LogFile::ReadRaw() {
 }
 
 bool LogFile::Fill() {
-  if (ended || Read()) {
+  const bool rewritten = !ended && IsRewritten();
+  if (ended || (!rewritten && Read())) {
     return !ended;
   }
   if (!following) {
     ended = true;
-  } else if (IsReplaced() && !Read()) {  // nothing more was written to the old one before
+  } else if (rewritten || (IsReplaced() && !Read())) {  // nothing more was written to the old one before
     Open();
     ended = true;  // the last line of the old one
   }
@@ -134,18 +134,26 @@ bool LogFile::Read() {
   if (std::ferror(file.get()) != 0) {
     Refuse("cannot be read: " + std::generic_category().message(errno));
   }
-  if (bytes == 0 && unread.starts_with(byteOrderMark)) {
+  if (last.empty() && unread.starts_with(byteOrderMark)) {
     unread.remove_prefix(byteOrderMark.size());
   }
-  bytes += unread.size();
+  last += unread.substr(unread.size() - std::min(unread.size(), mostCompared));
+  last.erase(0, last.size() - std::min(last.size(), mostCompared));
   return !unread.empty();
+}
+
+bool LogFile::IsRewritten() {
+  if (!following || last.empty() || std::fseek(file.get(), -static_cast<long>(last.size()), SEEK_CUR) != 0) {
+    return false;  // a pipe cannot be read twice
+  }
+  std::string now(last.size(), '\0');
+  now.resize(std::fread(now.data(), 1, now.size(), file.get()));
+  return now != last;
 }
 
 bool LogFile::IsReplaced() const {
   const System::FileId now = System::IdOf(path);
-  std::error_code gone;
-  return now == id ? std::filesystem::file_size(System::PathOf(path), gone) < bytes && !gone
-                   : !(now == System::FileId());
+  return !(now == id) && !(now == System::FileId());
 }
 
 void LogFile::Refuse(const std::string& reason) const { throw std::runtime_error("log file '" + path + "' " + reason); }

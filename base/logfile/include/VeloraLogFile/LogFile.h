@@ -35,6 +35,8 @@ class LogFile {
   /// Reads bytes into the buffer. @return whether there were any.
   bool Fill();
   bool Read();
+  /// Whether what was read last stands there no longer: the file was emptied, and can have grown again.
+  bool IsRewritten();
   bool IsReplaced() const;
   bool ReadAhead();
   [[noreturn]] void Refuse(const std::string& reason) const;
@@ -45,14 +47,14 @@ class LogFile {
   System::File file{nullptr, &std::fclose};
   System::FileId id;
   std::vector<char> buffer;
-  std::string_view unread;       // of the buffer
-  unsigned long long bytes = 0;  // read of this file
-  std::string raw;               // a line, its beginning if it is long, or a part of the last one
-  bool complete = true;          // whether `raw` is a whole line
-  bool ended = false;            // whether nothing comes after `raw` and what is unread
-  long long number = 0;          // of lines so far
-  std::string misfit;            // as long as no line has the form, number and text of the first one
-  bool fits = false;             // whether any has
+  std::string_view unread;  // of the buffer
+  std::string last;         // what was read last of this file
+  std::string raw;          // a line, its beginning if it is long, or a part of the last one
+  bool complete = true;     // whether `raw` is a whole line
+  bool ended = false;       // whether nothing comes after `raw` and what is unread
+  long long number = 0;     // of lines so far
+  std::string misfit;       // as long as no line has the form, number and text of the first one
+  bool fits = false;        // whether any has
   Line current;
   std::optional<Line> ahead;
 };
