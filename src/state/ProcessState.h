@@ -13,11 +13,11 @@
 #include <string>
 
 // All state of the component. It belongs to the process. No other file has a mutable object with static storage
-// duration. Lock order: instanceMutex before gatewayMutex.
+// duration, except trace/OneThread.cpp, which no shipped library has. Lock order: instanceMutex before gatewayMutex.
 
 namespace Quor::Velora::Infra::TsLogging {
 
-// Constants. With VELORA_TS_LOGGING_ONE_THREAD the object behind traceSource also records which thread is inside.
+// Constants.
 extern const SharedSource traceSource;           // the source of every line
 extern const std::string settingsFileName;       // the file that TSAL reads
 extern const std::string defaultActivitiesFile;  // for a caller that names none

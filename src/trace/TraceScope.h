@@ -21,7 +21,7 @@ class TraceScope {
   /// @param sharedSource,sharedName constants of the process. The scope shares them, because a process that ends during
   ///        an operation destroys its constants first.
   TraceScope(SharedSource sharedSource, SharedName sharedName)
-      : oneThread(sharedSource, *sharedName),
+      : oneThread(*sharedName),
         logger(Logging::Logger::GetInstance()),
         source(std::move(sharedSource)),
         functionName(std::move(sharedName)) {
