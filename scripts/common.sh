@@ -50,3 +50,6 @@ in_browser() {
   NODE_MODULES=$PWD/build/release/tests/page/node_modules VELORA_BIN=$PWD/build/release/bin SOURCE=$PWD \
     node "tests/page/$1" "${@:2}"
 }
+
+# project_version: the version, which stands only in CMakeLists.txt.
+project_version() { sed -n 's/^project(.* VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt; }
