@@ -122,6 +122,15 @@ TEST_F(Console, GivesAFileTheBytesAsTheyAre) {
   EXPECT_TRUE(written(L"\xD800", 2).starts_with("there is no verb '\uFFFD'")) << "half a letter is none";
 }
 
+TEST_F(Console, AnOutputThatNobodyReadsEndsItQuietly) {
+  HANDLE reading = nullptr;
+  HANDLE writing = nullptr;
+  EXPECT_NE(CreatePipe(&reading, &writing, &inherited, 0), 0);
+  CloseHandle(reading);
+  EXPECT_EQ(CodeOf(Start(L"runs", writing)), 141U);
+  CloseHandle(writing);
+}
+
 TEST_F(Console, ControlCEndsTailQuietly) {
   const auto lines = Shown([&](HANDLE screen) {
     const HANDLE tail = Start(L"tail", screen);

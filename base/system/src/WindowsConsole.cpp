@@ -37,6 +37,10 @@ BOOL WINAPI EndAtControlC(DWORD event) {
   ExitProcess(EndedBy(SIGINT));
 }
 
+bool IsPipeThatNobodyReads(unsigned long reason) {
+  return reason == ERROR_BROKEN_PIPE || reason == ERROR_NO_DATA || reason == ERROR_PIPE_NOT_CONNECTED;
+}
+
 /// Where the last character of a text begins if it is cut off; else the end of the text.
 std::size_t EndOfWholeCharacters(std::string_view text) {
   for (std::size_t last = 1; last <= std::min<std::size_t>(text.size(), 3); ++last) {
@@ -111,7 +115,7 @@ class Buffer : public std::streambuf {
   bool WriteBytes(std::string_view text) const {
     while (!text.empty()) {
       const int more = _write(Descriptor(), text.data(), static_cast<unsigned>(text.size()));
-      if (more < 0 && errno == EPIPE) {
+      if (more < 0 && IsPipeThatNobodyReads(_doserrno)) {
         constexpr int sigpipe = 13;
         _exit(EndedBy(sigpipe));
       }
