@@ -127,6 +127,22 @@ TEST_F(Look, OrdersStepsByTheTimesThatTheyState) {
   EXPECT_TRUE(Says("order 'Tab': expected a parameter of the run whose texts are times")) << said;
 }
 
+TEST_F(Look, SaysThatThereAreMoreRunsThanItLists) {
+  for (const auto& [added, cut] : {std::pair("50 - COUNT(*)", false), std::pair("1", true)}) {
+    EXPECT_EQ(Shell("sqlite3 -bail ts.db \"INSERT INTO executions WITH n(i) AS (SELECT 100 + MAX(execution_id) FROM "
+                    "executions UNION ALL SELECT i + 1 FROM n LIMIT (SELECT " +
+                    std::string(added) +
+                    " FROM executions WHERE parent_id IS NULL)) SELECT i, 'g' || i, NULL, i, 1, NULL, 'n', '', 0, "
+                    "'2026-01-01' FROM n\""),
+              0)
+        << said;
+    EXPECT_EQ(Shell("velora-ts runs 2>&1 >/dev/null"), 0);
+    EXPECT_EQ(said, cut ? "only the newest 50 are listed; --limit changes that\n" : "");
+    EXPECT_EQ(Shell("velora-ts runs --limit 50 2>&1 >/dev/null"), 0);
+    EXPECT_EQ(said, "");
+  }
+}
+
 TEST_F(Look, FitsTheTerminalAndNeverSteersIt) {
   for (const char* arguments :
        {"runs", "show ffffffff --tree --events", "runs --json", "export ffffffff --format csv"}) {

@@ -31,8 +31,11 @@ namespace {
 struct RunFilter {
   std::string since, until, instrument, activity, node;
   bool unfinished = false;  ///< Only runs that are not finished.
-  long long limit = 50;     ///< The highest number of runs.
+  long long limit = 0;      ///< The highest number of runs; 0 if none was stated.
 };
+
+/// The highest number of runs if none was stated.
+constexpr long long usualLimit = 50;
 
 /// The runs to list, newest first.
 class ListedRuns {
@@ -52,6 +55,8 @@ class ListedRuns {
     return false;
   }
   const Rows& Row() const { return rows; }
+  /// Whether the limit ended the list.
+  bool IsCut() { return left == 0 && rows.Next(); }
   /// The names in conditions without which there is no run to list.
   std::set<std::string> Missing() const { return any ? std::set<std::string>() : where.NotMet(); }
 
@@ -204,15 +209,20 @@ class RunsVerb : public StoreVerb {
     const std::vector<Condition> conditions = WhereArgument(where);
     const std::string since = filter.since.empty() ? "" : TimeArgument(filter.since);
     const std::string until = filter.until.empty() ? "" : TimeArgument(filter.until);
+    const bool usual = filter.limit == 0;
+    const long long limit = usual ? usualLimit : filter.limit;
+    const long long read = usual ? limit + 1 : limit;  // one more shows that the list is cut
     const Reader store(Database());
     Rows rows = QueryExecutions(store, ConditionOf(store, filter),
                                 {UnfinishedCondition(store, "e.execution_id"), runsWithSameLetters});
     rows.Ask(since, ToStoredText(filter.instrument), ToStoredText(filter.activity),
-             conditions.empty() ? filter.limit : std::numeric_limits<long long>::max(), ToStoredText(filter.node),
-             until);
-    ListedRuns runs(std::move(rows), FulfillingRuns(store, conditions), filter.limit);
+             conditions.empty() ? read : std::numeric_limits<long long>::max(), ToStoredText(filter.node), until);
+    ListedRuns runs(std::move(rows), FulfillingRuns(store, conditions), limit);
     json ? WriteJson(store, runs) : WriteTable(store, runs);
     FlushOut();
+    if (usual && runs.IsCut()) {
+      Complain("only the newest " + std::to_string(limit) + " are listed; --limit changes that");
+    }
     store.ExpectUntouched();
     ExitCode result = Done;
     for (const std::string& name : runs.Missing()) {
