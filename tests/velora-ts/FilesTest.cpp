@@ -9,6 +9,7 @@ namespace {
 using Files = ToolTest;
 
 TEST_F(Files, AStoreIsReadWithItsLogHoweverItIsReached) {
+  SKIP_UNDER_WINE("Wine does not show symbolic links");
   const SqlConnection host = OpenFile(folder / "ts.db");
   host->RunScript("INSERT INTO events VALUES (4, 1, 1, NULL, 'in the log', '')");
   EXPECT_EQ(Shell("[ -s ts.db-wal ] && mkdir other && ln -s ts.db first && ln -s .. other/folder && ln ts.db second"),
@@ -38,6 +39,7 @@ TEST_F(Files, AStoreIsReadWithItsLogHoweverItIsReached) {
 }
 
 TEST_F(Files, WhatMustFirstBeRolledBackIsNotRead) {
+  SKIP_UNDER_WINE("Wine does not show symbolic links");
   ASSERT_EQ(Shell("mkdir away; sqlite3 ts.db 'PRAGMA journal_mode = DELETE' 'PRAGMA cache_size = 1' BEGIN "
                   "\"UPDATE parameters SET name = printf('%9000s', 'half done')\" "
                   "'.shell cp ts.db ts.db-journal away' ROLLBACK; rm ts.db; ln -s away/ts.db"),
@@ -71,7 +73,7 @@ TEST_F(Files, AKilledBackupLeavesNothingThatIsTakenForOne) {
   EXPECT_GT(killed, 0);
   EXPECT_EQ(Shell("rm -f copy.db; velora-ts backup copy.db && find . -name 'copy.db*' -not -name '*.part'"), 0);
   EXPECT_TRUE(Says("checked: 3 executions, 150000 events\n./copy.db\n")) << said;
-  EXPECT_EQ(Shell("find copy.db -perm 0640 | grep copy"), 0);
+  EXPECT_EQ(underWine ? 0 : Shell("find copy.db -perm 0640 | grep copy"), 0);
 }
 
 TEST_F(Files, AnAnchorIsWrittenThroughNoLink) {

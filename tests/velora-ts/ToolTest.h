@@ -19,6 +19,9 @@
 
 /// Whether the tests run velora-ts.exe: VELORA_TEST_TOOLS names a folder where a program velora-ts does so.
 inline const bool underWine = std::getenv("VELORA_TEST_TOOLS") != nullptr;
+/// Skips the rest of a test of what Wine does not have, or shows to no Windows program.
+#define SKIP_UNDER_WINE(reason) \
+  if (underWine) GTEST_SKIP() << (reason)
 /// Where shells find velora-ts.
 inline const int toolIsFound = setenv(
     "PATH", ((underWine ? std::getenv("VELORA_TEST_TOOLS") : TOOLS) + (':' + std::string(std::getenv("PATH")))).c_str(),

@@ -1,5 +1,5 @@
-# The tests that run velora-ts are programs of the preset "release": a shell, hosts and helpers of this system, and
-# velora-ts.exe in the place of velora-ts.
+# The tests that run velora-ts are programs of the preset "release": a shell and hosts of this system, and
+# velora-ts.exe in the place of velora-ts. What looks inside of the tool is built for Windows in tests/windows.
 set(test_environment VELORA_TEST_TOOLS=${CMAKE_CURRENT_SOURCE_DIR}/under-wine)
 set(native ${PROJECT_SOURCE_DIR}/build/release/bin)
 foreach(test velora-ts-test velora-ts-questions-test velora-ts-diff-test)
