@@ -1,8 +1,7 @@
 // What events, stats, parameters and runs --where answer.
 
 #include "ToolTest.h"
-
-#include <regex>
+#include "support/Patterns.h"
 
 namespace {
 
@@ -45,9 +44,8 @@ class Ask : public ToolTest {
   std::string Found(const std::string& arguments, const char* pattern, const std::string& zone = "UTC") {
     EXPECT_EQ(Shell("TZ=" + zone + " velora-ts " + arguments), 0) << arguments << said;
     std::string all;
-    const std::regex matching(pattern);
-    for (std::sregex_iterator at(said.begin(), said.end(), matching), end; at != end; ++at) {
-      all += (all.empty() ? "" : " ") + (*at)[1].str();
+    for (const auto& match : MatchesIn(said, pattern)) {
+      all += (all.empty() ? "" : " ") + match[1];
     }
     return all;
   }
@@ -119,8 +117,7 @@ TEST_F(Ask, ShowsEventsWithTheirPlaces) {
             "\"hole, 7\"],\"parameters\":[{\"name\":\"Dose\",\"kind\":\"double\",\"value\":10},{\"name\":\"Stage X\","
             "\"kind\":\"text\",\"value\":\"1.50\"},{\"name\":\"Good\",\"kind\":\"bool\",\"value\":true}]}\n]\n");
   EXPECT_EQ(Tool("events --since 2026-10-03 --until 2026-10-04"), 0);
-  EXPECT_TRUE(std::regex_match(said, std::regex(".*  alone +Image  Dose=40.5  Good=false\n.* Idle +Dose=none\n")))
-      << said;
+  EXPECT_TRUE(Matches(said, ".*  alone +Image  Dose=40.5  Good=false\n.* Idle +Dose=none\n")) << said;
 }
 
 TEST_F(Ask, SaysWhatNumbersAreLike) {

@@ -5,9 +5,9 @@
 #include "store/comparing/Summary.h"
 #include "store/reading/Reader.h"
 #include "store/settings/Settings.h"
+#include "support/Patterns.h"
 
 #include <numeric>
-#include <regex>
 
 namespace {
 
@@ -55,17 +55,16 @@ class Diff : public WithTool<InFolder> {
   std::string Record(const std::string& description) {
     now += 1'000'000'000;
     Types::ActivityExecution run = Begin("run", nullptr);
-    static const std::regex child(R"(([^ {}@]*)(@(\d))?\{([^}]*)\})");
-    for (std::sregex_iterator at(description.begin(), description.end(), child), end; at != end; ++at) {
-      if ((*at)[1].str().empty()) {
-        RecordEvents((*at)[4], run);
+    for (const auto& child : MatchesIn(description, R"(([^ {}@]*)(@(\d))?\{([^}]*)\})")) {
+      if (child[1].empty()) {
+        RecordEvents(child[4], run);
         continue;
       }
-      std::string node = (*at)[1];
+      std::string node = child[1];
       const bool stops = node.ends_with('!');
       node.erase(node.size() - (stops ? 1 : 0));
-      Types::ActivityExecution execution = Begin(node, &run, (*at)[3]);
-      RecordEvents((*at)[4], execution);
+      Types::ActivityExecution execution = Begin(node, &run, child[3]);
+      RecordEvents(child[4], execution);
       if (!stops) {
         Finish(execution);
       }
@@ -237,7 +236,7 @@ TEST_F(Diff, FindsTheEventThatWasRepeatedAmongMoreThanItKeepsInMemory) {
   one.insert(one.begin() + 300, 300);
   other.erase(other.begin() + 700, other.begin() + 702);
   const std::string first = RecordSeries(one);
-  EXPECT_EQ(std::regex_replace(CompareRuns(first, RecordSeries(other)), std::regex("run/A\\d+:noise=\\S+ ?"), ""),
+  EXPECT_EQ(ReplaceMatches(CompareRuns(first, RecordSeries(other)), "run/A\\d+:noise=\\S+ ?", ""),
             "+run/A301 +run/A702 +run/A703 ");
   const std::string cut = CompareRuns(first, RecordSeries({1, 2}));
   EXPECT_EQ(Split(cut, '+').size(), 1500U) << cut;
@@ -294,7 +293,7 @@ TEST_F(Diff, IsToldByTheVerb) {
   };
   for (const auto& [arguments, code, shown] : rows) {
     EXPECT_EQ(Tool("diff " + arguments), code) << arguments << ": " << said;
-    EXPECT_TRUE(std::regex_match(said, std::regex(shown))) << arguments << ":\n" << said;
+    EXPECT_TRUE(Matches(said, shown)) << arguments << ":\n" << said;
   }
 }
 

@@ -1,11 +1,11 @@
 // What runs, show, tail and the exports for other programs make of a store.
 
 #include "ToolTest.h"
+#include "support/Patterns.h"
 #include "support/Process.h"
 
 #include <algorithm>
 #include <functional>
-#include <regex>
 #include <sstream>
 
 namespace {
@@ -108,7 +108,7 @@ TEST_F(Look, ShowsWhatThereIs) {
   };
   for (const auto& [arguments, code, shown] : rows) {
     EXPECT_EQ(Shell("TZ=IST-5:30 timeout 20 velora-ts " + arguments), code) << arguments << ": " << said;
-    EXPECT_TRUE(std::regex_match(said, std::regex(shown))) << arguments << ":\n" << said;
+    EXPECT_TRUE(Matches(said, shown)) << arguments << ":\n" << said;
   }
 }
 
@@ -121,7 +121,7 @@ TEST_F(Look, OrdersStepsByTheTimesThatTheyState) {
       << said;
   for (const char* more : {"", " --tree", " --json"}) {
     EXPECT_EQ(Tool("show ffffffff --order When" + std::string(more)), 0) << said;
-    EXPECT_TRUE(std::regex_match(said, std::regex("[^]*a long name of a step[^]*step[^]*untimed[^]*"))) << said;
+    EXPECT_TRUE(Matches(said, "[^]*a long name of a step[^]*step[^]*untimed[^]*")) << said;
   }
   EXPECT_EQ(Tool("show ffffffff --order Tab"), 2);
   EXPECT_TRUE(Says("order 'Tab': expected a parameter of the run whose texts are times")) << said;
@@ -152,15 +152,15 @@ TEST_F(Look, FitsTheTerminalAndNeverSteersIt) {
       SCOPED_TRACE(arguments + (" on " + std::to_string(columns)));
       EXPECT_EQ(OnTerminal(arguments, columns), 0) << said;
       EXPECT_TRUE(columns == 7 || Says("\x1b[1;31mUNFINISHED") == table) << said;
-      const std::string plain = std::regex_replace(said, std::regex("\x1b\\[(1;31|0)m"), "");
+      const std::string plain = ReplaceMatches(said, "\x1b\\[(1;31|0)m", "");
       EXPECT_EQ(plain.find('\x1b'), std::string::npos) << plain;
       EXPECT_EQ(plain.find("\xC2\x9B"), std::string::npos) << plain;
       std::istringstream lines(table ? plain : "");
       for (std::string line; std::getline(lines, line);) {
         const auto continues = [](char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; };
-        static const std::regex whole("(ffffffff|0ecba827|eeeeeeee|.*(step|without a status|␛.*))\r");
+        const std::string whole = "(ffffffff|0ecba827|eeeeeeee|.*(step|without a status|␛.*))\r";
         EXPECT_TRUE(std::count_if(line.begin(), line.end(), std::not_fn(continues)) <= columns + 1 ||  // and its '\r'
-                    std::regex_match(line, whole))
+                    Matches(line, whole))
             << line;
       }
     }
@@ -220,8 +220,8 @@ night       no status  22:30:00
   };
   for (const auto& [arguments, shown] : rows) {
     EXPECT_EQ(OnTerminal(arguments, 70, "CET-1CEST,M3.5.0/2,M10.5.0/3"), 0) << said;
-    said = std::regex_replace(said, std::regex("\r"), "");
-    EXPECT_TRUE(std::regex_match(said, std::regex(shown))) << arguments << ":\n" << said;
+    said = ReplaceMatches(said, "\r", "");
+    EXPECT_TRUE(Matches(said, shown)) << arguments << ":\n" << said;
   }
 }
 
@@ -346,10 +346,11 @@ TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
                   "wait $tail && cat told"),
             0)
       << said;
-  EXPECT_TRUE(std::regex_match(said, std::regex("waiting for a run\nfollowing run [^\n]*\n[^\n]*Series[^\n]*\n"
-                                                "[^\n]* log +warning +slow\n([^\n]*TiltAngle[^\n]*\n){2}whether its "
-                                                "host still runs is not known: [^\n]*\n[^\n]* late\n"
-                                                "[^\n]* log of Stage +error +anew\n")))
+  EXPECT_TRUE(Matches(said,
+                      "waiting for a run\nfollowing run [^\n]*\n[^\n]*Series[^\n]*\n"
+                      "[^\n]* log +warning +slow\n([^\n]*TiltAngle[^\n]*\n){2}whether its "
+                      "host still runs is not known: [^\n]*\n[^\n]* late\n"
+                      "[^\n]* log of Stage +error +anew\n"))
       << said;
 }
 
@@ -368,8 +369,7 @@ TEST_F(Look, SaysWhetherARunStillRunsAndFollowsItNoFurtherThanItsHost) {
     Methods::ActivityMethods::SaveActivityExecution(execution, Types::SessionHandle::Empty);
   });
   EXPECT_EQ(Tool("runs --config new && velora-ts show last --config new"), 0);
-  EXPECT_TRUE(std::regex_search(said, std::regex(" ago  running [^]*\nrunning; last recorded [^]*state +running")))
-      << said;
+  EXPECT_TRUE(HasMatch(said, " ago  running [^]*\nrunning; last recorded [^]*state +running")) << said;
   EXPECT_EQ(Tool("backup --config new backup/ts.db && velora-ts copy new copied"), 0) << said;
   host.Kill();
   EXPECT_EQ(Tool("tail last --config new"), 1);

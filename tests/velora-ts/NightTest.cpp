@@ -1,9 +1,9 @@
 // What the tool says of a run that was killed in the night.
 
 #include "ToolTest.h"
+#include "support/Patterns.h"
 
 #include <algorithm>
-#include <regex>
 
 namespace {
 
@@ -60,7 +60,7 @@ TEST_F(Night, ShowBeginsWithTheCause) {
             "last recorded 2026-11-26 08:30:00.000+05:30\n" + hole + lastEvents + '\n');
   EXPECT_EQ(Told("show --log night.log other.log last | sed '1s/^[A-Z]*; //; 1s/,.*//; /^run /,$d'"),
             "last recorded 2026-11-26 08:30:00.000+05:30\n" + hole + lastEvents +
-                std::regex_replace(lastLines, std::regex("\n    pump"), "\u240A  pump") + '\n');
+                ReplaceMatches(lastLines, "\n    pump", "\u240A  pump") + '\n');
 
   // Two branches; what is running below something that is done is innermost too.
   begin("grid 2", "specimen 12", 14, "2026-11-26T03:00:01.000000Z");
@@ -73,11 +73,11 @@ TEST_F(Night, ShowBeginsWithTheCause) {
   }
   EXPECT_EQ(Told("show last | sed '1s/^[A-Z]*; //; 1s/,.*//; /^run /,$d' | grep -E '^(in|and)' | sed '2,9d'"),
             "in step 8, below specimen 12 > grid 2, since 08:30:02.000\n" + hole + "and in 1 more\n");
-  EXPECT_TRUE(std::regex_search(Told("show --json --log other.log last"),
-                                std::regex(R"("where":\{"in":\[\{"path":\[\{"guid":"[^"]*","node":"specimen 12",)"
-                                           R"("activity":"Session","version":"1.0"\},\n[^]*"more":1,"log":\[\{"at":)"
-                                           R"("2026-11-26T03:04:00.500000Z","level":"error","source":"",)"
-                                           R"("text":"all is off\\u000a  pump A"\}\]\},)")))
+  EXPECT_TRUE(HasMatch(Told("show --json --log other.log last"),
+                       R"("where":\{"in":\[\{"path":\[\{"guid":"[^"]*","node":"specimen 12",)"
+                       R"("activity":"Session","version":"1.0"\},\n[^]*"more":1,"log":\[\{"at":)"
+                       R"("2026-11-26T03:04:00.500000Z","level":"error","source":"",)"
+                       R"("text":"all is off\\u000a  pump A"\}\]\},)"))
       << said;
   EXPECT_EQ(Told("show $(velora-ts runs | grep done | cut -c 1-8) | head -c 4"), "run ");
 }
@@ -108,7 +108,7 @@ TEST_F(Night, LinesOfTheLogStandAmongTheEvents) {
       "2026-11-26 08:30:00.000+05:30 log of Acquisition error stage did not reach 20.750 -7.250 within 30 s (4117)\n"
       "2026-11-26 08:34:00.500+05:30 log error all is off\n2026-11-26 08:29:00.000+05:30 log info here\n");
   EXPECT_EQ(Told(arguments + " | sed -n '/ info /p'"), "");
-  EXPECT_TRUE(std::regex_search(Told(arguments + " --json"), std::regex(R"(\],"log":\[\n(\{"at":"[^\n]*\n){4}$)")));
+  EXPECT_TRUE(HasMatch(Told(arguments + " --json"), R"(\],"log":\[\n(\{"at":"[^\n]*\n){4}$)"));
   NEEDS_PAGE();
   EXPECT_EQ(Shell("velora-ts report last -o page --log night.log other.log && grep -o '\"log\":{.*\\]' page"), 0);
   EXPECT_TRUE(Says(R"("level":["warning",0,"error",0],"source":["Acquisition",0,0,""],"text":["nitrogen)")) << said;

@@ -9,10 +9,10 @@
 #include "store/record/Records.h"
 #include "store/schema/Tables.h"
 #include "store/settings/Settings.h"
+#include "support/Patterns.h"
 
 #include <iterator>
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -86,16 +86,15 @@ class Questions : public ToolTest {
     }
     const SqlConnection sql = TestStore(folder / "ts.db").Open();
     sql->RunScript("SET enable_seqscan = off");  // of a small table it would read all, whatever the indexes
-    return Query(*sql, "EXPLAIN " + std::regex_replace(question, std::regex(R"(\?(\d))"), "'$1'"));
+    return Query(*sql, "EXPLAIN " + ReplaceMatches(question, R"(\?(\d))", "'$1'"));
   }
 };
 
 TEST_F(Questions, AreAnsweredByIndexes) {
   BringUp();
   Tool("--help");
-  static const std::regex line(R"(\n  (\w+)  +[A-Z])");
-  for (std::sregex_iterator at(said.begin(), said.end(), line), end; at != end; ++at) {
-    EXPECT_EQ(verbs.count((*at)[1]), 1U) << "what does " << (*at)[1] << " ask?";
+  for (const auto& line : MatchesIn(said, R"(\n  (\w+)  +[A-Z])")) {
+    EXPECT_EQ(verbs.count(line[1]), 1U) << "what does " << line[1] << " ask?";
   }
   const std::string asked = Asked();
   std::set<std::string> questions;
@@ -118,15 +117,12 @@ TEST_F(Questions, AreAnsweredByIndexes) {
   Velora::Store::questionListener = nullptr;
   for (const std::string& question : questions) {
     const std::string plan = Plan(question);
-    EXPECT_FALSE(std::regex_search(
-        plan,
-        std::regex(
-            "SCAN (?!CONSTANT|first|running|seals|ts_schema|sqlite_|up\\b)|Seq Scan on (?!running|seals|ts_schema)")))
+    EXPECT_FALSE(HasMatch(
+        plan, "SCAN (?!CONSTANT|first|running|seals|ts_schema|sqlite_|up\\b)|Seq Scan on (?!running|seals|ts_schema)"))
         << question << '\n'
         << plan;
     if (question.find("v.at < ?2 AND (?3") != std::string::npos && question.find("root_id =") == std::string::npos) {
-      EXPECT_TRUE(std::regex_search(
-          plan, std::regex("events_by_time \\(at>\\? AND at<\\?\\)|Index Cond: \\(\\(+(at|event_id) >= ")))
+      EXPECT_TRUE(HasMatch(plan, "events_by_time \\(at>\\? AND at<\\?\\)|Index Cond: \\(\\(+(at|event_id) >= "))
           << question << '\n'
           << plan;
       EXPECT_EQ(plan.find("parameters_20"), std::string::npos) << "the partition of another month: " << plan;

@@ -1,8 +1,8 @@
 // Seals, tried as one who has the database file in hand and every trigger off.
 
 #include "ToolTest.h"
+#include "support/Patterns.h"
 
-#include <regex>
 #include <sstream>
 #include <vector>
 
@@ -284,7 +284,7 @@ TEST_F(Seals, EveryAlterationIsFoundAndAnUntouchedStoreGivesNoFinding) {
     Restore();
     ASSERT_EQ(Sql(statements), 0) << said;
     EXPECT_EQ(Tool("verify"), found.starts_with("not sealed") ? 4 : 1) << table;
-    EXPECT_TRUE(std::regex_search(said, std::regex(found))) << said;
+    EXPECT_TRUE(HasMatch(said, found)) << said;
   }
   std::printf("%zu alterations found\n", all.size());
 

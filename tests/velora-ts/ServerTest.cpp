@@ -3,8 +3,8 @@
 #include "ToolTest.h"
 #include "postgresql/Server.h"
 #include "support/HostileRun.h"
+#include "support/Patterns.h"
 
-#include <regex>
 #include <thread>
 
 namespace {
@@ -84,7 +84,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   }
   // This process holds a lock beside the file, and a copy has none; why nothing is known of a host differs.
   remove(folder / "file/ts.db-hosts");
-  const auto withoutReason = [this] { return std::regex_replace(said, std::regex(R"("why":"[^"]*")"), ""); };
+  const auto withoutReason = [this] { return ReplaceMatches(said, R"("why":"[^"]*")", ""); };
   for (const std::string words :
        {"runs", "runs --unfinished --json", "show last --tree --events", "tail last", "export last --format csv",
         "export --since 2000-01-01 --format trace", "events --json", "stats number --by run --json",

@@ -1,9 +1,9 @@
 // What velora-ts answers, and that it leaves a store and its hosts alone.
 
 #include "ToolTest.h"
+#include "support/Patterns.h"
 
 #include <map>
-#include <regex>
 #include <set>
 #include <sstream>
 
@@ -98,13 +98,12 @@ TEST_F(VeloraTs, HelpIsTheSameInBothFormsAndFitsATerminal) {
   const std::string all = said;
   EXPECT_EQ(Tool("--help"), 0);
   EXPECT_EQ(said, all);
-  static const std::regex verb("\n  ([a-z]+)  "), tooWide("\n(?!  velora-ts )[^\n]{81,}");
-  for (std::sregex_iterator found(all.begin(), all.end(), verb), end; found != end; ++found) {
-    const std::string name = (*found)[1];
+  for (const auto& verb : MatchesIn(all, "\n  ([a-z]+)  ")) {
+    const std::string& name = verb[1];
     EXPECT_EQ(Tool("help " + name), 0);
     const std::string help = said;
     EXPECT_TRUE(Says("Usage: velora-ts " + name) && Says("Example:\n  velora-ts " + name)) << help;
-    EXPECT_FALSE(std::regex_search('\n' + help, tooWide)) << help;
+    EXPECT_FALSE(HasMatch('\n' + help, "\n(?!  velora-ts )[^\n]{81,}")) << help;
     EXPECT_EQ(Tool(name + " --help"), 0);
     EXPECT_EQ(said, help);
   }
@@ -113,7 +112,7 @@ TEST_F(VeloraTs, HelpIsTheSameInBothFormsAndFitsATerminal) {
 TEST_F(VeloraTs, BuiltWithoutPagesSaysSoAndDoesTheRest) {
   for (const std::string arguments : {"report last", "report nothing --config none", "stats TiltAngle --plot page"}) {
     EXPECT_EQ(Shell("'" VELORA_TS_WITHOUT_PAGE "' " + arguments), 2) << arguments;
-    EXPECT_TRUE(std::regex_match(said, std::regex("[^\n]*built without pages[^\n]*VELORA_PAGE=ON[^\n]*\n"))) << said;
+    EXPECT_TRUE(Matches(said, "[^\n]*built without pages[^\n]*VELORA_PAGE=ON[^\n]*\n")) << said;
   }
   for (const std::string arguments : {"help report", "stats TiltAngle"}) {
     EXPECT_EQ(Tool(arguments), 0);
@@ -170,22 +169,21 @@ TEST_F(VeloraTs, ExportsTheSameFromEverySchemaAndAsDocumented) {
 
   std::map<std::string, std::string> described, written;  // fields of each record, in their order
   const std::string page = ContentOf(SOURCE "/docs/record-format.md");
-  static const std::regex row(R"(\n\| (?:`(\w+)`)? ?\| ((?:`\w+`(?:, )?)+) \|)"), name(R"(`(\w+)`)");
+  const std::string row = R"(\n\| (?:`(\w+)`)? ?\| ((?:`\w+`(?:, )?)+) \|)";
   std::string record;
-  for (std::sregex_iterator line(page.begin(), page.end(), row), end; line != end; ++line) {
-    record = (*line)[1].matched ? (*line)[1].str() : record;
-    const std::string fields = (*line)[2];
-    for (std::sregex_iterator field(fields.begin(), fields.end(), name); field != end; ++field) {
-      described[record] += (*field)[1].str() + ' ';
+  for (const auto& line : MatchesIn(page, row)) {
+    record = line[1].empty() ? record : line[1];
+    for (const auto& field : MatchesIn(line[2], R"(`(\w+)`)")) {
+      described[record] += field[1] + ' ';
     }
   }
   std::istringstream lines(said);
-  static const std::regex field(R"re([{,]"(\w+)":(?=(?:"([^"\\]|\\.)*"|\d+|null|\[)))re");
+  const std::string field = R"re([{,]"(\w+)":(?=(?:"([^"\\]|\\.)*"|\d+|null|\[)))re";
   for (std::string line; std::getline(lines, line);) {
     const std::string own = line.substr(0, line.find("{\"position\"", 1));  // not a parameter's
     std::string fields;
-    for (std::sregex_iterator at(own.begin(), own.end(), field), end; at != end; ++at) {
-      fields += (*at)[1] == "record" ? "" : (*at)[1].str() + ' ';
+    for (const auto& match : MatchesIn(own, field)) {
+      fields += match[1] == "record" ? "" : match[1] + ' ';
     }
     written[line.substr(11, line.find('"', 11) - 11)] = fields;
   }
