@@ -98,6 +98,43 @@ void Options::Require(const std::string& name, const std::string& other) {
 
 namespace {
 
+std::vector<std::string> NamesOf(const CLI::Option& option) {
+  if (option.get_positional()) {
+    return {option.get_name(true)};
+  }
+  std::vector<std::string> names;
+  for (const std::string& name : option.get_snames()) {
+    names.push_back('-' + name);
+  }
+  for (const std::string& name : option.get_lnames()) {
+    names.push_back("--" + name);
+  }
+  return names;
+}
+
+/// The longest name of each, in order.
+std::vector<std::string> NamesOf(const std::set<CLI::Option*>& options) {
+  std::vector<std::string> names;
+  names.reserve(options.size());
+  for (const CLI::Option* const option : options) {
+    names.push_back(NamesOf(*option).back());
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+/// What the help says of an option, with what the parser enforces.
+std::string HelpOf(const CLI::Option& option) {
+  std::string help = option.get_description();
+  const auto add = [&help](const char* condition, const std::vector<std::string>& names) {
+    help += names.empty() ? "" : ". " + (condition + CLI::detail::join(names, " or "));
+  };
+  help += option.get_items_expected_max() > 1 ? ". Can be given more than once" : "";
+  add("Only together with ", NamesOf(option.get_needs()));
+  add("Not together with ", NamesOf(option.get_excludes()));
+  return help;
+}
+
 /// The layout of the help: names without remarks, and in the list of verbs the first sentence about each.
 class HelpLayout : public CLI::Formatter {
  public:
@@ -110,6 +147,7 @@ class HelpLayout : public CLI::Formatter {
     const bool hasForm = !option->get_positional() && option->get_type_size() > 0;
     return (hasForm ? ' ' + option->get_type_name() : "") + ' ';  // at least two blanks before the description
   }
+  std::string make_option_desc(const CLI::Option* option) const override { return HelpOf(*option); }
   std::string make_subcommand(const CLI::App* verb) const override {
     std::ostringstream line;
     const std::string help = verb->get_description();
@@ -175,31 +213,6 @@ std::string Unexpected(const CLI::App& app) {
   return "there is no option '" + given + '\'' + Suggestion(given, names);
 }
 
-std::vector<std::string> NamesOf(const CLI::Option& option) {
-  if (option.get_positional()) {
-    return {option.get_name(true)};
-  }
-  std::vector<std::string> names;
-  for (const std::string& name : option.get_snames()) {
-    names.push_back('-' + name);
-  }
-  for (const std::string& name : option.get_lnames()) {
-    names.push_back("--" + name);
-  }
-  return names;
-}
-
-/// The longest name of each, in order.
-std::vector<std::string> NamesOf(const std::set<CLI::Option*>& options) {
-  std::vector<std::string> names;
-  names.reserve(options.size());
-  for (const CLI::Option* const option : options) {
-    names.push_back(NamesOf(*option).back());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
-}
-
 std::vector<OptionDescription> OptionsOf(const CLI::App& line) {
   std::vector<OptionDescription> options;
   for (const CLI::Option* const option : line.get_options()) {
@@ -207,7 +220,7 @@ std::vector<OptionDescription> OptionsOf(const CLI::App& line) {
     one.names = NamesOf(*option);
     one.form = option->get_type_size() > 0 ? option->get_type_name() : "";
     one.choices = one.form.find('|') == std::string::npos ? one.choices : CLI::detail::split(one.form, '|');
-    one.help = option->get_description();
+    one.help = HelpOf(*option);
     one.excluded = NamesOf(option->get_excludes());
     one.required = NamesOf(option->get_needs());
     one.isArgument = option->get_positional();

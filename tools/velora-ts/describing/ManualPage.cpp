@@ -20,14 +20,6 @@ using CommandLine::VerbDescription;
 
 namespace {
 
-std::string Listed(const std::vector<std::string>& names) {
-  std::string list;
-  for (const std::string& name : names) {
-    list += (list.empty() ? "" : " or ") + name;
-  }
-  return list;
-}
-
 /// A help, with the options in it in bold.
 std::string HelpAsRoff(const std::string& help) {
   static const std::regex option("--[a-z][a-z-]*");
@@ -51,17 +43,7 @@ std::string OptionAsRoff(const OptionDescription& option) {
   if (!option.isArgument && !option.form.empty()) {
     names += ' ' + FormAsRoff(option);
   }
-  std::string help = HelpAsRoff(option.help);
-  if (option.isRepeated) {
-    help += "It can be given more than once.\n";
-  }
-  if (!option.required.empty()) {
-    help += HelpAsRoff("Only together with " + Listed(option.required));
-  }
-  if (!option.excluded.empty()) {
-    help += HelpAsRoff("Not together with " + Listed(option.excluded));
-  }
-  return ".TP\n" + names + '\n' + help;
+  return ".TP\n" + names + '\n' + HelpAsRoff(option.help);
 }
 
 std::string UsageAsRoff(const Description& program, const VerbDescription& verb) {

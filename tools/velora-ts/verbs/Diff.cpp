@@ -79,10 +79,10 @@ class DiffVerb : public StoreVerb {
 
 }  // namespace
 
-extern const Registration registeredDiff = {
-    "diff",
-    "Says how a run differs from another one, or from the last good one before it. The exit code is 0 if nothing "
-    "differs, and 1 if something does.",
-    "diff last --tolerance 1% --ignore ImageFile", &Make<DiffVerb>};
+extern const Registration registeredDiff = {"diff",
+                                            "Says how a run differs from another one, or without RUN2 from the newest "
+                                            "finished one like it. The exit code is 0 if nothing "
+                                            "differs, and 1 if something does.",
+                                            "diff last --tolerance 1% --ignore ImageFile", &Make<DiffVerb>};
 
 }  // namespace Velora::Ts

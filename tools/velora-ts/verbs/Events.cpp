@@ -133,7 +133,7 @@ class EventsVerb : public StoreVerb {
 
 extern const Registration registeredEvents = {
     "events",
-    "Writes the events of a time, of any run and of none, with the path of their execution and their parameters.",
+    "Writes the events of a time, of any run and of none, with the nodes down to their execution and their parameters.",
     "events --since '2026-11-24 02:10' --until '2026-11-24 02:20' --where 'Dose > 40'", &Make<EventsVerb>};
 
 }  // namespace Velora::Ts

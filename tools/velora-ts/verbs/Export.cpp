@@ -96,7 +96,8 @@ class ExportVerb : public StoreVerb {
 }  // namespace
 
 extern const Registration registeredExport = {
-    "export", "Writes what was recorded to standard output: a run, or the runs of a time.",
+    "export",
+    "Writes what was recorded to standard output: a run, or the runs of a time. Either RUN or --since must be given.",
     "export last > run.jsonl\nexport --since 2026-11-24 --until 2026-12-01 --format csv > november.csv",
     &Make<ExportVerb>};
 
