@@ -2,6 +2,9 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -21,7 +24,9 @@ std::optional<std::string> OutputOf(const std::vector<std::string>& command) {
   for (const std::string& word : command) {
     line += Quoted(word) + ' ';
   }
-  std::FILE* const pipe = _popen(('"' + line + "2> NUL\"").c_str(), "r");
+  line = '"' + line + "2> NUL\"";
+  // A narrow line would be one in the code page.
+  std::FILE* const pipe = _wpopen(fs::path(std::u8string(line.begin(), line.end())).c_str(), L"r");
   if (pipe == nullptr) {
     return std::nullopt;
   }
