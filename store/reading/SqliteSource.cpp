@@ -2,6 +2,7 @@
 
 #include <VeloraSystem/Path.h>
 #include <VeloraSystem/RegularFile.h>
+#include <VeloraSystem/Share.h>
 #include "store/Error.h"
 
 #include <array>
@@ -64,6 +65,10 @@ SqliteSource::SqliteSource(const std::string& path) : path(path) {
            !HasContent(sqlite3_filename_journal(name));
   if (closed) {
     Open(file, "?immutable=1");
+  } else if (System::IsOnShare(file)) {
+    throw Error("TS database '" + path + "' is on a share, and its log '" + sqlite3_filename_wal(name) +
+                "' is in use or was left; expected a command on the computer that has the disk, or a copy that "
+                "velora-ts backup made");
   }
   Begin();
 }

@@ -1,6 +1,8 @@
 #include "store/recording/SqliteFiles.h"
 
 #include <VeloraSystem/Path.h>
+#include <VeloraSystem/Share.h>
+#include "store/Error.h"
 
 #include <sqlite3.h>
 
@@ -16,6 +18,14 @@ std::string LogOf(sqlite3* database) { return sqlite3_filename_wal(sqlite3_db_fi
 }  // namespace
 
 std::string SharedMemoryOf(sqlite3* database) { return std::string(sqlite3_db_filename(database, "main")) + "-shm"; }
+
+void ExpectOwnDisk(const std::string& file) {
+  if (System::IsOnShare(file)) {
+    throw Error("TS database '" + file +
+                "' is on a share; expected a file on a disk of this computer, because the log beside it needs shared "
+                "memory and locks that work, which a share does not have");
+  }
+}
 
 SqliteFiles::SqliteFiles(sqlite3* database, const std::string& name)
     : database(database), main{Find(name)}, log{Find(LogOf(database)), Find(SharedMemoryOf(database))} {

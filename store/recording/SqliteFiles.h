@@ -13,6 +13,9 @@ namespace Velora::Store {
 /// The path of the shared-memory file of an open database.
 std::string SharedMemoryOf(sqlite3* database);
 
+/// @throws Error if a file is, or would be, on a share, where the log of a host does not work.
+void ExpectOwnDisk(const std::string& file);
+
 /// The three files of a store that a connection has open: database, log and shared memory.
 class SqliteFiles {
  public:

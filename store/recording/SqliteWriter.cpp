@@ -24,6 +24,7 @@ constexpr const char* rightsExpected =
     "; expected an existing folder, and the right to write it and the file, because a log is kept beside the file";
 
 SqliteConnection Open(const std::string& file, Opening opening) {
+  ExpectOwnDisk(file);
   if (const std::string kind = System::KindOfNoFile(System::PathOf(file));
       !kind.empty()) {  // SQLite would wait for a FIFO
     throw Error("TS database '" + file + "' is " + kind + "; expected a regular file");

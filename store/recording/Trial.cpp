@@ -1,6 +1,7 @@
 #include "store/recording/Trial.h"
 
 #include "store/recording/SessionRow.h"
+#include "store/recording/SqliteFiles.h"
 #include "store/recording/Writer.h"
 #include "store/schema/Versions.h"
 #include "store/values/Guid.h"
@@ -19,6 +20,7 @@ namespace Velora::Store {
 namespace {
 
 void ExpectRoomFor(const Database& database) {
+  ExpectOwnDisk(database.where);
   const std::string folder = FolderOf(database);
   std::error_code unknown;
   if (!fs::is_directory(System::PathOf(folder), unknown)) {

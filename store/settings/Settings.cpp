@@ -3,14 +3,13 @@
 #include "store/database/PostgreSqlAddress.h"
 #include "store/settings/XmlFile.h"
 
+#include <VeloraSystem/Failure.h>
 #include <VeloraSystem/Path.h>
 #include <VeloraSystem/System.h>
 #include "store/Error.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <iterator>
-#include <system_error>
 #include <vector>
 
 namespace Velora::Store {
@@ -23,7 +22,7 @@ std::vector<XmlElement> ElementsNamed(const std::string& name, const XmlFile& xm
   return named;
 }
 
-Database DatabaseIn(const XmlFile& xml, const std::filesystem::path& folder) {
+Database DatabaseIn(const XmlFile& xml, const std::string& folder) {
   const std::vector<XmlElement> databases = ElementsNamed("Database", xml);
   if (databases.size() != 1) {
     xml.Fail(databases.empty() ? xml.Elements().front() : databases[1], "expected one element 'Database' in 'TSAL'");
@@ -32,7 +31,7 @@ Database DatabaseIn(const XmlFile& xml, const std::filesystem::path& folder) {
   const std::string backend = xml.Required(database, "Backend");
   const std::string connection = xml.Required(database, "Connection");
   if (backend == "sqlite3") {
-    return {Database::Kind::Sqlite, System::TextOf(folder / System::PathOf(connection))};
+    return {Database::Kind::Sqlite, System::Joined(folder, connection)};
   }
   if (backend == "postgresql") {
     if (!IsPostgreSqlAddress(connection)) {  // the library's reason is left out: it can contain a password
@@ -55,21 +54,25 @@ std::map<std::string, std::string> UnitsIn(const XmlFile& xml) {
   return units;
 }
 
+// Absolute, so that a session keeps its database when the current directory changes.
+std::string SettingsIn(const std::string& folder) {
+  try {
+    return System::Absolute(System::Joined(folder, "TSAL.config"));
+  } catch (const System::Failure& failure) {
+    throw Error(std::string("file 'TSAL.config' cannot be found: the current directory is unknown: ") + failure.what());
+  }
+}
+
 }  // namespace
 
 Settings ReadSettings(const std::string& folder) {
-  // Absolute, so that a session keeps its database when the current directory changes.
-  std::error_code error;
-  const std::filesystem::path file = std::filesystem::absolute(System::PathOf(folder) / "TSAL.config", error);
-  if (error) {
-    throw Error("file 'TSAL.config' cannot be found: the current directory is unknown: " + error.message());
-  }
-  const XmlFile xml(System::TextOf(file), {{{"TSAL", {"Instrument"}}},
-                                           {{"Database", {"Backend", "Connection"}}, {"Unit", {"Parameter", "Text"}}}});
+  const std::string file = SettingsIn(folder);
+  const XmlFile xml(
+      file, {{{"TSAL", {"Instrument"}}}, {{"Database", {"Backend", "Connection"}}, {"Unit", {"Parameter", "Text"}}}});
   Settings settings;
   const std::string given = xml.Elements().front().Value("Instrument");
   settings.instrument = given.empty() ? System::ComputerName() : given;
-  settings.database = DatabaseIn(xml, file.parent_path());
+  settings.database = DatabaseIn(xml, System::TextOf(System::PathOf(file).parent_path()));
   settings.units = UnitsIn(xml);
   return settings;
 }

@@ -2,22 +2,23 @@
 
 #include "store/settings/WholeFile.h"
 
+#include <VeloraSystem/Failure.h>
 #include <VeloraSystem/Path.h>
 #include "store/Error.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <filesystem>
-#include <system_error>
 
 namespace Velora::Store {
 namespace {
 
 // The absolute path, for errors: a reader of the log does not know the current directory.
 std::string AbsoluteWhereKnown(const std::string& path) {
-  std::error_code unknown;
-  const std::filesystem::path absolute = std::filesystem::absolute(System::PathOf(path), unknown);
-  return unknown ? path : System::TextOf(absolute);
+  try {
+    return System::Absolute(path);
+  } catch (const System::Failure&) {
+    return path;
+  }
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ class HostCheck {
     AskForService();
     Try([this] {
       folder = FolderOfSettings(start);
-      return "settings: TSAL.config and " + start.activities + " in '" + System::TextOf(folder) + "'";
+      return "settings: TSAL.config and " + start.activities + " in '" + folder + "'";
     });
     if (!folder.empty()) {
       Try([this] { return ReadSettings(); });
@@ -81,13 +81,13 @@ class HostCheck {
   }
 
   std::string ReadSettings() {
-    outcome.settings = Store::ReadSettings(System::TextOf(folder));
+    outcome.settings = Store::ReadSettings(folder);
     return "TSAL.config: instrument '" + outcome.settings->instrument + "'";
   }
 
   std::string ReadActivities() {
     std::string names;
-    for (const auto& version : Store::ReadActivitiesFile(System::TextOf(folder / System::PathOf(start.activities)))) {
+    for (const auto& version : Store::ReadActivitiesFile(System::Joined(folder, start.activities))) {
       names += (names.empty() ? "" : ", ") + version.name + ' ' + version.version;
     }
     if (names.empty()) {
@@ -97,7 +97,7 @@ class HostCheck {
   }
 
   std::string ReadConfiguration() {
-    const std::size_t size = Store::ReadWholeFile(System::TextOf(folder / System::PathOf(start.configuration))).size();
+    const std::size_t size = Store::ReadWholeFile(System::Joined(folder, start.configuration)).size();
     return start.configuration + ": " + std::to_string(size) + " bytes";
   }
 
@@ -125,7 +125,7 @@ class HostCheck {
 
   const HostStart& start;
   const std::function<void(const HostStep&)>& tell;
-  fs::path folder;
+  std::string folder;
   HostOutcome outcome;
 };
 

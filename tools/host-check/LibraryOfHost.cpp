@@ -35,7 +35,7 @@ std::string LibraryBesideProgram() {
 }
 
 std::vector<std::string> WhyNotLoaded(const std::string& library) {
-  const fs::path file = fs::absolute(System::PathOf(library));
+  const fs::path file = System::PathOf(System::Absolute(library));
   std::vector<std::string> component, reasons;
   AddIfNotLoaded(component, System::TextOf(file));
   if (!component.empty()) {

@@ -10,6 +10,7 @@
 #include <TSAL/Error.h>
 #include <TSAL/Methods.h>
 #include <TSAL/Reason.h>
+#include <VeloraSystem/Narrow.h>
 
 namespace Quor::TolvaServices {
 
@@ -56,7 +57,7 @@ bool TSInstance::IsConnectable() {
   }
 }
 
-void TSInstance::SetTsalPath(const std::string& path) { Local::SetSettingsFolder(path); }
+void TSInstance::SetTsalPath(const std::string& path) { Local::SetSettingsFolder(Velora::System::FromNarrow(path)); }
 
 SessionHandle TSInstance::BeginSession() { return BeginSession({}, {}, {}); }
 
@@ -72,9 +73,10 @@ std::map<std::string, Types::ActivityVersion> ActivityMethods::RegisterAndGetAct
     const std::string& activitiesFilePath, const SessionHandle& handle) {
   return AsTsal([&] {
     const auto session = Local::SessionOf(handle);
-    const auto versions = Velora::Store::ReadActivitiesFile(activitiesFilePath);
+    const std::string path = Velora::System::FromNarrow(activitiesFilePath);
+    const auto versions = Velora::Store::ReadActivitiesFile(path);
     return session->Run(
-        [&](OpenStore& store) { return Local::RegisterVersions(store, session->Row(), activitiesFilePath, versions); });
+        [&](OpenStore& store) { return Local::RegisterVersions(store, session->Row(), path, versions); });
   });
 }
 
@@ -133,7 +135,7 @@ Types::InstrumentEventConfigResult SystemMethods::SaveInstrumentConfigWithResult
 std::string WhyNotAvailable() { return Local::Reason(); }
 
 std::string Utils::TypeUtils::ReadAllTextFromFile(const std::string& path) {
-  return AsTsal([&] { return Velora::Store::ReadWholeFile(path); });
+  return AsTsal([&] { return Velora::Store::ReadWholeFile(Velora::System::FromNarrow(path)); });
 }
 
 }  // namespace Quor::TolvaServices

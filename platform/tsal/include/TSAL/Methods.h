@@ -11,6 +11,8 @@
 // There is one exception: if the disk refuses to sync a record and all later ones, the record of an operation that
 // raised may exist later, complete.
 //
+// A path on Windows is UTF-8 or, if it is none, in the code page of the process.
+//
 // Where an operation takes a session, SessionHandle::Empty means the session that was begun last. If there is no
 // session, the operation raises.
 
