@@ -1,6 +1,7 @@
 #include "store/schema/PostgreSqlDialect.h"
 
 #include "store/schema/Running.h"
+#include "store/schema/ServerStatements.h"
 
 #include <algorithm>
 
@@ -45,17 +46,10 @@ void PostgreSqlDialect::NumberRows(const Table& table) {
       "))) EXECUTE FUNCTION refuse_row('" + table.name + "')");
 }
 
-// The function has the rights of its owner, because hosts cannot write the table. Nobody else may use it for a trigger.
 void PostgreSqlDialect::NoteRunning() {
   Add("CREATE TABLE running (execution_id BIGINT PRIMARY KEY, status_id BIGINT NOT NULL)");
   Add(Running::fill);
-  Add("CREATE FUNCTION note_running() RETURNS trigger LANGUAGE plpgsql SECURITY DEFINER AS $$\n    BEGIN IF NEW.code = "
-      "4 "
-      "THEN " +
-      std::string(Running::note) + "; ELSE " + Running::remove + "; END IF; RETURN NULL; END $$");
-  OnServer(
-      "REVOKE EXECUTE ON FUNCTION note_running() FROM PUBLIC;\n"
-      "    ALTER FUNCTION note_running() SET search_path = {schema}, pg_temp");
+  OnServer(Server::Version3::NoteRunning());
   Add("CREATE TRIGGER statuses_running AFTER INSERT ON statuses FOR EACH ROW EXECUTE FUNCTION note_running()");
 }
 

@@ -1,5 +1,7 @@
 #include "store/schema/ServerStatements.h"
 
+#include "store/schema/Running.h"
+
 namespace Velora::Store::Server {
 
 namespace Version2 {
@@ -209,6 +211,16 @@ const char* const refusals = R"(
     FOR EACH STATEMENT WHEN (NOT has_table_privilege(CAST('parameters' AS regclass), 'DELETE'))
     EXECUTE FUNCTION refuse_parameters();
     ALTER FUNCTION refuse_parameters() SET search_path = {schema}, pg_temp)";
+
+// The function has the rights of its owner, because hosts cannot write the table. Nobody else may use it for a trigger.
+std::string NoteRunning() {
+  return std::string(R"(
+    CREATE FUNCTION note_running() RETURNS trigger LANGUAGE plpgsql SECURITY DEFINER AS $$
+    BEGIN IF NEW.code = 4 THEN )") +
+         Running::note + "; ELSE " + Running::remove + R"(; END IF; RETURN NULL; END $$;
+    REVOKE EXECUTE ON FUNCTION note_running() FROM PUBLIC;
+    ALTER FUNCTION note_running() SET search_path = {schema}, pg_temp)";
+}
 
 const char* const rights = R"(
     DO $$

@@ -4,6 +4,8 @@
 // Functions name it, so that they use the tables of their own schema whatever the path of the session is, and so that a
 // function with the rights of its owner uses no object that somebody else made under the name of one of PostgreSQL's.
 
+#include <string>
+
 namespace Velora::Store::Server {
 
 namespace Version2 {
@@ -23,6 +25,8 @@ extern const char* const textDigest;
 extern const char* const keys;
 extern const char* const partitions;
 extern const char* const refusals;
+/// The function that notes which executions did not finish.
+std::string NoteRunning();
 /// Lets everybody who may read executions read the new tables, and hosts add to them. A new store has no such roles.
 extern const char* const rights;
 
