@@ -1,4 +1,4 @@
-#include "comparing/Differences.h"
+#include "comparing/DifferenceWords.h"
 #include "output/Output.h"
 #include "output/StateWords.h"
 #include "output/Terminal.h"
@@ -16,22 +16,10 @@ namespace {
 using Kind = Compared::Kind;
 using Group = Summary::Group;
 
-constexpr const char* nothing = "-";  // of a value that is not there
-
 class Writer {
  public:
   Writer(const Differences& found, const Summary& summary, const InWordsOptions& options)
-      : found(found),
-        comparison(found.comparison),
-        summary(summary),
-        options(options),
-        one(Printable(found.first.guid.substr(0, shortGuid))),
-        other(Printable(found.second.guid.substr(0, shortGuid))) {
-    if (one == other) {  // of a copy of the store
-      one = "RUN";
-      other = "RUN2";
-    }
-  }
+      : found(found), comparison(found.comparison), summary(summary), options(options), words(found, options.digits) {}
 
   void Write() {
     WriteHead();
@@ -84,86 +72,8 @@ class Writer {
           start ? ", " + Duration(static_cast<double>(*parting->at - *start) / 1e6, false) + " after the start" : "";
     }
     WriteOut(line + ":\n");
-    Line("  " + WhereOf(*parting, true));
-    Line("  " + WhatOf(*parting));
-  }
-
-  std::string WhatOf(const Compared& compared) const {
-    switch (compared.kind) {
-      case Kind::Execution:
-      case Kind::Event:
-        return "only in " + SideOf(compared);
-      case Kind::Order:
-      case Kind::EventOrder:
-        return "in another order";
-      default:
-        break;
-    }
-    std::string words = compared.kind == Kind::Status ? "state" : NameOf(compared.parameter, compared.occurrence);
-    const auto [value, otherValue] = BothOf(compared);
-    words += ": " + value + " in " + one + ", " + otherValue + " in " + other;
-    return compared.by ? words + ", a difference of " + DifferenceOf(compared) : words;
-  }
-
-  std::string SideOf(const Compared& compared) const { return compared.first != Matching::none ? one : other; }
-
-  static std::string NameOf(const std::string& name, std::size_t occurrence) {
-    return Shown(name) + (occurrence > 1 ? " (" + std::to_string(occurrence) + ')' : "");
-  }
-
-  /// The path of an execution and, if it is about one, the event.
-  std::string WhereOf(const Compared& compared, bool withRoot) const {
-    const bool isFirst = compared.first != Matching::none;
-    const RunTree& tree = isFirst ? comparison.First() : comparison.Second();
-    std::string words;
-    for (std::size_t place = isFirst ? compared.first : compared.second;; place = tree.At(place).parent) {
-      if (place != tree.Root() || withRoot || words.empty()) {
-        words.insert(0, NameOf(tree.At(place).node, tree.At(place).ordinal) + (words.empty() ? "" : " > "));
-      }
-      if (place == tree.Root()) {
-        break;
-      }
-    }
-    const std::size_t occurrence = isFirst ? compared.firstOccurrence : compared.secondOccurrence;
-    return occurrence > 0 ? words + " > " + Shown(compared.event) + ' ' + std::to_string(occurrence) : words;
-  }
-
-  static std::string StateOf(const TreeNode& node, Hosts& hosts) {
-    Execution execution;
-    execution.key = node.key;
-    execution.status = node.status;
-    return StateInWords(execution, hosts.Of(execution).state);
-  }
-
-  std::string InWords(const Compared& compared, bool ofFirst, int digits) const {
-    const std::optional<Value>& value = ofFirst ? compared.firstValue : compared.secondValue;
-    if (!value) {
-      return nothing;
-    }
-    if (compared.kind == Kind::Status) {
-      return ofFirst ? StateOf(comparison.First().At(compared.first), found.firstHosts)
-                     : StateOf(comparison.Second().At(compared.second), found.secondHosts);
-    }
-    if (compared.kind == Kind::Duration) {
-      return Duration(*value->number, true);
-    }
-    return value->IsNumber() ? NumberInWords(*value->number, digits) : Printable(value->words);
-  }
-
-  // Both values; with all digits if they look the same with fewer.
-  std::pair<std::string, std::string> BothOf(const Compared& compared) const {
-    for (const int digits : {options.digits, allDigits}) {
-      std::pair both(InWords(compared, true, digits), InWords(compared, false, digits));
-      if (both.first != both.second || digits == allDigits) {
-        return both;
-      }
-    }
-    return {};
-  }
-
-  std::string DifferenceOf(const Compared& compared) const {
-    const std::string words = compared.by ? NumberInWords(*compared.by, options.digits) : "";
-    return compared.by && *compared.by > 0 ? '+' + words : words;
+    Line("  " + words.Where(*parting, true));
+    Line("  " + words.What(*parting));
   }
 
   void WriteAlone() const {
@@ -188,7 +98,7 @@ class Writer {
   void WriteGroup(const Group& group) const {
     for (const Compared& compared : group.first) {
       const bool isFirst = compared.first != Matching::none;
-      std::string line = "  " + WhereOf(compared, false);
+      std::string line = "  " + words.Where(compared, false);
       if (compared.kind == Kind::Execution) {
         const std::size_t below =
             isFirst ? comparison.First().CountBelow(compared.first) : comparison.Second().CountBelow(compared.second);
@@ -229,7 +139,8 @@ class Writer {
   }
 
   static std::string TitleOf(const Summary::Key& key) {
-    return key.kind == Kind::Status ? "state" : Shown(key.name) + ' ' + NameOf(key.parameter, key.occurrence);
+    return key.kind == Kind::Status ? "state"
+                                    : Shown(key.name) + ' ' + DifferenceWords::Name(key.parameter, key.occurrence);
   }
 
   // What differs nearly everywhere, or by the same values each time, is said once; else each of the first few is.
@@ -238,14 +149,14 @@ class Writer {
     std::string count = (group.differ == group.compared ? "all " : std::to_string(group.differ) + " of ") +
                         std::to_string(group.compared);
     const auto add = [&](const Compared& compared) {
-      const auto [value, otherValue] = BothOf(compared);
+      const auto [value, otherValue] = words.Both(compared);
       const auto isNumber = [](const std::optional<Value>& cell) { return cell && cell->IsNumber(); };
       table.Add({{title},
                  {count},
-                 {WhereOf(compared, false)},
+                 {words.Where(compared, false)},
                  {value, false, isNumber(compared.firstValue)},
                  {otherValue, false, isNumber(compared.secondValue)},
-                 {DifferenceOf(compared)}});
+                 {words.Difference(compared)}});
       title = "";
       count = "";
     };
@@ -291,9 +202,9 @@ class Writer {
       Title("Durations: " + std::to_string(group.differ) + " of " + std::to_string(group.compared) + " differ");
       TextTable table({{"where", false, false, true}, {one, true}, {other, true}, {"times", true}});
       const auto add = [&](const std::string& where, const Compared& compared) {
-        table.Add({{"  " + where + WhereOf(compared, false)},
-                   {BothOf(compared).first},
-                   {BothOf(compared).second},
+        table.Add({{"  " + where + words.Where(compared, false)},
+                   {words.Both(compared).first},
+                   {words.Both(compared).second},
                    {NumberInWords(*compared.by, 3)}});
       };
       for (const Compared& compared : group.first) {
@@ -311,22 +222,18 @@ class Writer {
     Title("Each difference");
     comparison.Visit([&](const Compared& compared) {
       if (compared.differs && compared.kind != Kind::Version) {
-        Line("  " + WhereOf(compared, false) + ": " +
-             (compared.kind == Kind::Duration ? DurationsOf(compared) : WhatOf(compared)));
+        Line("  " + words.Where(compared, false) + ": " +
+             (compared.kind == Kind::Duration ? words.Durations(compared) : words.What(compared)));
       }
     });
-  }
-
-  std::string DurationsOf(const Compared& compared) const {
-    const auto [duration, otherDuration] = BothOf(compared);
-    return "duration: " + duration + " in " + one + ", " + otherDuration + " in " + other;
   }
 
   const Differences& found;
   const Comparison& comparison;
   const Summary& summary;
   const InWordsOptions& options;
-  std::string one, other;  // how the runs are called
+  const DifferenceWords words;
+  const std::string &one = words.One(), &other = words.Other();
   const Terminal terminal;
 };
 
