@@ -5,6 +5,7 @@
 #include "support/Patterns.h"
 #include "support/Query.h"
 #include "support/ScratchFolder.h"
+#include "support/TestStore.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,7 @@
 #include "Comparison.h"
 
 #include "support/Query.h"
+#include "support/TestStore.h"
 
 #include <TSAL/Methods.h>
 

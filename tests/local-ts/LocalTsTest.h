@@ -2,6 +2,7 @@
 
 #include "support/Query.h"
 #include "support/ScratchFolder.h"
+#include "support/TestStore.h"
 
 #include <TSAL/Methods.h>
 #include <TSAL/Reason.h>

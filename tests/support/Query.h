@@ -1,32 +1,12 @@
 #pragma once
 
-#include "support/TestStore.h"
-
 #include <filesystem>
-#include <sstream>
 #include <string>
 
-/// What a query answers, as a person would read it: cells joined by '|', rows ended by '\n'.
-inline std::string Query(Velora::Store::Connection& sql, const std::string& statement) {
-  using Type = Velora::Store::Cursor::Type;
-  std::ostringstream answer;
-  const auto rows = sql.PrepareShort(statement);
-  while (rows->Next()) {
-    for (int column = 0; column < rows->Columns(); ++column) {
-      answer << (column == 0 ? "" : "|");
-      if (rows->TypeOf(column) == Type::Null) {
-        answer << "NULL";
-      } else if (rows->TypeOf(column) == Type::Number) {
-        answer << rows->Number(column);
-      } else {
-        answer << rows->Text(column);
-      }
-    }
-    answer << '\n';
-  }
-  return answer.str();
+namespace Velora::Store {
+class Connection;
 }
 
-inline std::string Query(const std::filesystem::path& database, const std::string& statement) {
-  return Query(*TestStore(database).Open(), statement);
-}
+/// What a query answers, as a person would read it: cells joined by '|', rows ended by '\n'.
+std::string Query(Velora::Store::Connection& sql, const std::string& statement);
+std::string Query(const std::filesystem::path& database, const std::string& statement);

@@ -6,6 +6,7 @@
 #include "store/reading/Reader.h"
 #include "store/settings/Settings.h"
 #include "support/Patterns.h"
+#include "support/TestStore.h"
 
 #include <numeric>
 

@@ -1,6 +1,7 @@
 // The files of a store in a file: how they are found, and what a program that was killed leaves.
 
 #include "ToolTest.h"
+#include "support/TestStore.h"
 
 #include <random>
 

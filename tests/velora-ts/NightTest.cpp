@@ -2,6 +2,7 @@
 
 #include "ToolTest.h"
 #include "support/Patterns.h"
+#include "support/TestStore.h"
 
 #include <algorithm>
 

@@ -10,6 +10,9 @@
 #include "store/schema/Tables.h"
 #include "store/settings/Settings.h"
 #include "support/Patterns.h"
+#include "support/TestStore.h"
+
+#include <sqlite3.h>
 
 #include <iterator>
 #include <map>

@@ -4,6 +4,7 @@
 #include "postgresql/Server.h"
 #include "support/HostileRun.h"
 #include "support/Patterns.h"
+#include "support/TestStore.h"
 
 #include <thread>
 
