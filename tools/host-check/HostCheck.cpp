@@ -116,6 +116,9 @@ class HostCheck {
   void LookAtRoom() {
     const Store::Database& database = outcome.settings->database;
     const std::string ofDatabase = Store::FolderOf(database);
+    if (ofDatabase.empty()) {  // of a server, which Windows would not take for a path
+      return;
+    }
     std::error_code unknown;
     const fs::space_info space = fs::space(System::PathOf(ofDatabase), unknown);
     if (!unknown && space.available < littleRoom) {
