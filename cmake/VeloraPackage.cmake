@@ -41,7 +41,9 @@ if(MINGW)
   install(DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/ DESTINATION ${CMAKE_INSTALL_BINDIR}
     FILES_MATCHING PATTERN "lib*.dll")
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/build/windows-dependencies/licences DESTINATION .)
-  install(FILES THIRD-PARTY.md README.md docs/windows.md DESTINATION .)
+  configure_file(packaging/windows/README.txt README.txt @ONLY NEWLINE_STYLE CRLF)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/README.txt THIRD-PARTY.md docs/windows.md DESTINATION .)
+  set(CPACK_STRIP_FILES ON)  # debuggers take what was built
   set(CPACK_GENERATOR ZIP)
   set(CPACK_PACKAGE_FILE_NAME VeloraTsLogging-${PROJECT_VERSION}-windows-x86_64)
   set(CPACK_PACKAGE_DIRECTORY ${CMAKE_BINARY_DIR}/package)
