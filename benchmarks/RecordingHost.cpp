@@ -13,9 +13,7 @@ RecordingHost::RecordingHost(const std::string& database) {
   folder.Write("instrument.xml", "<Instrument/>");
   setenv("VELORA_LOG_FILE", (folder / "log").c_str(), 0);
   current_path(folder.path);
-  const auto factory = GetFactory();
-  SetFactory(factory, std::shared_ptr<ITolvaServicesClass>());  // so that nothing of a host before is cached
-  logging = IFactory::CreateTsLogging("instrument.xml");
+  Start();
   execution = logging->CreateActivityExecution("TiltSeries", "ZValue 17", "a series");
   if (execution.empty()) {
     throw std::runtime_error("nothing is recorded, because TS is not available");
@@ -25,4 +23,10 @@ RecordingHost::RecordingHost(const std::string& database) {
   logging->AddInstrumentEventParameter(event, "TiltAngle", -59.98);
   logging->AddInstrumentEventParameter(event, "Shot", 17);
   logging->AddInstrumentEventParameter(event, "Note", std::string("after focusing"));
+}
+
+void RecordingHost::Start() {
+  const auto factory = GetFactory();
+  SetFactory(factory, std::shared_ptr<ITolvaServicesClass>());  // so that nothing of a host before is cached
+  logging = IFactory::CreateTsLogging("instrument.xml");
 }

@@ -15,6 +15,8 @@ class RecordingHost {
   /// @param database the attributes that name the database in TSAL.config.
   explicit RecordingHost(const std::string& database = "Backend='sqlite3' Connection='ts.db'");
 
+  /// Brings TS up anew, as a host does that starts in this store.
+  void Start();
   /// Saves an event with a parameter of each kind, which belongs to the execution.
   void SaveEvent() const { logging->SaveInstrumentEvent(event, execution); }
   const std::string& Execution() const { return execution; }

@@ -1,5 +1,6 @@
-// save-instructions WAY SAVES: stores an event so many times, for a tool that counts instructions. "host" saves it
-// through the exported surface, "raw" stores the same rows through SQLite's own interface.
+// save-instructions WAY TIMES: records so many times, for a tool that counts instructions. "host" saves an event
+// through the exported surface, "raw" stores the same rows through SQLite's own interface, and "start" starts the host
+// anew.
 
 #include "RawStore.h"
 #include "RecordingHost.h"
@@ -10,14 +11,14 @@
 
 int main(int count, char** arguments) try {
   const std::string_view way = count == 3 ? arguments[1] : "";
-  if (way != "host" && way != "raw") {
-    std::cerr << "expected 'host' or 'raw', and how many saves\n";
+  if (way != "host" && way != "raw" && way != "start") {
+    std::cerr << "expected 'host', 'raw' or 'start', and how many times\n";
     return EXIT_FAILURE;
   }
-  const RecordingHost host;
+  RecordingHost host;
   RawStore raw(host.Store().string());
-  for (int saves = std::stoi(arguments[2]); saves > 0; --saves) {
-    way == "host" ? host.SaveEvent() : raw.SaveEvent();
+  for (int times = std::stoi(arguments[2]); times > 0; --times) {
+    way == "host" ? host.SaveEvent() : way == "raw" ? raw.SaveEvent() : host.Start();
   }
 } catch (const std::exception& error) {
   std::cerr << error.what() << '\n';
