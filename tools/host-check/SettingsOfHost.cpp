@@ -36,8 +36,8 @@ std::string DataRoot(const std::string& library) {
 }  // namespace
 
 std::string FolderOfSettings(const HostStart& start) {
-  const std::string root = start.library.empty() ? "" : DataRoot(start.library);
-  const std::string here =
+  std::string root = start.library.empty() ? "" : DataRoot(start.library);
+  std::string here =
       start.folder.empty() ? System::TextOf(std::filesystem::current_path()) : System::Absolute(start.folder);
   const std::string lackingHere = LackingIn(here, start.activities);
   if (lackingHere.empty()) {
