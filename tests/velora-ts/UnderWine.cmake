@@ -6,7 +6,7 @@ foreach(test velora-ts-test velora-ts-questions-test velora-ts-diff-test)
   add_executable(${test} IMPORTED)
   set_target_properties(${test} PROPERTIES IMPORTED_LOCATION ${native}/${test} CROSSCOMPILING_EMULATOR "")
   gtest_discover_tests(${test} DISCOVERY_MODE PRE_TEST TEST_FILTER -LogFileTest.*:Questions.*:Growth.*:TimeArgument.*
-    PROPERTIES TIMEOUT 600 LABELS ${test} ENVIRONMENT "${test_environment}")
+    PROPERTIES TIMEOUT 1500 LABELS ${test} ENVIRONMENT "${test_environment}")
 endforeach()
 velora_test_postgresql(velora-ts-diff-test)
 velora_test_postgresql(velora-ts-questions-test Night.*)
