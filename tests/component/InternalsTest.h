@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <future>
 #include <mutex>
 #include <string>
 
@@ -26,24 +25,10 @@ class InternalsTest : public testing::Test {
  protected:
   InternalsTest() { Reset(); }
 
-  static void Reset() {
-    using namespace Quor::Velora::Infra::TsLogging;
-    Fakes::TheScene() = {};
-    systemCalls = {};
-    factorySlot.reset();
-    instanceSlot.reset();
-    currentGateway.reset();
-    tsSupported = false;
-    pendingInstrumentEvents.clear();
-    activityVersions.clear();
-    parentActivityExecGuid.clear();
-    instrumentConfigResult = {};
-  }
+  static void Reset();
 
   /// Whether another thread could take it.
-  static bool IsFree(std::recursive_mutex& mutex) {
-    return std::async(std::launch::async, [&] { return mutex.try_lock() && (mutex.unlock(), true); }).get();
-  }
+  static bool IsFree(std::recursive_mutex& mutex);
 
   /// Runs something with Failure raised at an entry, nowhere when it is empty; whether Failure came out of it.
   template <typename Action>

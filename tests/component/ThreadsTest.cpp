@@ -10,6 +10,7 @@
 #include <atomic>
 #include <chrono>
 #include <climits>
+#include <future>
 #include <latch>
 #include <optional>
 #include <system_error>
