@@ -3,6 +3,6 @@
 namespace Quor::Velora::Infra::TsLogging {
 
 OneThread::OneThread(const TracedName& /*operation*/) {}
-OneThread::~OneThread() = default;
+OneThread::~OneThread() {}  // not "= default": the class has a destructor that does something in OneThread.cpp
 
 }  // namespace Quor::Velora::Infra::TsLogging
