@@ -166,7 +166,7 @@ TEST_F(BrokenInput, ReadAllTextFromFileGivesEveryByteOrSaysWhyNot) {
   EXPECT_TRUE(read(file) == content);
   EXPECT_EQ(read(folder.Write("empty", "").string()), "");
   ExpectError([&] { read(file + "\0.txt"s); }, {"'" + file, "zero byte"});
-  ExpectError([&] { read("missing"); }, {"'missing'", "No such file", "; expected a regular file"});
+  ExpectError([&] { read("missing"); }, {"'missing'", "cannot be read: ", "; expected a regular file"});
   if (System::pathsAreBytes) {  // where a file is that opens and cannot be read
     ExpectError([&] { read("/proc/self/mem"); }, {"'/proc/self/mem'", "error"});
   }

@@ -126,6 +126,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
 }
 
 TEST_F(OnServer, ACopyIsWholeOrNotThereAndHasWhatGuardsIt) {
+  SKIP_UNDER_WINE("under Wine the connection of a killed program stays open, and its transaction never ends");
   Begin("file");
   RecordHostileRun("run");
   const auto recordMore = [this](int from, int to) {
