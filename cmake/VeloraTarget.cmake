@@ -39,7 +39,7 @@ function(velora_precompile target)
   # With a precompiled <string>, GCC 12 wrongly reports overflows where texts are joined (its bug 105651). The builds
   # without precompiled headers keep these warnings.
   target_compile_options(${target} PRIVATE
-    $<$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>:-Wno-array-bounds;-Wno-stringop-overflow>)
+    $<$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>)
 endfunction()
 
 # velora_exports(TARGET LIST): exports only what the version script LIST for the linker names, without instantiations of
