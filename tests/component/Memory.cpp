@@ -3,6 +3,7 @@
 #include "fakes/Scene.h"
 
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -15,7 +16,8 @@ struct Refusal {
   std::optional<std::size_t> journalThen;
 };
 thread_local Refusal refusal;
-thread_local std::function<void()> actionAtNext;
+// A pointer: MinGW frees the variables of a thread before it would call their destructors.
+thread_local std::function<void()>* actionAtNext = nullptr;
 
 bool IsRefused() {
   if (!refusal.isOn || Fakes::Aside::IsOpen() || --refusal.left >= 0) {
@@ -32,15 +34,18 @@ bool IsRefused() {
 
 void RefuseFrom(int number, bool andLater) { refusal = {true, andLater, number, {}}; }
 
-void AtNext(std::function<void()> action) { actionAtNext = std::move(action); }
+void AtNext(std::function<void()> action) {
+  actionAtNext = std::make_unique<std::function<void()>>(std::move(action)).release();
+}
 
 std::optional<std::size_t> RefuseNoMore() { return std::exchange(refusal, {}).journalThen; }
 
 }  // namespace Memory
 
 void* operator new(std::size_t size) {
-  if (Memory::actionAtNext && !Fakes::Aside::IsOpen()) {
-    std::exchange(Memory::actionAtNext, nullptr)();
+  if (Memory::actionAtNext != nullptr && !Fakes::Aside::IsOpen()) {
+    const std::unique_ptr<std::function<void()>> action(std::exchange(Memory::actionAtNext, nullptr));
+    (*action)();
   }
   void* const taken = Memory::IsRefused() ? nullptr : std::malloc(size == 0 ? 1 : size);
   if (taken == nullptr) {
