@@ -3,6 +3,7 @@
 #include "store/database/Database.h"
 
 #include <map>
+#include <optional>
 #include <string>
 
 namespace Velora::Store {
@@ -18,5 +19,11 @@ struct Settings {
 /// @param folder empty for the current directory.
 /// @throws Error, naming file and line, when the file cannot be used.
 Settings ReadSettings(const std::string& folder);
+
+/// Reads in "TSAL.config" in a folder to which store `velora-ts forward` takes what hosts record there. Hosts do not
+/// ask for it.
+/// @return nothing if it names none.
+/// @throws Error, naming file and line, when the file cannot be used.
+std::optional<Database> ReadFacility(const std::string& folder);
 
 }  // namespace Velora::Store

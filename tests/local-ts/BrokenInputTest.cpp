@@ -55,6 +55,13 @@ TEST_F(BrokenInput, XmlIsRefusedWithItsFileAndLineAndNothingIsTakenFromIt) {
        "Text='°'/></TSAL>",
        "line 2: a second 'Unit' has the Parameter 'Tilt'; expected one"},
       {"<TSAL>\n<Unit Parameter='Defocus' Text='µm'/></TSAL>", "line 1: expected one element 'Database'"},
+      {"<TSAL><Database Backend='sqlite3' Connection='a'/>\n<Forward/></TSAL>",
+       "line 2: 'Forward' has no 'Connection'"},
+      {"<TSAL><Database Backend='sqlite3' Connection='a'/><Forward Connection='my'/>\n<Forward "
+       "Connection='my'/></TSAL>",
+       "line 2: a second 'Forward'; expected at most one"},
+      {"<TSAL><Database Backend='postgresql' Connection='dbname=a'/>\n<Forward Connection='service=my'/></TSAL>",
+       "line 2: 'Forward' beside Backend=\"postgresql\"; expected it beside Backend=\"sqlite3\""},
       {"<TSAL><Database><Database/>\n</Database></TSAL>", "line 1: unknown element 'Database'; expected nothing"},
       {"<Activities Name='a'/>", "line 1: 'Activities' has an unknown attribute 'Name'; expected: none"},
       {"<Activities>\n<Aktivity/></Activities>", "line 2: unknown element 'Aktivity'; expected elements 'Activity'"},

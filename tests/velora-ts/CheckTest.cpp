@@ -62,6 +62,9 @@ const std::vector<Case> cases = {
     {"mkdir ../client; touch ../client/libpq.so.5; sed -i s/sqlite3/postgresql/ TSAL.config", false,
      "PostgreSQL's client library cannot be used: ../client/libpq.so.5: file too short; expected",
      "LD_LIBRARY_PATH=../client", "", true},
+    {"mkdir ../client; touch ../client/libpq.so.5; sed -i '/Database/a <Forward Connection=\"no address\"/>' "
+     "TSAL.config",
+     true, "ts.db' does not exist yet", "LD_LIBRARY_PATH=../client", "", true},
     {":", false, "TSAL_SERVICE is 'absent'", "TSAL_SERVICE=absent"},
     {"mkdir ../client; touch ../client/" TSAL, false, "' cannot be loaded: ../client/" TSAL ": file too short",
      "LD_LIBRARY_PATH=../client", "", true},
