@@ -1,8 +1,5 @@
 #pragma once
 
-#include "store/copying/RowWriter.h"
-#include "store/schema/Tables.h"
-
 #include <functional>
 #include <memory>
 
@@ -25,8 +22,6 @@ class CopyTarget {
   /// @param fill inserts the rows. It may also delete rows.
   /// @throws Error when the rows break a foreign key. Then, and if `fill` throws, the store is as before.
   virtual void Fill(const std::function<void()>& fill) = 0;
-  /// A writer for the rows of a table.
-  virtual std::unique_ptr<RowWriter> RowsOf(const Table& table) = 0;
   /// Makes new rows get higher numbers than the copied ones.
   virtual void ContinueNumbers() {}
   /// Is called after everything was copied.

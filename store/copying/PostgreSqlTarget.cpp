@@ -1,16 +1,14 @@
 #include "store/copying/PostgreSqlTarget.h"
 
-#include "store/copying/RowBytes.h"
 #include "store/database/PostgreSqlConnection.h"
-#include "store/reading/Rows.h"
 #include "store/recording/Writer.h"
+#include "store/schema/Tables.h"
 #include "store/soundness/PostgreSqlCatalog.h"
 
 namespace Velora::Store {
 namespace {
 
 constexpr long long keysInAMonth = 10'000'000'000;  // docs/postgresql.md
-constexpr long long firstMonth = 200001;
 
 // The statements that remove the foreign keys and triggers of the store, and those that make them again. Partitions get
 // theirs from the whole table.
@@ -27,58 +25,6 @@ constexpr const char* askGuards = R"(
       WHERE NOT tgisinternal AND NOT relispartition AND tgenabled = 'O'
         AND relnamespace = to_regnamespace(quote_ident(current_schema())))
     SELECT string_agg(removal, '; '), string_agg(definition, '; ') FROM guards)";
-
-/// Sends rows with COPY, and makes the partition of the month of each.
-class ServerRows : public RowWriter {
- public:
-  ServerRows(PostgreSqlConnection& sql, const Table& table)
-      : sql(sql),
-        isByMonth(table.isByMonth),
-        statement("COPY " + table.name + " (" + table.ColumnList() + ") FROM STDIN (FORMAT binary)") {}
-
-  void Add(const Rows& rows, std::string_view bytes) override {
-    if (isByMonth) {
-      MakeRoomFor(rows.Integer(0));
-    }
-    if (!sending) {
-      sql.BeginSending(statement);
-      unsent = beginOfRows;
-      sending = true;
-    }
-    unsent += bytes;
-    if (unsent.size() > bytesAtOnce) {
-      sql.Send(unsent);
-      unsent.clear();
-    }
-  }
-  void Flush() override {
-    if (sending) {
-      sql.Send(unsent += endOfRows);
-      sql.EndSending();
-      unsent.clear();
-      sending = false;
-    }
-  }
-
- private:
-  static constexpr std::size_t bytesAtOnce = 100'000;
-
-  void MakeRoomFor(long long event) {
-    const long long eventMonth = event / keysInAMonth;
-    if (eventMonth >= firstMonth && eventMonth != month) {
-      Flush();
-      sql.RunScript("SELECT make_partition(" + std::to_string(eventMonth) + ")");
-      month = eventMonth;
-    }
-  }
-
-  PostgreSqlConnection& sql;
-  const bool isByMonth;
-  const std::string statement;
-  long long month = 0;
-  bool sending = false;
-  std::string unsent;
-};
 
 std::string AllTables() {
   std::vector<std::string> names;
@@ -107,10 +53,6 @@ void PostgreSqlTarget::Fill(const std::function<void()>& fill) {
     throw Error("the schema of '" + store.Name() + "' is not what it was before the rows were copied: " + difference);
   }
   transaction.Commit();
-}
-
-std::unique_ptr<RowWriter> PostgreSqlTarget::RowsOf(const Table& table) {
-  return std::make_unique<ServerRows>(sql, table);
 }
 
 void PostgreSqlTarget::ContinueNumbers() {

@@ -12,7 +12,6 @@ class PostgreSqlTarget : public CopyTarget {
   explicit PostgreSqlTarget(Writer& store);
 
   void Fill(const std::function<void()>& fill) override;
-  std::unique_ptr<RowWriter> RowsOf(const Table& table) override;
   /// Sets the sequences behind the copied keys.
   void ContinueNumbers() override;
   void Finish() override;

@@ -10,7 +10,6 @@ class SqliteTarget : public CopyTarget {
   explicit SqliteTarget(Writer& store) : store(store) {}
 
   void Fill(const std::function<void()>& fill) override;
-  std::unique_ptr<RowWriter> RowsOf(const Table& table) override;
 
  private:
   Writer& store;

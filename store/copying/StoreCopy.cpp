@@ -1,12 +1,14 @@
 #include "store/copying/StoreCopy.h"
 
 #include "store/copying/CopyTarget.h"
-#include "store/copying/RowBytes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/recording/Writer.h"
 #include "store/schema/Running.h"
+#include "store/schema/Tables.h"
 #include "store/schema/Versions.h"
+#include "store/transfer/RowBytes.h"
+#include "store/transfer/RowWriter.h"
 
 #include <limits>
 #include <optional>
@@ -64,7 +66,7 @@ class Visits {
   /// Visits the current row. @return its bytes, until the next visit.
   std::string_view Visit(const Table& table, const Rows& rows) {
     bytes.clear();
-    AppendRow(bytes, rows, table);
+    AppendRow(bytes, rows, table, 0);
     visit(table, bytes);
     return bytes;
   }
@@ -82,7 +84,7 @@ class Visits {
 class Copier {
  public:
   Copier(const Reader& from, Writer& to, const Database& target, const RowVisitor& visit)
-      : from(from), to(to), target(MakeCopyTarget(to, target)), visits(visit) {}
+      : from(from), to(to), kind(target.kind), target(MakeCopyTarget(to, target)), visits(visit) {}
 
   // A new store has recorded when it was made.
   bool IsTargetNew() {
@@ -154,9 +156,11 @@ class Copier {
     return more ? last : afterAll;
   }
 
+  std::unique_ptr<RowWriter> RowsOf(const Table& table) { return MakeRowWriter(kind, to.Sql(), table, 0); }
+
   void CopyTable(const Table& table) {
     const long long highest = HighestKey(table);
-    const auto writer = target->RowsOf(table);
+    const auto writer = RowsOf(table);
     Rows rows(from, RowsBetween(table));
     visits.VisitAll(table, rows.Ask(beforeAll, highest));
     rows.Ask(highest, afterAll);
@@ -169,8 +173,8 @@ class Copier {
   void CopyEvents() {
     const Table& eventTable = TableNamed("events");
     const Table& parameterTable = TableNamed("parameters");
-    const auto events = target->RowsOf(eventTable);
-    const auto parameters = target->RowsOf(parameterTable);
+    const auto events = RowsOf(eventTable);
+    const auto parameters = RowsOf(parameterTable);
     Rows rows(from, RowsBetween(eventTable));
     Rows theirs(from, RowsBetween(parameterTable));
     long long done = HighestKey(eventTable);
@@ -191,6 +195,7 @@ class Copier {
 
   const Reader& from;
   Writer& to;
+  const Database::Kind kind;
   const std::unique_ptr<CopyTarget> target;
   Visits visits;
   bool filling = false;

@@ -21,6 +21,8 @@ struct Column {
   bool isUnique = false;
   bool leadsRecord = false;  ///< In a record, the field comes directly after the number.
 
+  /// Whether its values are keys, of the row itself or of another.
+  bool HoldsKey() const { return type == Type::Key || !refersTo.empty(); }
   /// The name of the field in a record. There, a reference is a guid.
   std::string Field() const;
 };

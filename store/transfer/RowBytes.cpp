@@ -1,4 +1,4 @@
-#include "store/copying/RowBytes.h"
+#include "store/transfer/RowBytes.h"
 
 #include "store/reading/Rows.h"
 #include "store/schema/Table.h"
@@ -36,7 +36,7 @@ void AppendField(std::string& bytes, std::uint64_t field) {
 const std::string beginOfRows{"PGCOPY\n\xFF\r\n\0\0\0\0\0\0\0\0\0", 19};
 const std::string endOfRows = "\xFF\xFF";
 
-void AppendRow(std::string& bytes, const Rows& rows, const Table& table) {
+void AppendRow(std::string& bytes, const Rows& rows, const Table& table, long long shift) {
   AppendBytes(bytes, static_cast<std::uint16_t>(table.columns.size()));
   int place = 0;
   for (const Column& column : table.columns) {
@@ -47,7 +47,7 @@ void AppendRow(std::string& bytes, const Rows& rows, const Table& table) {
     } else if (column.type == Type::Number) {
       AppendField(bytes, std::bit_cast<std::uint64_t>(rows.Number(place)));
     } else {
-      AppendField(bytes, static_cast<std::uint64_t>(rows.Integer(place)));
+      AppendField(bytes, static_cast<std::uint64_t>(rows.Integer(place) + (column.HoldsKey() ? shift : 0)));
     }
     ++place;
   }
