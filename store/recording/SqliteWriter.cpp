@@ -43,6 +43,15 @@ SqliteConnection Open(const std::string& file, Opening opening) {
   }
 }
 
+/// Whether a file is read-only for everybody, as velora-ts rotate leaves it. The system lets root write it all the
+/// same.
+bool MayNobodyWrite(const std::string& file) {
+  using std::filesystem::perms;
+  std::error_code unknown;
+  const perms rights = std::filesystem::status(System::PathOf(file), unknown).permissions();
+  return !unknown && (rights & (perms::owner_write | perms::group_write | perms::others_write)) == perms::none;
+}
+
 const char* ExpectedAfter(const DatabaseError& error) {
   switch (std::stoi(error.code)) {
     case SQLITE_CANTOPEN:
@@ -59,7 +68,7 @@ const char* ExpectedAfter(const DatabaseError& error) {
 
 SqliteWriter::SqliteWriter(const std::string& file, Opening opening)
     : Writer(opening), connection(Open(file, opening)) {
-  if (sqlite3_db_readonly(connection.Handle(), "main") != 0) {
+  if (sqlite3_db_readonly(connection.Handle(), "main") != 0 || MayNobodyWrite(file)) {
     throw Error("TS database '" + file + "' can only be read; expected a file that may be written");
   }
   Configure();

@@ -53,6 +53,43 @@ TEST_F(Files, WhatMustFirstBeRolledBackIsNotRead) {
   EXPECT_EQ(Tool("check"), 0) << said;
 }
 
+TEST_F(Files, AnyStoreIsReadInPlaceOfThatOfTheSettings) {
+  const std::string moved =
+      "mkdir old && velora-ts prepare && mv ts.db old/2025.db && chmod 0444 old/2025.db && chmod 0555 old";
+  ASSERT_EQ(Shell(moved), 0) << said;
+  folder.Write("TSAL.config",
+               "<TSAL><Database Backend='sqlite3' Connection='ts.db'/><Unit Parameter='TiltAngle' Text='gon'/></TSAL>");
+  const std::string refused = "can only be read; expected a file that may be written";
+  const struct {
+    std::string arguments;
+    int code;
+    std::string words;
+  } rows[] = {
+      {"runs", 3, "there is no TS store '"},
+      {"runs --with old/2025.db", 0, "grid.mdoc"},
+      {"parameters last --with old/2025.db", 0, "gon"},
+      {"runs --with ../old/2025.db", 3,
+       "there is no TS store '../old/2025.db'; expected its file, or a folder with its"},
+      {"prepare --with new.db", 3, "there is no TS store 'new.db'"},
+      {"verify --with old/2025.db", 4, "0 findings"},
+      {"check --with old/2025.db", 0, "schema: version"},
+      {"backup copy.db --with old/2025.db", 0, "checked: 3 executions"},
+      {"diff last last --with old/2025.db", 3, "there is no TS store '"},
+      {"seal --with old/2025.db", 3, refused},
+      {"note last dry --with old/2025.db", 3, refused},
+      {"prepare --with old/2025.db", 3, refused},
+  };
+  for (const auto& [arguments, code, words] : rows) {
+    EXPECT_EQ(Tool(arguments), code) << arguments << said;
+    EXPECT_TRUE(Says(words)) << arguments << said;
+  }
+  EXPECT_EQ(Shell("mv copy.db ts.db; ls old; velora-ts diff last last --with old/2025.db"), 0) << said;
+  EXPECT_TRUE(Says("2025.db\n") && Says("Nothing differs")) << said;
+  EXPECT_EQ(Tool("report last --with old -o page.html"), WITH_PAGE ? 3 : 2) << said;
+  EXPECT_EQ(Shell("rm ts.db; velora-ts report last --with old/2025.db -o page.html"), WITH_PAGE ? 0 : 2) << said;
+  EXPECT_EQ(Shell("chmod 0755 old; rm TSAL.config; velora-ts show last --with old/2025.db"), 0) << said;
+}
+
 TEST_F(Files, AKilledBackupLeavesNothingThatIsTakenForOne) {
   ASSERT_EQ(Query(folder / "ts.db",
                   "INSERT INTO events WITH n(i) AS (SELECT 4 UNION ALL SELECT i + 1 FROM n WHERE i < 150000) "

@@ -75,13 +75,13 @@ _velora_ts_parse() {
   done
 }
 
-# ask FOLDER ARGUMENT...: what velora-ts says about the store of a folder; nothing if that takes longer than a second,
-# as for a server that cannot be reached.
+# ask ARGUMENT...: what velora-ts says about the store of `config` and `with`; nothing if that takes longer than a
+# second, as for a server that cannot be reached.
 _velora_ts_ask() {
-  local folder=$1 program=${words[0]}
+  local program=${words[0]}
   [[ -n $can_ask ]] && type -P timeout >/dev/null || return 0
   type -P "$program" >/dev/null || program=velora-ts
-  timeout -k 1 1 "$program" "${@:2}" ${folder:+--config "$folder"} </dev/null 2>/dev/null
+  timeout -k 1 1 "$program" "$@" ${config:+--config "$config"} ${with:+--with "$with"} </dev/null 2>/dev/null
 }
 
 # offer VALUE [DESCRIPTION]: if the value begins with what was typed.
@@ -129,7 +129,7 @@ _velora_ts_offer_runs() {
     IFS=$'\t' read -ra fields <<<"${line//  /$'\t'}"
     fields=("${fields[@]# }")
     _velora_ts_offer "$prefix${line%% *}" "${fields[6]-}, ${fields[7]-}, ${fields[4]-}"
-  done < <(_velora_ts_ask "$1" runs --limit "$limit")
+  done < <(_velora_ts_ask runs --limit "$limit")
 }
 
 # is_unfit TEXT: whether a text in JSON has characters that would break the line or steer the terminal.
@@ -163,7 +163,9 @@ _velora_ts_offer_texts() {
 
 # Offers values of a form, after `prefix`.
 _velora_ts_offer_values() {
-  local form=$1 choice config=${given[--config]-}
+  local form=$1 choice config=${given[--config]-} with=${given[--with]-}
+  # Here, --with names the store of RUN2.
+  [[ $form == RUN2 || $verb != diff && ! -v given[--against] ]] || with=''
   if [[ $form == *,... ]]; then
     local list=${cur#"$prefix"}
     [[ $list != *,* ]] || prefix+=${list%,*},
@@ -173,13 +175,12 @@ _velora_ts_offer_values() {
   case $form in
     FOLDER) compopt -o dirnames ;;
     FILE | FILE...) compopt -o default ;;
-    RUN) _velora_ts_offer_runs "$config" ;;
-    RUN2) _velora_ts_offer_runs "${given[--with]-$config}" ;;
-    PARAMETER) _velora_ts_offer_texts name '' < <(_velora_ts_ask "$config" parameters last --json) ;;
-    '[PARAMETER=]X') _velora_ts_offer_texts name = < <(_velora_ts_ask "$config" parameters last --json) ;;
-    EVENT) _velora_ts_offer_texts events '' < <(_velora_ts_ask "$config" parameters last --json) ;;
+    RUN | RUN2) _velora_ts_offer_runs ;;
+    PARAMETER) _velora_ts_offer_texts name '' < <(_velora_ts_ask parameters last --json) ;;
+    '[PARAMETER=]X') _velora_ts_offer_texts name = < <(_velora_ts_ask parameters last --json) ;;
+    EVENT) _velora_ts_offer_texts events '' < <(_velora_ts_ask parameters last --json) ;;
     INSTRUMENT | ACTIVITY | NODE)
-      _velora_ts_offer_texts "${form,,}" '' < <(_velora_ts_ask "$config" runs --limit 200 --json)
+      _velora_ts_offer_texts "${form,,}" '' < <(_velora_ts_ask runs --limit 200 --json)
       ;;
     TIME) for choice in today yesterday; do _velora_ts_offer "$prefix$choice"; done ;;
     VERB) for choice in "${_velora_ts_verbs[@]}"; do _velora_ts_offer "$prefix$choice"; done ;;

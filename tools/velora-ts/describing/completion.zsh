@@ -21,23 +21,29 @@ _velora_ts_folder() {
   REPLY=${(Q)REPLY}
 }
 
-# ask WORD ARGUMENT...: what velora-ts says about the store of a folder; nothing if that takes longer than a second, as
-# for a server that cannot be reached.
+# ask ARGUMENT...: what velora-ts says about the store of --config and --with, which names that of RUN2 if `second` is
+# set; nothing if that takes longer than a second, as for a server that cannot be reached.
 _velora_ts_ask() {
   setopt local_options extended_glob
-  local REPLY tool word=${1//(#b)\\([\\:])/$match[1]}  # as _arguments escapes it
+  local REPLY tool option word
+  local -a store
   _velora_ts_folder $program && tool=$REPLY && whence -p -- $tool >/dev/null || tool=velora-ts
-  _velora_ts_folder "$word" && whence -p timeout >/dev/null || return
-  timeout -k 1 1 $tool "${@:2}" ${REPLY:+--config} $REPLY </dev/null 2>/dev/null
+  for option in --config --with; do
+    [[ $option == --config || -n $second || $words[1] != diff && -z ${opt_args[--against]-} ]] || continue
+    word=${opt_args[$option]//(#b)\\([\\:])/$match[1]}  # as _arguments escapes it
+    _velora_ts_folder "$word" || return
+    store+=(${REPLY:+$option} $REPLY)
+  done
+  whence -p timeout >/dev/null || return
+  timeout -k 1 1 $tool "$@" $store </dev/null 2>/dev/null
 }
 
-# runs OPTION: the newest runs of the store that an option names, or --config, with activity, node and state. The table
-# shows no character that steers a terminal.
+# runs [SECOND]: the newest runs, with activity, node and state. The table shows no character that steers a terminal.
 _velora_ts_runs() {
-  local line limit=20
+  local line limit=20 second=$1
   local -a runs=('last:the run recorded last') fields
   [[ -z $PREFIX ]] || limit=200
-  for line in ${(f)"$(_velora_ts_ask "${opt_args[$1]-$opt_args[--config]}" runs --limit $limit)"}; do
+  for line in ${(f)"$(_velora_ts_ask runs --limit $limit)"}; do
     [[ $line =~ '^[0-9a-f]{8,} ' ]] || continue
     fields=(${${(s:  :)line}# })
     runs+=("$fields[1]:$fields[7], $fields[8], $fields[5]")
@@ -69,18 +75,18 @@ _velora_ts_texts() {
   _wanted values expl $1 compadd "${@:2}" -a texts
 }
 
-_velora_ts_parameters() { _velora_ts_texts $1 < <(_velora_ts_ask "$opt_args[--config]" parameters last --json) }
+_velora_ts_parameters() { _velora_ts_texts $1 < <(_velora_ts_ask parameters last --json) }
 
-_velora_ts_of_runs() { _velora_ts_texts $1 < <(_velora_ts_ask "$opt_args[--config]" runs --limit 200 --json) }
+_velora_ts_of_runs() { _velora_ts_texts $1 < <(_velora_ts_ask runs --limit 200 --json) }
 
 # listed MEMBER END: one more name of a list, with an end such as "=".
 _velora_ts_listed() {
   compset -P '*,'
-  _velora_ts_texts $1 -S "$2" < <(_velora_ts_ask "$opt_args[--config]" parameters last --json)
+  _velora_ts_texts $1 -S "$2" < <(_velora_ts_ask parameters last --json)
 }
 
 _velora_ts() {
-  local program=$words[1] word option context state state_descr line
+  local program=$words[1] second word option context state state_descr line
   local -A opt_args
   local -a specifications open
   if ((CURRENT == 2)); then

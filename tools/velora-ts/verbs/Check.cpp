@@ -85,6 +85,9 @@ class CheckVerb : public StoreVerb {
   }
 
   ExitCode Execute() override {
+    if (IsOfAnother()) {  // no host records there
+      return SayWhatIsThere(Database()) ? Done : Found;
+    }
     start.folder = Folder();
     const HostOutcome host = CheckHost(start, [](const HostStep& step) { Say(InWords(step)); });
     bool isSound = true;

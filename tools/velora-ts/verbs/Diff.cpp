@@ -17,7 +17,8 @@ namespace {
 
 class DiffVerb : public StoreVerb {
  public:
-  explicit DiffVerb(Options& options) : StoreVerb(options), second(options), rules(options), digits(options) {
+  explicit DiffVerb(Options& options)
+      : StoreVerb(options, With::Nothing), second(options), rules(options), digits(options) {
     options.AddRequiredText("RUN", name, "The run to compare: " VELORA_RUN_FORMS);
     options.AddText("RUN2", secondName,
                     "The run to compare it with, named as RUN. Default: the newest finished run of the same activity "

@@ -24,19 +24,26 @@ namespace {
 
 class ReportVerb : public StoreVerb {
  public:
-  explicit ReportVerb(Options& options) : StoreVerb(options), logs(options), second(options), rules(options) {
+  explicit ReportVerb(Options& options)
+      : StoreVerb(options, With::Nothing),
+        logs(options),
+        second(options, "; without --against, of the one that has RUN"),
+        rules(options) {
     options.AddRequiredText("RUN", name, "The run to show: " VELORA_RUN_FORMS);
     options.AddText("-o,--output", file,
                     "The file to write. Default: run-GUID.html, with the first letters of the guid", "FILE");
     options.AddText("--against", secondName, "A run to compare it with, named as RUN", "RUN2");
-    for (const char* option : {"--with", "--tolerance", "--ignore"}) {
+    for (const char* option : {"--tolerance", "--ignore"}) {
       options.Require(option, "--against");
     }
   }
 
   ExitCode Execute() override {
     const Page::Frame frame = Page::RunFrame();  // first, because a build may lack it
-    const Settings settings = StoreSettings();
+    Settings settings = StoreSettings();
+    if (secondName.empty() && !second.Place().empty()) {
+      settings.database = StoreAt(second.Place());
+    }
     const Reader store(settings.database);
     const std::optional<Run> run = TheRunNamed(store, name);
     if (!run) {

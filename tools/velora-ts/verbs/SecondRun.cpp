@@ -4,21 +4,22 @@
 #include "output/Times.h"
 #include "output/Words.h"
 #include "store/comparing/Reference.h"
-#include "store/settings/Settings.h"
+#include "verbs/StoreVerb.h"
 
 namespace Velora::Ts {
 
 using namespace Store;
 
-SecondRun::SecondRun(Options& options) {
-  options.AddText("--with", folder,
-                  "Folder with the TSAL.config of the store that has the second run. Default: the same store",
-                  "FOLDER");
+SecondRun::SecondRun(Options& options, const std::string& otherwise) {
+  options.AddText("--with", place,
+                  "File of the store that has RUN2, or folder with its TSAL.config" + otherwise +
+                      ". Default: the store that TSAL.config names",
+                  "FILE");
 }
 
 std::optional<Run> SecondRun::Find(const Reader& store, const Run& first, const std::string& name) {
-  if (!folder.empty()) {
-    own = std::make_unique<Reader>(ReadSettings(folder).database);
+  if (!place.empty()) {
+    own = std::make_unique<Reader>(StoreAt(place));
   }
   if (!name.empty()) {
     return TheRunNamed(StoreOf(store), name);

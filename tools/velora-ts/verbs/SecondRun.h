@@ -14,7 +14,11 @@ namespace Velora::Ts {
 class SecondRun {
  public:
   /// Declares the option --with.
-  explicit SecondRun(Options& options);
+  /// @param otherwise what it means without a second run, for its help.
+  explicit SecondRun(Options& options, const std::string& otherwise = "");
+
+  /// The value of --with.
+  const std::string& Place() const { return place; }
 
   /// Finds the run. If there is none or several, says so on standard error.
   /// @param store of the first run; also that of the second one, without --with.
@@ -24,7 +28,7 @@ class SecondRun {
   const Store::Reader& StoreOf(const Store::Reader& first) const { return own ? *own : first; }
 
  private:
-  std::string folder;
+  std::string place;
   std::unique_ptr<Store::Reader> own;
 };
 
