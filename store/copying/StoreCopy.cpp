@@ -86,24 +86,25 @@ class Copier {
   Copier(const Reader& from, Writer& to, const Database& target, const RowVisitor& visit)
       : from(from), to(to), kind(target.kind), target(MakeCopyTarget(to, target)), visits(visit) {}
 
-  // A new store has recorded when it was made.
+  // A new store has recorded when it was made, and its own guid.
   bool IsTargetNew() {
     for (const Table& table : Tables()) {
       const long long rows = to.Sql().Find<long long>("SELECT COUNT(*) FROM " + table.name).value();
-      if (rows != (table.name == history ? static_cast<long long>(VersionEntries(0).size()) : 0)) {
+      const auto ofANew = table.name == history ? VersionEntries(0).size() : table.name == identity ? 1 : 0;
+      if (rows != static_cast<long long>(ofANew)) {
         return false;
       }
     }
     return true;
   }
 
-  // A copy has the history of its source instead of its own.
+  // A copy has the history and the identity of its source instead of its own.
   void Fill() {
     target->Fill([this] {
       if (!IsTargetNew()) {
         throw Error("'" + to.Name() + "' was empty, and a host began to record into it; expected no host there");
       }
-      to.Sql().RunScript(std::string("DELETE FROM ") + history);
+      to.Sql().RunScript(std::string("DELETE FROM ") + history + "; DELETE FROM " + identity);
       filling = true;
       CopyAll();
       to.Sql().RunScript(Running::fill);
@@ -120,6 +121,7 @@ class Copier {
 
  private:
   static constexpr const char* history = "ts_schema";
+  static constexpr const char* identity = "stores";
 
   void CopyAll() {
     for (const Table& table : TablesBesideEvents()) {

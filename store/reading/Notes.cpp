@@ -1,17 +1,12 @@
 #include "store/reading/Notes.h"
 
 #include "store/reading/Reader.h"
+#include "store/reading/TableIn.h"
 #include "store/schema/Tables.h"
 
 namespace Velora::Store {
 
-std::string NotesIn(const Reader& store) {
-  const Table& table = TableNamed("notes");
-  if (store.SchemaVersion() >= table.since) {
-    return table.name;
-  }
-  return "(SELECT 0 AS note_id, 0 AS root_id, '' AS author, '' AS kind, '' AS text, '' AS at WHERE 1 = 0)";
-}
+std::string NotesIn(const Reader& store) { return TableIn(store, TableNamed("notes")); }
 
 bool HasNotes(const Reader& store) {
   Rows rows(store, "SELECT MAX(note_id) FROM " + NotesIn(store) + " n");

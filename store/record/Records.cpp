@@ -1,8 +1,8 @@
 #include "store/record/Records.h"
 
-#include "store/reading/Notes.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Reader.h"
+#include "store/reading/TableIn.h"
 #include "store/schema/Tables.h"
 #include "store/values/Json.h"
 
@@ -78,11 +78,8 @@ const Form& FormOf(Kind kind) {
 // The condition of the rows behind one number and up to another, in their order.
 std::string Between(const std::string& key) { return key + " > ?1 AND " + key + " <= ?2 ORDER BY " + key; }
 
-/// What to ask for the rows of a kind; for notes, what can be asked of stores without them too.
-std::string PlaceOf(const Reader& store, Kind kind) { return kind == Notes ? NotesIn(store) : TableOf(kind).name; }
-
 Rows Question(const Reader& store, Kind kind, const std::string& which) {
-  return {store, "SELECT " + FormOf(kind).columns + " FROM " + PlaceOf(store, kind) + " v WHERE " + which};
+  return {store, "SELECT " + FormOf(kind).columns + " FROM " + TableIn(store, TableOf(kind)) + " v WHERE " + which};
 }
 
 EventRows EventsWhere(const Reader& store, const std::string& condition) {
@@ -104,7 +101,7 @@ Numbers HighestNumbers(const Reader& store) {
   std::vector<std::string> highest(kindCount, "0");
   for (const Kind kind : kinds) {
     if (kind != Parameters) {
-      highest[kind] = "(SELECT MAX(" + TableOf(kind).Key() + ") FROM " + PlaceOf(store, kind) + " v)";
+      highest[kind] = "(SELECT MAX(" + TableOf(kind).Key() + ") FROM " + TableIn(store, TableOf(kind)) + " v)";
     }
   }
   Rows rows(store, "SELECT " + Listed(highest));
@@ -151,6 +148,7 @@ void Records::WriteRest(const Numbers& since) {
   }
   EventRows ofNoRun = EventsWhere(store, "v.execution_id IS NULL AND v.event_id > ?1 AND v.event_id <= ?2");
   WriteEvents(ofNoRun.Ask(since[Events], upTo[Events]));
+  WriteAll(Stores, Question(store, Stores, Between(TableOf(Stores).Key())).Ask(since[Stores], upTo[Stores]));
 }
 
 void Records::WriteEventsOfNoRun(const std::string& from, const std::string& before) {

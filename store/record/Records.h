@@ -30,13 +30,14 @@ enum Kind {
   Events,
   Parameters,
   Notes,
+  Stores,
   kindCount
 };
 
 /// The names of the kinds in records and seals.
 inline constexpr std::array<const char*, kindCount> kindNames = {"schema",  "session",       "registration", "activity",
                                                                  "version", "configuration", "execution",    "status",
-                                                                 "event",   "parameter",     "note"};
+                                                                 "event",   "parameter",     "note",         "store"};
 
 inline constexpr std::array<Kind, kindCount> kinds = [] {
   std::array<Kind, kindCount> all{};

@@ -27,6 +27,9 @@ std::string Question(const std::string& condition) {
   return "SELECT " + Listed(fields) + " FROM seals" + condition;
 }
 
+/// Whether old seals know nothing of a kind, so that it is left out where there is nothing of it.
+bool IsLeftOutAsZero(Kind kind) { return kind >= Notes; }
+
 std::string BeginLine() { return "{\"record\":\"seal\""; }
 
 void AppendField(std::string& line, std::string_view name) {
@@ -40,7 +43,7 @@ void AppendField(std::string& line, std::string_view name) {
 std::string ToText(const Numbers& numbers) {
   std::string text;
   for (const Kind kind : kinds) {
-    if (kind != Notes || numbers[kind] != 0) {
+    if (!IsLeftOutAsZero(kind) || numbers[kind] != 0) {
       text += (kind == 0 ? "{\"" : ",\"") + std::string(kindNames[kind]) + "\":" + std::to_string(numbers[kind]);
     }
   }
@@ -55,10 +58,10 @@ std::optional<Numbers> FromText(std::string_view text) {
     return found;
   };
   for (const Kind kind : kinds) {
-    if (kind == Notes && text == "}") {
-      continue;
-    }
-    if (!take(kind == 0 ? "{\"" : ",\"") || !take(kindNames[kind]) || !take("\":")) {
+    if (!take((kind == 0 ? "{\"" : ",\"") + std::string(kindNames[kind]) + "\":")) {
+      if (IsLeftOutAsZero(kind)) {
+        continue;
+      }
       return std::nullopt;
     }
     std::from_chars(text.data(), text.data() + text.size(), numbers[kind]);

@@ -29,7 +29,8 @@ struct Seal {
 /// The previous hash of the first seal.
 inline const std::string noHash(64, '0');
 
-/// The form of numbers in a seal. It has notes only if there are any, because old seals know none.
+/// The form of numbers in a seal. It has notes and stores only if there are any, because old seals know
+/// none.
 std::string ToText(const Numbers& numbers);
 /// The numbers of that form; nothing for another text.
 std::optional<Numbers> FromText(std::string_view text);

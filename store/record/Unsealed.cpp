@@ -92,7 +92,7 @@ bool UnsealedRecords::IsIn(long long root, const Numbers& since) {
 
 bool UnsealedRecords::IsInNoRun(const Numbers& since) {
   const Numbers highest = HighestNumbers(store);
-  for (const Kind kind : {Schema, Sessions, Registrations, Activities, Versions, Configurations}) {
+  for (const Kind kind : {Schema, Sessions, Registrations, Activities, Versions, Configurations, Stores}) {
     if (highest[kind] > since[kind]) {
       return true;
     }

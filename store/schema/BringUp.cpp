@@ -1,6 +1,9 @@
 #include "store/schema/BringUp.h"
 
 #include "store/database/Connection.h"
+#include "store/schema/StoreNumbers.h"
+#include "store/schema/Tables.h"
+#include "store/values/Guid.h"
 #include "store/values/StoredTime.h"
 
 namespace Velora::Store {
@@ -10,6 +13,14 @@ void EnterVersions(Connection& connection, int from, int to) {
   const std::string now = ToStoredTime(Now());
   for (const int version : VersionEntries(from, to)) {
     connection.Run("INSERT INTO ts_schema (version, created_at) VALUES (?1, ?2)", version, now);
+  }
+}
+
+void EnterItself(Connection& connection, int from, int to) {
+  const int since = TableNamed("stores").since;
+  if (from < since && to >= since) {
+    connection.Run("INSERT INTO stores (store_id, guid, made_at) VALUES (?1, ?2, ?3)", thisStore, NewGuid(),
+                   ToStoredTime(Now()));
   }
 }
 
@@ -25,12 +36,14 @@ void BringUpSqlite(Connection& connection, int from, int to) {
     connection.RunScript(statement);
   }
   EnterVersions(connection, from, to);
+  EnterItself(connection, from, to);
 }
 
 void BringUpPostgreSql(Connection& connection, int from, int to) {
   const std::string schema = connection.Find<std::string>("SELECT quote_ident(current_schema())").value();
   connection.RunScript(PostgreSqlSchema(schema, from, to));
   EnterVersions(connection, from, to);
+  EnterItself(connection, from, to);
 }
 
 }  // namespace Velora::Store

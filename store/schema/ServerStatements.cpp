@@ -234,7 +234,7 @@ const char* const rights = R"(
                        AND privilege_type IN ('SELECT', 'INSERT') LOOP
         EXECUTE 'GRANT ' || allowed.privilege || ' ON notes, session_locks TO ' || allowed.role;
         IF allowed.privilege = 'SELECT' THEN
-          EXECUTE 'GRANT SELECT ON running TO ' || allowed.role;
+          EXECUTE 'GRANT SELECT ON running, stores TO ' || allowed.role;
         ELSE
           EXECUTE 'GRANT USAGE ON SEQUENCE notes_note_id_seq TO ' || allowed.role;
         END IF;

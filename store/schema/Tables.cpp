@@ -135,6 +135,14 @@ std::vector<Table> Describe() {
        .indexes = {{"seals_by_run", {"run", "seal_id"}}},
        .hostsAdd = false,
        .since = 2},
+      {.name = "stores",
+       .record = "store",
+       .columns = {Key("store_id"), Guid("the identity of a store: its own, or of one whose records it has"),
+                   Text("made_at", "when that store got it"),
+                   OrNull(Text("previous_guid", "the guid of the store that it continues; null for none")),
+                   OrNull(Text("previous_hash", "`seal_hash` of the newest seal of that store"))},
+       .hostsAdd = false,
+       .since = 3},
   };
 }
 

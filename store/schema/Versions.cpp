@@ -46,6 +46,8 @@ void Third(Dialect& to) {
   to.OnServer(Server::Version3::refusals);
   to.Make(TableNamed("notes"));
   to.KeepRows(TableNamed("notes"));
+  to.Make(TableNamed("stores"));
+  to.KeepRows(TableNamed("stores"));
   for (const Table& table : TablesOf(3)) {
     to.NumberRows(table);
   }

@@ -130,8 +130,11 @@ TEST_F(OnlyAdded, AStoreOfTheFirstVersionIsBroughtUpOnceAndKeepsItsRows) {
     int status = -1;
     EXPECT_TRUE(waitpid(host, &status, 0) == host && status == 0);
   }
-  EXPECT_EQ(Content(), before);
+  EXPECT_EQ(
+      Content(),
+      before + Recorded("SELECT printf('INSERT INTO stores VALUES(1,%Q,%Q,NULL,NULL);', guid, made_at) FROM stores"));
   EXPECT_EQ(Recorded("SELECT version FROM ts_schema"), "1\n2\n-3\n");
+  EXPECT_NE(Recorded("SELECT guid FROM stores"), Recorded("SELECT guid FROM stores", "new.db"));
   const char* const objects = "SELECT type, name, sql FROM sqlite_master ORDER BY name";
   EXPECT_EQ(Recorded(objects), Recorded(objects, "new.db"));
   Begin();

@@ -24,6 +24,7 @@ INSERT INTO parameters VALUES (4, 1, 'Angle', 'double', NULL, 1.5), (4, 2, 'N', 
   (4, 3, 'T', 'text', 'a text', NULL), (5, 1, 'On', 'bool', NULL, 1), (5, 2, 'Off', 'bool', NULL, 0),
   (6, 1, 'T', 'int', NULL, 77);
 INSERT INTO notes VALUES (1, 1, 'Anna', 'tag', 'good', '2026-11-26T12'), (2, 4, 'Bo', 'cause', 'dry', '2026-11-26T13');
+INSERT INTO stores VALUES (2, 'store-2', '2026-11-26T13', 'store-1', '');
 )";
 
 // Arrives after the first seals: more of the first run, and a third.
@@ -120,6 +121,8 @@ constexpr const char* unsealedRun = "not sealed: run run-2";
 const std::vector<Alteration> alterations = {
     {"ts_schema", "DELETE FROM ts_schema WHERE version = 1"},
     {"ts_schema", "INSERT INTO ts_schema VALUES (2, '')", unsealedRest},
+    {"stores", "DELETE FROM stores WHERE store_id = 2"},
+    {"stores", "INSERT INTO stores VALUES (3, 'store-3', '', NULL, NULL)", unsealedRest},
     {"sessions", "DELETE FROM sessions WHERE session_id = 2", "refers to a row of sessions that does not exist"},
     {"sessions",
      "UPDATE sessions SET guid = 'x' WHERE session_id = 1; UPDATE sessions SET guid = (SELECT guid FROM sessions WHERE "
