@@ -112,18 +112,22 @@ class Writer {
       json += "null";
       return;
     }
-    Rows rows(store,
-              "SELECT seal_id, sealed_at, seal_hash, up_to FROM seals WHERE run = ?1 ORDER BY seal_id DESC LIMIT 1");
-    if (!rows.Ask(run.guid).Next()) {
+    const long long origin = StoreOf(run.root);
+    const KeyRange ofOrigin = KeysOf(origin).front();
+    Rows rows(
+        store,
+        "SELECT seal_id, sealed_at, seal_hash, up_to FROM seals WHERE run = ?1 AND seal_id > ?2 AND seal_id <= ?3 "
+        "ORDER BY seal_id DESC LIMIT 1");
+    if (!rows.Ask(run.guid, ofOrigin.after, ofOrigin.upTo).Next()) {
       json += "null";
       return;
     }
-    json += "{\"number\":" + std::to_string(rows.Integer(0)) + ",\"sealed_at\":";
+    json += "{\"number\":" + std::to_string(NumberOf(rows.Integer(0))) + ",\"sealed_at\":";
     AppendText(json, rows.Text(1));
     json += ",\"hash\":";
     AppendText(json, rows.Text(2));
     const Numbers upTo = FromText(rows.Text(3)).value_or(none);
-    json += UnsealedRecords(store).IsIn(run.root, upTo) ? ",\"complete\":false}" : ",\"complete\":true}";
+    json += UnsealedRecords(store, origin).IsIn(run.root, upTo) ? ",\"complete\":false}" : ",\"complete\":true}";
   }
 
   void WriteNamed(const char* name, const char* question, const std::set<long long>& numbers) {

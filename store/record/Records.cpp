@@ -1,5 +1,7 @@
 #include "store/record/Records.h"
 
+#include "store/reading/KnownStores.h"
+#include "store/reading/Notes.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Reader.h"
 #include "store/reading/TableIn.h"
@@ -75,7 +77,7 @@ const Form& FormOf(Kind kind) {
   return forms[kind];
 }
 
-// The condition of the rows behind one number and up to another, in their order.
+// The condition of the rows with keys above one and up to another, in their order.
 std::string Between(const std::string& key) { return key + " > ?1 AND " + key + " <= ?2 ORDER BY " + key; }
 
 Rows Question(const Reader& store, Kind kind, const std::string& which) {
@@ -85,6 +87,18 @@ Rows Question(const Reader& store, Kind kind, const std::string& which) {
 EventRows EventsWhere(const Reader& store, const std::string& condition) {
   return {store, FormOf(Events).columns, TableOf(Events).name + " v", condition};
 }
+
+std::string Member(const char* name, const Rows& value) {
+  std::string member = std::string(",\"") + name + "\":";
+  value.AppendValue(member, 0);
+  return member;
+}
+
+std::string Header(const char* part) {
+  return std::string("{\"record\":\"") + part + "\",\"format\":" + std::to_string(format);
+}
+
+std::string Header(const char* part, const char* name, const Rows& value) { return Header(part) + Member(name, value); }
 
 }  // namespace
 
@@ -97,24 +111,31 @@ const Table& TableOf(Kind kind) {
   throw std::logic_error(std::string("no table has the records '") + kindNames[kind] + "'");
 }
 
-Numbers HighestNumbers(const Reader& store) {
-  std::vector<std::string> highest(kindCount, "0");
+// In each range of keys, the highest one is looked up.
+Numbers HighestNumbers(const Reader& store, long long origin) {
+  std::vector<std::string> highest;
   for (const Kind kind : kinds) {
-    if (kind != Parameters) {
-      highest[kind] = "(SELECT MAX(" + TableOf(kind).Key() + ") FROM " + TableIn(store, TableOf(kind)) + " v)";
+    std::string found = "0)";
+    for (const KeyRange& range : KeysOf(origin)) {
+      const std::string key = TableOf(kind).Key();
+      const std::string above = range.after < 0 ? "" : key + " > " + std::to_string(range.after) + " AND ";
+      found = "(SELECT MAX(" + key + ") FROM " + TableIn(store, TableOf(kind)) + " v WHERE " + above + key +
+              " <= " + std::to_string(range.upTo) + "), " + found;
     }
+    highest.push_back(kind == Parameters ? "0" : "COALESCE(" + found);
   }
   Rows rows(store, "SELECT " + Listed(highest));
   rows.Next();
   Numbers numbers{};
   for (const Kind kind : kinds) {
-    numbers[kind] = rows.Integer(kind);
+    numbers[kind] = std::max(rows.Integer(kind) - ShiftOf(origin), 0LL);
   }
   return numbers;
 }
 
-Records::Records(const Reader& store, const Numbers& upTo, Sink sink)
+Records::Records(const Reader& store, long long origin, const Numbers& upTo, Sink sink)
     : store(store),
+      origin(origin),
       upTo(upTo),
       sink(std::move(sink)),
       registrations(Question(store, Registrations, "session_id = ?1 AND rowid <= ?2 ORDER BY rowid")),
@@ -127,34 +148,59 @@ Records::Records(const Reader& store, const Numbers& upTo, Sink sink)
 void Records::WriteRun(long long root, const Numbers& since) {
   Rows guid(store, "SELECT guid FROM executions WHERE execution_id = ?1");
   guid.Ask(root).Next();
-  std::string header = "{\"record\":\"run\",\"format\":" + std::to_string(format) + ",\"guid\":";
-  guid.AppendValue(header, 0);
-  BeginPart(header + '}', true);
-  for (executions.Ask(root, upTo[Executions]); executions.Next();) {
+  if (StoreOf(root) == origin) {
+    BeginPart(Header("run", "guid", guid) + '}', true);
+    WriteExecutions(root, since);
+  } else {
+    Rows own(store, "SELECT guid FROM " + TableIn(store, TableOf(Stores)) + " WHERE store_id = ?1");
+    own.Ask(ShiftOf(origin) + 1).Next();
+    BeginPart(Header("added", "run", guid) + Member("store", own) + '}', true);
+  }
+  WriteAll(Notes, notes.Ask(root, KeyAfter(Notes, since), KeyUpTo(Notes)));
+}
+
+void Records::WriteExecutions(long long root, const Numbers& since) {
+  const long long after = KeyAfter(Executions, since);
+  const long long afterStatus = KeyAfter(Statuses, since), upToStatus = KeyUpTo(Statuses);
+  const long long afterEvent = KeyAfter(Events, since), upToEvent = KeyUpTo(Events);
+  for (executions.Ask(root, KeyUpTo(Executions)); executions.Next();) {
     const long long execution = executions.Integer(0);
-    if (execution > since[Executions]) {
+    if (execution > after) {
       Write(Executions, executions);
     }
-    WriteAll(Statuses, statuses.Ask(execution, since[Statuses], upTo[Statuses]));
-    WriteEvents(events.Ask(execution, since[Events], upTo[Events]));
+    WriteAll(Statuses, statuses.Ask(execution, afterStatus, upToStatus));
+    WriteEvents(events.Ask(execution, afterEvent, upToEvent));
   }
-  WriteAll(Notes, notes.Ask(root, since[Notes], upTo[Notes]));
 }
 
 void Records::WriteRest(const Numbers& since) {
-  BeginPart("{\"record\":\"rest\",\"format\":" + std::to_string(format) + '}', false);
+  const auto writeAll = [&](Kind kind) {
+    Rows rows = Question(store, kind, Between(TableOf(kind).Key()));
+    for (const auto& [after, last] : KeysOf(origin, since[kind], upTo[kind])) {
+      WriteAll(kind, rows.Ask(after, last));
+    }
+  };
+  BeginPart(Header("rest") + '}', false);
   for (const Kind kind : {Schema, Sessions, Activities, Versions, Registrations, Configurations}) {
-    WriteAll(kind, Question(store, kind, Between(TableOf(kind).Key())).Ask(since[kind], upTo[kind]));
+    writeAll(kind);
   }
   EventRows ofNoRun = EventsWhere(store, "v.execution_id IS NULL AND v.event_id > ?1 AND v.event_id <= ?2");
-  WriteEvents(ofNoRun.Ask(since[Events], upTo[Events]));
-  WriteAll(Stores, Question(store, Stores, Between(TableOf(Stores).Key())).Ask(since[Stores], upTo[Stores]));
+  for (const auto& [after, last] : KeysOf(origin, since[Events], upTo[Events])) {
+    WriteEvents(ofNoRun.Ask(after, last));
+  }
+  writeAll(Stores);
 }
 
-void Records::WriteEventsOfNoRun(const std::string& from, const std::string& before) {
-  BeginPart("{\"record\":\"rest\",\"format\":" + std::to_string(format) + '}', true);
-  EventRows ofNoRun = EventsWhere(store, "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2");
-  WriteEvents(ofNoRun.Ask(from, before));
+void Records::BeginEventsOfNoRun() { BeginPart(Header("rest") + '}', true); }
+
+// The keys of an execution and of what belongs to it are of the same store, so that no key between two of one store is
+// that of a row of another.
+long long Records::KeyAfter(Kind kind, const Numbers& since) const {
+  return origin == thisStore ? since[kind] : KeysOf(origin, since[kind]).front().after;
+}
+
+long long Records::KeyUpTo(Kind kind) const {
+  return origin == thisStore ? upTo[kind] : KeysOf(origin, none[kind], upTo[kind]).front().upTo;
 }
 
 void Records::BeginPart(const std::string& header, bool references) {
@@ -189,7 +235,7 @@ void Records::WriteOnce(Kind kind, long long key) {
   }
   WriteAll(kind, question->second.Ask(key));
   if (kind == Sessions) {
-    WriteAll(Registrations, registrations.Ask(key, upTo[Registrations]));
+    WriteAll(Registrations, registrations.Ask(key, KeyUpTo(Registrations)));
   }
 }
 
@@ -207,16 +253,20 @@ void Records::WriteAll(Kind kind, Rows& rows) {
 
 void Records::WriteEvents(EventRows& rows) {
   while (rows.Next()) {
-    WriteReferences(Events, rows.Event());
-    BeginLine(Events, rows.Event());
-    line += ",\"parameters\":[";
-    for (const char* separator = ""; rows.NextParameter(); separator = ",") {
-      line += separator;
-      AppendParameter(rows.Parameter());
-    }
-    line += ']';
-    EndLine();
+    WriteEvent(rows);
   }
+}
+
+void Records::WriteEvent(EventRows& rows) {
+  WriteReferences(Events, rows.Event());
+  BeginLine(Events, rows.Event());
+  line += ",\"parameters\":[";
+  for (const char* separator = ""; rows.NextParameter(); separator = ",") {
+    line += separator;
+    AppendParameter(rows.Parameter());
+  }
+  line += ']';
+  EndLine();
 }
 
 void Records::BeginLine(Kind kind, const Rows& rows) {
@@ -225,7 +275,12 @@ void Records::BeginLine(Kind kind, const Rows& rows) {
   int column = 0;
   for (const std::string& field : FormOf(kind).fields) {
     line += field;
-    rows.AppendValue(line, column++);
+    if (column == 0) {
+      AppendInteger(line, rows.Integer(0) - ShiftOf(origin));
+    } else {
+      rows.AppendValue(line, column);
+    }
+    ++column;
   }
 }
 
@@ -245,6 +300,20 @@ void Records::AppendParameter(const Rows& parameters) {
   line += ",\"value\":";
   AppendParameterValue(line, parameters);
   line += '}';
+}
+
+EventRows QueryEventsOfNoRun(const Reader& store) {
+  return EventsWhere(store, "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2");
+}
+
+std::vector<long long> StoresThatAddedTo(const Reader& store, long long root) {
+  std::set<long long> stores;
+  Rows notes(store, "SELECT note_id FROM " + NotesIn(store) + " n WHERE root_id = ?1");
+  for (notes.Ask(root); notes.Next();) {
+    stores.insert(StoreOf(notes.Integer(0)));
+  }
+  stores.erase(StoreOf(root));
+  return {stores.begin(), stores.end()};
 }
 
 }  // namespace Velora::Store

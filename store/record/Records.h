@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/reading/EventRows.h"
+#include "store/schema/StoreNumbers.h"
 #include "store/schema/Table.h"
 
 #include <array>
@@ -10,6 +11,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace Velora::Store {
 
@@ -60,30 +62,33 @@ inline constexpr Numbers none = [] {
   return numbers;
 }();
 
-/// The highest number of each kind in the store; 0 if it has none. Parameters have no numbers of their own.
-Numbers HighestNumbers(const Reader& store);
+/// The highest number of each kind in the rows of one store; 0 if it has none. Parameters have no numbers of their own.
+Numbers HighestNumbers(const Reader& store, long long origin = thisStore);
 
-/// Writes records, each on a line. What a record refers to is written before it, once in each part.
+/// Writes the records of one store, each on a line, as that store itself writes them. What a record refers to is
+/// written before it, once in each part.
 class Records {
  public:
   using Sink = std::function<void(std::string_view line)>;
 
+  /// @param origin the number of the store whose rows to write.
   /// @param upTo the highest numbers to write.
-  Records(const Reader& store, const Numbers& upTo, Sink sink);
+  Records(const Reader& store, long long origin, const Numbers& upTo, Sink sink);
 
   /// Sets the highest numbers to write from now on.
   void Limit(const Numbers& highest) { upTo = highest; }
 
-  /// Writes a part with a run.
+  /// Writes a part with a run. Of the run of another store, it has what the store added: its notes.
   /// @param root the key of the root of the run.
   /// @param since writes only records with higher numbers.
   void WriteRun(long long root, const Numbers& since = none);
   /// Writes a part with the records that belong to no run.
   /// @param since writes only records with higher numbers.
   void WriteRest(const Numbers& since = none);
-  /// Writes a part with the events that belong to no run, at or after one time and before another, and with what they
-  /// refer to.
-  void WriteEventsOfNoRun(const std::string& from, const std::string& before);
+  /// Begins a part with events that belong to no run, and with what they refer to.
+  void BeginEventsOfNoRun();
+  /// Writes the current one of the events that QueryEventsOfNoRun() finds.
+  void WriteEvent(EventRows& rows);
 
   /// The number of records of each kind in the current part.
   const Numbers& Counts() const { return counts; }
@@ -101,7 +106,12 @@ class Records {
   void EndLine();
   void AppendParameter(const Rows& parameters);
 
+  void WriteExecutions(long long root, const Numbers& since);
+  long long KeyUpTo(Kind kind) const;
+  long long KeyAfter(Kind kind, const Numbers& since) const;
+
   const Reader& store;
+  const long long origin;
   Numbers upTo;
   const Sink sink;
   std::string line;
@@ -113,5 +123,12 @@ class Records {
   Rows registrations, executions, statuses, notes;
   EventRows events;
 };
+
+/// A query for the events of all stores that belong to no run, at or after one time, ?1, and before another, ?2. Those
+/// of one store follow one another.
+EventRows QueryEventsOfNoRun(const Reader& store);
+
+/// The numbers of the stores other than its own that have something about a run, in their order.
+std::vector<long long> StoresThatAddedTo(const Reader& store, long long root);
 
 }  // namespace Velora::Store

@@ -74,15 +74,12 @@ std::optional<Numbers> FromText(std::string_view text) {
   return text == "}" ? std::optional(numbers) : std::nullopt;
 }
 
-SealRows::SealRows(const Reader& store) {
-  if (store.SchemaVersion() >= SealTable().since) {
-    rows.emplace(store, Question(" ORDER BY " + SealTable().Key()));
-  }
-}
-
-SealRows::SealRows(const Reader& store, long long number) {
-  if (store.SchemaVersion() >= SealTable().since) {
-    rows.emplace(store, Question(" WHERE " + SealTable().Key() + " = ?1")).Ask(number);
+SealRows::SealRows(const Reader& store, long long origin, long long after, long long upTo) : shift(ShiftOf(origin)) {
+  const std::vector<KeyRange> ranges = KeysOf(origin, after, upTo);
+  if (store.SchemaVersion() >= SealTable().since && !ranges.empty()) {
+    const std::string key = SealTable().Key();
+    rows.emplace(store, Question(" WHERE " + key + " > ?1 AND " + key + " <= ?2 ORDER BY " + key))
+        .Ask(ranges.front().after, ranges.front().upTo);
   }
 }
 
@@ -106,12 +103,12 @@ bool SealRows::Next() {
     }
     if (name != ownHash) {
       AppendField(line, name);
-      rows->AppendValue(line, column);
+      column == 0 ? AppendInteger(line, rows->Integer(0) - shift) : rows->AppendValue(line, column);
     }
   }
   line += "}\n";
   sha.Add(line);
-  seal.number = rows->Integer(0);
+  seal.number = rows->Integer(0) - shift;
   seal.ownHash = sha.Finish();
   return true;
 }

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "store/reading/KnownStores.h"
 #include "store/reading/Rows.h"
 #include "store/record/Records.h"
 #include "store/record/Sha256.h"
 
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,19 +31,19 @@ struct Seal {
 /// The previous hash of the first seal.
 inline const std::string noHash(64, '0');
 
-/// The form of numbers in a seal. It has notes and stores only if there are any, because old seals know
-/// none.
+/// The form of numbers in a seal. It has notes and stores only if there are any, because old seals know none.
 std::string ToText(const Numbers& numbers);
 /// The numbers of that form; nothing for another text.
 std::optional<Numbers> FromText(std::string_view text);
 
-/// Reads seals one by one, in the order of their numbers. A store of the first version has none.
+/// Reads the seals of one store one by one, in the order of their numbers. A store of the first version has none.
 class SealRows {
  public:
-  /// Reads all seals.
-  explicit SealRows(const Reader& store);
-  /// Reads the seal with a number.
-  SealRows(const Reader& store, long long number);
+  /// @param origin the number of the store that sealed.
+  /// @param after,upTo reads the seals with numbers above one and up to the other.
+  explicit SealRows(const Reader& store, long long origin = thisStore,
+                    long long after = std::numeric_limits<long long>::min(),
+                    long long upTo = std::numeric_limits<long long>::max());
 
   /// Goes to the next seal. @return whether there is one.
   bool Next();
@@ -49,6 +51,7 @@ class SealRows {
 
  private:
   std::optional<Rows> rows;
+  long long shift = 0;
   Sha256 sha;
   std::string line;
   Seal seal;
@@ -60,12 +63,13 @@ class Chain {
   /// Reads on. @return the faults in the chain at this seal, one line each.
   std::vector<std::string> Add(const Seal& seal);
 
-  long long number = 0;       ///< The number of the last seal.
-  std::string hash = noHash;  ///< The hash of the last seal.
-  Numbers upTo = none;        ///< How far the last seal covers the store.
-  Numbers restUpTo = none;    ///< How far the records of no run are sealed.
-  Numbers counts{};           ///< How many records all seals cover.
-  long long seals = 0;        ///< How many seals there are.
+  long long origin = thisStore;  ///< The number of the store whose chain it is.
+  long long number = 0;          ///< The number of the last seal.
+  std::string hash = noHash;     ///< The hash of the last seal.
+  Numbers upTo = none;           ///< How far the last seal covers the store.
+  Numbers restUpTo = none;       ///< How far the records of no run are sealed.
+  Numbers counts{};              ///< How many records all seals cover.
+  long long seals = 0;           ///< How many seals there are.
 };
 
 /// The line of JSON from which the hash of a seal is computed.

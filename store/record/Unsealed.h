@@ -13,13 +13,15 @@ class Reader;
 
 // What is not sealed yet.
 
-/// Reads runs one by one, in the order of their recording, with what sealing needs to know of each.
+/// Reads the runs of one store one by one, in the order of their recording, with what sealing needs to know of each,
+/// and those of other stores about which it has notes.
 class RunStates {
  public:
   /// Reads all runs.
-  explicit RunStates(const Reader& store);
+  /// @param origin the number of the store that seals.
+  explicit RunStates(const Reader& store, long long origin = thisStore);
   /// Reads the runs that have records behind these numbers, and those that are not finished.
-  RunStates(const Reader& store, const Numbers& since);
+  RunStates(const Reader& store, long long origin, const Numbers& since);
 
   /// Goes to the next run. @return whether there is one.
   bool Next();
@@ -27,9 +29,11 @@ class RunStates {
   /// How far the run is sealed.
   const Numbers& SealedUpTo() const { return sealedUpTo; }
   bool HasSeal() const { return sealed; }
+  /// Whether the run is not finished. What was added to a run of another store does not wait for its end.
   bool IsUnfinished() const { return unfinished; }
 
  private:
+  const long long origin;
   Rows rows;
   Run run;
   Numbers sealedUpTo = none;
@@ -37,10 +41,10 @@ class RunStates {
   bool unfinished = false;
 };
 
-/// Asks for records that are not sealed.
+/// Asks for records of one store that are not sealed.
 class UnsealedRecords {
  public:
-  explicit UnsealedRecords(const Reader& store);
+  explicit UnsealedRecords(const Reader& store, long long origin = thisStore);
 
   /// Whether a run has records behind these numbers.
   bool IsIn(long long root, const Numbers& since);
@@ -49,12 +53,13 @@ class UnsealedRecords {
 
  private:
   const Reader& store;
-  Rows ofRun, ofNoRun;
+  const long long origin;
+  Rows ofRun, notes, ofNoRun;
 };
 
 /// Whether the runs that RunStates reads since the end of a chain are all that can have something to seal. They are not
 /// if rows were inserted later under numbers that the chain covers, or if its last seals were deleted: then the store
-/// has more rows than those that are sealed and those of these runs. The store must have this version of the schema.
+/// has more rows than those that are sealed and those of these runs. The database must have this version of the schema.
 bool OnlyLaterRunsHaveMore(const Reader& store, const Chain& chain);
 
 }  // namespace Velora::Store

@@ -81,7 +81,8 @@ TEST(Pages, NameTheFieldsOfEveryRecordInTheirOrder) {
       named[record] += ' ' + field[1];
     }
   }
-  std::map<std::string, std::string> described = {{"run", " format guid"}, {"rest", " format"}};
+  std::map<std::string, std::string> described = {
+      {"run", " format guid"}, {"added", " format run store"}, {"rest", " format"}};
   for (const Table& table : Velora::Store::Tables()) {
     described[table.record] = table.name;
     for (const Column& column : table.RecordColumns()) {

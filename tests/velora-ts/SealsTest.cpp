@@ -2,6 +2,7 @@
 
 #include "ToolTest.h"
 #include "support/Patterns.h"
+#include "support/TakenIn.h"
 
 #include <sstream>
 #include <vector>
@@ -53,14 +54,14 @@ class Seals : public ToolTest {
   static constexpr const char* guards = "type = 'trigger' AND name NOT IN ('statuses_begin', 'statuses_end')";
 
   /// Runs statements with another program while the triggers are off.
-  int Sql(const std::string& statements) {
+  int Sql(const std::string& statements, const std::string& store = "ts.db") {
     const std::string drops =
-        Query(folder / "ts.db",
+        Query(folder / store,
               "SELECT group_concat('DROP TRIGGER ' || name, ';') FROM sqlite_master WHERE " + std::string(guards));
     const std::string makes =
-        Query(folder / "ts.db", "SELECT group_concat(sql, ';') FROM sqlite_master WHERE " + std::string(guards));
+        Query(folder / store, "SELECT group_concat(sql, ';') FROM sqlite_master WHERE " + std::string(guards));
     folder.Write("script", "PRAGMA synchronous = OFF;" + drops + ";" + statements + ";" + makes + ";");
-    return Shell("sqlite3 -bail ts.db < script");
+    return Shell("sqlite3 -bail " + store + " < script");
   }
   void Restore() { EXPECT_EQ(Shell("rm -f ts.db-*; cp sealed.db ts.db"), 0); }
 };
@@ -385,6 +386,96 @@ TEST_F(Seals, AStoreOfTheSecondVersionVerifiesBeforeAndAfterItIsBroughtUp) {
   EXPECT_EQ(Tool("seal --anchor anchor"), 0) << said;
   EXPECT_EQ(Tool("verify --anchor anchor"), 0) << said;
   EXPECT_EQ(Query(folder / "ts.db", "SELECT COUNT(*) FROM seals WHERE counts || up_to LIKE '%note%'"), "0\n");
+}
+
+/// The store of a facility, which took in that of the instrument, and has an event and a note of its own.
+class SealsAtTheFacility : public Seals {
+ protected:
+  SealsAtTheFacility() {
+    EXPECT_EQ(Shell("mkdir facility; cp TSAL.config facility; velora-ts prepare --config facility"), 0) << said;
+    EXPECT_EQ(SqlThere("ATTACH 'sealed.db' AS other; " + TakingIn(2, "other.") +
+                       "INSERT INTO sessions VALUES (1, 'own', 'Veldmar 3', '', '2026-11-28', '', '', '');"
+                       "INSERT INTO events VALUES (1, 1, NULL, NULL, 'own', '2026-11-28');"
+                       "INSERT INTO notes VALUES (1, 20000000004, 'Cleo', 'review', 'seen', '2026-11-28')"),
+              0)
+        << said;
+    EXPECT_EQ(Tool("seal --config facility --anchor facility.anchor"), 0) << said;
+    EXPECT_EQ(Shell("cp facility/ts.db sealed-there.db"), 0);
+  }
+
+  int SqlThere(const std::string& statements) { return Sql(statements, "facility/ts.db"); }
+  void RestoreThere() { EXPECT_EQ(Shell("rm -f facility/ts.db-*; cp sealed-there.db facility/ts.db"), 0); }
+};
+
+TEST_F(SealsAtTheFacility, EachChainHoldsByItselfAndARunIsTheSameBytes) {
+  EXPECT_EQ(Tool("verify --config facility --anchor anchor --anchor early --anchor facility.anchor"), 0) << said;
+  EXPECT_EQ(said, "8 seals verified: 0 findings, 0 not sealed\n");
+  for (const std::string run : {"run-3", "run-2", "0ecba827"}) {
+    EXPECT_EQ(Shell("velora-ts export " + run + " > here; velora-ts export --config facility " + run + " > there"), 0);
+    EXPECT_EQ(Shell("cmp here there"), run == "run-2" ? 1 : 0) << said;
+  }
+  EXPECT_EQ(Shell("velora-ts export run-2 > here; velora-ts export --config facility run-2 > there; "
+                  "head -n $(wc -l < here) there | cmp here - && tail -n 2 there"),
+            0);
+  EXPECT_EQ(said, "{\"record\":\"added\",\"format\":1,\"run\":\"run-2\",\"store\":\"" +
+                      Query(folder / "facility/ts.db", "SELECT guid FROM stores WHERE store_id = 1").substr(0, 36) +
+                      "\"}\n{\"record\":\"note\",\"number\":1,\"root\":\"run-2\",\"author\":\"Cleo\",\"kind\":"
+                      "\"review\",\"text\":\"seen\",\"at\":\"2026-11-28\"}\n");
+
+  // What the instrument has not sealed yet waits for it. What is new here is sealed here.
+  ASSERT_EQ(SqlThere("INSERT INTO events VALUES (20000000010, 20000000002, 20000000007, NULL, 'new', '');"
+                     "INSERT INTO notes VALUES (2, 20000000007, 'Cleo', 'tag', 'new', '')"),
+            0);
+  EXPECT_EQ(Tool("seal --config facility"), 0);
+  EXPECT_TRUE(Matches(said, "sealed: what was added to run run-3[^\n]*\"note\":1\\}\nnewest seal: 3 [^\n]*\n")) << said;
+  EXPECT_EQ(Tool("verify --config facility --anchor anchor"), 4);
+  EXPECT_TRUE(HasMatch(said,
+                       "^not sealed: the store of Veldmar[^\n]* \\([-0-9a-f]{36}\\): run run-3 [^\n]*; it is sealed in "
+                       "that store, where it was recorded\n9 seals verified: 0 findings, 1 not sealed\n"))
+      << said;
+  folder.Write("other", "seal 1 " + std::string(64, 'a') + "\n");
+  EXPECT_EQ(Tool("verify --config facility --anchor anchor --anchor other"), 1);
+  EXPECT_TRUE(Says("finding: no store here has seal 1 with the hash in 'other'")) << said;
+}
+
+TEST_F(SealsAtTheFacility, EveryAlterationOfWhatAnotherStoreRecordedIsFound) {
+  constexpr const char* shifted = "rowid = 20000000002";
+  const std::string everyColumnThere =
+      ReplaceMatches(ReplaceMatches(everyColumn, "rowid = 2", shifted), "event_id = 4", "event_id = 20000000004");
+  // Every table: a row becomes one of this store, and one of a store that nobody knows.
+  const auto moved = [](const std::string& to) {
+    return "SELECT t.name, 'UPDATE ' || t.name || ' SET ' || k || ' = ' || k || ' " + to +
+           "' || ' WHERE ' || k || ' = 20000000002' FROM (SELECT name, CASE name WHEN 'parameters' THEN 'event_id' "
+           "ELSE "
+           "'rowid' END AS k FROM sqlite_master WHERE type = 'table' AND name NOT IN ('running', 'session_locks')) t";
+  };
+  const std::filesystem::path sealed = folder / "sealed-there.db";
+  std::vector<Alteration> all = Made(sealed, everyColumnThere, "finding: ");
+  EXPECT_GT(all.size(), 60U);
+  for (const auto& more :
+       {Made(sealed, moved("- 19999999000"), "finding: "), Made(sealed, moved("+ 10000000000"), "finding: "),
+        std::vector<Alteration>{
+            {"events", "UPDATE events SET event_id = 20000000099 WHERE event_id = 1",
+             "finding: what belongs to no run was altered"},
+            {"events", "UPDATE events SET execution_id = 20000000004, session_id = 20000000002 WHERE event_id = 1",
+             "to a row of another store"},
+            {"notes", "UPDATE notes SET root_id = 20000000001 WHERE note_id = 1", "was altered: seal 2"},
+            {"notes", "UPDATE notes SET note_id = 20000000099 WHERE note_id = 1", "was altered: seal 2"},
+            {"events", "INSERT INTO events VALUES (20000000000, 20000000002, NULL, NULL, '', '')",
+             "is not numbered from 1"},
+            {"stores", "DELETE FROM stores WHERE store_id > 1", "is of a store that is not known here"},
+            {"seals", "DELETE FROM seals WHERE seal_id = 20000000006",
+             "finding: no store here has seal 6 with the hash in 'anchor'"}}}) {
+    all.insert(all.end(), more.begin(), more.end());
+  }
+  for (const auto& [table, statements, found] : all) {
+    SCOPED_TRACE(statements);
+    RestoreThere();
+    ASSERT_EQ(SqlThere(statements), 0) << said;
+    EXPECT_EQ(Tool("verify --config facility --anchor anchor"), 1) << table << said;
+    EXPECT_TRUE(HasMatch(said, found)) << said;
+  }
+  std::printf("%zu alterations found\n", all.size());
 }
 
 }  // namespace

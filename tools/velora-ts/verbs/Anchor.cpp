@@ -50,12 +50,12 @@ void WriteAnchor(const std::string& file, const Anchor& anchor) {
   fresh.TakeName(FreshFile::Existing::Replace);
 }
 
-std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store) {
+std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store, long long origin) {
   if (anchor.number == 0) {
     return anchor.hash == noHash ? "" : "the anchor has a hash for seal 0, but the first seal is seal 1";
   }
   const std::string name = "seal " + std::to_string(anchor.number);
-  SealRows seals(store, anchor.number);
+  SealRows seals(store, origin, anchor.number - 1, anchor.number);
   if (!seals.Next()) {
     return name + ", which the anchor names, is missing: the newest seals were deleted";
   }

@@ -20,6 +20,7 @@ Anchor ReadAnchor(const std::string& file);
 void WriteAnchor(const std::string& file, const Anchor& anchor);
 
 /// How the chain of seals of a store contradicts an anchor; empty if the chain contains it.
-std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store);
+/// @param origin the number of the store whose chain it is.
+std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store, long long origin);
 
 }  // namespace Velora::Ts

@@ -24,7 +24,8 @@ using namespace Store;
 
 namespace {
 
-/// Seals one state of the store. Seals are stored some at a time, because a first sealing can make very many.
+/// Seals one state of the store, its own rows: those of others are sealed where they were recorded. Seals are stored
+/// some at a time, because a first sealing can make very many.
 class Sealer {
  public:
   Sealer(Writer& writer, const Store::Reader& store, const Chain& chain)
@@ -34,7 +35,7 @@ class Sealer {
         end{chain.number, chain.hash},
         upTo(HighestNumbers(store)),
         progress("Hashing records", 0),
-        records(store, upTo, [this](std::string_view line) {
+        records(store, thisStore, upTo, [this](std::string_view line) {
           sha.Add(line);
           progress.Add(1);
         }) {}
@@ -47,13 +48,13 @@ class Sealer {
       Keep("", "what belongs to no run");
     }
     const bool onlyLater = chain.seals > 0 && OnlyLaterRunsHaveMore(store, chain);
-    for (RunStates runs = onlyLater ? RunStates(store, chain.upTo) : RunStates(store); runs.Next();) {
+    for (RunStates runs = onlyLater ? RunStates(store, thisStore, chain.upTo) : RunStates(store); runs.Next();) {
       const Run& run = runs.Current();
       if (runs.IsUnfinished()) {
         Say("not sealed: " + InWords(run) + " is not finished");
       } else if (!runs.HasSeal() || unsealed.IsIn(run.root, runs.SealedUpTo())) {
         records.WriteRun(run.root, runs.SealedUpTo());
-        Keep(run.guid, InWords(run));
+        Keep(run.guid, (StoreOf(run.root) == thisStore ? "" : "what was added to ") + InWords(run));
       }
     }
     Store();
@@ -84,7 +85,8 @@ class Sealer {
     Transaction transaction(writer);
     writer.HoldSeals();
     Connection& sql = writer.Sql();
-    if (sql.Find<long long>("SELECT COALESCE(MAX(seal_id), 0) FROM seals") != end.number) {
+    if (sql.Find<long long>("SELECT COALESCE(MAX(seal_id), 0) FROM seals WHERE " + IsOfStore("seal_id", thisStore)) !=
+        end.number) {
       throw Error("another program sealed the TS store at the same time; run velora-ts seal again");
     }
     const std::string now = ToStoredTime(Now());
@@ -129,7 +131,7 @@ ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchor
     }
   }
   if (std::error_code unknown; !anchorFile.empty() && std::filesystem::exists(System::PathOf(anchorFile), unknown)) {
-    if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), store); !finding.empty()) {
+    if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), store, thisStore); !finding.empty()) {
       return Refuse(finding);
     }
   }

@@ -1,12 +1,14 @@
 #include "output/Output.h"
 #include "output/Progress.h"
 #include "output/Words.h"
+#include "store/reading/KnownStores.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
 #include "store/record/Seals.h"
 #include "store/record/Sha256.h"
 #include "store/record/Unsealed.h"
+#include "store/soundness/Origins.h"
 #include "store/soundness/Soundness.h"
 #include "verbs/Anchor.h"
 #include "verbs/StoreVerb.h"
@@ -15,6 +17,7 @@
 #include <numeric>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace Velora::Ts {
 
@@ -22,19 +25,19 @@ using namespace Store;
 
 namespace {
 
-class Verifier {
+/// What was found in all chains.
+class Outcome {
  public:
-  explicit Verifier(const Store::Reader& store)
-      : store(store), records(store, none, [this](std::string_view line) {
-          sha.Add(line);
-          progress->Add(1);
-        }) {}
-
-  void Report(const std::vector<std::string>& lines) {
+  void Report(const std::vector<std::string>& lines, const std::string& where = "") {
     for (const std::string& line : lines) {
-      Say("finding: " + line);
+      Say("finding: " + where + line);
       ++findings;
     }
+  }
+
+  void NotSealed(const std::string& what) {
+    Say("not sealed: " + what);
+    ++notSealed;
   }
 
   /// An attacker can have prevented the comparison, so the result must not be "all sealed".
@@ -45,10 +48,45 @@ class Verifier {
     }
   }
 
+  ExitCode Finish() const {
+    Say(std::to_string(seals) + " seals verified: " + std::to_string(findings) + " findings, " +
+        std::to_string(notSealed) + " not sealed");
+    return findings > 0 ? Found : notSealed > 0 || !allCompared ? Unsealed : Done;
+  }
+
+  long long seals = 0;
+
+ private:
+  int findings = 0;
+  int notSealed = 0;
+  bool allCompared = true;
+};
+
+/// Names a chain of several in findings.
+std::string PlaceOf(const Store::Reader& store, const KnownStore& origin) {
+  return StoreInWords(store, origin.number) + " (" + origin.guid + "): ";
+}
+
+/// Verifies what one store sealed and recorded.
+class Verifier {
+ public:
+  Verifier(const Store::Reader& store, const KnownStore& origin, Outcome& outcome)
+      : store(store),
+        origin(origin.number),
+        where(origin.number == thisStore ? "" : PlaceOf(store, origin)),
+        outcome(outcome),
+        records(store, origin.number, none, [this](std::string_view line) {
+          sha.Add(line);
+          progress->Add(1);
+        }) {
+    chain.origin = origin.number;
+  }
+
   void CheckChain() {
-    for (SealRows seals(store); seals.Next();) {
+    for (SealRows seals(store, origin); seals.Next();) {
       Report(chain.Add(seals.Current()));
     }
+    outcome.seals += chain.seals;
   }
 
   /// Computes the hash of what each seal covers again.
@@ -57,9 +95,12 @@ class Verifier {
       return;
     }
     progress.emplace("Hashing records", std::accumulate(chain.counts.begin(), chain.counts.begin() + Parameters, 0LL));
-    Rows before(store, "SELECT up_to FROM seals WHERE run = ?1 AND seal_id < ?2 ORDER BY seal_id DESC LIMIT 1");
+    const KeyRange ofOrigin = KeysOf(origin).front();
+    Rows before(
+        store,
+        "SELECT up_to FROM seals WHERE run = ?1 AND seal_id > ?2 AND seal_id < ?3 ORDER BY seal_id DESC LIMIT 1");
     Numbers ofNoRun = none;
-    for (SealRows seals(store); seals.Next();) {
+    for (SealRows seals(store, origin); seals.Next();) {
       const Seal& seal = seals.Current();
       records.Limit(FromText(seal.upTo).value_or(none));
       if (seal.run.empty()) {
@@ -67,31 +108,34 @@ class Verifier {
         Compare(seal, "what belongs to no run");
         continue;
       }
-      const bool again = before.Ask(seal.run, seal.number).Next();
+      const bool again = before.Ask(seal.run, ofOrigin.after, seal.number + ShiftOf(origin)).Next();
       CompareRun(seal, again ? FromText(before.Text(0)).value_or(none) : none);
     }
     progress.reset();
   }
 
   void FindWhatIsNotSealed() {
-    UnsealedRecords unsealed(store);
+    UnsealedRecords unsealed(store, origin);
     if (unsealed.IsInNoRun(chain.restUpTo)) {
       NotSealed("what belongs to no run");
     }
-    for (RunStates runs(store); runs.Next();) {
-      if (!runs.HasSeal() || unsealed.IsIn(runs.Current().root, runs.SealedUpTo())) {
-        NotSealed(InWords(runs.Current()) + (runs.IsUnfinished() ? ", which is not finished" : ""));
+    for (RunStates runs(store, origin); runs.Next();) {
+      const Run& run = runs.Current();
+      if (!runs.HasSeal() || unsealed.IsIn(run.root, runs.SealedUpTo())) {
+        NotSealed((StoreOf(run.root) == origin ? "" : "what was added to ") + InWords(run) +
+                  (runs.IsUnfinished() ? ", which is not finished" : ""));
       }
     }
   }
 
-  ExitCode Finish() const {
-    Say(std::to_string(chain.seals) + " seals verified: " + std::to_string(findings) + " findings, " +
-        std::to_string(notSealed) + " not sealed");
-    return findings > 0 ? Found : notSealed > 0 || !allCompared ? Unsealed : Done;
+ private:
+  void Report(const std::vector<std::string>& lines) { outcome.Report(lines, where); }
+
+  void NotSealed(const std::string& what) {
+    outcome.NotSealed(where + what +
+                      (origin == thisStore ? "" : "; it is sealed in that store, where it was recorded"));
   }
 
- private:
   void CompareRun(const Seal& seal, const Numbers& since) {
     const std::vector<Run> runs = RunsNamed(store, seal.run);
     const auto run = std::find_if(runs.begin(), runs.end(), [&](const Run& found) { return found.guid == seal.run; });
@@ -120,49 +164,69 @@ class Verifier {
     return " covers the same number of records, but other values";
   }
 
-  void NotSealed(const std::string& what) {
-    Say("not sealed: " + what);
-    ++notSealed;
-  }
-
   const Store::Reader& store;
+  const long long origin;
+  const std::string where;  // the beginning of what is said of another store
+  Outcome& outcome;
   Chain chain;
   Sha256 sha;
   std::optional<Progress> progress;
   Records records;
-  int findings = 0;
-  int notSealed = 0;
-  bool allCompared = true;
 };
+
+/// How the chains of all stores contradict an anchor: one of them must contain it. Empty if one does.
+std::string FindingOfAll(const std::string& file, const Store::Reader& store, const std::vector<KnownStore>& origins) {
+  const Anchor anchor = ReadAnchor(file);
+  std::string finding;
+  for (const KnownStore& origin : origins) {
+    finding = AnchorFinding(anchor, store, origin.number);
+    if (finding.empty()) {
+      return "";
+    }
+  }
+  return origins.size() == 1
+             ? finding
+             : "no store here has seal " + std::to_string(anchor.number) + " with the hash in '" + file +
+                   "': the seals were computed again, or the newest were deleted, or the anchor is of "
+                   "another store";
+}
 
 class VerifyVerb : public StoreVerb {
  public:
   explicit VerifyVerb(Options& options) : StoreVerb(options) {
-    options.AddText("--anchor", anchorFile, "Compare the seals with this file, which seal --anchor wrote", "FILE");
+    options.AddRepeatedText("--anchor", anchorFiles,
+                            "Compare the seals with this file, which seal --anchor wrote; in a store that has the "
+                            "records of others, with those of the store that wrote it",
+                            "FILE");
   }
 
   ExitCode Execute() override {
     const Reader store(Database());
-    Verifier verifier(store);
+    Outcome outcome;
     const Findings ofSchema = SchemaFindings(store);
-    verifier.Report(ofSchema.wrong);
-    verifier.NoteWhatIsNotCompared(ofSchema.notCompared);
-    verifier.Report(DamageFindings(store));
-    verifier.Report(ValueFindings(store));
-    verifier.CheckChain();
-    if (!anchorFile.empty()) {
-      if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), store); !finding.empty()) {
-        verifier.Report({finding});
+    outcome.Report(ofSchema.wrong);
+    outcome.NoteWhatIsNotCompared(ofSchema.notCompared);
+    outcome.Report(DamageFindings(store));
+    outcome.Report(ValueFindings(store));
+    outcome.Report(OriginFindings(store));
+    const std::vector<KnownStore> origins = KnownStores(store);
+    for (const std::string& file : anchorFiles) {
+      if (const std::string finding = FindingOfAll(file, store, origins); !finding.empty()) {
+        outcome.Report({finding});
       }
     }
-    verifier.CompareContents();
-    verifier.FindWhatIsNotSealed();
+    for (const KnownStore& origin : origins) {
+      Verifier verifier(store, origin, outcome);
+      verifier.CheckChain();
+      verifier.CompareContents();
+      verifier.FindWhatIsNotSealed();
+    }
     store.ExpectUntouched();
-    return verifier.Finish();
+    return outcome.Finish();
   }
 
  private:
-  std::string anchorFile;
+  std::vector<std::string> anchorFiles;
 };
 
 }  // namespace
