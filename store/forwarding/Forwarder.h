@@ -26,6 +26,8 @@ class AnotherForwarder : public Error {
   using Error::Error;
 };
 
+class Pace;
+
 /// Takes what is new in a store in a file to the store of a facility, on a server. It has no state beside what both
 /// stores say: it can be ended at any moment, and another one goes on.
 ///
@@ -67,6 +69,7 @@ class Forwarder {
 
   const Database file;
   const Database facility;
+  const std::unique_ptr<Pace> pace;
   Marks reached;
   std::unique_ptr<Session> session;
 };

@@ -24,8 +24,8 @@ Reader::Reader(const Database& database, const std::string& snapshot)
   }
   const StoreVersion version = VersionOf(Sql());
   if (!version.IsUsable()) {
-    throw Error("TS store '" + Name() + "' has a schema of version " + std::to_string(version.lowestHost) +
-                "; expected version " + std::to_string(Store::schemaVersion) + " at most");
+    throw UnknownSchema("TS store '" + Name() + "' has a schema of version " + std::to_string(version.lowestHost) +
+                        "; expected version " + std::to_string(Store::schemaVersion) + " at most");
   }
   schemaVersion = version.number;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/Error.h"
 #include "store/database/Database.h"
 #include "store/reading/Source.h"
 
@@ -8,13 +9,20 @@
 
 namespace Velora::Store {
 
+/// The store has a schema that this program does not know.
+class UnknownSchema : public Error {
+ public:
+  using Error::Error;
+};
+
 /// A store opened for reading, in the state that it had at the opening, whatever hosts record later. Reading does not
 /// change the store, does not wait for hosts that write, and does not make them wait.
 class Reader {
  public:
   /// @param snapshot the snapshot of another connection to the server, to read the same state; empty for the current
   /// state.
-  /// @throws NoStoreYet when there is no store. @throws Error when this program cannot read the store.
+  /// @throws NoStoreYet when there is no store. @throws UnknownSchema, or Error when this program cannot read the
+  /// store.
   explicit Reader(const Database& database, const std::string& snapshot = "");
 
   const Database& Where() const { return database; }

@@ -1,0 +1,170 @@
+#include "store/forwarding/Forwarder.h"
+
+#include "store/forwarding/Facility.h"
+#include "store/forwarding/Pace.h"
+#include "store/reading/Reader.h"
+#include "store/schema/StoreNumbers.h"
+#include "store/schema/Versions.h"
+#include "store/transfer/TakenStore.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace Velora::Store {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds betweenNotes{10};
+
+constexpr const char* whatToDo =
+    "; expected the file that was forwarded, or velora-ts rotate, which begins a new one "
+    "and leaves this one to be read";
+
+/// The last row of each table that has come, by the name of the table, in the form of RowWith().
+using Ends = std::map<std::string, std::string>;
+
+void ExpectForwardable(const Reader& file) {
+  if (file.SchemaVersion() != schemaVersion) {
+    throw Refused("TS store '" + file.Name() + "' has a schema of version " + std::to_string(file.SchemaVersion()) +
+                  "; expected version " + std::to_string(schemaVersion) +
+                  (file.SchemaVersion() < schemaVersion ? ": start a host of this version, or run velora-ts prepare"
+                                                        : ": forward with the newer program that made it"));
+  }
+  for (const auto& [table, highest] : MarksOf(file)) {
+    if (highest >= numbersOfAStore) {
+      throw Refused("TS store '" + file.Name() + "' has records of other stores (" + table + " " +
+                    std::to_string(highest) + "); expected records of its own alone");
+    }
+  }
+}
+
+std::unique_ptr<Reader> Open(const Database& database) {
+  std::unique_ptr<Reader> file;
+  try {
+    file = std::make_unique<Reader>(database);
+  } catch (const UnknownSchema& error) {
+    throw Refused(error.what());
+  }
+  ExpectForwardable(*file);
+  return file;
+}
+
+Ends EndsOf(const Reader& file, const Marks& marks, long long shift) {
+  Ends ends;
+  for (const auto& [table, mark] : marks) {
+    ends[table] = mark == 0 ? "" : RowWith(file.Sql(), TableNamed(table), mark, shift);
+  }
+  return ends;
+}
+
+}  // namespace
+
+/// A connection to the facility, with the lock of the store.
+class Forwarder::Session {
+ public:
+  Session(const Database& file, const Database& facility) : file(file), facility(facility.where) {
+    const auto store = Open(file);
+    guid = GuidOf(store->Sql());
+    this->facility.Take(*store);
+    reached = this->facility.Reached();
+    Compare(*store);
+    store->ExpectUntouched();
+  }
+
+  const Marks& Reached() const { return reached; }
+
+  /// @return nothing if either side is not what it was, so that they must be compared again.
+  std::optional<Progress> SendNext(Pace& pace) {
+    auto store = Open(file);
+    if (GuidOf(store->Sql()) != guid || EndsOf(*store, reached, facility.Shift()) != ends) {
+      return std::nullopt;
+    }
+    const Portion portion = ReadPortion(*store, reached, pace.Size(), facility.Shift());
+    const Progress progress{portion.rows, portion.events, WaitingBehind(*store, portion.upTo)};
+    Ends newEnds = EndsOf(*store, portion.upTo, facility.Shift());
+    store->ExpectUntouched();
+    store.reset();  // so that what hosts write meanwhile need not be kept for this state
+    if (!(progress.rows == 0 ? IsStillThere(progress.left) : Add(portion, progress.left, pace))) {
+      return std::nullopt;
+    }
+    reached = portion.upTo;
+    ends = std::move(newEnds);
+    return progress;
+  }
+
+ private:
+  /// Expects that what the facility has of the store is what the file begins with.
+  void Compare(const Reader& store) {
+    ends = EndsOf(store, reached, facility.Shift());
+    for (const auto& [table, end] : ends) {
+      const long long number = reached[table];
+      if (number != 0 && end != facility.RowOf(TableNamed(table), number)) {
+        throw Refused("TS store '" + store.Name() + "' " + (end.empty() ? "has no" : "has another") + " row " +
+                      std::to_string(number) + " of " + table + (end.empty() ? ", which" : " than") + " '" +
+                      facility.Name() + "' has from this store: " +
+                      (end.empty() ? "it is an older copy of itself" : "it was copied, and both copies recorded") +
+                      whatToDo);
+      }
+    }
+  }
+
+  bool IsStillThere(const Waiting& left) {
+    if (Clock::now() < noted + betweenNotes) {
+      return true;
+    }
+    const bool isThere = facility.Note(left) == reached;
+    noted = Clock::now();
+    return isThere;
+  }
+
+  bool Add(const Portion& portion, const Waiting& left, Pace& pace) {
+    const Clock::time_point start = Clock::now();
+    try {
+      if (!facility.Add(portion, reached, left, pace.Longest())) {
+        return false;
+      }
+    } catch (const NotReachable&) {
+      pace.SlowDown();
+      throw;
+    }
+    noted = Clock::now();
+    pace.Adapt(noted - start);
+    return true;
+  }
+
+  const Database file;
+  Facility facility;
+  std::string guid;  // of the store in the file
+  Marks reached;
+  Ends ends;                                           // the last rows up to there
+  Clock::time_point noted = Clock::time_point::min();  // when the facility was last told that the store can be heard
+};
+
+Forwarder::Forwarder(const Database& file, const Database& facility)
+    : file(file), facility(facility), pace(std::make_unique<Pace>()) {}
+
+Forwarder::~Forwarder() = default;
+
+Forwarder::Progress Forwarder::SendNext() {
+  try {
+    for (;;) {
+      if (!session) {
+        session = std::make_unique<Session>(file, facility);
+        reached = session->Reached();
+      }
+      if (const auto progress = session->SendNext(*pace)) {
+        reached = session->Reached();
+        return *progress;
+      }
+      session.reset();
+    }
+  } catch (...) {
+    session.reset();
+    throw;
+  }
+}
+
+const Marks& Forwarder::Reached() const { return reached; }
+
+}  // namespace Velora::Store
