@@ -63,11 +63,11 @@ Ends EndsOf(const Reader& file, const Marks& marks, long long shift) {
 /// A connection to the facility, with the lock of the store.
 class Forwarder::Session {
  public:
-  Session(const Database& file, const Database& facility) : file(file), facility(facility.where) {
-    const auto store = Open(file);
+  Session(const Database& from, const Database& to) : from(from), there(to.where) {
+    const auto store = Open(from);
     guid = GuidOf(store->Sql());
-    this->facility.Take(*store);
-    reached = this->facility.Reached();
+    there.Take(*store);
+    reached = there.Reached();
     Compare(*store);
     store->ExpectUntouched();
   }
@@ -75,17 +75,17 @@ class Forwarder::Session {
   const Marks& Reached() const { return reached; }
 
   /// @return nothing if either side is not what it was, so that they must be compared again.
-  std::optional<Progress> SendNext(Pace& pace) {
-    auto store = Open(file);
-    if (GuidOf(store->Sql()) != guid || EndsOf(*store, reached, facility.Shift()) != ends) {
+  std::optional<Progress> SendNext(Pace& portions) {
+    auto store = Open(from);
+    if (GuidOf(store->Sql()) != guid || EndsOf(*store, reached, there.Shift()) != ends) {
       return std::nullopt;
     }
-    const Portion portion = ReadPortion(*store, reached, pace.Size(), facility.Shift());
+    const Portion portion = ReadPortion(*store, reached, portions.Size(), there.Shift());
     const Progress progress{portion.rows, portion.events, WaitingBehind(*store, portion.upTo)};
-    Ends newEnds = EndsOf(*store, portion.upTo, facility.Shift());
+    Ends newEnds = EndsOf(*store, portion.upTo, there.Shift());
     store->ExpectUntouched();
     store.reset();  // so that what hosts write meanwhile need not be kept for this state
-    if (!(progress.rows == 0 ? IsStillThere(progress.left) : Add(portion, progress.left, pace))) {
+    if (!(progress.rows == 0 ? IsStillThere(progress.left) : Add(portion, progress.left, portions))) {
       return std::nullopt;
     }
     reached = portion.upTo;
@@ -96,13 +96,13 @@ class Forwarder::Session {
  private:
   /// Expects that what the facility has of the store is what the file begins with.
   void Compare(const Reader& store) {
-    ends = EndsOf(store, reached, facility.Shift());
+    ends = EndsOf(store, reached, there.Shift());
     for (const auto& [table, end] : ends) {
       const long long number = reached[table];
-      if (number != 0 && end != facility.RowOf(TableNamed(table), number)) {
+      if (number != 0 && end != there.RowOf(TableNamed(table), number)) {
         throw Refused("TS store '" + store.Name() + "' " + (end.empty() ? "has no" : "has another") + " row " +
                       std::to_string(number) + " of " + table + (end.empty() ? ", which" : " than") + " '" +
-                      facility.Name() + "' has from this store: " +
+                      there.Name() + "' has from this store: " +
                       (end.empty() ? "it is an older copy of itself" : "it was copied, and both copies recorded") +
                       whatToDo);
       }
@@ -113,28 +113,28 @@ class Forwarder::Session {
     if (Clock::now() < noted + betweenNotes) {
       return true;
     }
-    const bool isThere = facility.Note(left) == reached;
+    const bool isThere = there.Note(left) == reached;
     noted = Clock::now();
     return isThere;
   }
 
-  bool Add(const Portion& portion, const Waiting& left, Pace& pace) {
+  bool Add(const Portion& portion, const Waiting& left, Pace& portions) {
     const Clock::time_point start = Clock::now();
     try {
-      if (!facility.Add(portion, reached, left, pace.Longest())) {
+      if (!there.Add(portion, reached, left, portions.Longest())) {
         return false;
       }
     } catch (const NotReachable&) {
-      pace.SlowDown();
+      portions.SlowDown();
       throw;
     }
     noted = Clock::now();
-    pace.Adapt(noted - start);
+    portions.Adapt(noted - start);
     return true;
   }
 
-  const Database file;
-  Facility facility;
+  const Database from;
+  Facility there;
   std::string guid;  // of the store in the file
   Marks reached;
   Ends ends;                                           // the last rows up to there

@@ -8,8 +8,8 @@ namespace Velora::Store {
 namespace {
 
 // The tables to which runs refer, and those whose rows wait until all others have come.
-constexpr const char* first[] = {"sessions", "activities", "activity_versions", "registrations", "configurations"};
-constexpr const char* last[] = {"notes", "seals", "ts_schema", "stores"};
+constexpr const char* beforeRuns[] = {"sessions", "activities", "activity_versions", "registrations", "configurations"};
+constexpr const char* afterRuns[] = {"notes", "seals", "ts_schema", "stores"};
 
 constexpr long long statusesOfAnExecution = 10;  // more than usual
 
@@ -19,8 +19,8 @@ class Plan {
       : file(file), from(from), top(MarksOf(file)), size(size), upTo(from) {}
 
   Marks Make() {
-    if (TakeAll(first) && TakeRuns()) {
-      TakeAll(last);
+    if (TakeAll(beforeRuns) && TakeRuns()) {
+      TakeAll(afterRuns);
     }
     return upTo;
   }

@@ -86,7 +86,7 @@ class Instrument {
   void Save(const std::string& execution) {
     const long long event = Add("events", session + ", " + execution + ", " + configuration + ", 'e', " + time);
     for (int position = Chance(4); position > 0; --position) {
-      sql->Run("INSERT INTO parameters VALUES (?1, ?2, 'p', 'double', NULL, ?3)", event, position, static_cast<double>(event) / 7);
+      sql->Run("INSERT INTO parameters VALUES (?1, ?2, 'p', 'double', NULL, ?3)", event, position, event);
     }
   }
   void Note() {
