@@ -22,9 +22,9 @@ extern "C" {
 int PQbackendPID(const PGconn* c) { return Call<&PQbackendPID>(__func__, c); }
 void PQclear(PGresult* r) { Call<&PQclear>(__func__, r); }
 PQconninfoOption* PQconndefaults() { return Call<&PQconndefaults>(__func__); }
-PGconn* PQconnectdb(const char* address) { return Call<&PQconnectdb>(__func__, address); }
 PostgresPollingStatusType PQconnectPoll(PGconn* c) { return Call<&PQconnectPoll>(__func__, c); }
 PGconn* PQconnectStart(const char* address) { return Call<&PQconnectStart>(__func__, address); }
+PQconninfoOption* PQconninfo(PGconn* c) { return Call<&PQconninfo>(__func__, c); }
 void PQconninfoFree(PQconninfoOption* options) { Call<&PQconninfoFree>(__func__, options); }
 PQconninfoOption* PQconninfoParse(const char* text, char** error) {
   return Call<&PQconninfoParse>(__func__, text, error);
@@ -69,8 +69,8 @@ int PQsendQueryPrepared(PGconn* c, const char* name, int count, const char* cons
                         const int* formats, int format) {
   return Call<&PQsendQueryPrepared>(__func__, c, name, count, values, lengths, formats, format);
 }
-PQnoticeProcessor PQsetNoticeProcessor(PGconn* c, PQnoticeProcessor processor, void* given) {
-  return Call<&PQsetNoticeProcessor>(__func__, c, processor, given);
+PQnoticeReceiver PQsetNoticeReceiver(PGconn* c, PQnoticeReceiver receiver, void* given) {
+  return Call<&PQsetNoticeReceiver>(__func__, c, receiver, given);
 }
 int PQsetnonblocking(PGconn* c, int yes) { return Call<&PQsetnonblocking>(__func__, c, yes); }
 int PQsocket(const PGconn* c) { return Call<&PQsocket>(__func__, c); }

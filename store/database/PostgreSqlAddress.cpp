@@ -1,9 +1,9 @@
 #include "store/database/PostgreSqlAddress.h"
 
-#include <libpq-fe.h>
-
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <memory>
 
@@ -47,6 +47,19 @@ std::string ToUri(const std::map<std::string, std::string>& options) {
   return uri;
 }
 
+// Of a list as the client library has it: "a,,b".
+std::vector<std::string> Parts(const std::string& list) {
+  std::vector<std::string> parts(1);
+  for (const char character : list) {
+    if (character == ',') {
+      parts.emplace_back();
+    } else {
+      parts.back() += character;
+    }
+  }
+  return parts;
+}
+
 // An unescaped "@" or "/" in a password ends a part of the URI too early; the rest of the password would be in errors.
 bool IsTornPassword(std::map<std::string, std::string>& options) {
   return options["host"].find('@') != std::string::npos ||
@@ -74,12 +87,32 @@ std::string UriWithTimeouts(const std::string& address) {
   return ToUri(options);
 }
 
-std::string UriOfServer(const std::string& uri, const std::string& host, const std::string& hostAddress,
-                        const std::string& port) {
+KnownServers ServersOf(PGconn* connection) {
+  std::map<std::string, std::string> options = Options(PQconninfo(connection));
+  const std::vector<std::string> hosts = Parts(options["host"]);
+  const std::vector<std::string> hostAddresses = Parts(options["hostaddr"]);
+  const std::vector<std::string> ports = Parts(options["port"]);
+  const auto part = [](const std::vector<std::string>& parts, std::size_t at) {
+    return at < parts.size() ? parts[at] : "";
+  };
+  KnownServers known;
+  for (std::size_t at = 0; at < std::max(hosts.size(), hostAddresses.size()); ++at) {
+    known.servers.push_back({part(hosts, at), part(hostAddresses, at), part(ports, ports.size() == 1 ? 0 : at)});
+  }
+  const std::string& wanted = options["target_session_attrs"];
+  known.wanted = wanted == "prefer-standby" ? std::vector<std::string>{"standby", "any"} : std::vector{wanted};
+  known.timeout = std::chrono::seconds(std::atoi(options["connect_timeout"].c_str()));
+  return known;
+}
+
+std::string UriOfServer(const std::string& uri, const ServerAddress& server, const std::string& wanted) {
   std::map<std::string, std::string> options = Options(PQconninfoParse(uri.c_str(), nullptr));
-  options["host"] = host;
-  options["hostaddr"] = hostAddress;
-  options["port"] = port;
+  options["host"] = server.host;
+  options["hostaddr"] = server.hostAddress;
+  options["port"] = server.port;
+  if (!wanted.empty()) {
+    options["target_session_attrs"] = wanted;
+  }
   return ToUri(options);
 }
 

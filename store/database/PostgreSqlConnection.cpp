@@ -6,7 +6,6 @@
 #include <VeloraSystem/Sockets.h>
 
 #include <algorithm>
-#include <new>
 #include <utility>
 
 namespace Velora::Store {
@@ -34,6 +33,10 @@ std::string OnOneLine(std::string_view rest) {
 
 std::string TextOf(const char* value) { return value == nullptr ? "" : value; }
 
+void NoteWarning(void* warned, const PGresult* notice) {
+  *static_cast<bool*>(warned) |= TextOf(PQresultErrorField(notice, PG_DIAG_SEVERITY_NONLOCALIZED)) == "WARNING";
+}
+
 std::vector<const char*> PointersTo(const std::vector<PostgreSqlConnection::Value>& values) {
   std::vector<const char*> texts(values.size());
   std::transform(values.begin(), values.end(), texts.begin(),
@@ -45,29 +48,15 @@ std::vector<const char*> PointersTo(const std::vector<PostgreSqlConnection::Valu
 
 PostgreSqlConnection::PostgreSqlConnection(const std::string& address, std::optional<Clock::time_point> when)
     : Connection(NameOfDatabaseAt(address)), uri(UriWithTimeouts(address)) {
-  handle.reset(when ? PQconnectStart(uri.c_str()) : PQconnectdb(uri.c_str()));
+  PostgreSqlConnecting connecting = ConnectToOneOf(uri, when ? std::optional(*when - Clock::now()) : std::nullopt);
+  handle = std::move(connecting.handle);
+  timeToConnect = connecting.took;
   if (!handle) {
-    throw std::bad_alloc();
+    Fail(OnOneLine(connecting.whyNot));
   }
-  if ((when && !ConnectUntil(*when)) || PQstatus(handle.get()) != CONNECTION_OK) {
-    Fail(OnOneLine(PQerrorMessage(handle.get())));
-  }
-  PQsetNoticeProcessor(
-      handle.get(), [](void*, const char*) {}, nullptr);  // which would write to the host's standard error
-  PQsetnonblocking(handle.get(), 1);
-}
-
-bool PostgreSqlConnection::ConnectUntil(Clock::time_point when) {
   LimitTo(when);
-  PostgresPollingStatusType next =
-      PQstatus(handle.get()) == CONNECTION_BAD ? PGRES_POLLING_FAILED : PGRES_POLLING_WRITING;
-  while (next == PGRES_POLLING_READING || next == PGRES_POLLING_WRITING) {
-    next = AwaitSocket(next == PGRES_POLLING_WRITING) ? PQconnectPoll(handle.get()) : next;
-    if (silent) {
-      return false;
-    }
-  }
-  return next == PGRES_POLLING_OK;
+  PQsetNoticeReceiver(handle.get(), &NoteWarning, &warned);  // instead of writing to the host's standard error
+  PQsetnonblocking(handle.get(), 1);
 }
 
 std::unique_ptr<Cursor> PostgreSqlConnection::Prepare(const std::string& statement) {
@@ -284,7 +273,8 @@ void PostgreSqlConnection::Close(const std::string& cursor) noexcept {
 }
 
 std::string PostgreSqlConnection::ServerUri() const {
-  return UriOfServer(uri, TextOf(PQhost(handle.get())), TextOf(PQhostaddr(handle.get())), TextOf(PQport(handle.get())));
+  return UriOfServer(uri,
+                     {TextOf(PQhost(handle.get())), TextOf(PQhostaddr(handle.get())), TextOf(PQport(handle.get()))});
 }
 
 void PostgreSqlConnection::Fail(const std::string& reason, const std::string& state) { Raise(reason, state); }

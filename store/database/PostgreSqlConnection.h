@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/database/Connection.h"
+#include "store/database/PostgreSqlConnecting.h"
 
 #include <libpq-fe.h>
 
@@ -25,8 +26,8 @@ class PostgreSqlConnection : public Connection {
   using Receiver = std::function<void(Answer answer)>;  ///< Must not throw.
 
   /// @param address an address for PostgreSQL's client library.
-  /// @param end when to give up connecting. The address must then have the server's IP address, because looking up a
-  /// name has no time limit. Without `end`, the timeouts of the address hold for each server in it.
+  /// @param end when to give up connecting; by default after the connect_timeout of the address, for all its servers
+  /// together. Looking up a name has no time limit.
   /// @throws DatabaseError
   explicit PostgreSqlConnection(const std::string& address, std::optional<Clock::time_point> end = std::nullopt);
   ~PostgreSqlConnection() override { ForgetStatements(); }
@@ -70,6 +71,11 @@ class PostgreSqlConnection : public Connection {
   /// Whether the connection was lost. The last statement may or may not have had its effect.
   bool IsLost() const { return silent || PQstatus(handle.get()) != CONNECTION_OK; }
 
+  /// Whether the server gave a warning, since it was forgotten.
+  bool HasWarned() const { return warned; }
+  void ForgetWarning() { warned = false; }
+  /// How long connecting took, without the looking up of names.
+  Clock::duration TimeToConnect() const { return timeToConnect; }
   PGconn* Handle() const { return handle.get(); }
   /// The address of the connection, restricted to the server to which it was made.
   std::string ServerUri() const;
@@ -84,7 +90,6 @@ class PostgreSqlConnection : public Connection {
     std::string statement = "";  ///< That was prepared.
   };
 
-  bool ConnectUntil(Clock::time_point when);
   void Expect(int accepted);
   void ExpectSending(int accepted);
   void Expect(const PGresult* answer);
@@ -106,9 +111,11 @@ class PostgreSqlConnection : public Connection {
   [[noreturn]] void Fail(const std::string& reason, const std::string& state = "");
 
   const std::string uri;
-  std::unique_ptr<PGconn, decltype(&PQfinish)> handle{nullptr, &PQfinish};
+  PostgreSqlHandle handle{nullptr, &PQfinish};
+  Clock::duration timeToConnect{};
   std::optional<Clock::time_point> end;
   bool silent = false;
+  bool warned = false;
   bool defersRuns = false;
   std::deque<Sent> sent;
   std::map<std::string, std::string> prepared;  // the names of statements on the server

@@ -2,6 +2,7 @@
 #include <VeloraSystem/System.h>
 
 #include <fcntl.h>
+#include <netdb.h>
 #include <poll.h>
 #include <pwd.h>
 #include <sys/socket.h>
@@ -11,6 +12,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <sstream>
 #include <system_error>
 
@@ -82,6 +84,23 @@ std::string LockerOf(const std::string& path, unsigned byte) {
   std::string name;
   std::getline(std::ifstream("/proc/" + std::to_string(process) + "/comm"), name);
   return "process " + std::to_string(process) + (name.empty() ? "" : " (" + name + ')');
+}
+
+std::vector<std::string> AddressesOf(const std::string& host) {
+  addrinfo wanted{};
+  wanted.ai_socktype = SOCK_STREAM;
+  addrinfo* found = nullptr;
+  std::vector<std::string> addresses;
+  if (getaddrinfo(host.c_str(), nullptr, &wanted, &found) == 0) {
+    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owned(found, &freeaddrinfo);
+    for (const addrinfo* one = found; one != nullptr; one = one->ai_next) {
+      std::array<char, 64> text{};
+      if (getnameinfo(one->ai_addr, one->ai_addrlen, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) == 0) {
+        addresses.emplace_back(text.data());
+      }
+    }
+  }
+  return addresses;
 }
 
 void ShutDownSocket(int socket) { shutdown(socket, SHUT_RDWR); }

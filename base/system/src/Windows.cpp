@@ -2,12 +2,14 @@
 #include <VeloraSystem/System.h>
 
 #include <winsock2.h>  // before windows.h
+#include <ws2tcpip.h>
 
 #include "WindowsOpen.h"
 #include "WindowsPath.h"
 #include "WindowsText.h"
 
 #include <array>
+#include <memory>
 #include <string>
 
 namespace Velora::System {
@@ -58,6 +60,24 @@ std::string UserName() {
 }
 
 std::string LockerOf(const std::string& /*path*/, unsigned /*byte*/) { return "another process or thread"; }
+
+std::vector<std::string> AddressesOf(const std::string& host) {
+  addrinfo wanted{};
+  wanted.ai_socktype = SOCK_STREAM;
+  addrinfo* found = nullptr;
+  std::vector<std::string> addresses;
+  if (getaddrinfo(host.c_str(), nullptr, &wanted, &found) == 0) {
+    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owned(found, &freeaddrinfo);
+    for (const addrinfo* one = found; one != nullptr; one = one->ai_next) {
+      std::array<char, 64> text{};
+      if (getnameinfo(one->ai_addr, static_cast<socklen_t>(one->ai_addrlen), text.data(),
+                      static_cast<DWORD>(text.size()), nullptr, 0, NI_NUMERICHOST) == 0) {
+        addresses.emplace_back(text.data());
+      }
+    }
+  }
+  return addresses;
+}
 
 void ShutDownSocket(int socket) { shutdown(static_cast<SOCKET>(socket), SD_BOTH); }
 

@@ -1,8 +1,13 @@
 #pragma once
 
 #include <chrono>
+#include <string>
+#include <vector>
 
 namespace Velora::System {
+
+/// The IP addresses of a host's name, in the order in which to try them; none if the system finds none.
+std::vector<std::string> AddressesOf(const std::string& host);
 
 /// Shuts the connection of a socket down, so that neither side waits for it any longer.
 void ShutDownSocket(int socket);
