@@ -39,8 +39,10 @@ inline constexpr const char* findStore = R"(
 
 /// Settings of a connection that records. Commits must be on the disk when they are acknowledged; a server that is set
 /// to do more keeps its setting. A host that stops in the middle of a transaction loses its locks after some time.
+/// Warnings are sent, because one says that a commit may not have reached the standby.
 inline constexpr const char* configure = R"(
     SELECT set_config('statement_timeout', '4s', false), set_config('lock_timeout', '4s', false),
+      set_config('client_min_messages', 'warning', false),
       set_config('default_transaction_isolation', 'read committed', false),
       set_config('idle_in_transaction_session_timeout', '60s', false),
       CASE current_setting('synchronous_commit') WHEN 'off' THEN set_config('synchronous_commit', 'on', false) END)";
@@ -49,6 +51,7 @@ inline constexpr const char* configure = R"(
 inline constexpr const char* askWhyNot = R"(
     SELECT CASE
       WHEN pg_is_in_recovery() THEN 'its server is a standby, which only reads; expected the primary'
+        ' (if Connection names several servers, target_session_attrs=read-write finds it)'
       WHEN current_setting('default_transaction_read_only') = 'on'
         THEN 'it is set to default_transaction_read_only = on; expected off'
       WHEN current_setting('fsync') = 'off'

@@ -24,10 +24,11 @@ constexpr const char* activitiesLock = "SELECT pg_advisory_xact_lock(21587, 2)";
 
 constexpr const char* insufficientPrivilege = "42501";
 
-// Identifies the server: the identifier of its cluster and its timeline, which changes when a standby becomes the
-// primary.
+// Identifies the server: the identifier of its cluster, its timeline, which changes when a standby becomes the primary,
+// and its start: a server that was restored from a copy can have both of the original.
 constexpr const char* identity =
-    "(CAST(system_identifier AS text) || '/' || left(pg_walfile_name(pg_current_wal_insert_lsn()), 8))";
+    "(CAST(system_identifier AS text) || '/' || left(pg_walfile_name(pg_current_wal_insert_lsn()), 8) || '/' || "
+    "EXTRACT(EPOCH FROM pg_postmaster_start_time()))";
 
 std::string AskServer() {
   return "SELECT current_setting('server_encoding'), (" + std::string(askWhyNot) +
@@ -77,6 +78,7 @@ std::string ParametersAsJson(const EventRow& event) {
 PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
     : Writer(opening), address(address), connection(ConnectToServer(address)) {
   connection.ExplainErrorsBy([this](const DatabaseError& error) { Explain(error); });
+  opened = Clock::now() - connection.TimeToConnect();
   PostgreSqlWriter::StartOperation();
   const int version = VersionIn(Configure());
   if (version < schemaVersion) {
@@ -87,11 +89,12 @@ PostgreSqlWriter::PostgreSqlWriter(const std::string& address, Opening opening)
   }
   if (version < schemaVersion) {
     BringUp();
+    opened.reset();
   }
   if (partitionsDue == Clock::time_point::max()) {
     PostgreSqlWriter::MakeRoom();
   }
-  PostgreSqlWriter::EndOperation();
+  connection.LimitTo(std::nullopt);
 }
 
 Writer::Contents PostgreSqlWriter::Configure() {
@@ -142,16 +145,22 @@ void PostgreSqlWriter::Begin() {
                       });
 }
 
-// The number of the transaction must be known before the commit is sent, and so must every error.
+// The number of the transaction must be known before the commit is sent, and so must every error. A server warns when
+// it committed, but does not know whether its synchronous standby has the commit.
 void PostgreSqlWriter::Commit() {
   connection.Settle();
   connection.DeferRuns(false);
+  connection.ForgetWarning();
   try {
     connection.RunScript("COMMIT");
   } catch (const DatabaseError&) {
     if (!IsLost() || !WasCommitted()) {
       throw;
     }
+    return;
+  }
+  if (connection.HasWarned()) {
+    WasCommitted();
   }
 }
 
@@ -166,22 +175,25 @@ void PostgreSqlWriter::Rollback() {
 }
 
 // The server process of the lost connection may still be committing, so the query is repeated until there is an answer.
-// Only the answer of the same server counts: a standby that took its place can lack the commit. After a crash, a server
+// Only the answer of the same server counts, since its start: a standby that took its place, or a server restored from
+// a copy, can lack the commit and can have given its number to another. After a crash of one of its processes, a server
 // uses numbers again if nothing of their transactions had reached its disk, so that "committed" could be said of
-// another transaction. A server begins with a checkpoint after a crash, so there must be none since this transaction
-// began.
+// another transaction. It begins with a checkpoint then, so there must be none since this transaction began. Where a
+// standby must have every commit, the query commits too, and so waits until the standby has both.
 bool PostgreSqlWriter::WasCommitted() {
   static const std::string question =
       "SELECT CASE WHEN " + std::string(identity) +
       " <> $1 THEN 'unknown' WHEN pg_xact_status(CAST($2 AS xid8)) = 'committed' AND checkpoint_lsn >= CAST($3 AS "
-      "pg_lsn) THEN 'unknown' ELSE COALESCE(pg_xact_status(CAST($2 AS xid8)), 'forgotten') END "
-      "FROM pg_control_system(), pg_control_checkpoint()";
+      "pg_lsn) THEN 'unknown' ELSE COALESCE(pg_xact_status(CAST($2 AS xid8)), 'unknown') END, "
+      "CASE WHEN current_setting('synchronous_standby_names') <> '' "
+      "THEN pg_logical_emit_message(true, 'Velora', '') END FROM pg_control_system(), pg_control_checkpoint()";
   const std::string there = connection.ServerUri();
   for (const Clock::time_point end = Clock::now() + longestDoubt; Clock::now() < end;) {
     try {
       PostgreSqlConnection other(there, end);
+      other.Send(configure, {});
       const std::string status = PQgetvalue(other.Ask(question, {server, transaction, logged}).get(), 0, 0);
-      if (status == "unknown") {
+      if (status == "unknown" || other.HasWarned()) {
         break;
       }
       if (status != "in progress") {
@@ -192,13 +204,22 @@ bool PostgreSqlWriter::WasCommitted() {
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
   }
-  throw DatabaseError("TS database '" + Name() + "' was lost while it stored a record; the record may be stored or not",
+  throw DatabaseError("TS database '" + Name() + "' " +
+                          (IsLost() ? "was lost while it stored a record"
+                                    : "does not know whether its standby has a record that it stored") +
+                          "; the record may be stored or not",
                       "", "");
 }
 
+// An operation that had to connect began with that.
 void PostgreSqlWriter::StartOperation() {
-  started = Clock::now();
+  started = opened.value_or(Clock::now());
   connection.LimitTo(started + longestOperation);
+}
+
+void PostgreSqlWriter::EndOperation() {
+  opened.reset();
+  connection.LimitTo(std::nullopt);
 }
 
 void PostgreSqlWriter::KeepLock(long long session) noexcept {

@@ -4,6 +4,7 @@
 #include "store/recording/Writer.h"
 
 #include <chrono>
+#include <optional>
 #include <string>
 
 namespace Velora::Store {
@@ -31,7 +32,7 @@ class PostgreSqlWriter : public Writer {
   void KeepLock(long long session) noexcept override;
   void Settle() override { connection.Settle(); }
   void StartOperation() override;
-  void EndOperation() override { connection.LimitTo(std::nullopt); }
+  void EndOperation() override;
   bool IsFar() const override { return true; }
   bool IsUsable() override;
   bool IsOutsideTransaction() override;
@@ -50,10 +51,11 @@ class PostgreSqlWriter : public Writer {
 
   const std::string address;
   PostgreSqlConnection connection;
-  Clock::time_point started;  // of the operation
-  std::string server;         // the identifier of its cluster, and its timeline
-  std::string transaction;    // the number of the open transaction on the server
-  std::string logged;         // how much of the server's log was on its disk when the transaction began
+  std::optional<Clock::time_point> opened;  // when the operation that opened the connection began
+  Clock::time_point started;                // of the operation
+  std::string server;                       // the identifier of its cluster, its timeline and its start
+  std::string transaction;                  // the number of the open transaction on the server
+  std::string logged;                       // how much of the server's log was on its disk when the transaction began
   Clock::time_point partitionsDue = Clock::time_point::max();  // unless it is not known whether there are any
 };
 

@@ -72,6 +72,13 @@ Records StoredRecords(Velora::Store::Connection& sql) {
 
 Records StoredRecords(const std::filesystem::path& database) { return StoredRecords(*TestStore(database).Open()); }
 
+Findings CompareRecords(const Records& stored, const Told& told) {
+  Findings findings;
+  findings.lost = Missing(findings.text, "lost", told.acknowledged, stored);
+  findings.half = Missing(findings.text, "incomplete", stored, told.announced);
+  return findings;
+}
+
 Findings Compare(const std::filesystem::path& folder, const Told& told) {
   using Quor::TolvaServices::Types::TSInstance;
   Findings findings;
@@ -84,9 +91,7 @@ Findings Compare(const std::filesystem::path& folder, const Told& told) {
     if (const std::string unsound = Query(*sql, soundness); !unsound.empty()) {
       findings = {0, 0, 1, "store is not sound: " + unsound};
     }
-    const Records stored = StoredRecords(*sql);
-    findings.lost = Missing(findings.text, "lost", told.acknowledged, stored);
-    findings.half = Missing(findings.text, "incomplete", stored, told.announced);
+    findings += CompareRecords(StoredRecords(*sql), told);
   } catch (const std::exception& error) {
     findings += {0, 0, 1, std::string("store cannot be used: ") + error.what() + '\n'};
   }

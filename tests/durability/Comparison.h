@@ -28,5 +28,8 @@ struct Findings {
 Records StoredRecords(Velora::Store::Connection& sql);
 Records StoredRecords(const std::filesystem::path& database);
 
+/// Compares the records in a store with what was told.
+Findings CompareRecords(const Records& stored, const Told& told);
+
 /// Opens the store "ts.db" of a folder through TSAL and with plain SQL, and compares it with what was told.
 Findings Compare(const std::filesystem::path& folder, const Told& told);

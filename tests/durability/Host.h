@@ -19,14 +19,16 @@
 /// A recording-host in a process of its own, and what it tells through a pipe.
 class Host {
  public:
-  Host(const std::filesystem::path& folder, const std::string& name, int seconds) {
+  /// @param mode "on" for one that goes on after errors; null for one that ends.
+  Host(const std::filesystem::path& folder, const std::string& name, int seconds, const char* mode = nullptr) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0 || (process = fork()) < 0) {
       std::abort();
     }
     if (process == 0) {
       dup2(ends[1], STDOUT_FILENO);
-      execl(RECORDING_HOST, RECORDING_HOST, folder.c_str(), name.c_str(), std::to_string(seconds).c_str(), nullptr);
+      execl(RECORDING_HOST, RECORDING_HOST, folder.c_str(), name.c_str(), std::to_string(seconds).c_str(), mode,
+            nullptr);
       _exit(127);
     }
     std::ifstream output("/dev/fd/" + std::to_string(ends[0]));
@@ -54,7 +56,10 @@ class Host {
   /// Waits for its end. @return whether it came without an error.
   bool Finish() { return End() == 0; }
 
-  Told told;  ///< complete after its end
+  void Signal(int signal) const { kill(process, signal); }
+
+  Told told;       ///< complete after its end
+  Records errors;  ///< of one that went on
 
  private:
   void Listen(std::ifstream& heard) {
@@ -65,6 +70,8 @@ class Host {
         told.announced.insert(announced);
       } else if (line[0] == '=') {
         std::istringstream(line.substr(1)) >> longestCall >> processorTime;
+      } else if (line[0] == '-') {
+        errors.insert(line.substr(1));
       } else {
         told.acknowledged.insert(announced);
         ++acknowledged;

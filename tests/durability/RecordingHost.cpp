@@ -1,9 +1,12 @@
-// recording-host FOLDER NAME SECONDS: records at full speed for that long, and writes to standard output a line
+// recording-host FOLDER NAME SECONDS [on]: records at full speed for that long, and writes to standard output a line
 // "?RECORD" before each record that it saves, a line "!" once that is acknowledged, and at the end a line
-// "=LONGEST USED": the seconds that its longest call took, and those of processor time that all took.
+// "=LONGEST USED": the seconds that its longest call took, and those of processor time that all took. With "on" it goes
+// on after an error, for which it writes "-ERROR": with the same record, or if the store lacks what was recorded before
+// it, with another session.
 
 #include "Recording.h"
 
+#include <TSAL/Error.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,6 +15,8 @@
 #include <ctime>
 #include <exception>
 #include <iostream>
+#include <optional>
+#include <thread>
 #include <utility>
 
 namespace {
@@ -22,19 +27,41 @@ void Tell(const std::string& line) {
   }
 }
 
+// What ends by itself or with a promoted standby.
+bool MayPass(const std::string& error) {
+  const auto says = [&error](const char* words) { return error.find(words) != std::string::npos; };
+  return says("cannot be reached") || says("was lost") || says("stored or not") || says("only reads") ||
+         says("timeout");
+}
+
+Recording Begin(const char* folder, const std::string& name) {
+  return {folder, name, [](const std::string& record) { Tell("?" + record + "\n"); },
+          [](const std::string& /*record*/) { Tell("!\n"); }};
+}
+
 }  // namespace
 
-int main(int /*count*/, char** arguments) {
+int main(int count, char** arguments) {
   using Clock = std::chrono::steady_clock;
   const Clock::time_point end = Clock::now() + std::chrono::seconds(std::atoi(arguments[3]));
   try {
-    Recording recording(
-        arguments[1], arguments[2], [](const std::string& record) { Tell("?" + record + "\n"); },
-        [](const std::string& /*record*/) { Tell("!\n"); });
+    std::optional<Recording> recording(Begin(arguments[1], arguments[2]));
+    int sessions = 1;
     Clock::duration longest{};
     const std::clock_t used = std::clock();
     for (Clock::time_point start = Clock::now(); start < end;) {
-      recording.Next();
+      try {
+        recording->Next();
+      } catch (const Quor::TolvaServices::TsError& error) {
+        if (count < 5) {
+          throw;
+        }
+        Tell("-" + std::string(error.what()) + "\n");
+        if (!MayPass(error.what())) {
+          recording.emplace(Begin(arguments[1], arguments[2] + ("." + std::to_string(++sessions))));
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      }
       const Clock::time_point now = Clock::now();
       longest = std::max(longest, now - std::exchange(start, now));
     }

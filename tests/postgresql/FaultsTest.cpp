@@ -3,6 +3,7 @@
 #include "Interruptions.h"
 #include "Server.h"
 #include "durability/Comparison.h"
+#include "durability/OnServer.h"
 #include "durability/Recording.h"
 #include "support/Proxy.h"
 
@@ -20,12 +21,7 @@ using Clock = std::chrono::steady_clock;
 /// A server with a database in which the records can be compared with what was told.
 class Faults : public PostgreSql {
  protected:
-  explicit Faults() {
-    // What the question after the records takes for granted, on SQLite.
-    Sql("CREATE AGGREGATE group_concat(text, text) (SFUNC = string_agg_transfn, STYPE = internal, FINALFUNC = "
-        "string_agg_finalfn); CREATE FUNCTION printf(text, double precision) RETURNS text LANGUAGE sql AS 'SELECT "
-        "CAST($2 AS text)'");
-  }
+  Faults() { Sql(forComparison); }
 
   /// A host with an empty store of its own.
   Recording Begin(const std::string& schema) {

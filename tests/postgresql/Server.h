@@ -23,19 +23,24 @@ class Server {
     setenv("PGPORT", port.empty() ? "5432" : port.c_str(), 1);
     setenv("PGUSER", "velora", 1);
   }
+  /// A server that follows a primary, or what restoring a copy of it makes. Programs do not find it by themselves.
+  Server(std::filesystem::path folder, const std::string& how, const Server& of) : folder(std::move(folder)) {
+    Run(how, of.folder.string());
+  }
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
   ~Server() { Run("stop"); }
 
   void Crash() const { Run("crash"); }
   void Resume() const { Run("resume"); }
+  void Promote() const { Run("promote"); }
 
   static constexpr const char* password = "secret";
   std::filesystem::path folder;
 
  private:
-  void Run(const std::string& verb, const std::string& port = "") const {
-    EXPECT_EQ(std::system(("'" SCRIPTS "/postgresql' " + verb + " '" + folder.string() + "' " + port).c_str()), 0);
+  void Run(const std::string& verb, const std::string& more = "") const {
+    EXPECT_EQ(std::system(("'" SCRIPTS "/postgresql' " + verb + " '" + folder.string() + "' " + more).c_str()), 0);
   }
 };
 

@@ -70,6 +70,7 @@ std::string Reason() {
 void OpenStoreOfSettings() {
   const Velora::Store::Database database = CurrentSettings().database;
   CheckedStore checked{database, OpenForWriting(database), Clock::now() + longestBetween};
+  checked.writer->EndOperation();
   if (checked.writer->IsFar()) {
     const std::lock_guard lock(stateMutex);
     if (!currentSession) {

@@ -1,0 +1,192 @@
+// A server that is killed under its hosts, and the standby that takes its place.
+
+#include "durability/Comparison.h"
+#include "durability/Host.h"
+#include "durability/OnServer.h"
+#include "durability/Recording.h"
+#include "postgresql/Interruptions.h"
+#include "postgresql/Server.h"
+#include "support/Proxy.h"
+
+#include <chrono>
+#include <deque>
+#include <thread>
+
+namespace {
+
+using namespace Quor::TolvaServices;
+using Clock = std::chrono::steady_clock;
+
+class Failover : public PostgreSql {
+ protected:
+  Failover() { Sql(forComparison); }
+
+  static std::string At(const Server& server) { return "host=" + server.folder.string() + " dbname=postgres"; }
+  /// Makes commits wait for the standby.
+  static void ExpectStandby() {
+    Sql("ALTER SYSTEM SET synchronous_standby_names = '*'");
+    Sql("SELECT pg_reload_conf()");
+    for (int look = 0; look < 500 && Sql("SELECT string_agg(sync_state, '') FROM pg_stat_replication") != "sync";
+         ++look) {
+      usleep(20'000);
+    }
+  }
+  Recording Begin(const std::string& where) {
+    PrepareFolder(folder / "host", "Backend='postgresql' Connection='" + where + "'");
+    return {folder / "host", "a host", [this](const std::string& record) { told.announced.insert(record); },
+            [this](const std::string& record) { told.acknowledged.insert(record); }};
+  }
+  static std::string ErrorOfNext(Recording& recording, std::chrono::milliseconds longest) {
+    const Clock::time_point start = Clock::now();
+    std::string error;
+    try {
+      recording.Next();
+    } catch (const TsError& raised) {
+      error = raised.what();
+    }
+    EXPECT_LT(Clock::now() - start, longest) << error;
+    return error;
+  }
+
+  const Server primary{folder / "primary"};
+  Told told;
+};
+
+/// How many hosts: few in a run of all tests, more by hand.
+int HostsOfTest() {
+  const char* const given = std::getenv("VELORA_FAILOVER_HOSTS");
+  return given == nullptr ? 6 : std::atoi(given);
+}
+
+TEST_F(Failover, HostsGoOnAtTheStandbyThatWasPromoted) {
+  for (const bool synchronous : {true, false}) {
+    SCOPED_TRACE(synchronous ? "synchronous" : "asynchronous");
+    const Server first(folder / "first", "copy", primary);
+    setenv("PGHOST", first.folder.c_str(), 1);
+    const Server second(folder / "second", "standby", first);
+    if (synchronous) {
+      ExpectStandby();
+    }
+    PrepareFolder(folder / "hosts", "Backend='postgresql' Connection='host=" + first.folder.string() + "," +
+                                        second.folder.string() + " dbname=postgres target_session_attrs=read-write'");
+    std::deque<Host> hosts;
+    for (int number = 0; number < HostsOfTest(); ++number) {
+      hosts.emplace_back(folder / "hosts", "host" + std::to_string(number), 60, "on");
+    }
+    const auto all = [&hosts](std::size_t more) {
+      std::deque<std::size_t> enough;
+      for (const Host& host : hosts) {
+        enough.push_back(host.Acknowledged() + more);
+      }
+      for (std::size_t at = 0, look = 0; at < hosts.size() && look < 3000; ++look) {
+        hosts[at].Acknowledged() < enough[at] ? static_cast<void>(usleep(10'000)) : static_cast<void>(++at);
+      }
+      for (std::size_t at = 0; at < hosts.size(); ++at) {
+        EXPECT_GE(hosts[at].Acknowledged(), enough[at]) << "host " << at << " does not go on";
+      }
+    };
+    all(20);
+    first.Crash();
+    second.Promote();
+    if (synchronous) {  // nobody follows the second one
+      Sql("ALTER SYSTEM RESET synchronous_standby_names", At(second));
+      Sql("SELECT pg_reload_conf()", At(second));
+    }
+    all(20);
+    told = {};
+    for (Host& host : hosts) {
+      EXPECT_TRUE(host.Kill());
+      told.announced.insert(host.told.announced.begin(), host.told.announced.end());
+      told.acknowledged.insert(host.told.acknowledged.begin(), host.told.acknowledged.end());
+    }
+    Velora::Store::PostgreSqlConnection sql(At(second));
+    const Findings findings = CompareRecords(StoredRecords(sql), told);
+    EXPECT_EQ(findings.half, 0U) << findings.text;
+    std::cout << hosts.size() << " hosts, " << (synchronous ? "synchronous" : "asynchronous") << ": "
+              << told.acknowledged.size() << " records acknowledged, " << findings.lost << " of them lost" << std::endl;
+    if (synchronous) {
+      EXPECT_EQ(findings.lost, 0U) << findings.text;
+      EXPECT_EQ(Sql("SELECT COUNT(DISTINCT text1) FROM sessions", At(second)), std::to_string(hosts.size()));
+    }
+    setenv("PGHOST", primary.folder.c_str(), 1);
+  }
+}
+
+TEST_F(Failover, ServersShareTheTimeOfAnOperationAndOneThatOnlyReadsIsPassedOver) {
+  const Server standby(folder / "standby", "standby", primary);
+  Proxy silent(folder / "silent", primary.folder);
+  silent.stalls = true;
+  const std::string gone = (folder / "gone").string();
+  const std::string mute = (folder / "silent").string();
+  const std::string reads = standby.folder.string();
+  const std::string writes = primary.folder.string();
+  const std::string wanted = " target_session_attrs=read-write";
+  const std::tuple<std::string, std::string> rows[] = {
+      {mute + "," + mute + "," + mute + "," + writes, ""},
+      {gone + "," + writes + "," + mute, ""},
+      {mute + "," + gone + "," + mute + "," + mute,
+       "\" failed: timeout expired; connection to server on socket \"" + gone},
+      {reads + "," + writes + wanted, ""},
+      {mute + "," + reads + "," + writes + wanted, ""},
+      {reads + "," + reads + wanted, "session is read-only; connection to server"},
+      {reads + "," + writes,
+       "a standby, which only reads; expected the primary (if Connection names several servers, "
+       "target_session_attrs=read-write finds it)"},
+  };
+  for (const auto& [hosts, words] : rows) {
+    SCOPED_TRACE(hosts);
+    Recording recording = Begin("dbname=postgres host=" + hosts);
+    const std::string error = ErrorOfNext(recording, std::chrono::seconds(5));
+    EXPECT_EQ(error.empty(), words.empty()) << error;
+    EXPECT_NE(error.find(words), std::string::npos) << error;
+  }
+}
+
+// In each row, the one who is asked says of another's transaction of the same number that it was committed.
+TEST_F(Failover, ACommitIsNotBelievedOfWhoTookThePlaceOfTheServer) {
+  const auto commitMany = [](const Server& server) {
+    Sql("DO $$ BEGIN FOR number IN 1..5000 LOOP PERFORM pg_current_xact_id(); COMMIT; END LOOP; END $$", At(server));
+  };
+  for (const std::string how : {"standby", "copy"}) {
+    SCOPED_TRACE(how);
+    Proxy proxy(folder / ("to-" + how), primary.folder);
+    Recording recording = Begin("dbname=postgres host=" + (folder / ("to-" + how)).string() + "," +
+                                (folder / how).string() + " target_session_attrs=read-write");
+    EXPECT_EQ(ErrorOfNext(recording, std::chrono::seconds(20)), "");
+    const Server other(folder / how, how, primary);
+    if (how == "standby") {
+      other.Promote();
+    }
+    commitMany(other);
+    Sql("SELECT pg_switch_wal()");  // so that the other one has had no checkpoint as late as that
+    Sql("SELECT pg_current_xact_id()");
+    Sql("SELECT pg_switch_wal()");
+    EXPECT_EQ(ErrorOfNext(recording, std::chrono::seconds(5)), "");
+    TheInterruptions().atCommit = [&](PGconn*) { proxy.LeadTo(other.folder); };
+    EXPECT_NE(ErrorOfNext(recording, std::chrono::seconds(7)).find("the record may be stored or not"),
+              std::string::npos);
+  }
+}
+
+TEST_F(Failover, ACommitThatMayNotHaveReachedTheStandbyIsNotAcknowledged) {
+  const Server standby(folder / "standby", "standby", primary);
+  ExpectStandby();
+  Recording recording = Begin("dbname=postgres");
+  EXPECT_EQ(ErrorOfNext(recording, std::chrono::seconds(20)), "");
+  standby.Crash();
+  for (const std::string how : {"cancel", "terminate"}) {
+    SCOPED_TRACE(how);
+    std::thread administrator([&how] {
+      const std::string end = "SELECT COUNT(pg_" + how +
+                              "_backend(pid)) FROM pg_stat_activity WHERE wait_event = 'SyncRep' AND query = 'COMMIT'";
+      for (int look = 0; look < 200 && Sql(end) == "0"; ++look) {
+        usleep(10'000);
+      }
+    });
+    const std::string error = ErrorOfNext(recording, std::chrono::seconds(7));
+    administrator.join();
+    EXPECT_NE(error.find("the record may be stored or not"), std::string::npos) << error;
+  }
+}
+
+}  // namespace
