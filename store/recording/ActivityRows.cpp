@@ -1,6 +1,7 @@
 #include "store/recording/ActivityRows.h"
 
 #include "store/recording/Writer.h"
+#include "store/schema/StoreNumbers.h"
 #include "store/values/Guid.h"
 
 namespace Velora::Store {
@@ -14,7 +15,8 @@ long long FindOrAddActivity(Writer& store, const ActivityVersionRow& version) {
   const std::string& name = version.activityName;
   const std::string& description = version.activityDescription;
   if (const auto key = store.Sql().Find<long long>(
-          "SELECT activity_id FROM activities WHERE name = ?1 AND description = ?2", name, description)) {
+          "SELECT activity_id FROM activities WHERE name = ?1 AND description = ?2 AND " + IsOwn("activity_id"), name,
+          description)) {
     return *key;
   }
   const std::string guid = GuidToStore(version.activityGuid, "activity");

@@ -32,7 +32,10 @@ std::string AsJson(const std::vector<ActivityVersionRow>& versions) {
 #define GIVEN                                                                                                        \
   "json_to_recordset(CAST(?1 AS json)) AS g(position bigint, guid text, name text, version text, description text, " \
   "activity_guid text, activity_name text, activity_description text)"
-#define ACTIVITY " JOIN activities a ON a.name = g.activity_name AND a.description = g.activity_description "
+// Activities of other stores are no matter of a host.
+#define ACTIVITY                                                                        \
+  " JOIN activities a ON a.activity_id < 10000000000 AND a.name = g.activity_name AND " \
+  "a.description = g.activity_description "
 #define SAME_VERSION \
   "v.activity_id = a.activity_id AND v.name = g.name AND v.version = g.version AND v.description = g.description"
 #define IN_ORDER " ORDER BY g.position"
@@ -42,8 +45,8 @@ constexpr const char* addActivities =
     "SELECT activity_guid, activity_name, activity_description FROM (SELECT DISTINCT ON (activity_name, "
     "activity_description) * FROM " GIVEN
     " ORDER BY activity_name, activity_description, position) AS g "
-    "WHERE NOT EXISTS (SELECT FROM activities WHERE name = activity_name AND description = "
-    "activity_description)" IN_ORDER;
+    "WHERE NOT EXISTS (SELECT FROM activities WHERE activity_id < 10000000000 AND name = activity_name AND description "
+    "= activity_description)" IN_ORDER;
 constexpr const char* addVersions =
     "INSERT INTO activity_versions (guid, activity_id, name, version, description) "
     "SELECT g.guid, a.activity_id, g.name, g.version, g.description FROM " GIVEN ACTIVITY

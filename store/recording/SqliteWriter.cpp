@@ -72,13 +72,19 @@ SqliteWriter::SqliteWriter(const std::string& file, Opening opening)
     throw Error("TS database '" + file + "' can only be read; expected a file that may be written");
   }
   Configure();
-  StoredVersion();  // first, so that a file of another program is not changed
+  const bool isOld = StoredVersion() < schemaVersion;  // first, so that a file of another program is not changed
+  if (isOld) {
+    connection.RunScript("PRAGMA foreign_keys = OFF");  // which a transaction cannot do: tables are made again
+  }
   if (opening == Opening::Tries) {
     return;
   }
   TurnOnWriteAheadLog();
-  if (StoredVersion() < schemaVersion) {
-    BringUp();
+  if (isOld) {
+    if (StoredVersion() < schemaVersion) {
+      BringUp();
+    }
+    connection.RunScript("PRAGMA foreign_keys = ON");
   }
   files.emplace(connection.Handle(), file);
 }

@@ -20,6 +20,8 @@ class Dialect {
   void Make(const Table& table);
   /// Creates the indexes of a table that a version of the schema added.
   void MakeIndexes(const Table& table, int version) { MakeIndexes(table, version, version); }
+  /// Makes what was unique in a whole table unique among the rows of each store.
+  virtual void MakeUniquePerStore(const Table& table) = 0;
   /// Creates a view.
   void Make(const View& view);
   /// Replaces the definition of a view.
@@ -41,7 +43,7 @@ class Dialect {
   virtual const std::string& DefinitionOf(const View& view) const = 0;
   /// The constraint for the columns that are unique together, within CREATE TABLE; or empty.
   virtual std::string UniqueTogether(const Table& table) const = 0;
-  /// Adds the index for the columns that are unique together, after CREATE TABLE.
+  /// Adds the indexes for columns that are unique, after CREATE TABLE.
   virtual void MakeUnique(const Table& /*table*/) {}
   /// How the database keeps an index, within CREATE INDEX; or empty.
   virtual std::string MethodOf(const Index& /*index*/) const { return ""; }

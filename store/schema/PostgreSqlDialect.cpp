@@ -2,6 +2,7 @@
 
 #include "store/schema/Running.h"
 #include "store/schema/ServerStatements.h"
+#include "store/schema/StoreNumbers.h"
 
 #include <algorithm>
 
@@ -18,11 +19,40 @@ std::string IsNotItsOwn(const Table& table) {
   return "NEW." + table.Key() + " <> currval(CAST('" + table.name + '_' + table.Key() + "_seq' AS regclass))";
 }
 
+/// @param store an expression for the store of a row, if what is unique is so per store.
+std::string UniqueIndex(const Table& table, const std::vector<std::string>& names, const std::string& digest,
+                        const std::string& store) {
+  std::vector<std::string> digested;
+  for (const Column& column : table.columns) {
+    if (std::find(names.begin(), names.end(), column.name) != names.end()) {
+      digested.push_back(column.type == Type::Text ? digest + '(' + column.name + ')' : column.name);
+    }
+  }
+  if (!store.empty()) {
+    digested.push_back(store);
+  }
+  return "CREATE UNIQUE INDEX " + table.name + "_once ON " + table.name + " (" + Listed(digested) + ')';
+}
+
 std::string Refuse(const Table& table, const std::string& trigger, const std::string& when) {
   return "CREATE TRIGGER " + table.name + trigger + " BEFORE " + when + " ON " + table.name;
 }
 
 }  // namespace
+
+void PostgreSqlDialect::MakeUniquePerStore(const Table& table) {
+  const std::string store = "(" + StoreOf(table.Key()) + ")";
+  for (const std::vector<std::string>& names : table.uniquePerStore) {
+    if (names.size() > 1) {
+      Add("DROP INDEX " + table.name + "_once");
+      Add(UniqueIndex(table, names, "text_digest", store));
+      continue;
+    }
+    const std::string name = table.name + '_' + names.front();
+    Add("ALTER TABLE " + table.name + " DROP CONSTRAINT " + name + "_key");
+    Add("CREATE UNIQUE INDEX " + name + " ON " + table.name + " (" + names.front() + ", " + store + ')');
+  }
+}
 
 void PostgreSqlDialect::Replace(const View& view) {
   Add("CREATE OR REPLACE VIEW " + view.name + " AS\n       " + DefinitionOf(view));
@@ -94,14 +124,7 @@ std::string PostgreSqlDialect::EndOf(const Table& table) const {
 }
 
 std::string UniqueIndex(const Table& table, const std::string& digest) {
-  std::vector<std::string> digested;
-  for (const Column& column : table.columns) {
-    const auto& names = table.uniqueTogether;
-    if (std::find(names.begin(), names.end(), column.name) != names.end()) {
-      digested.push_back(column.type == Type::Text ? digest + '(' + column.name + ')' : column.name);
-    }
-  }
-  return "CREATE UNIQUE INDEX " + table.name + "_once ON " + table.name + " (" + Listed(digested) + ')';
+  return UniqueIndex(table, table.uniqueTogether, digest, "");
 }
 
 }  // namespace Velora::Store

@@ -9,6 +9,7 @@ class PostgreSqlDialect : public Dialect {
   /// @param schema the name of the schema, quoted.
   explicit PostgreSqlDialect(std::string schema) : schema(std::move(schema)) {}
 
+  void MakeUniquePerStore(const Table& table) override;
   void Replace(const View& view) override;
   void KeepRows(const Table& table) override;
   void NumberRows(const Table& table) override;
@@ -27,8 +28,8 @@ class PostgreSqlDialect : public Dialect {
   const std::string schema;
 };
 
-/// The statement for the index that keeps columns unique together; empty if there are none. An index cannot contain
-/// texts longer than a third of a page, so it contains their digests.
+/// The statement for the index that keeps the columns of a table unique that are unique together. An index cannot
+/// contain texts longer than a third of a page, so it contains their digests.
 /// @param digest the function that makes a digest.
 std::string UniqueIndex(const Table& table, const std::string& digest);
 

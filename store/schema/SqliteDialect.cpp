@@ -1,6 +1,7 @@
 #include "store/schema/SqliteDialect.h"
 
 #include "store/schema/Running.h"
+#include "store/schema/StoreNumbers.h"
 
 namespace Velora::Store {
 namespace {
@@ -29,6 +30,9 @@ std::string InTheWay(const Table& table) {
   if (!table.uniqueTogether.empty()) {
     ways.push_back(SameAsNew(table.uniqueTogether));
   }
+  for (const std::vector<std::string>& names : table.uniquePerStore) {
+    ways.push_back(SameAsNew(names) + " AND " + StoreOf(table.Key()) + " = " + StoreOf("NEW." + table.Key()));
+  }
   std::string any;
   for (const std::string& way : ways) {
     const bool apart = ways.size() > 1 && way.find(" AND ") != std::string::npos;
@@ -38,6 +42,25 @@ std::string InTheWay(const Table& table) {
 }
 
 }  // namespace
+
+// SQLite cannot take a constraint away, so the table is made again. Other tables refer to it by its name, and their
+// foreign keys must be off.
+void SqliteDialect::MakeUniquePerStore(const Table& table) {
+  const std::string kept = table.name + "_kept";
+  Add("CREATE TABLE " + kept + " AS SELECT * FROM " + table.name);
+  Add("DROP TABLE " + table.name);
+  Make(table);
+  Add("INSERT INTO " + table.name + " SELECT * FROM " + kept);
+  Add("DROP TABLE " + kept);
+  KeepRows(table);
+}
+
+void SqliteDialect::MakeUnique(const Table& table) {
+  for (const std::vector<std::string>& names : table.uniquePerStore) {
+    Add("CREATE UNIQUE INDEX " + table.name + (names.size() == 1 ? '_' + names.front() : "_once") + " ON " +
+        table.name + " (" + Listed(names) + ", " + StoreOf(table.Key()) + ')');
+  }
+}
 
 void SqliteDialect::Replace(const View& view) {
   Add("DROP VIEW " + view.name);

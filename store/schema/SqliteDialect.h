@@ -6,6 +6,7 @@ namespace Velora::Store {
 
 class SqliteDialect : public Dialect {
  public:
+  void MakeUniquePerStore(const Table& table) override;
   void Replace(const View& view) override;
   void KeepRows(const Table& table) override;
   void NumberRows(const Table& table) override;
@@ -15,6 +16,7 @@ class SqliteDialect : public Dialect {
   std::string TypeOf(const Table& table, const Column& column) const override;
   const std::string& DefinitionOf(const View& view) const override { return view.definition; }
   std::string UniqueTogether(const Table& table) const override;
+  void MakeUnique(const Table& table) override;
   std::string EndOf(const Table& table) const override { return table.primaryKey.empty() ? "" : " WITHOUT ROWID"; }
 
  private:

@@ -25,6 +25,14 @@ constexpr long long ShiftOf(long long store) { return store == thisStore ? 0 : s
 /// The number that a row with this key has in the store that it is from.
 constexpr long long NumberOf(long long key) { return key - ShiftOf(StoreOf(key)); }
 
+/// An SQL expression that is the same for all rows of a store, and different for those of others, except for a server's
+/// own events.
+/// @param key an expression for the key of a row.
+std::string StoreOf(const std::string& key);
+
+/// An SQL condition for the rows of this store in other tables than that of events.
+std::string IsOwn(const std::string& key);
+
 /// An SQL condition for the rows of a store.
 /// @param key an expression for the key of a row.
 std::string IsOfStore(const std::string& key, long long store);

@@ -43,6 +43,8 @@ struct Table {
   std::vector<Column> columns;                   ///< The first one is the key, or the first of `primaryKey`.
   std::vector<std::string> primaryKey = {};      ///< If it has several columns; empty if the first column is the key.
   std::vector<std::string> uniqueTogether = {};  ///< Columns whose values together are unique.
+  /// Columns whose values together are unique among the rows of one store.
+  std::vector<std::vector<std::string>> uniquePerStore = {};
   std::vector<Index> indexes = {};
   bool hostsAdd = true;    ///< Whether the role of hosts may add rows.
   bool isByMonth = false;  ///< Whether a server has a partition for each month of events.

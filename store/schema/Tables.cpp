@@ -46,16 +46,17 @@ std::vector<Table> Describe() {
        .indexes = {{.name = "sessions_by_instrument", .columns = {"instrument"}, .since = 3, .ofAnyText = true}}},
       {.name = "activities",
        .record = "activity",
-       .columns = {Key("activity_id"), Guid(), Text("name", asInTheActivitiesFile),
+       .columns = {Key("activity_id"), Text("guid", "identity"), Text("name", asInTheActivitiesFile),
                    Text("description", asInTheActivitiesFile)},
-       .uniqueTogether = {"name", "description"}},
+       .uniquePerStore = {{"guid"}, {"name", "description"}}},
       {.name = "activity_versions",
        .record = "version",
-       .columns = {Key("version_id"), Guid(),
+       .columns = {Key("version_id"), Text("guid", "identity"),
                    Reference("activity_id", "activities", "the activity to which the version belongs"),
                    Text("name", asInTheActivitiesFile), Text("version", asInTheActivitiesFile),
                    Text("description", asInTheActivitiesFile)},
-       .uniqueTogether = {"activity_id", "name", "version", "description"}},
+       .uniqueTogether = {"activity_id", "name", "version", "description"},
+       .uniquePerStore = {{"guid"}}},
       {.name = "registrations",
        .record = "registration",
        .columns = {Key(undeclaredKey), Reference("session_id", "sessions", "the session that registered the version"),
@@ -146,6 +147,20 @@ std::vector<Table> Describe() {
   };
 }
 
+/// Makes what is unique per store unique in a whole table.
+void MakeUnique(Table& table) {
+  for (const std::vector<std::string>& names : table.uniquePerStore) {
+    if (names.size() > 1) {
+      table.uniqueTogether = names;
+      continue;
+    }
+    for (Column& column : table.columns) {
+      column.isUnique = column.isUnique || column.name == names.front();
+    }
+  }
+  table.uniquePerStore.clear();
+}
+
 }  // namespace
 
 const std::vector<Table>& Tables() {
@@ -165,6 +180,9 @@ const Table& TableNamed(const std::string& name) {
 std::vector<Table> TablesOf(int version) {
   std::vector<Table> tables = Tables();
   std::erase_if(tables, [version](const Table& table) { return table.since > version; });
+  if (version < 3) {
+    std::for_each(tables.begin(), tables.end(), &MakeUnique);
+  }
   return tables;
 }
 

@@ -12,7 +12,7 @@ const std::vector<Table>& Tables();
 /// @param name must be the name of a table.
 const Table& TableNamed(const std::string& name);
 
-/// The tables of a version of the schema.
+/// The tables of a version of the schema, as it has them. Before version 3, what is unique per store was unique.
 std::vector<Table> TablesOf(int version);
 
 /// All tables except events and parameters, which are copied together.

@@ -40,6 +40,9 @@ void Third(Dialect& to) {
     if (!table.uniqueTogether.empty()) {
       to.OnServer("DROP INDEX " + table.name + "_once; " + UniqueIndex(table, "text_digest"));
     }
+    if (!table.uniquePerStore.empty()) {
+      to.MakeUniquePerStore(table);
+    }
   }
   to.OnServer(Server::Version3::keys);
   to.OnServer(Server::Version3::partitions);

@@ -33,7 +33,7 @@ class OnlyAdded : public LocalTsTest {
   }
   /// Every row of the tables that both versions have.
   std::string Content() const {
-    EXPECT_EQ(Shell("sqlite3 ts.db .dump | grep '^INSERT' | grep -v -e ts_schema -e seals > content"), 0);
+    EXPECT_EQ(Shell("sqlite3 ts.db .dump | grep '^INSERT' | grep -v -e ts_schema -e seals | sort > content"), 0);
     return ContentOf(folder / "content");
   }
 };
@@ -64,6 +64,7 @@ std::vector<std::vector<std::string>> UniqueOf(const Table& table) {
   if (!table.uniqueTogether.empty()) {
     all.push_back(table.uniqueTogether);
   }
+  all.insert(all.end(), table.uniquePerStore.begin(), table.uniquePerStore.end());
   return all;
 }
 

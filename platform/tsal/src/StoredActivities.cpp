@@ -1,5 +1,6 @@
 #include "StoredActivities.h"
 
+#include "store/schema/StoreNumbers.h"
 #include "store/values/Guid.h"
 #include "store/values/StoredText.h"
 #include "store/values/StoredTime.h"
@@ -38,7 +39,8 @@ ActivityVersionRow ToStored(const Types::ns1__ActivityVersion& wire) {
 std::shared_ptr<const VersionRecord> ReadVersion(Connection& sql, const std::string& guid) {
   const auto rows = sql.PrepareShort(std::string("SELECT ") + versionColumns +
                                      " FROM activity_versions v JOIN activities a "
-                                     "ON a.activity_id = v.activity_id WHERE v.guid = ?1");
+                                     "ON a.activity_id = v.activity_id WHERE v.guid = ?1 AND " +
+                                     IsOwn("v.version_id"));
   BindValues(*rows, guid);
   return rows->Next() ? FromStored(ReadVersionRow(*rows)) : nullptr;
 }
