@@ -1,5 +1,7 @@
 #include "store/asking/EventWindow.h"
 
+#include "store/reading/KnownStores.h"
+
 #include <utility>
 
 namespace Velora::Store {
@@ -44,15 +46,25 @@ std::vector<std::string> WindowQuestion::Values(const std::vector<std::string>& 
   return values;
 }
 
-// A key of a server begins with the month, so the keys say which partitions the server need not read. The additions
-// keep it from looking for the lowest key along the index of keys.
+// A key of a server's own events begins with the month, so the keys say which partitions the server need not read.
+// Those of other stores are below, in a partition of their own. The additions keep the server from looking for the
+// lowest key along the index of keys.
 void WindowQuestion::LimitKeys() {
-  Rows keys(store, "SELECT MIN(v.event_id + 0), MAX(v.event_id + 0) FROM events v WHERE " + isBetween);
-  const bool any = keys.Ask(window.from, window.before).Next() && !keys.IsNull(0);
-  const auto limit = [&](int column) { return std::to_string(any ? keys.Integer(column) : 0); };  // keys begin with 1
-  const std::string between = ".event_id BETWEEN " + limit(0) + " AND " + limit(1);
-  condition += " AND v" + between;
-  ofParameters += " AND p" + between;
+  Rows keys(store, "SELECT MIN(v.event_id + 0), MAX(v.event_id + 0) FROM events v WHERE " + isBetween +
+                       " GROUP BY v.event_id >= " + std::to_string(firstMonthlyKey));
+  std::vector<std::pair<std::string, std::string>> ranges;
+  for (keys.Ask(window.from, window.before); keys.Next();) {
+    ranges.emplace_back(keys.Text(0), keys.Text(1));
+  }
+  const auto isIn = [&ranges](const std::string& key) {
+    std::string any;
+    for (const auto& [lowest, highest] : ranges) {
+      any += (any.empty() ? "" : " OR ") + key + " BETWEEN " + lowest + " AND " + highest;
+    }
+    return any.empty() ? key + " = 0" : ranges.size() == 1 ? any : '(' + any + ')';  // keys begin with 1
+  };
+  condition += " AND " + isIn("v.event_id");
+  ofParameters += " AND " + isIn("p.event_id");
 }
 
 }  // namespace Velora::Store

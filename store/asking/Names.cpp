@@ -28,9 +28,9 @@ std::string Comparable(std::string_view name) {
 
 std::optional<std::string> NewestTimeOf(const Reader& store, Named kind, const std::string& name) {
   Rows newest(store, kind == Named::Event
-                         ? "SELECT at FROM events WHERE name = ?1 ORDER BY event_id DESC LIMIT 1"
-                         : "SELECT v.at FROM parameters p JOIN events v ON v.event_id = p.event_id WHERE p.name = ?1 "
-                           "ORDER BY p.event_id DESC LIMIT 1");
+                         ? "SELECT at FROM events WHERE name = ?1 ORDER BY at DESC LIMIT 1"
+                         : "SELECT v.at FROM events v CROSS JOIN parameters p WHERE p.event_id = v.event_id AND "
+                           "p.name = ?1 ORDER BY v.at DESC LIMIT 1");
   return newest.Ask(name).Next() ? std::optional(std::string(newest.Text(0))) : std::nullopt;
 }
 

@@ -8,6 +8,8 @@
 #include "store/reading/Runs.h"
 #include "store/reading/Unfinished.h"
 #include "store/schema/SessionLocks.h"
+#include "store/schema/StoreNumbers.h"
+#include "store/values/RecordedText.h"
 
 #include <algorithm>
 #include <functional>
@@ -31,6 +33,12 @@ void ForEachUnfinished(const Reader& store, const Visitor& visit) {
 }
 
 KnownState NotKnown(std::string why) { return {RunState::NotKnown, std::move(why)}; }
+
+/// Names the store that recorded a session, by the instrument of that session.
+std::string StoreOfSession(const Reader& store, long long session) {
+  Rows rows(store, "SELECT instrument FROM sessions WHERE session_id = ?1");
+  return "the store of " + (rows.Ask(session).Next() ? Readable(rows.Text(0)) : "another instrument");
+}
 
 constexpr const char* earlierStore = "the store had an earlier version, whose hosts hold no locks";
 
@@ -151,7 +159,10 @@ void Hosts::Look() {
   const auto locks = AskForLocks(store);
   Rows places(store, "SELECT place FROM session_locks WHERE session_id = ?1");
   for (auto& [session, known] : sessions) {
-    known = locks->canReadPlaces ? StateOf(session, places.Ask(session), *locks) : NotKnown(locks->whyNot);
+    known = StoreOf(session) != thisStore
+                ? NotKnown("recorded in " + StoreOfSession(store, session) + "; its host holds no lock here")
+            : locks->canReadPlaces ? StateOf(session, places.Ask(session), *locks)
+                                   : NotKnown(locks->whyNot);
   }
   for (auto& [key, one] : unfinished) {
     one.known = sessions[one.session];

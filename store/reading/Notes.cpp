@@ -14,8 +14,8 @@ bool HasNotes(const Reader& store) {
 }
 
 Rows QueryNotes(const Reader& store) {
-  return {store,
-          "SELECT note_id, author, kind, text, at FROM " + NotesIn(store) + " n WHERE root_id = ?1 ORDER BY note_id"};
+  return {store, "SELECT note_id, author, kind, text, at FROM " + NotesIn(store) +
+                     " n WHERE root_id = ?1 ORDER BY at, note_id"};
 }
 
 Note NoteAt(const Rows& rows) {

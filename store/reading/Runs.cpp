@@ -1,5 +1,6 @@
 #include "store/reading/Runs.h"
 
+#include "store/reading/KnownStores.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/values/StoredText.h"
@@ -8,7 +9,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <limits>
 #include <utility>
 
 namespace Velora::Store {
@@ -26,32 +26,31 @@ std::vector<Run> All(Rows& rows) {
   return runs;
 }
 
-// The plus sign keeps SQLite from the index of parents, so that it takes that of guids.
+// The plus sign and the empty text keep SQLite from the indexes of parents and times, so that it takes that of guids.
 std::vector<Run> RunsWithGuid(const Reader& store, const std::string& beginning) {
   Rows rows(store,
             "SELECT execution_id, guid, node, started_at FROM executions WHERE +parent_id IS NULL AND guid >= ?1 "
-            "AND guid < ?2 ORDER BY execution_id");
+            "AND guid < ?2 ORDER BY started_at || '', execution_id");
   return All(rows.Ask(beginning, beginning + 'g'));
 }
 
-// By the key and not by the time, because the clock of a host can be set back.
+// Within a store by the key and not by the time, because the clock of a host can be set back. The last ones of several
+// stores are compared by their times.
 std::vector<Run> RecordedLast(const Reader& store) {
-  Rows roots(store, "SELECT MAX(root_id) FROM executions WHERE root_id < ?1");
-  Rows runs(store, columns + "execution_id = ?1");
-  long long below = std::numeric_limits<long long>::max();
-  while (roots.Ask(below).Next() && !roots.IsNull(0)) {
-    below = roots.Integer(0);
-    if (std::vector<Run> found = All(runs.Ask(below)); !found.empty()) {
-      return found;
-    }
-  }
-  return {};
+  Rows rows(store,
+            "SELECT e.execution_id, e.guid, e.node, e.started_at FROM " + StoresIn(store) +
+                " stores CROSS JOIN executions e WHERE e.execution_id = (SELECT r.root_id FROM executions r CROSS JOIN "
+                "executions x WHERE r.root_id >= stores.store_id AND r.root_id < stores.store_id + " +
+                std::to_string(numbersOfAStore - 1) +
+                " AND x.execution_id = r.root_id AND +x.parent_id IS NULL ORDER BY r.root_id DESC LIMIT 1) "
+                "ORDER BY e.started_at DESC, e.execution_id DESC LIMIT 1");
+  return All(rows);
 }
 
 }  // namespace
 
 std::vector<Run> RunsBetween(const Reader& store, const std::string& from, const std::string& before) {
-  Rows rows(store, columns + "started_at >= ?1 AND started_at < ?2 ORDER BY execution_id");
+  Rows rows(store, columns + "started_at >= ?1 AND started_at < ?2 ORDER BY started_at, execution_id");
   return All(rows.Ask(from, before));
 }
 
@@ -64,7 +63,7 @@ std::vector<Run> RunsNamed(const Reader& store, const std::string& name) {
                  [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
   std::vector<Run> runs = RunsWithGuid(store, guid);
   if (runs.empty() || guid.size() < shortGuid) {  // so few letters can also be a node
-    Rows rows(store, columns + "node = ?1 ORDER BY execution_id");
+    Rows rows(store, columns + "node = ?1 ORDER BY started_at || '', execution_id");
     for (Run& run : All(rows.Ask(ToStoredText(name)))) {
       if (std::none_of(runs.begin(), runs.end(), [&](const Run& found) { return found.root == run.root; })) {
         runs.push_back(std::move(run));

@@ -18,7 +18,7 @@ struct Run {
   std::string startedAt;
 };
 
-/// The runs that started at or after one time and before another, in the order of their recording.
+/// The runs that started at or after one time and before another, in this order.
 std::vector<Run> RunsBetween(const Reader& store, const std::string& from, const std::string& before);
 
 /// The runs that match a name: a guid, the first characters of one, "last" for the run recorded last, or a node.

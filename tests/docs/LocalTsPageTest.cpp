@@ -5,6 +5,7 @@
 #include "support/Patterns.h"
 #include "support/Query.h"
 #include "support/ScratchFolder.h"
+#include "support/TakenIn.h"
 #include "support/TestStore.h"
 
 #include <gtest/gtest.h>
@@ -116,15 +117,19 @@ TEST(FiveCalls, LeaveTheRowsThatThePageShows) {
   EXPECT_EQ(tables, 4);
 }
 
+/// What a question answers of two stores with the same rows, compared with one of them.
+enum class OfTwo { TheSame, EachRowTwice, AllRowsTwice, Otherwise };
+
 struct Question {
   int rows;
   const char* firstAnswer;  // a pattern
+  OfTwo ofTwo = OfTwo::TheSame;
 };
 
 // What each question answers for the two files above, in the page's order.
 const std::vector<Question> questions = {
-    {2, R"(.*\|14\|TiltSeries\|good.mdoc\|.*)"},
-    {2, R"(.*\|TiltSeries\|broken.mdoc\|4\|.*)"},
+    {2, R"(.*\|14\|TiltSeries\|good.mdoc\|.*)", OfTwo::EachRowTwice},
+    {2, R"(.*\|TiltSeries\|broken.mdoc\|4\|.*)", OfTwo::EachRowTwice},
     {3, R"(0\|TiltSeries\|good.mdoc\|14\|.*)"},
     {2, R"(4\|20.*)"},
     {2, R"(ZValue 0\|20.*\|0.5\|NULL)"},
@@ -132,15 +137,36 @@ const std::vector<Question> questions = {
     {3, R"(ZValue\|20.*\|1\|TiltAngle\|double\|NULL\|3.1)"},
     {3, R"(good.mdoc\|0.*)"},
     {1, R"(ZValue 1\|20.*\|3.1)"},
-    {2, R"(Section acquisition\|Section\|1.0\|3)"},
-    {4, R"(.*\|1.0\|.*activities.xml)"},
-    {5, R"(.*\|20.*\|.*)"},
-    {1, R"(1\|now\|\|)"},
-    {2, R"(20.*\|broken.mdoc\|.*)"},
-    {1, R"([-0-9a-f]{36}\|20.*\|.*)"},
+    {2, R"(Section acquisition\|Section\|1.0\|3)", OfTwo::Otherwise},
+    {4, R"(.*\|1.0\|.*activities.xml)", OfTwo::AllRowsTwice},
+    {5, R"(.*\|20.*\|.*)", OfTwo::EachRowTwice},
+    {1, R"(1\|now\|\|)", OfTwo::Otherwise},
+    {2, R"(20.*\|broken.mdoc\|.*)", OfTwo::EachRowTwice},
+    {1, R"([-0-9a-f]{36}\|20.*\|.*)", OfTwo::Otherwise},
     {1, R"(now\|Anna\|cause\|cryo ran dry)"},
-    {2, R"(.*\|20.*\|ZValue 1\|ZValue\|3.1)"},
+    {2, R"(.*\|20.*\|ZValue 1\|ZValue\|3.1)", OfTwo::EachRowTwice},
+    {1, R"([-0-9a-f]{36}\|.*\|2)", OfTwo::Otherwise},
 };
+
+std::vector<std::string> LinesOf(const std::string& answer) {
+  std::istringstream text(answer);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(text, line);) {
+    lines.push_back(line);
+  }
+  return lines;
+}
+
+std::string Expected(OfTwo ofTwo, const std::string& ofOne) {
+  if (ofTwo == OfTwo::TheSame) {
+    return ofOne;
+  }
+  std::string twice;
+  for (const std::string& line : LinesOf(ofOne)) {
+    twice += line + '\n' + line + '\n';
+  }
+  return twice;
+}
 
 std::string Explained(Velora::Store::Connection& sql, const std::string& statement) {
   const bool server = TestStore::OnServer();
@@ -157,9 +183,11 @@ void Add(Velora::Store::Connection& sql, const std::string& run) {
       "INSERT INTO notes (root_id, author, kind, text, at) VALUES (1, 'Anna', 'cause', 'cryo ran dry', 'now')");
   sql.RunScript("INSERT INTO seals VALUES (1, '" + run + "', 'now', '', '', '', '', 2, '', '')");
   sql.RunScript("INSERT INTO sessions VALUES (2, 'second', 'Scope', '', '2026-11-25', '', '', '')");
-  sql.RunScript("INSERT INTO stores VALUES (20000000001, 'second', '2026-11-25', 'first', '')");
-  sql.RunScript("INSERT INTO configurations VALUES (2, 'second', 2, '2026-11-25', '', '', '', '', '', '', '', '', '')");
+  sql.RunScript("INSERT INTO stores VALUES (30000000001, 'second', '2026-11-25', 'first', '')");
+  sql.RunScript("INSERT INTO configurations VALUES (2, 'second', 2, '2027', '', '', '', '', '', '', '', '', '')");
 }
+
+constexpr const char* wholeTable = R"(SCAN (?!open|tree|running|o\b|r\b|t\b)|Seq Scan)";
 
 TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
   const std::string run = Ask("SELECT guid FROM executions WHERE node = 'good.mdoc'").substr(0, 36);
@@ -179,6 +207,7 @@ TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
   const auto asked = MatchesIn(page, R"(\n### (\d+\. [^\n]*)\n+```sql\n([^`]*);\n```)");
   ASSERT_EQ(asked.size(), questions.size());
   std::string plans;
+  std::vector<std::string> statements, answers;
   for (std::size_t n = 0; n < asked.size(); ++n) {
     SCOPED_TRACE(asked[n][1]);
     std::string statement = asked[n][2];
@@ -186,13 +215,34 @@ TEST_F(LocalTsPage, QuestionsAreAnsweredWithoutReadingWholeTables) {
       statement = ReplaceMatches(statement, name + "\\b", value);
     }
     const std::string answer = Ask(statement);
+    statements.push_back(statement);
+    answers.push_back(answer);
     EXPECT_EQ(Ask("SELECT COUNT(*) FROM (" + statement + ") AS rows_of_it"), std::to_string(questions[n].rows) + "\n")
         << answer;
     EXPECT_TRUE(Matches(answer.substr(0, answer.find('\n')), questions[n].firstAnswer)) << answer;
     const std::string plan = Explained(*sql, statement);
-    EXPECT_FALSE(HasMatch(plan, R"(SCAN (?!open|tree|running|o\b|r\b|t\b)|Seq Scan)")) << plan;
+    EXPECT_FALSE(HasMatch(plan, wholeTable)) << plan;
     plans += plan;
   }
+  TakeInItself(*sql, 2);
+  for (std::size_t n = 0; n < asked.size(); ++n) {
+    SCOPED_TRACE(asked[n][1]);
+    std::vector<std::string> answer = LinesOf(Ask(statements[n])),
+                             expected = LinesOf(Expected(questions[n].ofTwo, answers[n]));
+    if (questions[n].ofTwo == OfTwo::AllRowsTwice) {
+      std::sort(answer.begin(), answer.end());
+      std::sort(expected.begin(), expected.end());
+    }
+    if (questions[n].ofTwo != OfTwo::Otherwise) {
+      EXPECT_EQ(answer, expected);
+    }
+    EXPECT_FALSE(HasMatch(Explained(*sql, statements[n]), wholeTable));
+  }
+  EXPECT_EQ(LinesOf(Ask(statements[9])).front(), "Section acquisition|Section|1.0|6");
+  EXPECT_EQ(LinesOf(Ask(statements[12])).back(), "20000000001|now||");
+  EXPECT_EQ(LinesOf(Ask(statements[14])).size(), 2U);
+  EXPECT_TRUE(Matches(Ask(statements[17]), R"([-0-9a-f]{36}\|.*\|2\n2 of [-0-9a-f]{36}\|.*\|2\n)"))
+      << Ask(statements[17]);
   // And no index is there that none of them needs.
   std::istringstream indexes(Ask(
       TestStore::OnServer()

@@ -10,6 +10,7 @@
 #include "store/schema/Tables.h"
 #include "store/settings/Settings.h"
 #include "support/Patterns.h"
+#include "support/TakenIn.h"
 #include "support/TestStore.h"
 
 #include <sqlite3.h>
@@ -89,7 +90,7 @@ class Questions : public ToolTest {
     }
     const SqlConnection sql = TestStore(folder / "ts.db").Open();
     sql->RunScript("SET enable_seqscan = off");  // of a small table it would read all, whatever the indexes
-    return Query(*sql, "EXPLAIN " + ReplaceMatches(question, R"(\?(\d))", "'$1'"));
+    return Query(*sql, "EXPLAIN " + ReplaceMatches(question, R"(\?(\d+))", "'$1'"));
   }
 };
 
@@ -104,8 +105,8 @@ TEST_F(Questions, AreAnsweredByIndexes) {
   Velora::Store::questionListener = [&](const std::string& question) { questions.insert(question); };
   {
     const Velora::Store::Reader store(Velora::Store::ReadSettings(asked).database);
-    EventsOfRunSince(store, 0, 0);  // tail's, once it has looked
-    ReferenceOf(store, {}, store);  // diff's, without a second run
+    EventsOfRunSince(store, 0, {});  // tail's, once it has looked
+    ReferenceOf(store, {}, store);   // diff's, without a second run
   }
   for (const auto& [name, verb] : verbs) {
     if (name == "report" && !WITH_PAGE) {
@@ -120,8 +121,9 @@ TEST_F(Questions, AreAnsweredByIndexes) {
   Velora::Store::questionListener = nullptr;
   for (const std::string& question : questions) {
     const std::string plan = Plan(question);
-    EXPECT_FALSE(HasMatch(
-        plan, "SCAN (?!CONSTANT|first|running|seals|ts_schema|sqlite_|up\\b)|Seq Scan on (?!running|seals|ts_schema)"))
+    EXPECT_FALSE(HasMatch(plan,
+                          "SCAN (?!CONSTANT|first|running|seals|stores|ts_schema|sqlite_|up\\b)|Seq Scan on "
+                          "(?!running|seals|ts_schema|stores)"))
         << question << '\n'
         << plan;
     if (question.find("v.at < ?2 AND (?3") != std::string::npos && question.find("root_id =") == std::string::npos) {
@@ -174,9 +176,10 @@ class Growth : public Questions {
   void AddRun() const {
     OpenFile(folder / "ts.db")
         ->RunScript(
-            "INSERT INTO executions SELECT NULL, 'new ' || MAX(execution_id), NULL, MAX(execution_id) + 1, 1, NULL, "
-            "'new', '', 5, '2026' FROM executions; INSERT INTO statuses SELECT NULL, MAX(execution_id), 1, 14, '' "
-            "FROM executions");
+            "INSERT INTO executions SELECT MAX(execution_id) + 1, 'new ' || MAX(execution_id), NULL, "
+            "MAX(execution_id) + 1, 1, NULL, 'new', '', 5, '2026' FROM executions WHERE execution_id < 10000000000; "
+            "INSERT INTO statuses SELECT (SELECT MAX(status_id) + 1 FROM statuses WHERE status_id < 10000000000), "
+            "MAX(execution_id), 1, 14, '' FROM executions WHERE execution_id < 10000000000");
   }
   long long StepsOf(const std::string& command) const {
     const long long before = steps;
@@ -204,6 +207,37 @@ TEST_F(Growth, NoQuestionReadsMoreWhenMoreIsRecorded) {
   }
   for (const Row& row : rows) {
     EXPECT_LT(row.ofMany, row.ofFew * 11 / 10 + row.stepsForEachRun * (many - few)) << row.command << ' ' << row.ofFew;
+  }
+  sqlite3_cancel_auto_extension(counting);
+}
+
+// As at a facility: the run that is asked for was recorded there, or by an instrument.
+TEST_F(Growth, NoQuestionReadsMoreWhenMoreStoresAreTakenIn) {
+  const auto counting = reinterpret_cast<void (*)()>(&CountSteps);
+  ASSERT_EQ(sqlite3_auto_extension(counting), SQLITE_OK);
+  Fill(400);
+  TakeInItself(*OpenFile(folder / "ts.db"), 2);
+  const auto measure = [&] {
+    AddRun();
+    std::map<std::string, long long> all;
+    for (const char* command : {"seal", "check", "runs", "runs --unfinished", "show last"}) {
+      all[command] = StepsOf(command);
+    }
+    const Velora::Store::Reader store(Velora::Store::ReadSettings(folder.path.string()).database);
+    for (const long long root : {1LL, 20'000'000'001LL}) {
+      const long long before = steps;
+      EventsOfRunSince(store, root, LaterEvents(store, root)).Next();
+      all["tail " + std::to_string(root)] = steps - before;
+    }
+    return all;
+  };
+  EXPECT_EQ(Execute("seal --config " + folder.path.string()), Done);
+  const auto ofTwo = measure();
+  for (const long long number : {3, 4, 5}) {
+    TakeInItself(*OpenFile(folder / "ts.db"), number);
+  }
+  for (const auto& [command, count] : measure()) {
+    EXPECT_LT(count, ofTwo.at(command) * 11 / 10 + 500) << command << ofTwo.at(command);
   }
   sqlite3_cancel_auto_extension(counting);
 }

@@ -26,7 +26,7 @@ class Csv {
   Csv(const Store::Reader& store, const Selection& selection)
       : selection(selection),
         ofRun(store, "v.event_id, v.at, r.guid, x.guid, x.node, a.name, v.name", eventsOfRun, isOfRun),
-        ofNoRun(store, "v.event_id, v.at, NULL, NULL, NULL, NULL, v.name", "events v", isOfNoRun),
+        ofNoRun(store, "v.event_id, v.at, NULL, NULL, NULL, NULL, v.name", "events v", isOfNoRun, "v.at, v.event_id"),
         namesOfRun(store, std::string(names) + "executions x JOIN events v ON v.execution_id = x.execution_id " +
                               theirs + "x.root_id = ?1 ORDER BY x.execution_id, v.event_id, p.position"),
         namesOfNoRun(

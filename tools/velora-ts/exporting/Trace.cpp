@@ -41,7 +41,8 @@ class Trace {
     }
     if (selection.ofNoRun) {
       process = 0;
-      EventRows rest(store, eventColumns, "events v", "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2");
+      EventRows rest(store, eventColumns, "events v", "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2",
+                     "v.at, v.event_id");
       WriteEvents(rest.Ask(selection.ofNoRun->first, selection.ofNoRun->second), "");
     }
     WriteData("\n]}\n");

@@ -5,6 +5,7 @@
 #include "output/Words.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/ParameterValue.h"
+#include "store/reading/Reader.h"
 #include "store/values/Json.h"
 #include "store/values/RecordedText.h"
 #include "store/values/StoredTime.h"
@@ -46,10 +47,20 @@ EventRows EventsOfRun(const Store::Reader& store, long long root) {
   return events;
 }
 
-EventRows EventsOfRunSince(const Store::Reader& store, long long root, long long number) {
+KeyRange LaterEvents(const Store::Reader& store, long long root) {
+  const std::vector<KeyRange> ranges = KeysOf(StoreOf(root));
+  KeyRange later = store.Where().kind == Store::Database::Kind::PostgreSql ? ranges.back() : ranges.front();
+  Rows newest(store, "SELECT MAX(event_id) FROM events WHERE event_id > ?1 AND event_id <= ?2");
+  if (newest.Ask(later.after, later.upTo).Next() && !newest.IsNull(0)) {
+    later.after = newest.Integer(0);
+  }
+  return later;
+}
+
+EventRows EventsOfRunSince(const Store::Reader& store, long long root, const KeyRange& keys) {
   EventRows events(store, columns, "events v JOIN executions x ON x.execution_id = v.execution_id",
-                   "v.event_id > ?2 AND x.root_id + 0 = ?1");
-  events.Ask(root, number);
+                   "v.event_id > ?2 AND v.event_id <= ?3 AND x.root_id + 0 = ?1");
+  events.Ask(root, keys.after, keys.upTo);
   return events;
 }
 

@@ -5,6 +5,7 @@
 #include "output/Times.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/ExecutionPath.h"
+#include "store/reading/KnownStores.h"
 
 #include <VeloraLogFile/Line.h>
 
@@ -19,8 +20,10 @@ namespace Velora::Ts {
 
 /// The events of a run, in the order of their numbers.
 Store::EventRows EventsOfRun(const Store::Reader& store, long long root);
-/// The events of a run whose numbers are higher than `number`. Reads only what was recorded since that event.
-Store::EventRows EventsOfRunSince(const Store::Reader& store, long long root, long long number);
+/// The keys that the store of a run gives to events from now on.
+Store::KeyRange LaterEvents(const Store::Reader& store, long long root);
+/// The events of a run with these keys. Reads only what its store recorded under them.
+Store::EventRows EventsOfRunSince(const Store::Reader& store, long long root, const Store::KeyRange& keys);
 
 /// The event whose number is asked for.
 Store::EventRows EventNumbered(const Store::Reader& store);

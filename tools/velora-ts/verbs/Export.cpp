@@ -60,7 +60,7 @@ class ExportVerb : public StoreVerb {
     constexpr std::size_t mostNamed = 5;
     Rows rows(store,
               "SELECT x.root_id + 0, COUNT(*) FROM events v CROSS JOIN executions x WHERE v.at >= ?1 AND v.at < ?2 AND "
-              "x.execution_id = v.execution_id GROUP BY x.root_id + 0 ORDER BY x.root_id + 0");
+              "x.execution_id = v.execution_id GROUP BY x.root_id + 0 ORDER BY MIN(v.at), x.root_id + 0");
     std::vector<long long> roots;
     long long events = 0;
     for (rows.Ask(from, before); rows.Next();) {

@@ -13,10 +13,11 @@ using namespace Store;
 
 namespace {
 
-#define NEWEST "WITH newest AS (SELECT event_id, execution_id, name, at FROM events ORDER BY event_id DESC LIMIT 1000) "
+#define NEWEST \
+  "WITH newest AS (SELECT event_id, execution_id, name, at FROM events ORDER BY at DESC, event_id DESC LIMIT 1000) "
 #define OF_NEWEST_EXECUTIONS                                                                   \
   "SELECT COUNT(*), MIN(node) FROM (SELECT node, version_id, parent_id, kind FROM executions " \
-  "ORDER BY execution_id DESC LIMIT 1000) AS newest "
+  "ORDER BY started_at DESC, execution_id DESC LIMIT 1000) AS newest "
 
 struct Kind {
   const char* question;  // how many, and one of them

@@ -85,7 +85,7 @@ class Sealer {
     Transaction transaction(writer);
     writer.HoldSeals();
     Connection& sql = writer.Sql();
-    if (sql.Find<long long>("SELECT COALESCE(MAX(seal_id), 0) FROM seals WHERE " + IsOfStore("seal_id", thisStore)) !=
+    if (sql.Find<long long>("SELECT COALESCE(MAX(seal_id), 0) FROM seals WHERE seal_id < ?1", numbersOfAStore) !=
         end.number) {
       throw Error("another program sealed the TS store at the same time; run velora-ts seal again");
     }

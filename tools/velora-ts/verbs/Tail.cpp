@@ -30,12 +30,6 @@ namespace {
 
 constexpr std::chrono::milliseconds betweenLooks(200);
 
-long long NewestEvent(const Store::Reader& store) {
-  Rows rows(store, "SELECT MAX(event_id) FROM events");
-  rows.Next();
-  return rows.Integer(0);
-}
-
 enum class State { Running, Stopped, Finished, WithoutStatus };
 
 // Reads the executions below a run only when its root has ended. TS stores an execution together with its first status,
@@ -98,12 +92,12 @@ class Follower {
   }
 
   State Look(const Store::Reader& store) {
-    EventRows events = first ? EventsOfRun(store, run.root) : EventsOfRunSince(store, run.root, newest);
+    EventRows events = first ? EventsOfRun(store, run.root) : EventsOfRunSince(store, run.root, later);
     ExecutionPaths paths(store);
     lines.WriteAll(events, paths, beside);
     FlushOut();
     first = false;
-    newest = NewestEvent(store);
+    later = LaterEvents(store, run.root);
     std::string why;
     const State state = StateOf(store, run, why);
     if (!why.empty() && why != whyNotKnown) {
@@ -116,7 +110,7 @@ class Follower {
  private:
   const Run run;
   bool first = true;
-  long long newest = 0;
+  KeyRange later;
   std::string whyNotKnown;  // whether the host of the run lives
   EventLines lines;
   std::optional<LinesBeside<LogFile::LogFiles>> beside;
