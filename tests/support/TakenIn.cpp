@@ -23,7 +23,7 @@ std::string TakingIn(long long number, const std::string& from, const std::strin
   return statements;
 }
 
-void TakeInItself(Connection& sql, long long number) {
+void TakeInItself(Connection& sql, long long number, const std::string& more) {
   std::string drops, makes;
   if (!TestStore::OnServer()) {
     const auto guards = sql.PrepareShort(
@@ -34,5 +34,5 @@ void TakeInItself(Connection& sql, long long number) {
       makes += std::string(guards->Text(1)) + ';';
     }
   }
-  sql.RunScript(drops + TakingIn(number, "", "'" + std::to_string(number) + " of ' || guid") + makes);
+  sql.RunScript(drops + TakingIn(number, "", "'" + std::to_string(number) + " of ' || guid") + more + makes);
 }

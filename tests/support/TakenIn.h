@@ -13,4 +13,5 @@ std::string TakingIn(long long number, const std::string& from, const std::strin
 
 /// Adds the own rows of a store once more, as those of another store, whose guids begin with the number. In a file,
 /// what refuses them is removed meanwhile.
-void TakeInItself(Velora::Store::Connection& sql, long long number);
+/// @param more statements that are then run as well.
+void TakeInItself(Velora::Store::Connection& sql, long long number, const std::string& more = "");
