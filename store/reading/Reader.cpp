@@ -19,6 +19,9 @@ std::unique_ptr<Source> Open(const Database& database, const std::string& snapsh
 
 Reader::Reader(const Database& database, const std::string& snapshot)
     : database(database), source(Open(database, snapshot)) {
+  if (database.kind == Database::Kind::PostgreSql) {
+    this->database.where = static_cast<PostgreSqlConnection&>(Sql()).ServerUri();
+  }
   if (!source->IsStore()) {
     throw Error("'" + Name() + "' is not a TS store; expected a database with the tables of a TS store");
   }

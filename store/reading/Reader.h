@@ -25,6 +25,7 @@ class Reader {
   /// store.
   explicit Reader(const Database& database, const std::string& snapshot = "");
 
+  /// Where a further connection finds this store: of several servers, the one that this one is connected to.
   const Database& Where() const { return database; }
   /// The name of the store in messages.
   const std::string& Name() const { return source->Sql().Name(); }
@@ -34,7 +35,7 @@ class Reader {
   void ExpectUntouched() const { source->ExpectUntouched(); }
 
  private:
-  const Database database;
+  Database database;
   const std::unique_ptr<Source> source;
   int schemaVersion = 0;
 };

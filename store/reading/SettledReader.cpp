@@ -1,6 +1,7 @@
 #include "store/reading/SettledReader.h"
 
 #include "store/database/DatabaseError.h"
+#include "store/database/PostgreSqlConnection.h"
 #include "store/recording/Writer.h"
 #include "store/schema/Tables.h"
 
@@ -32,7 +33,8 @@ Reader SettledReader(const Database& database) {
     try {
       const Transaction held(*store);
       store->Sql().RunScript("SET LOCAL lock_timeout = '500ms'; LOCK TABLE " + Listed(HostTables()) + " IN SHARE MODE");
-      return Reader(database, store->Sql().Find<std::string>("SELECT pg_export_snapshot()").value());
+      const Database there{database.kind, static_cast<PostgreSqlConnection&>(store->Sql()).ServerUri()};
+      return Reader(there, store->Sql().Find<std::string>("SELECT pg_export_snapshot()").value());
     } catch (const DatabaseError& error) {
       if (error.code != lockNotAvailable) {
         throw;

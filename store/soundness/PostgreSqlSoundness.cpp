@@ -40,6 +40,8 @@ constexpr const char* missingPartitions = R"(
       WHERE inhparent = to_regclass(parent)
         AND pg_get_expr(relpartbound, c.oid) LIKE 'FOR VALUES FROM (''' || month || '0000000000'')%'))";
 
+constexpr const char* compared = "tables, views, functions and triggers with those of a new store: ";
+
 /// A query for the rows of a table that refer to a row that does not exist.
 std::string Dangling(const Table& table, const Column& reference) {
   const std::string& key = TableNamed(reference.refersTo).Key();
@@ -67,13 +69,17 @@ std::vector<std::string> CompareWithANewStore(Connection& connection, const std:
 Findings PostgreSqlSchemaFindings(const Reader& store) {
   Findings findings{RightsFindings(store), ""};
   findings.Add(MissingPartitions(store));
+  if (store.Sql().Find<int>("SELECT 1 WHERE pg_is_in_recovery()")) {
+    findings.notCompared = std::string(compared) + "the server is a standby, on which no new store can be made";
+    return findings;
+  }
   Rows schema(store, schemaOfStore);
   schema.Next();
   try {
     PostgreSqlConnection connection(store.Where().where);
     findings.Add(CompareWithANewStore(connection, std::string(schema.Text(0)), store.SchemaVersion()));
   } catch (const DatabaseError& error) {
-    findings.notCompared = "tables, views, functions and triggers with those of a new store: " + error.reason;
+    findings.notCompared = compared + error.reason;
   }
   return findings;
 }
