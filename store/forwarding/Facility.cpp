@@ -74,7 +74,8 @@ void Facility::ExpectThisVersion() {
 }
 
 void Facility::Take(const Reader& file) {
-  const std::string guid = GuidOf(file.Sql());
+  connection.LimitTo(Clock::now() + longestAnswer);
+  guid = GuidOf(file.Sql());
   if (const auto known = NumberIn(connection, guid)) {
     if (*known == thisStore) {
       throw Refused("TS store '" + file.Name() + "' is the store '" + Name() + "' itself; expected another one");
@@ -82,7 +83,7 @@ void Facility::Take(const Reader& file) {
     TakeLockOf(*known);
   } else {
     ExpectNoSessionOf(file);
-    Join(file, guid);
+    Join(file);
   }
 }
 
@@ -105,7 +106,7 @@ void Facility::ExpectNoSessionOf(const Reader& file) {
   }
 }
 
-void Facility::Join(const Reader& file, const std::string& guid) {
+void Facility::Join(const Reader& file) {
   connection.RunScript("BEGIN");
   TakeLockOf(NumberFor(Database::Kind::PostgreSql, connection, guid));
   if (!NumberIn(connection, guid)) {  // else another program was first
@@ -133,12 +134,14 @@ std::string Facility::RowOf(const Table& table, long long row) {
 }
 
 void Facility::SendQuestion(Marks& marks) {
-  connection.SendKept(MarksQuestion(schemaVersion, number), {}, [&marks](const PostgreSqlConnection::Answer& answer) {
-    int column = 0;
-    for (const Table& table : MarkedTables(schemaVersion)) {
-      marks[table.name] = std::stoll(PQgetvalue(answer.get(), 0, column++));
-    }
-  });
+  connection.SendKept(
+      MarksQuestion(schemaVersion, number) + " FROM stores WHERE store_id = $1 AND guid = $2",
+      {std::to_string(Shift() + thisStore), guid}, [&marks](const PostgreSqlConnection::Answer& answer) {
+        int column = 0;
+        for (const Table& table : MarkedTables(schemaVersion)) {
+          marks[table.name] = PQntuples(answer.get()) == 0 ? 0 : std::stoll(PQgetvalue(answer.get(), 0, column++));
+        }
+      });
 }
 
 void Facility::SendNote(const Waiting& waiting) {

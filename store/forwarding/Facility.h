@@ -45,15 +45,17 @@ class Facility {
   void Configure();
   void ExpectThisVersion();
   void ExpectNoSessionOf(const Reader& file);
-  void Join(const Reader& file, const std::string& guid);
+  void Join(const Reader& file);
   void TakeLockOf(long long store);
-  /// Sends the question how far the rows have come, which the next Settle() answers.
+  /// Sends the question how far the rows have come, which the next Settle() answers: with 0 for all if the store has
+  /// another number now.
   void SendQuestion(Marks& marks);
   void SendNote(const Waiting& waiting);
   void Copy(const Table& table, std::string_view rows);
 
   PostgreSqlConnection connection;
-  long long number = 0;  // of the store; 0 before it was taken
+  std::string guid;      // of the store; empty before it was taken
+  long long number = 0;  // that it has here
 };
 
 }  // namespace Velora::Store

@@ -45,8 +45,27 @@ class Instrument {
     }
     sql->RunScript("COMMIT");
   }
+  void BeginRuns(int runs) {
+    for (; runs > 0; --runs) {
+      Begin();
+    }
+  }
   /// What looks to a forwarder as a seal of all that there is.
   void Seal() { Add("seals", "NULL, " + time + ", '{}', '{}', 'a', 'b', 3, '1.0', 'c'"); }
+
+  void CopyTo(const std::filesystem::path& copy) {
+    sql->RunScript("PRAGMA wal_checkpoint(TRUNCATE)");
+    copy_file(file, copy);
+  }
+  /// Goes on in an older copy.
+  void GoBackTo(const std::filesystem::path& copy) {
+    sql = nullptr;
+    rename(copy, file);
+    sql = OpenFile(file);
+    open.clear();
+    ended.clear();
+    BeginSession();
+  }
 
   const std::filesystem::path file;
   SqlConnection sql;

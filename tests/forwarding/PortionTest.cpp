@@ -20,6 +20,11 @@ std::string WrongUpTo(Connection& file, const Marks& marks, const Marks& from) {
   std::string wrong;
   for (const Table& table : Tables()) {
     const std::string upTo = std::to_string(marks.at(table.primaryKey.empty() ? table.name : "events"));
+    if (Query(file, "SELECT COALESCE(MAX(" + table.Key() + "), 0) FROM " + table.name + " WHERE " + table.Key() +
+                        " <= " + upTo) != upTo + '\n' &&
+        table.primaryKey.empty()) {
+      wrong += table.name + " ends with no row; ";
+    }
     for (const Column& column : table.columns) {
       if (!column.refersTo.empty() &&
           Query(file, "SELECT COUNT(*) FROM " + table.name + " WHERE " + table.Key() + " <= " + upTo + " AND " +
@@ -47,12 +52,14 @@ std::string WrongUpTo(Connection& file, const Marks& marks, const Marks& from) {
 
 TEST(Portions, OfAnySizeLeaveAStateThatTheStoreHad) {
   Instrument instrument(folder / "portions.db");
-  instrument.Record(2000);
+  instrument.Record(500);
+  instrument.BeginRuns(100);
+  instrument.sql->RunScript(
+      "INSERT INTO events VALUES (5000, 1, (SELECT MAX(execution_id) FROM executions), NULL, 'behind a gap', '')");
   instrument.Seal();
-  instrument.sql->RunScript("INSERT INTO events VALUES (5000, 1, 1, NULL, 'behind a gap', '')");
   const Reader file(instrument.Where());
   const Marks all = MarksOf(file);
-  for (const long long size : {1, 2, 3, 7, 50, 500, 5000}) {
+  for (const long long size : {1, 2, 7, 50, 5000}) {
     Marks reached;
     for (const auto& [table, mark] : all) {
       reached[table] = 0;
