@@ -16,13 +16,16 @@ class CopyTarget {
   CopyTarget& operator=(const CopyTarget&) = delete;
   virtual ~CopyTarget() = default;
 
-  /// Fills the store in one transaction, in which nobody else uses it. Meanwhile it does not check each row: it has no
-  /// foreign keys, and none of the triggers that an insertion would call. Before the transaction ends, they are made
-  /// again, and it is proven that the rows obey the foreign keys and that the schema is what it was.
+  /// Whether Fill() can be used for a store that is new, or for one that is not.
+  virtual bool MayFill(bool isNew) = 0;
+  /// Fills the store in one transaction, in which nobody else uses it. Meanwhile it does not check each row: it has
+  /// none of the triggers that an insertion would call, and as long as it is new, no foreign keys. Before the
+  /// transaction ends, they are made again, and it is proven that the rows obey the foreign keys and that the schema is
+  /// what it was.
   /// @param fill inserts the rows. It may also delete rows.
   /// @throws Error when the rows break a foreign key. Then, and if `fill` throws, the store is as before.
-  virtual void Fill(const std::function<void()>& fill) = 0;
-  /// Makes new rows get higher numbers than the copied ones.
+  virtual void Fill(bool isNew, const std::function<void()>& fill) = 0;
+  /// Makes new rows get higher numbers than those of this store.
   virtual void ContinueNumbers() {}
   /// Is called after everything was copied.
   virtual void Finish() {}

@@ -2,6 +2,7 @@
 
 #include "store/database/PostgreSqlConnection.h"
 #include "store/recording/Writer.h"
+#include "store/schema/StoreNumbers.h"
 #include "store/schema/Tables.h"
 #include "store/soundness/PostgreSqlCatalog.h"
 
@@ -37,11 +38,16 @@ std::string AllTables() {
 }  // namespace
 
 // A table can take longer than the time that a statement of a host has.
-PostgreSqlTarget::PostgreSqlTarget(Writer& store) : store(store), sql(static_cast<PostgreSqlConnection&>(store.Sql())) {
+PostgreSqlTarget::PostgreSqlTarget(Writer& store)
+    : store(store),
+      sql(static_cast<PostgreSqlConnection&>(store.Sql())),
+      isOwner(sql.Find<bool>("SELECT pg_has_role(relowner, 'USAGE') FROM pg_class WHERE oid = "
+                             "to_regclass('ts_schema')")
+                  .value()) {
   sql.RunScript("SET statement_timeout = 0");
 }
 
-void PostgreSqlTarget::Fill(const std::function<void()>& fill) {
+void PostgreSqlTarget::Fill(bool /*isNew*/, const std::function<void()>& fill) {
   Transaction transaction(store);
   sql.RunScript("LOCK TABLE " + AllTables() + " IN ACCESS EXCLUSIVE MODE");
   const Catalog schema = ReadCatalog(sql);
@@ -56,16 +62,20 @@ void PostgreSqlTarget::Fill(const std::function<void()>& fill) {
 }
 
 void PostgreSqlTarget::ContinueNumbers() {
+  const auto setNumbers = [this](const std::string& sequence, const std::string& number, const Table& table) {
+    sql.RunScript("SELECT setval(" + sequence + ", COALESCE(MAX(" + number + "), 0) + 1, false) FROM " + table.name +
+                  " WHERE " + IsOfStore(table.Key(), thisStore));
+  };
   for (const Table& table : TablesBesideEvents()) {
-    sql.RunScript("SELECT setval(pg_get_serial_sequence('" + table.name + "', '" + table.Key() + "'), COALESCE(MAX(" +
-                  table.Key() + "), 0) + 1, false) FROM " + table.name);
+    setNumbers("pg_get_serial_sequence('" + table.name + "', '" + table.Key() + "')", table.Key(), table);
   }
-  sql.RunScript("SELECT setval('event_numbers', COALESCE(MAX(event_id % " + std::to_string(keysInAMonth) +
-                "), 0) + 1, false) FROM events");
+  setNumbers("'event_numbers'", "event_id % " + std::to_string(keysInAMonth), TableNamed("events"));
 }
 
 void PostgreSqlTarget::Finish() {
-  sql.RunScript("ANALYZE");  // else the server plans the first queries for empty tables
+  if (isOwner) {
+    sql.RunScript("ANALYZE");  // else the server plans the first queries for empty tables
+  }
 }
 
 }  // namespace Velora::Store

@@ -11,14 +11,16 @@ class PostgreSqlTarget : public CopyTarget {
  public:
   explicit PostgreSqlTarget(Writer& store);
 
-  void Fill(const std::function<void()>& fill) override;
-  /// Sets the sequences behind the copied keys.
+  /// Only the owner can lock and alter the tables; hosts that record must not wait for that.
+  bool MayFill(bool isNew) override { return isNew && isOwner; }
+  void Fill(bool isNew, const std::function<void()>& fill) override;
   void ContinueNumbers() override;
   void Finish() override;
 
  private:
   Writer& store;
   PostgreSqlConnection& sql;
+  const bool isOwner;
 };
 
 }  // namespace Velora::Store

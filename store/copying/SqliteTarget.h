@@ -9,7 +9,9 @@ class SqliteTarget : public CopyTarget {
  public:
   explicit SqliteTarget(Writer& store) : store(store) {}
 
-  void Fill(const std::function<void()>& fill) override;
+  /// No host records into a file that has the records of other stores.
+  bool MayFill(bool /*isNew*/) override { return true; }
+  void Fill(bool isNew, const std::function<void()>& fill) override;
 
  private:
   Writer& store;

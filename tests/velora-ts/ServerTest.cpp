@@ -84,9 +84,9 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
     EXPECT_TRUE(Says("\"status\":4")) << said;
   }
   // This process holds a lock beside the file, and a copy has none; why nothing is known of a host differs. So does its
-  // age.
+  // age. The key of a row of store 2 begins with 2 and nine zeros.
   remove(folder / "file/ts.db-hosts");
-  const auto withoutReason = [this] { return ReplaceMatches(said, R"("why":"[^"]*"| *\d+:\d\d:\d\d ago)", ""); };
+  const auto withoutReason = [this] { return ReplaceMatches(said, R"("why":"[^"]*"| *\d+:\d\d:\d\d ago|\b20{9})", ""); };
   for (const std::string words :
        {"runs", "runs --unfinished --json", "show last --tree --events", "tail last", "export last --format csv",
         "export --since 2000-01-01 --format trace", "events --json", "stats number --by run --json",
@@ -102,7 +102,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
       break;
     }
     EXPECT_EQ(Shell("velora-ts report last -o page.html --config " + name +
-                    " && sed -E 's/\"(made|asked)\":[0-9]*//g; s/\"why\":\"[^\"]*\"//' page.html"),
+                    " && sed -E 's/\"(made|asked)\":[0-9]*//g; s/\"why\":\"[^\"]*\"//; s/\\b20{9}//g' page.html"),
               0);
     said.erase(0, said.find('\n'));  // which says how many bytes it has
     EXPECT_TRUE(page.empty() || said == page);
@@ -110,14 +110,15 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   }
   Begin("server");
   RecordHostileRun("third");
-  Sql("INSERT INTO statuses (execution_id, session_id, code, at) VALUES (1, 1, 14, '2026-11-25')");
+  EXPECT_EQ(Shell("sqlite3 file/ts.db \"INSERT INTO statuses VALUES (NULL, 1, 1, 14, '2026-11-25')\" && "
+                  "velora-ts seal --config file && velora-ts copy file server"),  // what came since
+            0)
+      << said;
   EXPECT_EQ(Tool("note last again --config server"), 0) << said;
   EXPECT_EQ(Tool("seal --config server"), 0) << said;
   EXPECT_EQ(Tool("verify --anchor anchor --config server"), 0) << said;
-  EXPECT_EQ(Tool("copy server back"), 0) << said;  // what came since
-  EXPECT_EQ(Tool("verify --config back"), 0) << said;
-  EXPECT_EQ(Tool("copy file back"), 3) << "another store's copy: " << said;
-  EXPECT_TRUE(Says("that differ from")) << said;
+  EXPECT_EQ(Shell("rm back/ts.db* && velora-ts copy server back"), 0) << said;
+  EXPECT_EQ(Tool("verify --anchor anchor --config back"), 0) << said;
   EXPECT_EQ(Tool("backup backup.db --config back"), 0);  // whose keys are those of a server
   EXPECT_TRUE(Says("checked: 3 executions, 6 events")) << said;
   EXPECT_EQ(Tool("backup copy.dump --config server"), 2);

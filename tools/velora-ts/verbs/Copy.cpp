@@ -68,15 +68,9 @@ class ContentReader {
   std::map<std::string, Rows> tables;
 };
 
-Content ContentOf(const Reader& store) {
+Content ContentOf(const Reader& store, const Keys& keys) {
   ContentReader content("Comparing");
-  VisitRows(store, [&](const Table& table, std::string_view row) { content.Add(table, row); });
-  return content.Finish();
-}
-
-Content Copy(const Reader& from, const Database& target) {
-  ContentReader content("Copying");
-  CopyRows(from, target, [&](const Table& table, std::string_view row) { content.Add(table, row); });
+  VisitRows(store, keys, [&](const Table& table, std::string_view row) { content.Add(table, row); });
   return content.Finish();
 }
 
@@ -84,7 +78,7 @@ class CopyVerb : public Verb {
  public:
   explicit CopyVerb(Options& options) {
     options.AddRequiredText("FROM", from, "Folder with the TSAL.config of the store to copy", "FOLDER");
-    options.AddRequiredText("TO", to, "Folder with the TSAL.config of an empty store or of an earlier copy", "FOLDER");
+    options.AddRequiredText("TO", to, "Folder with the TSAL.config of the store that takes it in", "FOLDER");
   }
 
   ExitCode Execute() override {
@@ -96,15 +90,19 @@ class CopyVerb : public Verb {
       throw Error("'" + settled.Name() + "' cannot be copied: " + findings.front() +
                   "; velora-ts verify lists all findings");
     }
-    Content content = Copy(settled, target);
+    ContentReader visited("Copying");
+    const Copied copied =
+        CopyRows(settled, target, [&](const Table& table, std::string_view row) { visited.Add(table, row); });
     settled.ExpectUntouched();
-    if (ContentOf(Reader(target)) != content) {
+    Content content = visited.Finish();
+    if (ContentOf(Reader(target), copied.Range()) != content) {
       Say("finding: '" + NameOf(target) + "' differs from '" + settled.Name() + "' after the copying");
       return Found;
     }
     const auto count = [&](const char* table) { return std::to_string(content[table].rows) + ' ' + table; };
-    Say("store '" + settled.Name() + "' copied to '" + NameOf(target) + "' and compared: " + count("executions") +
-        ", " + count("events") + ", " + count("parameters"));
+    Say("store '" + settled.Name() + "' copied to '" + NameOf(target) + "' " +
+        (copied.number ? "as store " + std::to_string(*copied.number) + " there, " : "") +
+        "and compared: " + count("executions") + ", " + count("events") + ", " + count("parameters"));
     return Done;
   }
 
@@ -115,7 +113,7 @@ class CopyVerb : public Verb {
 }  // namespace
 
 extern const Registration registeredCopy = {
-    "copy", "Copies a store into another database, in a file or on a server, or continues an earlier copy.",
+    "copy", "Copies a store into another one, which can have others, in a file or on a server.",
     "copy /data/veldmar /data/facility", &Make<CopyVerb>};
 
 }  // namespace Velora::Ts
