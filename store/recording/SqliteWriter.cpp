@@ -5,6 +5,7 @@
 
 #include <VeloraSystem/Path.h>
 #include <VeloraSystem/RegularFile.h>
+#include <VeloraSystem/SecondName.h>
 #include <VeloraSystem/System.h>
 
 #include <sqlite3.h>
@@ -43,15 +44,6 @@ SqliteConnection Open(const std::string& file, Opening opening) {
   }
 }
 
-/// Whether a file is read-only for everybody, as velora-ts rotate leaves it. The system lets root write it all the
-/// same.
-bool MayNobodyWrite(const std::string& file) {
-  using std::filesystem::perms;
-  std::error_code unknown;
-  const perms rights = std::filesystem::status(System::PathOf(file), unknown).permissions();
-  return !unknown && (rights & (perms::owner_write | perms::group_write | perms::others_write)) == perms::none;
-}
-
 const char* ExpectedAfter(const DatabaseError& error) {
   switch (std::stoi(error.code)) {
     case SQLITE_CANTOPEN:
@@ -68,7 +60,7 @@ const char* ExpectedAfter(const DatabaseError& error) {
 
 SqliteWriter::SqliteWriter(const std::string& file, Opening opening)
     : Writer(opening), connection(Open(file, opening)) {
-  if (sqlite3_db_readonly(connection.Handle(), "main") != 0 || MayNobodyWrite(file)) {
+  if (sqlite3_db_readonly(connection.Handle(), "main") != 0 || System::IsReadOnly(file)) {
     throw Error("TS database '" + file + "' can only be read; expected a file that may be written");
   }
   Configure();
@@ -80,13 +72,14 @@ SqliteWriter::SqliteWriter(const std::string& file, Opening opening)
     return;
   }
   TurnOnWriteAheadLog();
+  if (StoredVersion() < schemaVersion) {  // which also opens the log, if it was off
+    BringUp();
+  }
   if (isOld) {
-    if (StoredVersion() < schemaVersion) {
-      BringUp();
-    }
     connection.RunScript("PRAGMA foreign_keys = ON");
   }
   files.emplace(connection.Handle(), file);
+  ExpectFilesInPlace();
 }
 
 void SqliteWriter::Configure() {
@@ -99,6 +92,9 @@ void SqliteWriter::Configure() {
 // Leaves out the statement and its values, which can be as long as the record.
 void SqliteWriter::Explain(const DatabaseError& error) const {
   const std::string database = "TS database '" + connection.Name() + "'";
+  if (sqlite3_extended_errcode(connection.Handle()) == SQLITE_READONLY_DBMOVED) {
+    throw StoreReplaced(connection.Name());
+  }
   if (IsBusy(error)) {
     throw DatabaseError(database + " was being written by " +
                             System::LockerOf(SharedMemoryOf(connection.Handle()), writeLock) + " for more than " +

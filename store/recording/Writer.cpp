@@ -46,7 +46,14 @@ std::unique_ptr<Writer> OpenForWriting(const Database& database, Opening opening
   if (database.kind == Database::Kind::PostgreSql) {
     return std::make_unique<PostgreSqlWriter>(database.where, opening);
   }
-  return std::make_unique<SqliteWriter>(database.where, opening);
+  try {
+    return std::make_unique<SqliteWriter>(database.where, opening);
+  } catch (const StoreReplaced&) {
+    if (opening == Opening::ExpectsStore) {
+      throw;
+    }
+  }
+  return std::make_unique<SqliteWriter>(database.where, opening);  // velora-ts rotate put another file there
 }
 
 Transaction::~Transaction() {

@@ -16,11 +16,15 @@ void EnterVersions(Connection& connection, int from, int to) {
   }
 }
 
-void EnterItself(Connection& connection, int from, int to) {
+void EnterItself(Connection& connection, int from, int to, const std::optional<Continued>& previous = std::nullopt) {
   const int since = TableNamed("stores").since;
   if (from < since && to >= since) {
-    connection.Run("INSERT INTO stores (store_id, guid, made_at) VALUES (?1, ?2, ?3)", thisStore, NewGuid(),
-                   ToStoredTime(Now()));
+    const auto ofPrevious = [&](std::string Continued::*what) {
+      return previous ? std::optional(*previous.*what) : std::nullopt;
+    };
+    connection.Run(
+        "INSERT INTO stores (store_id, guid, made_at, previous_guid, previous_hash) VALUES (?1, ?2, ?3, ?4, ?5)",
+        thisStore, NewGuid(), ToStoredTime(Now()), ofPrevious(&Continued::guid), ofPrevious(&Continued::hash));
   }
 }
 
@@ -31,12 +35,12 @@ StoreVersion VersionOf(Connection& store) {
   return {number, lowestHost};
 }
 
-void BringUpSqlite(Connection& connection, int from, int to) {
+void BringUpSqlite(Connection& connection, int from, int to, const std::optional<Continued>& previous) {
   for (const std::string& statement : SqliteSchema(from, to)) {
     connection.RunScript(statement);
   }
   EnterVersions(connection, from, to);
-  EnterItself(connection, from, to);
+  EnterItself(connection, from, to, previous);
 }
 
 void BringUpPostgreSql(Connection& connection, int from, int to) {

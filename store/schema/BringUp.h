@@ -2,6 +2,9 @@
 
 #include "store/schema/Versions.h"
 
+#include <optional>
+#include <string>
+
 namespace Velora::Store {
 
 class Connection;
@@ -12,9 +15,16 @@ inline constexpr const char* askVersion =
 
 StoreVersion VersionOf(Connection& store);
 
+/// The store that a new one continues, and the hash of its newest seal.
+struct Continued {
+  std::string guid, hash;
+};
+
 // Upgrade the schema of a database from one version to another, within a transaction. An empty database has version 0.
 
-void BringUpSqlite(Connection& connection, int from, int to = schemaVersion);
+/// @param previous for a new store that continues another one.
+void BringUpSqlite(Connection& connection, int from, int to = schemaVersion,
+                   const std::optional<Continued>& previous = std::nullopt);
 
 /// Upgrades the current schema of the connection. Servers have version 2 or later.
 void BringUpPostgreSql(Connection& connection, int from, int to = schemaVersion);

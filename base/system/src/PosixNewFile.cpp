@@ -1,3 +1,4 @@
+#include "PosixFolder.h"
 #include "PosixStream.h"
 
 #include <VeloraSystem/NewFile.h>
@@ -18,7 +19,14 @@ void Expect(bool good) {
   }
 }
 
-// Without this, a loss of power could undo the new name. File systems that do not need it answer EINVAL.
+// Some file systems do not support RENAME_NOREPLACE; there the file gets a second name first.
+bool MoveToFreeName(const char* path, const char* name) {
+  return renameat2(AT_FDCWD, path, AT_FDCWD, name, RENAME_NOREPLACE) == 0 ||
+         (errno == EINVAL && link(path, name) == 0 && unlink(path) == 0);
+}
+
+}  // namespace
+
 bool SyncFolderOf(const std::string& path) {
   const std::string folder = std::filesystem::path(path).parent_path();
   const int opened = open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
@@ -28,14 +36,6 @@ bool SyncFolderOf(const std::string& path) {
   errno = reason;
   return synced;
 }
-
-// Some file systems do not support RENAME_NOREPLACE; there the file gets a second name first.
-bool MoveToFreeName(const char* path, const char* name) {
-  return renameat2(AT_FDCWD, path, AT_FDCWD, name, RENAME_NOREPLACE) == 0 ||
-         (errno == EINVAL && link(path, name) == 0 && unlink(path) == 0);
-}
-
-}  // namespace
 
 File NewFile::Make(const std::string& path, unsigned mode) {
   return StreamOf(open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode), "w+b");

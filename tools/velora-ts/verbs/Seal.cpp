@@ -10,6 +10,7 @@
 #include "store/schema/Versions.h"
 #include "store/values/StoredTime.h"
 #include "verbs/Anchor.h"
+#include "verbs/Sealing.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
@@ -123,6 +124,8 @@ ExitCode Refuse(const std::string& finding) {
   return Found;
 }
 
+}  // namespace
+
 ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchorFile) {
   Chain chain;
   for (SealRows seals(store); seals.Next();) {
@@ -142,6 +145,8 @@ ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchor
   Say("newest seal: " + std::to_string(end.number) + ' ' + end.hash);
   return Done;
 }
+
+namespace {
 
 class SealVerb : public StoreVerb {
  public:

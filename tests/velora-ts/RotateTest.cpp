@@ -1,0 +1,133 @@
+// A new file takes the place of the file of a store, whatever happens meanwhile.
+
+#include "ToolTest.h"
+
+#include <csignal>
+
+namespace {
+
+/// A host that records a run and ends.
+const std::string host = "VELORA_LOG_FILE=log '" FIVE_CALLS "'";
+
+/// What stops a program before a call that changes files (StopAt.cpp).
+std::string Stopping(const std::string& at, int by) {
+  return "STOP_AT=" + at + " STOP_BY=" + std::to_string(by) + " LD_PRELOAD='" STOP_AT "' ";
+}
+
+/// A folder with a store of two runs.
+class Rotate : public ToolTest {
+ protected:
+  Rotate() {
+    BringUp();
+    EXPECT_EQ(Shell(host), 0) << said;
+  }
+  /// The executions in all files, and in how many files each is.
+  std::string Executions() {
+    EXPECT_EQ(Shell("for file in *.db; do sqlite3 $file 'SELECT guid FROM executions'; done | sort | uniq -c"), 0);
+    return said;
+  }
+};
+
+TEST_F(Rotate, LeavesTheOldFileWholeAndBeginsANewOne) {
+  const std::string all = Executions();
+  ASSERT_EQ(Query(folder / "ts.db", "INSERT INTO statuses VALUES (100, 4, 2, 4, '2026-11-25T03:30:12.000000Z')"), "");
+  EXPECT_EQ(Tool("rotate --anchor anchor"), 0) << said;
+  EXPECT_TRUE(Says("not sealed: run ") && Says("has all records so far")) << said;
+  EXPECT_EQ(Shell("ls -A; mv ts-*.db old.db; find . -name old.db -not -perm /222"), 0);
+  EXPECT_TRUE(Says("\nts-") && Says("\nts.db\n") && Says("./old.db\n") && !Says("-wal") && !Says("-shm")) << said;
+  EXPECT_EQ(Executions(), all);
+  EXPECT_EQ(Shell("sqlite3 ts.db \"ATTACH 'old.db' AS old\" 'SELECT n.previous_guid = o.guid, n.guid <> o.guid, "
+                  "n.previous_hash = (SELECT seal_hash FROM old.seals ORDER BY seal_id DESC LIMIT 1) FROM stores n, "
+                  "old.stores o'"),
+            0);
+  EXPECT_EQ(said, "1|1|1\n");
+  EXPECT_EQ(Tool("verify --with old.db --anchor anchor"), 4) << said;  // a run did not finish
+  EXPECT_EQ(Tool("runs --with old.db"), 0);
+  EXPECT_TRUE(Says("STOPPED") && Says("done")) << said;
+  EXPECT_EQ(Shell(host + "; velora-ts runs"), 0) << said;
+  EXPECT_TRUE(Says("grid 7") && !Says("grid.mdoc")) << said;
+}
+
+TEST_F(Rotate, CanBeKilledOrFailAtAnyCall) {
+  SKIP_UNDER_WINE("nothing can be preloaded into a Windows program");
+  EXPECT_EQ(Shell("mkdir first; sqlite3 ts.db \"INSERT INTO events VALUES (9, 1, 1, NULL, 'in the log', '')\" "
+                  "'.shell cp ts.db ts.db-wal TSAL.config *.xml first'"),
+            0);
+  for (const int by : {SIGKILL, 0}) {
+    int call = 0;
+    for (bool stopped = true; stopped && call < 500;) {
+      EXPECT_EQ(Shell("rm -f *.db*; cp first/* ."), 0);
+      const int code = Shell(Stopping(std::to_string(++call), by) + "velora-ts rotate --to old.db");
+      SCOPED_TRACE(std::to_string(call) + (by == 0 ? " failed: " : " killed: ") + said);
+      stopped = Says("stopped at");
+      if (by == 0 && code != 0) {
+        EXPECT_EQ(code, 3);
+        EXPECT_TRUE(Says("ts.db") || Says("old.db"));
+        EXPECT_EQ(Shell("test $(ls | grep -c '[.]part') = 0 && test $(stat -c %h ts.db) = 1"), 0);
+      }
+      EXPECT_EQ(Shell(host + " && velora-ts rotate --to next.db && velora-ts rotate --to last.db"), 0) << said;
+      EXPECT_EQ(Shell("test $(stat -c %h ts.db) = 1 && find *.db -perm /222"), 0);
+      EXPECT_EQ(said, "ts.db\n");
+      Executions();
+      EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 5) << said;
+      EXPECT_FALSE(Says(" 2 ")) << said;
+      EXPECT_EQ(
+          Shell("for file in *.db; do sqlite3 $file \"SELECT 'in the log' FROM events WHERE name = 'in the log'\"; "
+                "done"),
+          0);
+      EXPECT_EQ(said, "in the log\n");
+    }
+    EXPECT_GT(call, 20);
+  }
+}
+
+TEST_F(Rotate, AHostThatBeginsMeanwhileRecordsIntoTheNewFile) {
+  SKIP_UNDER_WINE("nothing can be preloaded into a Windows program");
+  const struct {
+    const char* call;
+    int code;
+  } rows[] = {{"chmod", 3}, {"link", 0}, {"rename", 0}};  // chmod comes before the file is held
+  for (const auto& [call, code] : rows) {
+    EXPECT_EQ(Shell(Stopping(call, SIGSTOP) +
+                    "velora-ts rotate --to old.db & tool=$!; while ! grep -q '^State:.T' /proc/$tool/status; do kill "
+                    "-0 $tool || exit; done; " +
+                    host + " & host=$!; sleep 0.3; kill -CONT $tool; wait $host && wait $tool"),
+              code)
+        << call << said;
+    EXPECT_EQ(
+        Shell("ls; [ ! -e old.db ] || velora-ts verify --with old.db; sqlite3 ts.db 'SELECT node FROM executions'"), 0)
+        << call << said;
+    EXPECT_TRUE(said.ends_with("grid 7\n") && !Says("-wal")) << call << said;
+    EXPECT_EQ(Says("grid.mdoc"), code != 0) << call << said;
+    EXPECT_EQ(Shell("rm -f old.db"), 0);
+  }
+}
+
+TEST_F(Rotate, RefusesWhileAnybodyUsesTheFile) {
+  const struct {
+    std::string before, arguments;
+    int code;
+    std::string words;
+  } rows[] = {
+      {"(echo 'BEGIN; SELECT 1 FROM events;'; sleep 8) | sqlite3 ts.db & sleep 0.5", "", 3,
+       "is in use; expected that no host"},
+      {"'" RECORDING_HOST "' . host 100 > told & until [ -s told ]; do sleep 0.01; done", "", 3,
+       "is in use by the host of '"},
+      {": > there.db", "--to there.db", 3, "there is a file '"},
+      {": > new.db-wal", "--to new.db", 3, "new.db-wal' already"},
+      {":", "--to nowhere/new.db", 3, "nowhere/new.db' cannot be made"},
+      {"echo \"<TSAL><Database Backend='postgresql' Connection='service=facility'/></TSAL>\" > TSAL.config", "", 2,
+       "rotate is for a store in a file"},
+  };
+  folder.Write("activities.xml",
+               "<Activities><Activity Name='Tilt'><ActivityVersion Name='Expose' Version='1'/>"
+               "<ActivityVersion Name='Focus' Version='1'/></Activity></Activities>");
+  for (const auto& [before, arguments, code, words] : rows) {
+    EXPECT_EQ(Shell(before + "; velora-ts rotate " + arguments + "; code=$?; kill $! 2>&-; exit $code"), code) << said;
+    EXPECT_TRUE(Says(words)) << before << said;
+    EXPECT_EQ(Shell("ls | grep -E 'part|ts-'; stat -c %h ts.db"), 0);
+    EXPECT_EQ(said, "1\n") << before;
+  }
+}
+
+}  // namespace
