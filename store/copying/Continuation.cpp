@@ -5,7 +5,7 @@
 #include "store/reading/Rows.h"
 #include "store/recording/Writer.h"
 #include "store/schema/Tables.h"
-#include "store/transfer/RowBytes.h"
+#include "store/transfer/LastRow.h"
 #include "store/transfer/TakenStore.h"
 
 #include <optional>
@@ -18,17 +18,6 @@ std::optional<long long> HighestKey(const Reader& store, const Table& table, con
                           table.Key() + " <= ?2");
   return highest.Ask(keys.before, keys.last).Next() && !highest.IsNull(0) ? std::optional(highest.Integer(0))
                                                                           : std::nullopt;
-}
-
-/// The rows with a key in the form of RowBytes.h; empty if there are none.
-std::string RowsWith(const Reader& store, const Table& table, long long key, long long shift) {
-  std::string bytes;
-  Rows rows(store, "SELECT " + table.ColumnList() + " FROM " + table.name + " WHERE " + table.Key() +
-                       " = ?1 ORDER BY " + table.Number());
-  for (rows.Ask(key); rows.Next();) {
-    AppendRow(bytes, rows, table, shift);
-  }
-  return bytes;
 }
 
 }  // namespace
@@ -67,20 +56,14 @@ void ExpectUnknownOrTakenIn(const Reader& from, Writer& to, Database::Kind kind)
 void ExpectContinuation(const Reader& from, const Reader& to, long long number) {
   const Keys keys = Keys::OfStore(number);
   for (const Table& table : Tables()) {
-    const auto key = HighestKey(to, table, keys);
+    const auto key = table.primaryKey.empty() ? HighestKey(to, table, keys) : std::nullopt;
     if (!key) {
       continue;
     }
-    const std::string here = RowsWith(from, table, *key - keys.shift, keys.shift);
-    if (here == RowsWith(to, table, *key, 0)) {
-      continue;
+    const std::string row = RowWith(from.Sql(), table, *key - keys.shift, keys.shift);
+    if (row != RowWith(to.Sql(), table, *key, 0)) {
+      throw Error(WhyNoneCanFollow(from.Name(), row, table, *key - keys.shift, to.Name()));
     }
-    const std::string row = "row " + std::to_string(*key - keys.shift) + " of " + table.name;
-    throw Error(here.empty() ? "'" + from.Name() + "' lacks the " + row + ", which '" + to.Name() +
-                                   "' took over: it is an older copy of itself; expected the newest file"
-                             : "'" + from.Name() + "' has another " + row + " than '" + to.Name() +
-                                   "' took over: the folder was cloned, and hosts recorded into both; expected the "
-                                   "one that was copied first");
   }
 }
 

@@ -6,6 +6,7 @@
 #include "store/reading/Rows.h"
 #include "store/schema/BringUp.h"
 #include "store/schema/StoreNumbers.h"
+#include "store/transfer/LastRow.h"
 #include "store/transfer/RowBytes.h"
 #include "store/transfer/TakenStore.h"
 #include "store/values/Json.h"

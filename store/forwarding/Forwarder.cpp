@@ -5,6 +5,7 @@
 #include "store/reading/Reader.h"
 #include "store/schema/StoreNumbers.h"
 #include "store/schema/Versions.h"
+#include "store/transfer/LastRow.h"
 #include "store/transfer/TakenStore.h"
 
 #include <algorithm>
@@ -16,10 +17,6 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::chrono::seconds betweenNotes{10};
-
-constexpr const char* whatToDo =
-    "; expected the file that was forwarded, or velora-ts rotate, which begins a new one "
-    "and leaves this one to be read";
 
 /// The last row of each table that has come, by the name of the table, in the form of RowWith().
 using Ends = std::map<std::string, std::string>;
@@ -100,11 +97,7 @@ class Forwarder::Session {
     for (const auto& [table, end] : ends) {
       const long long number = reached[table];
       if (number != 0 && end != there.RowOf(TableNamed(table), number)) {
-        throw Refused("TS store '" + store.Name() + "' " + (end.empty() ? "has no" : "has another") + " row " +
-                      std::to_string(number) + " of " + table + (end.empty() ? ", which" : " than") + " '" +
-                      there.Name() + "' has from this store: " +
-                      (end.empty() ? "it is an older copy of itself" : "it was copied, and both copies recorded") +
-                      whatToDo);
+        throw Refused(WhyNoneCanFollow(store.Name(), end, TableNamed(table), number, there.Name()));
       }
     }
   }

@@ -57,17 +57,4 @@ Portion ReadPortion(const Reader& file, const Marks& from, long long size, long 
   }
 }
 
-std::string RowWith(Connection& store, const Table& table, long long key, long long shift) {
-  std::string bytes;
-  Rows rows(store, "SELECT " + table.ColumnList() + " FROM " + table.name + " WHERE " + table.Key() +
-                       " = ?1 ORDER BY " + OrderOf(table));
-  for (rows.Ask(key); rows.Next();) {
-    AppendRow(bytes, rows, table, shift);
-  }
-  if (table.name == "events" && !bytes.empty()) {
-    bytes += RowWith(store, TableNamed("parameters"), key, shift);
-  }
-  return bytes;
-}
-
 }  // namespace Velora::Store

@@ -38,7 +38,4 @@ struct Portion {
 /// @param shift is added to each key (StoreNumbers.h).
 Portion ReadPortion(const Reader& file, const Marks& from, long long size, long long shift);
 
-/// The row with a key and, of an event, its parameters, in the form of RowBytes.h. Empty if there is none.
-std::string RowWith(Connection& store, const Table& table, long long key, long long shift);
-
 }  // namespace Velora::Store

@@ -74,7 +74,7 @@ TEST_F(Copies, AreRefusedWhereTheyWouldMixRecords) {
   Record("a", "again");
   EXPECT_EQ(Tool("copy a server && cp -r a clone"), 0) << said;
   EXPECT_EQ(Tool("copy older server"), 3);
-  EXPECT_TRUE(Says("' lacks the row 2 of sessions, which 'server on ")) << said;
+  EXPECT_TRUE(Says("' has no row 2 of sessions, which 'server on ")) << said;
   Record("older", "also again");
   EXPECT_EQ(Shell("sqlite3 clone/ts.db 'DROP TRIGGER stores_no_update' \"UPDATE stores SET guid = 'other'\""), 0);
   Velora::Store::PostgreSqlConnection other("dbname=server");

@@ -86,7 +86,9 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
   // This process holds a lock beside the file, and a copy has none; why nothing is known of a host differs. So does its
   // age. The key of a row of store 2 begins with 2 and nine zeros.
   remove(folder / "file/ts.db-hosts");
-  const auto withoutReason = [this] { return ReplaceMatches(said, R"("why":"[^"]*"| *\d+:\d\d:\d\d ago|\b20{9})", ""); };
+  const auto withoutReason = [this] {
+    return ReplaceMatches(said, R"("why":"[^"]*"| *\d+:\d\d:\d\d ago|\b20{9})", "");
+  };
   for (const std::string words :
        {"runs", "runs --unfinished --json", "show last --tree --events", "tail last", "export last --format csv",
         "export --since 2000-01-01 --format trace", "events --json", "stats number --by run --json",
