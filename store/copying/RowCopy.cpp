@@ -7,12 +7,16 @@
 #include "store/transfer/RowBytes.h"
 #include "store/transfer/RowWriter.h"
 
+#include <algorithm>
+#include <array>
 #include <optional>
 
 namespace Velora::Store {
 namespace {
 
 constexpr int rowsInATransaction = 5000;
+// So no execution has its final status, and no seal is there, before the events.
+constexpr std::array lastTables = {"statuses", "notes", "seals", "ts_schema", "stores"};
 constexpr long long beforeAll = Keys{}.before;
 constexpr long long afterAll = Keys{}.last;
 
@@ -42,9 +46,14 @@ RowCopy::RowCopy(const Reader& from, Writer& to, Database::Kind kind, const Keys
 
 void RowCopy::CopyAll() {
   for (const Table& table : TablesBesideEvents()) {
-    CopyTable(table);
+    if (std::find(lastTables.begin(), lastTables.end(), table.name) == lastTables.end()) {
+      CopyTable(table);
+    }
   }
   CopyEvents();
+  for (const char* const name : lastTables) {
+    CopyTable(TableNamed(name));
+  }
 }
 
 void RowCopy::CopyInPortions() {
