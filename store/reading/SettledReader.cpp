@@ -32,7 +32,8 @@ Reader SettledReader(const Database& database) {
   for (const Clock::time_point end = Clock::now() + patience;; std::this_thread::sleep_for(betweenTries)) {
     try {
       const Transaction held(*store);
-      store->Sql().RunScript("SET LOCAL lock_timeout = '500ms'; LOCK TABLE " + Listed(HostTables()) + " IN SHARE MODE");
+      store->Sql().RunScript("SET LOCAL lock_timeout = '500ms'; LOCK TABLE " + Listed(RecordedByHosts()) +
+                             " IN SHARE MODE");
       const Database there{database.kind, static_cast<PostgreSqlConnection&>(store->Sql()).ServerUri()};
       return Reader(there, store->Sql().Find<std::string>("SELECT pg_export_snapshot()").value());
     } catch (const DatabaseError& error) {

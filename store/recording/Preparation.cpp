@@ -1,7 +1,6 @@
 #include "store/recording/Preparation.h"
 
 #include "store/recording/Writer.h"
-#include "store/schema/SessionLocks.h"
 #include "store/schema/Tables.h"
 
 #include <map>
@@ -72,8 +71,8 @@ void GrantTo(const std::string& role, Writer& store) {
                        {"tables", tables},
                        {"sequences", sequences},
                        {"functions", functions},
-                       {"tables of hosts", Listed(HostTables()) + ", " + SessionLocks().name},
-                       {"functions of hosts", hostFunctions}};
+                       {"tables of hosts", Listed(HostTables())},
+                       {"functions of hosts", Listed(HostFunctions())}};
   Transaction transaction(store);
   for (const char* grant : grants) {
     store.Sql().RunScript(Filled(grant, names));

@@ -3,11 +3,15 @@
 #include "store/schema/Running.h"
 #include "store/schema/ServerStatements.h"
 #include "store/schema/StoreNumbers.h"
+#include "store/schema/Tables.h"
 
 #include <algorithm>
 
 namespace Velora::Store {
 namespace {
+
+// Keys of rows of other stores.
+constexpr const char* ofAnother = " BETWEEN 20000000000 AND 2000009999999999";
 
 // Whether a number is not the last one that this session took from its sequence. After a number from far ahead was
 // sealed, all others would be refused; so would they after an event of a later month.
@@ -32,6 +36,65 @@ std::string UniqueIndex(const Table& table, const std::vector<std::string>& name
     digested.push_back(store);
   }
   return "CREATE UNIQUE INDEX " + table.name + "_once ON " + table.name + " (" + Listed(digested) + ')';
+}
+
+/// The references of a table to what each store has for itself. A host of version 2 takes what another store has there.
+std::vector<std::string> NamesOfOneStore(const Table& table) {
+  std::vector<std::string> names;
+  for (const Column& column : table.columns) {
+    if (!column.refersTo.empty() && table.name != "executions" && !TableNamed(column.refersTo).uniquePerStore.empty()) {
+      names.push_back(column.name);
+    }
+  }
+  return names;
+}
+
+std::string Condition(const std::string& condition, const std::string& otherwise) {
+  return "      IF " + condition + " THEN\n        RAISE EXCEPTION '" + otherwise + "';\n      END IF;\n";
+}
+
+/// What is more to expect of a row of another store.
+std::string MoreOf(const Table& table) {
+  if (table.name == "stores") {
+    return Condition("NEW.store_id % 10000000000 <> 1", "a store has one row of its own in stores");
+  }
+  if (table.name == "ts_schema") {
+    return Condition(
+        "ABS(NEW.version) > (SELECT MAX(ABS(version)) FROM ts_schema WHERE rowid < 10000000000) OR NEW.version > "
+        "(SELECT MAX(version) FROM ts_schema WHERE rowid < 10000000000)",
+        "the other store has a later version of the schema; expected velora-ts prepare to upgrade this one first");
+  }
+  std::string more;
+  for (const Column& column : table.columns) {
+    if (!column.refersTo.empty()) {
+      more += (more.empty() ? "" : " OR ") + StoreOf("NEW." + column.name) + " <> " + StoreOf("NEW." + table.Key());
+    }
+  }
+  return more.empty() ? "" : Condition(more, "rows of " + table.name + " refer to rows of their own store");
+}
+
+/// The function of the trigger that refuses a row, unless it is the next one of another store. One program at a time
+/// adds rows of a store.
+std::string InOrder(const Table& table) {
+  const std::string key = "NEW." + table.Key();
+  const std::string store = StoreOf(key);
+  const std::string number =
+      Condition(key + " NOT" + ofAnother,
+                "rows of " + table.name +
+                    (table.hostsAdd ? " have the next number, from 1 on, and none below those that are sealed"
+                                    : " of this store are added by its owner, and numbered from 1 on"));
+  const std::string more = MoreOf(table);
+  return "CREATE FUNCTION " + table.name + "_in_order() RETURNS trigger LANGUAGE plpgsql STABLE AS $$\n    BEGIN\n" +
+         (NamesOfOneStore(table).empty() ? number + more : more + number) +
+         Condition("NOT pg_try_advisory_xact_lock((CAST(CAST(CAST('stores' AS regclass) AS oid) AS bigint) << 32) | " +
+                       store + ")",
+                   "another program is adding rows of this store") +
+         Condition("EXISTS (SELECT FROM " + table.name + " WHERE " + table.Key() + " BETWEEN " + key + " AND " + store +
+                       " * 10000000000 + 9999999999" +
+                       (table.isByMonth ? " AND " + table.Key() + " < 2000010000000000" : "") + ")",
+                   "rows of " + table.name + " of another store are only added above those that are here") +
+         "      RETURN NEW;\n    END $$;\n    ALTER FUNCTION " + table.name +
+         "_in_order() SET search_path = {schema}, pg_temp";
 }
 
 std::string Refuse(const Table& table, const std::string& trigger, const std::string& when) {
@@ -69,11 +132,19 @@ void PostgreSqlDialect::NumberRows(const Table& table) {
   if (!table.primaryKey.empty()) {
     return;
   }
+  OnServer(InOrder(table));
   const std::string key = "NEW." + table.Key();
+  const std::string isOutOfOrder = table.hostsAdd ? "CASE WHEN " + key + ofAnother + " THEN true ELSE " + key +
+                                                        " <= sealed_number('" + table.record + "') OR " +
+                                                        IsNotItsOwn(table) + " END"
+                                                  : "true";
+  std::string refersToAnother;
+  for (const std::string& column : NamesOfOneStore(table)) {
+    refersToAnother += " OR " + StoreOf("NEW." + column) + " <> " + StoreOf(key);
+  }
   Add(Refuse(table, "_in_order", "INSERT") + " FOR EACH ROW WHEN (" + key + " NOT BETWEEN 1 AND " +
-      std::to_string(highestKey) + " OR (NOT has_table_privilege(CAST('" + table.name +
-      "' AS regclass), 'DELETE') AND (" + key + " <= sealed_number('" + table.record + "') OR " + IsNotItsOwn(table) +
-      "))) EXECUTE FUNCTION refuse_row('" + table.name + "')");
+      std::to_string(highestKey) + refersToAnother + " OR NOT has_table_privilege(CAST('" + table.name +
+      "' AS regclass), 'DELETE') AND " + isOutOfOrder + ") EXECUTE FUNCTION " + table.name + "_in_order()");
 }
 
 void PostgreSqlDialect::NoteRunning() {

@@ -72,7 +72,8 @@ const char* const partitions = R"(
 namespace Version3 {
 
 // The other statements lock every table. Here the tables are locked in the order in which hosts lock them, if they have
-// one. Each wait is too short to delay hosts; after a failure, all locks are tried again.
+// one; a number of a sequence is locked like a row. Each wait is too short to delay hosts; after a failure, all locks
+// are tried again. Numbers end where those of other stores begin.
 const char* const locks = R"(
     SET LOCAL lock_timeout = '200ms';
     DO $$
@@ -84,6 +85,15 @@ const char* const locks = R"(
           LOCK TABLE activity_versions, activities IN ACCESS EXCLUSIVE MODE;
           LOCK TABLE events, parameters, executions, statuses, configurations, registrations, sessions, seals, ts_schema
             IN SHARE ROW EXCLUSIVE MODE;
+          ALTER SEQUENCE sessions_session_id_seq MAXVALUE 9999999999;
+          ALTER SEQUENCE activities_activity_id_seq MAXVALUE 9999999999;
+          ALTER SEQUENCE activity_versions_version_id_seq MAXVALUE 9999999999;
+          ALTER SEQUENCE registrations_rowid_seq MAXVALUE 9999999999;
+          ALTER SEQUENCE configurations_configuration_id_seq MAXVALUE 9999999999;
+          ALTER SEQUENCE executions_execution_id_seq MAXVALUE 9999999999;
+          ALTER SEQUENCE statuses_status_id_seq MAXVALUE 9999999999;
+          ALTER SEQUENCE seals_seal_id_seq MAXVALUE 9999999999;
+          ALTER SEQUENCE ts_schema_rowid_seq MAXVALUE 9999999999;
           RETURN;
         EXCEPTION WHEN lock_not_available THEN
           IF clock_timestamp() > patience THEN RAISE; END IF;
@@ -112,12 +122,13 @@ const char* const textDigest = R"(
     RETURN sha256(convert_to(text, 'UTF8')))";
 
 // The month in an event's key is that of the clock. If the newest seal has a later month, because the clock was ahead,
-// it is that month: an event with a key below a sealed one would look as if it had been inserted later.
+// it is that month: an event with a key below a sealed one would look as if it had been inserted later. The seals of
+// other stores do not matter.
 const char* const keys = R"(
     CREATE FUNCTION sealed_number(kind text) RETURNS bigint LANGUAGE plpgsql STABLE AS $$
     BEGIN
       RETURN (SELECT CAST(substring(up_to FROM '"' || kind || '":([0-9]{1,16})[,}]') AS bigint)
-              FROM seals ORDER BY seal_id DESC LIMIT 1);
+              FROM seals WHERE seal_id < 10000000000 ORDER BY seal_id DESC LIMIT 1);
     END $$;
     CREATE FUNCTION event_month() RETURNS bigint LANGUAGE sql
     RETURN GREATEST(CAST(to_char(clock_timestamp() AT TIME ZONE 'UTC', 'YYYYMM') AS bigint),
@@ -190,19 +201,22 @@ const char* const partitions = R"(
     ALTER FUNCTION attach_partitions(bigint) SET lock_timeout = '100ms';
     ALTER FUNCTION attach_partitions(bigint) SET default_tablespace = '')";
 
-const char* const refusals = R"(
-    CREATE FUNCTION refuse_row() RETURNS trigger LANGUAGE plpgsql AS $$
-    BEGIN
-      RAISE EXCEPTION 'rows of % have the next number, from 1 on, and none below those that are sealed', TG_ARGV[0];
-    END $$;
+// Events of another store are only ever added above those that are here. So if this transaction added the lowest event,
+// it added all.
+const char* const withEvents = R"(
     CREATE FUNCTION refuse_parameters() RETURNS trigger LANGUAGE plpgsql AS $$
     DECLARE
       lowest bigint;
       highest bigint;
     BEGIN
       SELECT MIN(event_id), MAX(event_id) INTO lowest, highest FROM added;
-      IF lowest <= sealed_number('event') OR lowest <> highest
-         OR lowest % 10000000000 <> currval('event_numbers') OR EXISTS (SELECT FROM added WHERE position < 1) THEN
+      IF (CASE WHEN lowest BETWEEN 20000000000 AND 2000009999999999 THEN
+           highest / 10000000000 <> lowest / 10000000000
+           OR NOT EXISTS (SELECT FROM events WHERE event_id = lowest AND event_id < 2000010000000000
+                          AND xmin = CAST(pg_current_xact_id() AS xid))
+         ELSE
+           lowest <= sealed_number('event') OR lowest <> highest OR lowest % 10000000000 <> currval('event_numbers')
+         END) OR EXISTS (SELECT FROM added WHERE position < 1) THEN
         RAISE EXCEPTION 'parameters are only added together with their event';
       END IF;
       RETURN NULL;
@@ -222,6 +236,17 @@ std::string NoteRunning() {
     ALTER FUNCTION note_running() SET search_path = {schema}, pg_temp)";
 }
 
+// Only for stores whose rows are here.
+const char* const noteArrival = R"(
+    CREATE FUNCTION note_arrival(bigint, bigint, text) RETURNS void LANGUAGE sql SECURITY DEFINER AS $$
+      INSERT INTO arrivals (store, at, waiting, waiting_since)
+      SELECT $1, to_char(clock_timestamp() AT TIME ZONE 'UTC', 'YYYY-MM-DD"T"HH24:MI:SS.US"Z"'), $2, $3
+      WHERE EXISTS (SELECT FROM stores WHERE store_id = $1 * 10000000000 + 1)
+      ON CONFLICT (store) DO UPDATE
+      SET at = excluded.at, waiting = excluded.waiting, waiting_since = excluded.waiting_since $$;
+    REVOKE EXECUTE ON FUNCTION note_arrival(bigint, bigint, text) FROM PUBLIC;
+    ALTER FUNCTION note_arrival(bigint, bigint, text) SET search_path = {schema}, pg_temp)";
+
 const char* const rights = R"(
     DO $$
     DECLARE
@@ -232,11 +257,13 @@ const char* const rights = R"(
                      FROM pg_class, aclexplode(relacl)
                      WHERE oid = CAST('executions' AS regclass) AND grantee <> relowner
                        AND privilege_type IN ('SELECT', 'INSERT') LOOP
-        EXECUTE 'GRANT ' || allowed.privilege || ' ON notes, session_locks TO ' || allowed.role;
+        EXECUTE 'GRANT ' || allowed.privilege || ' ON notes, stores, session_locks TO ' || allowed.role;
         IF allowed.privilege = 'SELECT' THEN
-          EXECUTE 'GRANT SELECT ON running, stores TO ' || allowed.role;
+          EXECUTE 'GRANT SELECT ON running, arrivals TO ' || allowed.role;
         ELSE
+          EXECUTE 'GRANT INSERT ON seals, ts_schema TO ' || allowed.role;
           EXECUTE 'GRANT USAGE ON SEQUENCE notes_note_id_seq TO ' || allowed.role;
+          EXECUTE 'GRANT EXECUTE ON FUNCTION note_arrival(bigint, bigint, text) TO ' || allowed.role;
         END IF;
       END LOOP;
     END $$)";

@@ -18,13 +18,14 @@ extern const char* const partitions;
 
 namespace Version3 {
 
-/// Locks the tables that the other statements change, while hosts of version 2 may record.
+/// Locks what the other statements change, while hosts of version 2 may record, and ends the numbers of its rows.
 extern const char* const locks;
 extern const char* const microseconds;
 extern const char* const textDigest;
 extern const char* const keys;
 extern const char* const partitions;
-extern const char* const refusals;
+extern const char* const withEvents;
+extern const char* const noteArrival;
 /// The function that notes which executions did not finish.
 std::string NoteRunning();
 /// Lets everybody who may read executions read the new tables, and hosts add to them. A new store has no such roles.

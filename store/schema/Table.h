@@ -46,7 +46,7 @@ struct Table {
   /// Columns whose values together are unique among the rows of one store.
   std::vector<std::vector<std::string>> uniquePerStore = {};
   std::vector<Index> indexes = {};
-  bool hostsAdd = true;    ///< Whether the role of hosts may add rows.
+  bool hostsAdd = true;    ///< Whether hosts record into it.
   bool isByMonth = false;  ///< Whether a server has a partition for each month of events.
   int since = 1;           ///< The first version of the schema that has it.
 

@@ -1,5 +1,7 @@
 #include "store/schema/Tables.h"
 
+#include "store/schema/SessionLocks.h"
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -192,7 +194,7 @@ std::vector<Table> TablesBesideEvents() {
   return tables;
 }
 
-std::vector<std::string> HostTables() {
+std::vector<std::string> RecordedByHosts() {
   std::vector<std::string> names;
   for (const Table& table : Tables()) {
     if (table.hostsAdd) {
@@ -201,5 +203,15 @@ std::vector<std::string> HostTables() {
   }
   return names;
 }
+
+std::vector<std::string> HostTables() {
+  std::vector<std::string> names = {SessionLocks().name};
+  for (const Table& table : Tables()) {
+    names.push_back(table.name);
+  }
+  return names;
+}
+
+std::vector<std::string> HostFunctions() { return {"make_partitions()", "note_arrival(bigint, bigint, text)"}; }
 
 }  // namespace Velora::Store

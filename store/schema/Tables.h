@@ -18,10 +18,13 @@ std::vector<Table> TablesOf(int version);
 /// All tables except events and parameters, which are copied together.
 std::vector<Table> TablesBesideEvents();
 
-/// The names of the tables into which hosts insert rows.
+/// The names of the tables into which hosts record.
+std::vector<std::string> RecordedByHosts();
+
+/// The names of the tables into which the role of hosts may insert rows: it may also forward the rows of other stores.
 std::vector<std::string> HostTables();
 
-/// The function that hosts call with the rights of the store's owner.
-inline constexpr const char* hostFunctions = "make_partitions()";
+/// The functions that hosts call with the rights of the store's owner.
+std::vector<std::string> HostFunctions();
 
 }  // namespace Velora::Store

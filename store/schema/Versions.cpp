@@ -1,5 +1,6 @@
 #include "store/schema/Versions.h"
 
+#include "store/schema/Arrivals.h"
 #include "store/schema/PostgreSqlDialect.h"
 #include "store/schema/ServerStatements.h"
 #include "store/schema/SessionLocks.h"
@@ -46,19 +47,24 @@ void Third(Dialect& to) {
   }
   to.OnServer(Server::Version3::keys);
   to.OnServer(Server::Version3::partitions);
-  to.OnServer(Server::Version3::refusals);
+  to.OnServer(Server::Version3::withEvents);
   to.Make(TableNamed("notes"));
   to.KeepRows(TableNamed("notes"));
   to.Make(TableNamed("stores"));
   to.KeepRows(TableNamed("stores"));
   for (const Table& table : TablesOf(3)) {
     to.NumberRows(table);
+    if (table.since == 3) {
+      to.OnServer("ALTER SEQUENCE " + table.name + '_' + table.Key() + "_seq MAXVALUE 9999999999");
+    }
   }
   for (const Table& table : TablesOf(3)) {
     to.MakeIndexes(table, 3);
   }
   to.NoteRunning();
   to.Make(SessionLocks());
+  to.Make(Arrivals());
+  to.OnServer(Server::Version3::noteArrival);
   to.OnServer(Server::Version3::rights);
   to.Replace(Views::Unfinished());
 }

@@ -2,6 +2,7 @@
 
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
+#include "store/schema/Arrivals.h"
 #include "store/schema/SessionLocks.h"
 #include "store/schema/Tables.h"
 
@@ -17,11 +18,16 @@ std::string Names() {
   }
   recorded.emplace_back("running");
   recorded.push_back(SessionLocks().name);
-  std::vector<std::string> ofHosts = HostTables();
-  ofHosts.push_back(SessionLocks().name);
-  const auto list = [](const std::string& names) { return "string_to_array('" + names + "', ', ')"; };
-  return "WITH names (recorded, host_tables, host_functions) AS (VALUES (" + list(Listed(recorded)) + ", " +
-         list(Listed(ofHosts)) + ", " + list(hostFunctions) + ")),";
+  recorded.push_back(Arrivals().name);
+  const auto list = [](const std::vector<std::string>& names) {
+    std::vector<std::string> quoted;
+    for (const std::string& name : names) {
+      quoted.push_back('\'' + name + '\'');
+    }
+    return "ARRAY[" + Listed(quoted) + ']';
+  };
+  return "WITH names (recorded, host_tables, host_functions) AS (VALUES (" + list(recorded) + ", " +
+         list(HostTables()) + ", " + list(HostFunctions()) + ")),";
 }
 
 // All rights that are granted on the objects of a store, and whether hosts need them. Views of the owner, in any
@@ -54,7 +60,7 @@ constexpr const char* rights = R"(
              CASE WHEN prorettype = CAST('trigger' AS regtype)
                        AND NOT (pronamespace = schema AND proname = 'note_running')
                   THEN acldefault('f', proowner) ELSE COALESCE(proacl, acldefault('f', proowner)) END,
-             proname || '(' || pg_get_function_arguments(f.oid) || ')' = ANY (host_functions)
+             proname || '(' || oidvectortypes(proargtypes) || ')' = ANY (host_functions)
              AND pronamespace IN (SELECT relnamespace FROM pg_class WHERE relname = 'ts_schema')
       FROM names, store JOIN pg_proc f ON prosecdef AND (pronamespace = schema OR proowner = owner)
       WHERE NOT EXISTS (SELECT FROM pg_depend WHERE objid = f.oid AND deptype = 'e')),

@@ -181,6 +181,60 @@ TEST_F(Facility, AHostsRoleSlipsNothingUnderASeal) {
   EXPECT_EQ(Shell("'" VELORA_TS "' seal && '" VELORA_TS "' verify"), 0) << said;
 }
 
+// The role may forward: it adds rows of another store behind those that are there, and none of this store that hosts do
+// not record.
+TEST_F(Facility, AHostsRoleForwardsAndChangesNothingOfWhatArrived) {
+  Sql("CREATE ROLE host LOGIN");
+  Configure("dbname=postgres");
+  EXPECT_EQ(Shell("'" VELORA_TS "' prepare --hosts host"), 0) << said;
+  const std::string host = "dbname=postgres user=host";
+  const std::string portion =
+      "INSERT INTO stores VALUES (20000000001, 'two', '', NULL, NULL); INSERT INTO ts_schema VALUES (20000000001, -3, "
+      "''); INSERT INTO sessions VALUES (20000000001, 's', '', '', '', '', '', ''), (30000000001, 't', '', '', '', '', "
+      "'', ''); INSERT INTO activities VALUES (20000000001, 'a', 'same', ''), (30000000001, 'a', 'same', ''); INSERT "
+      "INTO activity_versions VALUES (20000000001, 'v', 20000000001, '', '', ''); INSERT INTO executions VALUES "
+      "(20000000001, 'x', NULL, 20000000001, 20000000001, 20000000001, '', '', 5, ''); INSERT INTO seals VALUES "
+      "(20000000001, NULL, '', '{\"event\":9007199254740992}', '', '', '', 3, '', ''); INSERT INTO events VALUES "
+      "(20000000002, 20000000001, NULL, NULL, '', ''), (20000000003, 20000000001, NULL, NULL, '', ''); INSERT INTO "
+      "parameters VALUES (20000000002, 1, '', 'int', NULL, 1), (20000000003, 1, '', 'int', NULL, 1); SELECT "
+      "note_arrival(2, 1, NULL), note_arrival(9, 1, NULL)";
+  EXPECT_EQ(ErrorOf([&] { Sql(portion, host); }), "");
+  EXPECT_EQ(Sql("SELECT string_agg(CAST(store AS text), ' ') FROM arrivals"), "2");
+  const std::string status = "INSERT INTO statuses VALUES (", event = "INSERT INTO events VALUES (";
+  struct Row {
+    std::string statement, refused;
+  };
+  const Row rows[] = {
+      {"INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 3, '', '')", "added by its owner"},
+      {"INSERT INTO stores (guid, made_at) VALUES ('mine', '')", "added by its owner"},
+      {"INSERT INTO ts_schema (version, created_at) VALUES (9, '')", "added by its owner"},
+      {"INSERT INTO ts_schema VALUES (20000000002, 9, '')", "a later version"},
+      {"INSERT INTO ts_schema VALUES (20000000002, -4, '')", "a later version"},
+      {"INSERT INTO stores VALUES (30000000002, 'three', '', NULL, NULL)", "one row of its own"},
+      {event + "20000000001, 20000000001, NULL, NULL, '', '')", "only added above"},
+      {event + "20000000004, 30000000001, NULL, NULL, '', '')", "rows of their own store"},
+      {status + "20000000001, 20000000001, 30000000001, 4, '')", "rows of their own store"},
+      {status + "10000000001, 20000000001, 20000000001, 4, '')", "currval"},
+      {status + "2000010000000001, 20000000001, 20000000001, 4, '')", "currval"},
+      {"INSERT INTO parameters VALUES (20000000003, 2, '', 'int', NULL, 1)", "together with their event"},
+      {"BEGIN; " + event +
+           "20000000004, 20000000001, NULL, NULL, '', ''); INSERT INTO parameters VALUES (20000000004, "
+           "1, '', 'int', NULL, 1), (20000000003, 2, '', 'int', NULL, 1)",
+       "together with their event"},
+      {"INSERT INTO activity_versions (guid, activity_id, name, version, description) VALUES ('o', 20000000001, '', "
+       "'', '')",
+       "rows of their own store"},
+  };
+  for (const Row& row : rows) {
+    const std::string error = ErrorOf([&] { Sql(row.statement, host); });
+    EXPECT_NE(error.find(row.refused), std::string::npos) << row.statement << '\n' << error;
+  }
+  Configure(host);
+  Begin();
+  Record("of this store", 1);  // the seal of the other one covers none of its numbers
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM events WHERE event_id >= 2000010000000000"), "1");
+}
+
 // The server's clock was a month ahead when an event was saved and sealed; the next ones were honest.
 TEST_F(Facility, ASealOfAClockThatWasAheadMakesNoLaterEventLookSlippedIn) {
   Configure("dbname=postgres");
