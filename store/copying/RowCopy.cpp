@@ -29,13 +29,13 @@ std::string RowsBetween(const Table& table) {
 
 }  // namespace
 
-void VisitRows(const Reader& store, const Keys& keys, const RowVisitor& visit) {
+void VisitRows(const Reader& store, const Keys& keys, const RowVisitor& visit, long long shift) {
   std::string bytes;
   for (const Table& table : Tables()) {
     Rows rows(store, RowsBetween(table));
     for (rows.Ask(keys.before, keys.last); rows.Next();) {
       bytes.clear();
-      AppendRow(bytes, rows, table, 0);
+      AppendRow(bytes, rows, table, shift);
       visit(table, bytes);
     }
   }

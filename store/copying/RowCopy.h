@@ -34,7 +34,8 @@ struct Keys {
 };
 
 /// Reads the rows with these keys.
-void VisitRows(const Reader& store, const Keys& keys, const RowVisitor& visit);
+/// @param shift is added to the keys that are visited.
+void VisitRows(const Reader& store, const Keys& keys, const RowVisitor& visit, long long shift = 0);
 
 /// Copies the rows of a store in the order of their keys, behind those that are already in the target.
 class RowCopy {

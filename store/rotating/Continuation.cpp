@@ -18,8 +18,9 @@ namespace Velora::Store {
 namespace {
 
 /// The row of a store in its own table.
-std::string OwnRow(const Reader& store) {
-  return " FROM " + TableIn(store, TableNamed("stores")) + " s WHERE store_id = " + std::to_string(thisStore);
+std::string RowOf(const Reader& store, long long origin) {
+  return " FROM " + TableIn(store, TableNamed("stores")) +
+         " s WHERE store_id = " + std::to_string(ShiftOf(origin) + thisStore);
 }
 
 bool IsSqlite(const std::filesystem::path& file) {
@@ -33,7 +34,7 @@ bool IsSqlite(const std::filesystem::path& file) {
 bool Has(const std::string& file, const std::string& guid) {
   try {
     const Reader store({Database::Kind::Sqlite, file});
-    Rows own(store, "SELECT guid" + OwnRow(store));
+    Rows own(store, "SELECT guid" + RowOf(store, thisStore));
     return own.Next() && own.Text(0) == guid;
   } catch (const Error&) {
     return false;
@@ -42,19 +43,19 @@ bool Has(const std::string& file, const std::string& guid) {
 
 }  // namespace
 
-Continued EndOf(const Reader& store) {
-  Rows end(store, "SELECT s.guid, (SELECT seal_hash FROM seals WHERE " + IsOfStore("seal_id", thisStore) +
-                      " ORDER BY seal_id DESC LIMIT 1)" + OwnRow(store));
+Continued EndOf(const Reader& store, long long origin) {
+  Rows end(store, "SELECT s.guid, (SELECT seal_hash FROM " + TableIn(store, TableNamed("seals")) + " WHERE " +
+                      IsOfStore("seal_id", origin) + " ORDER BY seal_id DESC LIMIT 1)" + RowOf(store, origin));
   end.Next();
   return {std::string(end.Text(0)), std::string(end.Text(1))};
 }
 
-std::optional<Continued> PreviousOf(const Reader& store) {
-  Rows own(store, "SELECT previous_guid, previous_hash" + OwnRow(store));
-  if (!own.Next() || own.IsNull(0)) {
+std::optional<Continued> PreviousOf(const Reader& store, long long origin) {
+  Rows row(store, "SELECT previous_guid, previous_hash" + RowOf(store, origin));
+  if (!row.Next() || row.IsNull(0)) {
     return std::nullopt;
   }
-  return Continued{std::string(own.Text(0)), std::string(own.Text(1))};
+  return Continued{std::string(row.Text(0)), std::string(row.Text(1))};
 }
 
 std::string FileBeside(const std::string& file, const std::string& guid) {
@@ -68,6 +69,32 @@ std::string FileBeside(const std::string& file, const std::string& guid) {
     }
   }
   return "";
+}
+
+Link LinkOf(const Reader& store, long long origin) {
+  const std::optional<Continued> previous = PreviousOf(store, origin);
+  if (!previous) {
+    return {""};
+  }
+  const std::string name = "the store " + previous->guid;
+  const auto compare = [&](const Reader& where, long long number) -> Link {
+    return EndOf(where, number).hash == previous->hash
+               ? Link{name + " in '" + where.Name() + "' from its newest seal"}
+               : Link{name, "it continues " + name + " in '" + where.Name() + "' from a seal with the hash " +
+                                previous->hash + ", but the newest seal there is another one"};
+  };
+  Rows here(store, "SELECT store_id FROM stores WHERE guid = ?1");
+  if (here.Ask(previous->guid).Next()) {
+    const long long number = StoreOf(here.Integer(0));
+    Rows seal(store, "SELECT 1 FROM seals WHERE seal_hash = ?1 AND " + IsOfStore("seal_id", number));
+    return seal.Ask(previous->hash).Next()
+               ? compare(store, number)
+               : Link{name, "", "the seal from which it continues " + name + ": it has not come from the old file"};
+  }
+  const bool isFile = store.Where().kind == Database::Kind::Sqlite;
+  const std::string file = isFile ? FileBeside(store.Where().where, previous->guid) : "";
+  return file.empty() ? Link{name + ", which is not here, from its seal with the hash " + previous->hash}
+                      : compare(Reader({Database::Kind::Sqlite, file}), thisStore);
 }
 
 }  // namespace Velora::Store

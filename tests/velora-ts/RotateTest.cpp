@@ -48,6 +48,23 @@ TEST_F(Rotate, LeavesTheOldFileWholeAndBeginsANewOne) {
   EXPECT_TRUE(Says("grid 7") && !Says("grid.mdoc")) << said;
 }
 
+TEST_F(Rotate, LeadsTheChainOnFromTheOldFile) {
+  EXPECT_EQ(Tool("seal --anchor anchor"), 0) << said;
+  EXPECT_EQ(Shell(host + "; velora-ts rotate --to old.db --anchor anchor"), 0) << said;
+  EXPECT_EQ(Shell("velora-ts verify --with old.db --anchor anchor; cp anchor end; velora-ts verify --anchor anchor"),
+            4);
+  EXPECT_TRUE(Says("continues the store ") && Says("old.db' from its newest seal\n")) << said;
+  EXPECT_EQ(Shell(host + "; velora-ts seal --anchor anchor && velora-ts verify --anchor anchor --anchor end"), 0)
+      << said;
+  EXPECT_EQ(
+      Shell("cp old.db other.db && chmod u+w other.db && rm -f old.db && velora-ts note last more --with other.db "
+            "--author Anna && velora-ts seal --with other.db && velora-ts verify --anchor anchor"),
+      1);
+  EXPECT_TRUE(Says("finding: it continues the store ") && Says(" but the newest seal there is another one")) << said;
+  EXPECT_EQ(Shell("rm other.db && velora-ts verify --anchor anchor"), 0) << said;
+  EXPECT_TRUE(Says(", which is not here, from its seal with the hash ")) << said;
+}
+
 TEST_F(Rotate, CanBeKilledOrFailAtAnyCall) {
   SKIP_UNDER_WINE("nothing can be preloaded into a Windows program");
   EXPECT_EQ(Shell("mkdir first; sqlite3 ts.db \"INSERT INTO events VALUES (9, 1, 1, NULL, 'in the log', '')\" "
@@ -111,7 +128,7 @@ TEST_F(Rotate, RefusesWhileAnybodyUsesTheFile) {
   } rows[] = {
       {"(echo 'BEGIN; SELECT 1 FROM events;'; sleep 8) | sqlite3 ts.db & sleep 0.5", "", 3,
        "is in use; expected that no host"},
-      {"'" RECORDING_HOST "' . host 100 > told & until [ -s told ]; do sleep 0.01; done", "", 3,
+      {"'" RECORDING_HOST "' . host 100 > told & until [ $(wc -l < told) -ge 20 ]; do sleep 0.01; done", "", 3,
        "is in use by the host of '"},
       {": > there.db", "--to there.db", 3, "there is a file '"},
       {": > new.db-wal", "--to new.db", 3, "new.db-wal' already"},

@@ -1,6 +1,8 @@
 #include "verbs/Anchor.h"
 
 #include "output/FreshFile.h"
+#include "store/rotating/Continuation.h"
+#include "store/schema/BringUp.h"
 #include "store/settings/WholeFile.h"
 
 #include "store/Error.h"
@@ -53,6 +55,10 @@ void WriteAnchor(const std::string& file, const Anchor& anchor) {
 std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store, long long origin) {
   if (anchor.number == 0) {
     return anchor.hash == noHash ? "" : "the anchor has a hash for seal 0, but the first seal is seal 1";
+  }
+  const std::optional<Continued> previous = PreviousOf(store, origin);
+  if (previous && previous->hash == anchor.hash) {
+    return "";  // the chain leads on from there
   }
   const std::string name = "seal " + std::to_string(anchor.number);
   SealRows seals(store, origin, anchor.number - 1, anchor.number);

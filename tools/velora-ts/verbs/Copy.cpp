@@ -1,78 +1,21 @@
 #include "output/Output.h"
-#include "output/Progress.h"
 #include "store/copying/StoreCopy.h"
 #include "store/reading/Reader.h"
 #include "store/reading/SettledReader.h"
-#include "store/record/Sha256.h"
-#include "store/schema/Tables.h"
 #include "store/settings/Settings.h"
 #include "store/soundness/Soundness.h"
+#include "verbs/StoreContent.h"
 #include "verbs/Verb.h"
 
 #include "store/Error.h"
 
-#include <map>
-#include <optional>
 #include <string_view>
-#include <utility>
 
 namespace Velora::Ts {
 
 using namespace Store;
 
 namespace {
-
-/// The rows of a table: how many, and the hash of them all in their order.
-struct TableContent {
-  long long rows = 0;
-  std::string hash;
-
-  bool operator==(const TableContent&) const = default;
-};
-
-using Content = std::map<std::string, TableContent>;
-
-/// Computes the content of a store from its rows, and shows how far it is.
-class ContentReader {
- public:
-  explicit ContentReader(std::string doing) : doing(std::move(doing)) {}
-
-  void Add(const Table& table, std::string_view row) {
-    if (table.name != current) {
-      progress.emplace(doing + ' ' + table.name, 0);
-      current = table.name;
-    }
-    Rows& rows = tables[table.name];
-    ++rows.count;
-    rows.sha.Add(row);
-    progress->Add(1);
-  }
-  Content Finish() {
-    Content content;
-    for (const Table& table : Tables()) {
-      Rows& rows = tables[table.name];
-      content[table.name] = {rows.count, rows.sha.Finish()};
-    }
-    return content;
-  }
-
- private:
-  struct Rows {
-    long long count = 0;
-    Sha256 sha;
-  };
-
-  const std::string doing;
-  std::string current;
-  std::optional<Progress> progress;
-  std::map<std::string, Rows> tables;
-};
-
-Content ContentOf(const Reader& store, const Keys& keys) {
-  ContentReader content("Comparing");
-  VisitRows(store, keys, [&](const Table& table, std::string_view row) { content.Add(table, row); });
-  return content.Finish();
-}
 
 class CopyVerb : public Verb {
  public:

@@ -11,6 +11,7 @@
 #include "store/rotating/NewStore.h"
 #include "store/schema/StoreNumbers.h"
 #include "store/values/StoredTime.h"
+#include "verbs/AtFacility.h"
 #include "verbs/Sealing.h"
 #include "verbs/StoreVerb.h"
 
@@ -74,9 +75,9 @@ bool IsEmpty(const Reader& store) {
 class Rotation {
  public:
   Rotation(const std::string& file, const std::string& aside) : database{Database::Kind::Sqlite, file}, aside(aside) {
-    for (const char* const end : {"", "-wal", "-shm", "-journal"}) {
-      if (Exists(aside + end)) {
-        throw Error("there is a file '" + aside + end + "' already; expected another name after --to");
+    for (const char* const suffix : {"", "-wal", "-shm", "-journal"}) {
+      if (Exists(aside + suffix)) {
+        throw Error("there is a file '" + aside + suffix + "' already; expected another name after --to");
       }
     }
   }
@@ -100,11 +101,12 @@ class Rotation {
   void ChangeNames() {
     const std::string& file = database.where;
     FreshFile fresh("file '" + file + "'", file, ownerAndGroup);
-    end = EndOf(Reader(database));
+    end = EndOf(Reader(database), thisStore);
     MakeStore(fresh.Path(), end);
     std::string doing = "expected its owner or root: the new file cannot get the rights of '" + file + "'";
     try {
       System::MakeLike(fresh.Path(), file);
+      ExpectNoHost(Reader(database));  // which can name it; else it would only be found that the file is in use
       std::optional<HeldFile> held(std::in_place, file);
       ExpectNothingNew();
       doing = "file '" + aside + "' cannot be made";
@@ -156,10 +158,10 @@ void MakeReadOnly(const std::string& file) {
 /// If a rotation was interrupted between the two names, the file still has both.
 void TakeSecondNameAway(const std::string& file) {
   std::error_code unknown;
-  if (std::filesystem::hard_link_count(System::PathOf(file), unknown) < 2 || unknown) {
+  const System::FileId id = System::IdOf(file);
+  if (id == System::FileId()) {
     return;
   }
-  const System::FileId id = System::IdOf(file);
   for (const auto& one : std::filesystem::directory_iterator(System::PathOf(file).parent_path(), unknown)) {
     const std::string name = System::TextOf(one.path());
     if (name != file && !one.is_symlink(unknown) && System::IdOf(name) == id && !Exists(name + "-wal")) {
@@ -171,16 +173,16 @@ void TakeSecondNameAway(const std::string& file) {
 }
 
 /// If a rotation was interrupted after the names had changed, the old file can still be written.
-/// @return whether that was so.
-bool FinishEarlier(const Reader& store, const std::string& file) {
-  const std::optional<Continued> previous = PreviousOf(store);
+/// @return the old file if that was so; else an empty text.
+std::string FinishEarlier(const Reader& store, const std::string& file) {
+  const std::optional<Continued> previous = PreviousOf(store, thisStore);
   const std::string old = previous ? FileBeside(file, previous->guid) : "";
   if (old.empty() || System::IsReadOnly(old)) {
-    return false;
+    return "";
   }
   MakeReadOnly(old);
   Say("'" + old + "' is read-only now; the rotation to '" + file + "' had been interrupted before that");
-  return true;
+  return old;
 }
 
 class RotateVerb : public StoreVerb {
@@ -189,9 +191,22 @@ class RotateVerb : public StoreVerb {
     options.AddText("--to", aside, "The other name of the file. Default: that of the store with the date of today",
                     "FILE");
     options.AddText("--anchor", anchorFile, "Write the newest hash to this file, as seal does", "FILE");
+    options.AddText("--check", checked,
+                    "Do not rotate. Send what the facility, which TSAL.config names, does not have yet of this file, "
+                    "compare all of it, and say whether the facility has everything",
+                    "FILE");
+    options.Exclude("--check", "--to");
+    options.Exclude("--check", "--anchor");
   }
 
   ExitCode Execute() override {
+    const std::optional<Store::Database> facility = ReadFacility(Folder());
+    if (!checked.empty()) {
+      if (!facility) {
+        throw NotOffered("TSAL.config names no facility; expected <Forward Connection=\"...\"/> in it");
+      }
+      return SendAndCompare(StoreAt(checked), *facility);
+    }
     const Store::Database database = Database();
     if (database.kind != Database::Kind::Sqlite) {
       throw NotOffered(
@@ -203,15 +218,17 @@ class RotateVerb : public StoreVerb {
     {
       const Reader store({Database::Kind::Sqlite, file});
       ExpectNoHost(store);
-      if (FinishEarlier(store, file)) {
-        return Done;
+      if (const std::string old = FinishEarlier(store, file); !old.empty()) {
+        return facility ? CheckAfter(old, *facility) : Done;
       }
       if (IsEmpty(store)) {
         Say("nothing was recorded into '" + file + "' yet, so it stays");
         return Done;
       }
     }
-    return Rotate(file, aside.empty() ? NameOfToday(file) : System::Absolute(aside));
+    const std::string to = aside.empty() ? NameOfToday(file) : System::Absolute(aside);
+    const ExitCode code = Rotate(file, to);
+    return code == Done && facility ? CheckAfter(to, *facility) : code;
   }
 
  private:
@@ -227,7 +244,18 @@ class RotateVerb : public StoreVerb {
     return Done;
   }
 
-  std::string aside, anchorFile;
+  // The rotation is done. What the facility does not have can be sent at any time: the file stays.
+  static ExitCode CheckAfter(const std::string& to, const Store::Database& facility) {
+    try {
+      return SendAndCompare({Database::Kind::Sqlite, to}, facility);
+    } catch (const Error& error) {
+      Complain(std::string(error.what()) + "; so it is not known whether the facility has everything. Run velora-ts " +
+               "rotate --check '" + to + "' before the file is taken away");
+      return Unsealed;
+    }
+  }
+
+  std::string aside, anchorFile, checked;
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "store/record/Seals.h"
 #include "store/record/Sha256.h"
 #include "store/record/Unsealed.h"
+#include "store/rotating/Continuation.h"
 #include "store/soundness/Origins.h"
 #include "store/soundness/Soundness.h"
 #include "verbs/Anchor.h"
@@ -87,6 +88,7 @@ class Verifier {
       Report(chain.Add(seals.Current()));
     }
     outcome.seals += chain.seals;
+    CheckLink(LinkOf(store, origin));
   }
 
   /// Computes the hash of what each seal covers again.
@@ -129,6 +131,16 @@ class Verifier {
   }
 
  private:
+  void CheckLink(const Link& link) {
+    if (!link.finding.empty()) {
+      Report({link.finding});
+    } else if (!link.notCompared.empty()) {
+      outcome.NoteWhatIsNotCompared(where + link.notCompared);
+    } else if (!link.words.empty()) {
+      Say(where + "continues " + link.words);
+    }
+  }
+
   void Report(const std::vector<std::string>& lines) { outcome.Report(lines, where); }
 
   void NotSealed(const std::string& what) {
