@@ -131,22 +131,28 @@ TEST_F(Console, AnOutputThatNobodyReadsEndsItQuietly) {
   CloseHandle(writing);
 }
 
-TEST_F(Console, ControlCEndsTailQuietly) {
-  const auto lines = Shown([&](HANDLE screen) {
-    const HANDLE tail = Start(L"tail", screen);
-    const auto isFollowing = [screen] {
-      CONSOLE_SCREEN_BUFFER_INFO info{};
-      return GetConsoleScreenBufferInfo(screen, &info) != 0 && info.dwCursorPosition.Y > 0;
-    };
-    while (!isFollowing() && WaitForSingleObject(tail, 10) == WAIT_TIMEOUT) {
-    }
-    SetConsoleCtrlHandler(nullptr, TRUE);  // for this process alone: the other one is there already
-    GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
-    EXPECT_EQ(CodeOf(tail), 130U);
-    SetConsoleCtrlHandler(nullptr, FALSE);
-  });
-  ASSERT_EQ(lines.size(), 2);  // of one text, which is wider than the screen
-  EXPECT_TRUE(lines[0].starts_with(L"following run "));
+TEST_F(Console, ControlCEndsWhatFollows) {
+  folder.Write(
+      "TSAL.config",
+      "<TSAL><Database Backend='sqlite3' Connection='ts.db'/><Forward Connection='host=127.0.0.1 port=1'/></TSAL>");
+  for (const auto& [verb, code, firstWords] :
+       {std::tuple(L"tail", 130U, L"following run "), {L"forward --follow", 0U, L"forwarding from "}}) {
+    const auto lines = Shown([&, verb = verb, code = code](HANDLE screen) {
+      const HANDLE process = Start(verb, screen);
+      const auto isFollowing = [screen] {
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        return GetConsoleScreenBufferInfo(screen, &info) != 0 && info.dwCursorPosition.Y > 0;
+      };
+      while (!isFollowing() && WaitForSingleObject(process, 10) == WAIT_TIMEOUT) {
+      }
+      SetConsoleCtrlHandler(nullptr, TRUE);  // for this process alone: the other one is there already
+      GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0);
+      EXPECT_EQ(CodeOf(process), code);
+      SetConsoleCtrlHandler(nullptr, FALSE);
+    });
+    ASSERT_GE(lines.size(), 2);  // of one text at least, which is wider than the screen
+    EXPECT_TRUE(lines[0].starts_with(firstWords));
+  }
 }
 
 }  // namespace

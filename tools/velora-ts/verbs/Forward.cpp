@@ -112,11 +112,12 @@ class Notes {
 class Follower {
  public:
   Follower(const Database& store, const Database& facility)
-      : forwarder(store, facility), notes(store, facility), written(store.where) {}
+      : store(NameOf(store)), forwarder(store, facility), notes(store, facility), written(store.where) {}
 
   /// @throws Refused
   void Run() {
     const System::EndRequest end;
+    Complain("forwarding from '" + store + "' to '" + notes.State().facility + "'; Ctrl-C ends it");
     for (Pause pause = 0ms; !end.Await(pause);) {
       pause = again || written.IsDue() ? Send() : betweenLooks;
     }
@@ -170,6 +171,7 @@ class Follower {
     }
   }
 
+  const std::string store;
   Forwarder forwarder;
   Notes notes;
   Written written;
@@ -219,7 +221,6 @@ class ForwardVerb : public StoreVerb {
     }
     try {
       if (follow) {
-        Complain("forwarding from '" + NameOf(store) + "' to '" + NameOf(*facility) + "'; Ctrl-C ends it");
         Follower(store, *facility).Run();
       } else {
         SendOnce(store, *facility);
