@@ -82,6 +82,7 @@ class HostCheck {
 
   std::string ReadSettings() {
     outcome.settings = Store::ReadSettings(folder);
+    outcome.folder = folder;
     return "TSAL.config: instrument '" + outcome.settings->instrument + "'";
   }
 

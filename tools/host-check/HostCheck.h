@@ -38,6 +38,7 @@ struct HostOutcome {
   bool records = true;                      ///< Whether a host would record.
   bool hasStore = false;                    ///< Whether the store exists.
   std::optional<Store::Settings> settings;  ///< What TSAL.config says; empty if a host cannot read it.
+  std::string folder;                       ///< The folder in which that is.
 };
 
 /// Does what the start of a host does, step by step, and undoes it: no store is made or upgraded, and no file is left.

@@ -7,11 +7,13 @@
 #include "store/reading/Unfinished.h"
 #include "store/record/Records.h"
 #include "store/soundness/Soundness.h"
+#include "verbs/ForwardingWords.h"
 #include "verbs/Mistakes.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/Error.h"
 
+#include <optional>
 #include <string>
 
 namespace Velora::Ts {
@@ -67,8 +69,24 @@ bool SayWhatIsThere(const Store::Database& database) {
   for (const std::string& mistake : LikelyMistakes(store)) {
     Say("warning: " + mistake);
   }
+  for (const std::string& contact : ContactsInWords(store)) {
+    Say(contact);
+  }
   store.ExpectUntouched();
   return findings.wrong.empty();
+}
+
+/// A facility that cannot be used prevents no host from recording.
+void SayForwarding(const Store::Database& store, const std::string& folder) {
+  try {
+    if (const std::optional<Store::Database> facility = ReadFacility(folder)) {
+      for (const std::string& line : ForwardingInWords(store, *facility)) {
+        Say(line);
+      }
+    }
+  } catch (const Error& error) {
+    Say(std::string("warning: ") + error.what());
+  }
 }
 
 class CheckVerb : public StoreVerb {
@@ -100,6 +118,9 @@ class CheckVerb : public StoreVerb {
       if (host.records) {
         throw;
       }
+    }
+    if (host.settings) {
+      SayForwarding(host.settings->database, host.folder);
     }
     return host.records && isSound ? Done : Found;
   }

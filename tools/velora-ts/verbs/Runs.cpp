@@ -12,6 +12,7 @@
 #include "store/reading/Rows.h"
 #include "store/values/RecordedText.h"
 #include "verbs/AbsentNames.h"
+#include "verbs/ForwardingWords.h"
 #include "verbs/ListedRuns.h"
 #include "verbs/StoreVerb.h"
 #include "verbs/TimeArgument.h"
@@ -127,6 +128,9 @@ class RunsVerb : public StoreVerb {
     FlushOut();
     if (runs.IsCut()) {
       Complain("only the newest " + std::to_string(ListedRuns::usualLimit) + " are listed; --limit changes that");
+    }
+    for (const std::string& silence : SilenceInWords(store, filter.instrument)) {
+      Complain(silence);
     }
     store.ExpectUntouched();
     ExitCode result = Done;
