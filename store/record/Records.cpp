@@ -1,6 +1,5 @@
 #include "store/record/Records.h"
 
-#include "store/reading/KnownStores.h"
 #include "store/reading/Notes.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Reader.h"
@@ -88,6 +87,20 @@ EventRows EventsWhere(const Reader& store, const std::string& condition) {
   return {store, FormOf(Events).columns, TableOf(Events).name + " v", condition};
 }
 
+bool IsOnServer(const Reader& store) { return store.Where().kind == Database::Kind::PostgreSql; }
+
+/// The events of an execution, ?1, with keys above one, ?2, and up to another, ?3. A server does not conclude from the
+/// keys of events in which months the parameters are. SQLite could begin with the parameters if it were told.
+EventRows EventsOfExecution(const Reader& store) {
+  const std::string ofEvent = "p.event_id = v.event_id";
+  return {store,
+          FormOf(Events).columns,
+          TableOf(Events).name + " v",
+          "v.execution_id = ?1 AND v.event_id > ?2 AND v.event_id <= ?3",
+          "v.event_id",
+          IsOnServer(store) ? ofEvent + " AND p.event_id > ?2 AND p.event_id <= ?3" : ofEvent};
+}
+
 std::string Member(const char* name, const Rows& value) {
   std::string member = std::string(",\"") + name + "\":";
   value.AppendValue(member, 0);
@@ -143,7 +156,7 @@ Records::Records(const Reader& store, long long origin, const Numbers& upTo, Sin
       statuses(
           Question(store, Statuses, "execution_id = ?1 AND status_id > ?2 AND status_id <= ?3 ORDER BY status_id")),
       notes(Question(store, Notes, "root_id = ?1 AND note_id > ?2 AND note_id <= ?3 ORDER BY note_id")),
-      events(EventsWhere(store, "v.execution_id = ?1 AND v.event_id > ?2 AND v.event_id <= ?3")) {}
+      events(EventsOfExecution(store)) {}
 
 void Records::WriteRun(long long root, const Numbers& since) {
   Rows guid(store, "SELECT guid FROM executions WHERE execution_id = ?1");
@@ -162,7 +175,7 @@ void Records::WriteRun(long long root, const Numbers& since) {
 void Records::WriteExecutions(long long root, const Numbers& since) {
   const long long after = KeyAfter(Executions, since);
   const long long afterStatus = KeyAfter(Statuses, since), upToStatus = KeyUpTo(Statuses);
-  const long long afterEvent = KeyAfter(Events, since), upToEvent = KeyUpTo(Events);
+  const auto [afterEvent, upToEvent] = EventKeys(root, since);
   for (executions.Ask(root, KeyUpTo(Executions)); executions.Next();) {
     const long long execution = executions.Integer(0);
     if (execution > after) {
@@ -192,6 +205,22 @@ void Records::WriteRest(const Numbers& since) {
 }
 
 void Records::BeginEventsOfNoRun() { BeginPart(Header("rest") + '}', true); }
+
+// For each execution anew, a server plans a question for the partition of every month in the range. Planning takes
+// longer than the answer when there are years of them.
+KeyRange Records::EventKeys(long long root, const Numbers& since) const {
+  const KeyRange all{KeyAfter(Events, since), KeyUpTo(Events)};
+  if (origin != thisStore || !IsOnServer(store)) {
+    return all;
+  }
+  const std::string ofExecution =
+      "(SELECT event_id FROM events WHERE execution_id = x.execution_id AND event_id > ?2 AND event_id <= ?3 "
+      "ORDER BY event_id";
+  Rows ends(store, "SELECT MIN(" + ofExecution + " LIMIT 1)), MAX(" + ofExecution +
+                       " DESC LIMIT 1)) FROM executions x WHERE root_id = ?1");
+  ends.Ask(root, all.after, all.upTo).Next();
+  return ends.IsNull(0) ? KeyRange{all.after, all.after} : KeyRange{ends.Integer(0) - 1, ends.Integer(1)};
+}
 
 // The keys of an execution and of what belongs to it are of the same store, so that no key between two of one store is
 // that of a row of another.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "store/reading/EventRows.h"
+#include "store/reading/KnownStores.h"
 #include "store/schema/StoreNumbers.h"
 #include "store/schema/Table.h"
 
@@ -107,6 +108,8 @@ class Records {
   void AppendParameter(const Rows& parameters);
 
   void WriteExecutions(long long root, const Numbers& since);
+  /// The keys of the events of a run: more of a range than the numbers say, so that a server looks into few months.
+  KeyRange EventKeys(long long root, const Numbers& since) const;
   long long KeyUpTo(Kind kind) const;
   long long KeyAfter(Kind kind, const Numbers& since) const;
 
