@@ -163,6 +163,15 @@ TEST_F(OnServer, ACopyIsWholeOrNotThereAndHasWhatGuardsIt) {
     EXPECT_EQ(Tool("verify --config " + target), 4) << said;
   }
   recordMore(70000, 90000);
+  Sql("CREATE ROLE host LOGIN PASSWORD 'secret'");
+  EXPECT_EQ(Tool("prepare --hosts host --config server"), 0) << said;
+  LookAt("dbname=postgres user=host");  // a role of hosts may go on, beside hosts
+  Begin("server");
+  std::thread beside([] {
+    for (int run = 0; run < 20; ++run) {
+      RecordHostileRun("beside");
+    }
+  });
   for (const std::string target : {"server", "back"}) {
     int interrupted = 0;
     const std::string copy = "copy file " + target;
@@ -172,6 +181,11 @@ TEST_F(OnServer, ACopyIsWholeOrNotThereAndHasWhatGuardsIt) {
     EXPECT_GT(interrupted, 0);
     EXPECT_EQ(Tool(copy), 0) << said;
     EXPECT_TRUE(Says("compared: 1 executions, 79994 events, 80016 parameters")) << said;
+  }
+  beside.join();
+  LookAt("dbname=postgres");
+  EXPECT_EQ(Sql("SELECT COUNT(*) FROM executions WHERE execution_id < 10000000000"), "20");
+  for (const std::string target : {"server", "back"}) {
     EXPECT_EQ(Tool("verify --config " + target), 4) << said;
   }
 }
