@@ -1,6 +1,7 @@
 // A new file takes the place of the file of a store, whatever happens meanwhile.
 
 #include "ToolTest.h"
+#include "postgresql/Server.h"
 
 #include <csignal>
 
@@ -145,6 +146,43 @@ TEST_F(Rotate, RefusesWhileAnybodyUsesTheFile) {
     EXPECT_EQ(Shell("ls | grep -E 'part|ts-'; stat -c %h ts.db"), 0);
     EXPECT_EQ(said, "1\n") << before;
   }
+}
+
+/// An instrument in the folder "scope", whose records a facility gets.
+class RotateBesideFacility : public WithTool<PostgreSql> {
+ protected:
+  RotateBesideFacility() {
+    const std::string database = "<Database Backend='postgresql' Connection='dbname=postgres'/>";
+    create_directory(folder / "scope");
+    create_directory(folder / "server");
+    WriteHostFiles(folder, "scope/");
+    folder.Write(
+        "scope/TSAL.config",
+        "<TSAL><Database Backend='sqlite3' Connection='ts.db'/><Forward Connection='dbname=postgres'/></TSAL>");
+    folder.Write("server/TSAL.config", "<TSAL>" + database + "</TSAL>");
+    EXPECT_EQ(Shell("velora-ts prepare --config server && cd scope && " + host), 0) << said;
+  }
+
+  const Server server{folder / "of the server", underWine ? FreePort() : ""};
+};
+
+TEST_F(RotateBesideFacility, SaysWhetherTheFacilityHasEverything) {
+  EXPECT_EQ(Shell("cd scope; velora-ts forward --follow 2>/dev/null & forwarder=$!; " + host +
+                  "; velora-ts rotate --to old.db; code=$?; " + host +
+                  "; sleep 3; kill $forwarder; wait $forwarder; exit $code"),
+            0)
+      << said;
+  EXPECT_TRUE(Says("has all ") && Says(" rows of '") && Says("scope/old.db', compared value by value")) << said;
+  EXPECT_EQ(Sql("SELECT COUNT(*) || ' ' || COUNT(DISTINCT execution_id / 10000000000) FROM executions"), "3 2");
+  EXPECT_EQ(Tool("verify --config server"), 4);  // the new file is not sealed yet
+  EXPECT_TRUE(Says("continues the store ") && Says(" from its newest seal") && Says(": 0 findings, ")) << said;
+  EXPECT_EQ(Tool("rotate --check scope/old.db --config scope"), 0) << said;
+  Sql("SET session_replication_role = replica; UPDATE statuses SET at = '' WHERE status_id = 20000000001");
+  EXPECT_EQ(Tool("rotate --check scope/old.db --config scope"), 1);
+  EXPECT_TRUE(Says("finding: what '") && Says("differs from the file; keep the file")) << said;
+  EXPECT_EQ(Shell("cd scope; sed -i s/dbname=postgres/dbname=nowhere/ TSAL.config; velora-ts rotate --to next.db"), 4);
+  EXPECT_TRUE(Says("so it is not known whether the facility has everything") && Says("rotate --check '")) << said;
+  EXPECT_EQ(Shell("find scope/next.db -not -perm /222 | grep next"), 0);
 }
 
 }  // namespace
