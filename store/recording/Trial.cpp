@@ -3,6 +3,7 @@
 #include "store/recording/SessionRow.h"
 #include "store/recording/SqliteFiles.h"
 #include "store/recording/Writer.h"
+#include "store/schema/StoreNumbers.h"
 #include "store/schema/Versions.h"
 #include "store/values/Guid.h"
 #include "store/values/StoredTime.h"
@@ -38,7 +39,8 @@ Trial TryIn(Writer& store, const Settings& settings) {
   const int version = store.BringUpWithin();
   store.MakeRoom();
   const auto newest = store.Sql().Find<std::optional<std::string>>(
-      "SELECT MAX(began_at) FROM (SELECT began_at FROM sessions ORDER BY session_id DESC LIMIT 1000) AS newest");
+      "SELECT MAX(began_at) FROM (SELECT began_at FROM sessions WHERE " + IsOwn("session_id") +
+      " ORDER BY session_id DESC LIMIT 1000) AS newest");
   Trial trial{version, "a record was saved and undone", newest.value().value_or("")};
   EventRow event;
   event.session = InsertSession(store, NewGuid(), settings.instrument, {});

@@ -23,7 +23,7 @@ constexpr const char* missingPartitions = R"(
     WITH keys (newest, sealed, now) AS (
       SELECT (SELECT COALESCE(MAX(event_id), 0) FROM events) / 10000000000,
              (SELECT CAST(substring(up_to FROM '"event":([0-9]{1,16})[,}]') AS bigint) FROM seals
-              ORDER BY seal_id DESC LIMIT 1) / 10000000000,
+              WHERE seal_id < 10000000000 ORDER BY seal_id DESC LIMIT 1) / 10000000000,
              CAST(to_char(now() AT TIME ZONE 'UTC', 'YYYYMM') AS bigint)),
     counted (newest, present) AS (
       SELECT newest / 100 * 12 + newest % 100 - 1, GREATEST(sealed, now) / 100 * 12 + GREATEST(sealed, now) % 100 - 1
