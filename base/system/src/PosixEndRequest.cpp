@@ -45,7 +45,7 @@ EndRequest::EndRequest() : place(std::make_unique<Place>()) {
 
 EndRequest::~EndRequest() {
   for (const int signal : asking) {
-    std::signal(signal, SIG_DFL);
+    static_cast<void>(std::signal(signal, SIG_DFL));
   }
   close(place->pipe[0]);
   close(place->pipe[1]);
