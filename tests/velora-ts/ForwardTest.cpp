@@ -145,6 +145,8 @@ TEST_F(Forwarding, NeedsAFacility) {
     EXPECT_FALSE(Says("guess")) << said;
     EXPECT_EQ(Says("warning: " + (code == 3 ? "" : words)), code == 3) << said;
   }
+  EXPECT_EQ(Tool("forward --config instrument --with facility"), 2) << said;
+  EXPECT_TRUE(Says("' is a store on a server; expected one in a file")) << said;
 }
 
 }  // namespace

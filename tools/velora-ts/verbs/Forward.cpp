@@ -215,6 +215,9 @@ class ForwardVerb : public StoreVerb {
 
   ExitCode Execute() override {
     const Store::Database store = Database();
+    if (store.kind != Store::Database::Kind::Sqlite) {
+      throw NotOffered("'" + NameOf(store) + "' is a store on a server; expected one in a file");
+    }
     const std::optional<Store::Database> facility = ReadFacility(Folder());
     if (!facility) {
       throw NotOffered("TSAL.config names no facility; expected <Forward Connection=\"...\"/> in it");
