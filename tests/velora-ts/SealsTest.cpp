@@ -107,13 +107,14 @@ constexpr const char* everyColumn =
     "WHEN 'TEXT' THEN 'COALESCE(' || c.name || ', '''') || ''x''' ELSE c.name || ' + 1' END || ' WHERE ' || "
     "CASE t.name WHEN 'parameters' THEN 'event_id = 4 AND position = 1' ELSE 'rowid = 2' END "
     "FROM sqlite_master t JOIN pragma_table_info(t.name) c WHERE t.type = 'table' AND t.name NOT IN ('running', "
-    "'session_locks') AND c.pk = 0";
+    "'session_locks', 'arrivals') AND c.pk = 0";
 /// Inserts a row into every table, below the numbers that seals cover.
 constexpr const char* everyTable =
     "SELECT t.name, 'INSERT INTO ' || t.name || ' (rowid, ' || group_concat(c.name) || ') SELECT "
     "-9223372036854775808, ' || group_concat(c.name || iif(c.name IN ('guid', 'name'), ' || ''x''', '')) || ' FROM ' "
     "|| t.name || ' WHERE rowid = 2' FROM sqlite_master t JOIN pragma_table_info(t.name) c "
-    "WHERE t.type = 'table' AND t.name NOT IN ('parameters', 'running', 'session_locks') AND c.pk = 0 GROUP BY t.name";
+    "WHERE t.type = 'table' AND t.name NOT IN ('parameters', 'running', 'session_locks', 'arrivals') AND c.pk = 0 "
+    "GROUP BY t.name";
 
 // What is only added under a new number looks as if a host had recorded it, and is found as not sealed.
 constexpr const char* unsealedRest = "not sealed: what belongs to no run";
@@ -447,7 +448,8 @@ TEST_F(SealsAtTheFacility, EveryAlterationOfWhatAnotherStoreRecordedIsFound) {
     return "SELECT t.name, 'UPDATE ' || t.name || ' SET ' || k || ' = ' || k || ' " + to +
            "' || ' WHERE ' || k || ' = 20000000002' FROM (SELECT name, CASE name WHEN 'parameters' THEN 'event_id' "
            "ELSE "
-           "'rowid' END AS k FROM sqlite_master WHERE type = 'table' AND name NOT IN ('running', 'session_locks')) t";
+           "'rowid' END AS k FROM sqlite_master WHERE type = 'table' AND name NOT IN ('running', 'session_locks', "
+           "'arrivals')) t";
   };
   const std::filesystem::path sealed = folder / "sealed-there.db";
   std::vector<Alteration> all = Made(sealed, everyColumnThere, "finding: ");
