@@ -59,4 +59,9 @@ std::vector<KeyRange> KeysOf(long long store, long long after, long long upTo) {
   return ranges;
 }
 
+KeyRange KeysBeside(long long key) {
+  const std::vector<KeyRange> keys = KeysOf(StoreOf(key));
+  return {keys.front().after, keys.back().upTo};
+}
+
 }  // namespace Velora::Store

@@ -41,4 +41,8 @@ struct KeyRange {
 std::vector<KeyRange> KeysOf(long long store, long long after = std::numeric_limits<long long>::min(),
                              long long upTo = std::numeric_limits<long long>::max());
 
+/// One range with all keys of the store that a row with this key is from. A question about a run of another store that
+/// is limited to them keeps a server from planning for every month of its own events.
+KeyRange KeysBeside(long long key);
+
 }  // namespace Velora::Store

@@ -98,11 +98,12 @@ std::string ShortGuid(const Reader& store, const std::string& guid) {
 LastRecords::LastRecords(const Reader& store)
     : rows(store,
            "SELECT MAX((SELECT at FROM statuses WHERE execution_id = x.execution_id ORDER BY status_id DESC LIMIT 1)), "
-           "MAX((SELECT at FROM events WHERE execution_id = x.execution_id ORDER BY event_id DESC LIMIT 1)) "
-           "FROM executions x WHERE x.root_id = ?1") {}
+           "MAX((SELECT at FROM events WHERE execution_id = x.execution_id AND event_id > ?2 AND event_id <= ?3 "
+           "ORDER BY event_id DESC LIMIT 1)) FROM executions x WHERE x.root_id = ?1") {}
 
 std::string LastRecords::Of(const Run& run) {
-  rows.Ask(run.root).Next();
+  const auto [after, upTo] = KeysBeside(run.root);
+  rows.Ask(run.root, after, upTo).Next();
   return std::string(std::max(rows.Text(0), rows.Text(1)));
 }
 

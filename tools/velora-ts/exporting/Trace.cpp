@@ -4,6 +4,7 @@
 #include "output/Words.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/Executions.h"
+#include "store/reading/KnownStores.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Rows.h"
 #include "store/values/Json.h"
@@ -31,7 +32,8 @@ class Trace {
       : store(store),
         step(step),
         executions(QueryExecutions(store, "WHERE e.root_id = ?1 ORDER BY e.execution_id")),
-        events(store, eventColumns, "events v", "v.execution_id = ?1") {}
+        events(store, eventColumns, "events v", "v.execution_id = ?1 AND v.event_id > ?2 AND v.event_id <= ?3",
+               "v.event_id", "p.event_id = v.event_id AND p.event_id > ?2 AND p.event_id <= ?3") {}
 
   void Write(const Selection& selection) {
     start = StartOf(selection);
@@ -89,6 +91,7 @@ class Trace {
     ++process;
     Add("\"ph\":\"M\",\"name\":\"process_name\",", ForExecutions, 0,
         "\"name\":" + Quoted(Readable(run.node) + ' ' + run.guid));
+    const auto [after, upTo] = KeysBeside(run.root);
     std::string last;  // when the run was recorded last
     for (executions.Ask(run.root); executions.Next();) {
       const Execution one = ExecutionAt(executions);
@@ -101,7 +104,7 @@ class Trace {
           ",\"cat\":\"execution\",\"id\":\"" + std::to_string(one.key) + "\",\"name\":" + name + ',';
       const long long begin = Since(one.startedAt);
       Add("\"ph\":\"b\"" + members, ForExecutions, begin, JsonMembers(one) + ",\"state\":" + Quoted(StateInWords(one)));
-      WriteEvents(events.Ask(one.key), one.node);
+      WriteEvents(events.Ask(one.key, after, upTo), one.node);
       Add("\"ph\":\"e\"" + members, ForExecutions, std::max(begin, Since(finished ? one.statusAt : last)), "");
     }
   }
