@@ -19,7 +19,7 @@
 /// A recording-host in a process of its own, and what it tells through a pipe.
 class Host {
  public:
-  /// @param mode "on" for one that goes on after errors; null for one that ends.
+  /// @param mode "on" for one that goes on after errors, "calm" for one that pauses too; null for one that ends.
   Host(const std::filesystem::path& folder, const std::string& name, int seconds, const char* mode = nullptr) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0 || (process = fork()) < 0) {

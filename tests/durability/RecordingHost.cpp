@@ -1,8 +1,9 @@
-// recording-host FOLDER NAME SECONDS [on]: records at full speed for that long, and writes to standard output a line
+// recording-host FOLDER NAME SECONDS [on|calm]: records at full speed for that long, and writes to standard output a
+// line
 // "?RECORD" before each record that it saves, a line "!" once that is acknowledged, and at the end a line
 // "=LONGEST USED": the seconds that its longest call took, and those of processor time that all took. With "on" it goes
 // on after an error, for which it writes "-ERROR": with the same record, or if the store lacks what was recorded before
-// it, with another session.
+// it, with another session. With "calm" it also pauses after each record.
 
 #include "Recording.h"
 
@@ -47,6 +48,7 @@ int main(int count, char** arguments) {
   try {
     std::optional<Recording> recording(Begin(arguments[1], arguments[2]));
     int sessions = 1;
+    const bool isCalm = count == 5 && std::string_view(arguments[4]) == "calm";
     Clock::duration longest{};
     const std::clock_t used = std::clock();
     for (Clock::time_point start = Clock::now(); start < end;) {
@@ -61,6 +63,9 @@ int main(int count, char** arguments) {
           recording.emplace(Begin(arguments[1], arguments[2] + ("." + std::to_string(++sessions))));
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      }
+      if (isCalm) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
       }
       const Clock::time_point now = Clock::now();
       longest = std::max(longest, now - std::exchange(start, now));

@@ -110,10 +110,14 @@ class Proxy {
     }
   }
   void Accept() {
-    const int host = accept(listener, nullptr, nullptr);
-    const int there = socket(AF_UNIX, SOCK_STREAM, 0);
+    const int host = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    const int there = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     const sockaddr_un address = AddressIn(server);
-    Expect(connect(there, reinterpret_cast<const sockaddr*>(&address), sizeof address));
+    if (connect(there, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+      close(host);
+      close(there);
+      return;
+    }
     connections[host] = {there, true};
     connections[there] = {host, false};
   }
@@ -162,7 +166,7 @@ class Proxy {
   }
 
   std::filesystem::path server;
-  const int listener = socket(AF_UNIX, SOCK_STREAM, 0);
+  const int listener = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
   static constexpr std::string_view readyForStatements{"Z\0\0\0\5I", 6};
   std::map<int, Connection> connections;  // both ends of each
   std::map<int, bool> loggedIn;           // by the end at the host, as below
