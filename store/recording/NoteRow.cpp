@@ -8,8 +8,9 @@ namespace Velora::Store {
 
 void AddNote(Writer& store, const NoteRow& note) {
   Transaction transaction(store);
-  store.Sql().Run("INSERT INTO notes (root_id, author, kind, text, at) VALUES (?1, ?2, ?3, ?4, ?5)", note.root,
-                  ToStoredText(note.author), note.kind, ToStoredText(note.text), ToStoredTime(Now()));
+  const long long key = store.NextKey("notes", "note_id");
+  store.Sql().Run("INSERT INTO notes (note_id, root_id, author, kind, text, at) VALUES (?1, ?2, ?3, ?4, ?5, ?6)", key,
+                  note.root, ToStoredText(note.author), note.kind, ToStoredText(note.text), ToStoredTime(Now()));
   transaction.Commit();
 }
 

@@ -10,6 +10,7 @@ namespace Velora::Store {
 
 long long InsertSession(Writer& store, const std::string& guid, const std::string& instrument,
                         const std::array<std::string, 3>& texts) {
+  store.ExpectToBeRecordedInto();
   return store.Sql()
       .Find<long long>(
           "INSERT INTO sessions (guid, instrument, host, began_at, text1, text2, text3) "

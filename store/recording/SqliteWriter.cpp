@@ -2,6 +2,7 @@
 
 #include "store/schema/BringUp.h"
 #include "store/schema/SessionLocks.h"
+#include "store/schema/StoreNumbers.h"
 
 #include <VeloraSystem/Path.h>
 #include <VeloraSystem/RegularFile.h>
@@ -176,7 +177,17 @@ void SqliteWriter::HoldLock(long long session) {
 }
 
 long long SqliteWriter::NextKey(const std::string& table, const std::string& column) {
-  return connection.Find<long long>("SELECT COALESCE(MAX(" + column + "), 0) + 1 FROM " + table).value();
+  return connection
+      .Find<long long>("SELECT COALESCE(MAX(" + column + "), 0) + 1 FROM " + table + " WHERE " + IsOwn(column))
+      .value();
+}
+
+// SQLite would number the rows of a host behind those of the last store that was taken in.
+void SqliteWriter::ExpectToBeRecordedInto() {
+  if (connection.Find<long long>("SELECT COALESCE(MAX(store_id), 0) FROM stores").value() >= numbersOfAStore) {
+    throw Error("TS database '" + Name() +
+                "' holds the records of other stores, and is for reading; expected a file of its own");
+  }
 }
 
 void SqliteWriter::Insert(const EventRow& event) {

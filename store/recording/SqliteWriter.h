@@ -22,6 +22,7 @@ class SqliteWriter : public Writer {
   void Begin() override;
   void Commit() override;
   void Rollback() override;
+  void ExpectToBeRecordedInto() override;
   long long NextKey(const std::string& table, const std::string& column) override;
   void HoldActivities() override {}  // a transaction holds the whole file
   void HoldSeals() override {}

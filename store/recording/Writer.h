@@ -41,7 +41,10 @@ class Writer {
   virtual void Begin() = 0;
   virtual void Commit() = 0;
   virtual void Rollback() { Sql().RunScript("ROLLBACK"); }
-  /// The key of the next row of a table, within the transaction that adds the row.
+  /// Refuses hosts in a store that can only be read, filled, sealed and given notes.
+  /// @throws Error that says so.
+  virtual void ExpectToBeRecordedInto() {}
+  /// The key of the next row of this store in a table, within the transaction that adds the row.
   virtual long long NextKey(const std::string& table, const std::string& column) = 0;
   /// Keeps others from adding activities and versions until the transaction ends.
   virtual void HoldActivities() = 0;

@@ -9,9 +9,9 @@ namespace Velora::Store {
 
 class Connection;
 
-/// A query for the two numbers of a StoreVersion.
+/// A query for the two numbers of a StoreVersion. The versions of other stores do not matter.
 inline constexpr const char* askVersion =
-    "SELECT COALESCE(MAX(ABS(version)), 0), COALESCE(MAX(version), 0) FROM ts_schema";
+    "SELECT COALESCE(MAX(ABS(version)), 0), COALESCE(MAX(version), 0) FROM ts_schema WHERE rowid < 10000000000";
 
 StoreVersion VersionOf(Connection& store);
 

@@ -81,14 +81,20 @@ void SqliteDialect::AddTrigger(const Table& table, const std::string& action, co
       table.name + " are only ever added'); END");
 }
 
-// Checked after the insertion, because SQLite can choose the key during it. Only a position can be another type than a
-// whole number.
+// Checked after the insertion, because SQLite can choose the key during it: behind the rows of another store, if there
+// are any. A copy of a server continues the numbers of its events. Only a position can be another type than a whole
+// number.
 void SqliteDialect::NumberRows(const Table& table) {
   const std::string number = "NEW." + table.Number();
-  const std::string highest = std::to_string(highestKey);
+  const std::string highest = std::to_string(numbersOfAStore - 1);
+  const std::string ofAServer =
+      table.isByMonth && table.primaryKey.empty()
+          ? " AND " + number + " NOT BETWEEN " + std::to_string(firstMonthlyKey) + " AND " + std::to_string(highestKey)
+          : "";
   Add("CREATE TRIGGER " + table.name + "_numbers AFTER INSERT ON " + table.name + " WHEN " + number +
-      " NOT BETWEEN 1 AND " + highest + " OR typeof(" + number + ") <> 'integer' BEGIN SELECT RAISE(ABORT, 'rows of " +
-      table.name + " are numbered from 1 to " + highest + "'); END");
+      " NOT BETWEEN 1 AND " + highest + ofAServer + " OR typeof(" + number +
+      ") <> 'integer' BEGIN SELECT RAISE(ABORT, 'rows of " + table.name + " are numbered from 1 to " + highest +
+      "'); END");
 }
 
 void SqliteDialect::NoteRunning() {

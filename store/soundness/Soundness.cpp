@@ -4,6 +4,7 @@
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
 #include "store/reading/Unfinished.h"
+#include "store/schema/StoreNumbers.h"
 #include "store/schema/Tables.h"
 #include "store/schema/Versions.h"
 #include "store/soundness/PostgreSqlSoundness.h"
@@ -42,6 +43,15 @@ std::string WrongNumbers(const Table& table) {
   const auto wrong = [](const std::string& key) { return key + " < 1 OR " + key + " > " + std::to_string(highestKey); };
   return "SELECT " + table.Key() + " FROM " + table.name + " WHERE " + wrong(table.Key()) +
          (table.primaryKey.empty() ? "" : " OR " + wrong(table.Number()));
+}
+
+/// A query for the rows of a store that `stores` does not name, and for those that no store has.
+std::string RowsOfNoStore(const Table& table) {
+  const std::string shift = std::to_string(numbersOfAStore), key = "x." + table.Key();
+  return "SELECT " + key + " FROM " + table.name + " x WHERE " + key + " BETWEEN " + shift + " AND " +
+         std::to_string(firstMonthlyKey - 1) + " AND (" + key + " % " + shift + " = 0 OR " + key + " < " +
+         std::to_string(2 * numbersOfAStore) + " OR NOT EXISTS (SELECT 1 FROM stores WHERE store_id = " + key + " / " +
+         shift + " * " + shift + " + 1))";
 }
 
 bool IsOnServer(const Reader& store) { return store.Where().kind == Database::Kind::PostgreSql; }
@@ -85,6 +95,12 @@ std::vector<std::string> ValueFindings(const Reader& store) {
     for (Rows rows(store, WrongNumbers(table)); rows.Next();) {
       findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name + " is not numbered from 1 to " +
                          std::to_string(highestKey));
+    }
+    if (table.primaryKey.empty() && store.SchemaVersion() >= TableNamed("stores").since) {
+      for (Rows rows(store, RowsOfNoStore(table)); rows.Next();) {
+        findings.push_back("row " + std::string(rows.Text(0)) + " of " + table.name +
+                           " is from a store that is not in stores");
+      }
     }
     if (IsOnServer(store)) {
       continue;  // which keeps no other types

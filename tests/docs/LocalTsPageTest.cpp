@@ -183,7 +183,7 @@ void Add(Velora::Store::Connection& sql, const std::string& run) {
       "INSERT INTO notes (root_id, author, kind, text, at) VALUES (1, 'Anna', 'cause', 'cryo ran dry', 'now')");
   sql.RunScript("INSERT INTO seals VALUES (1, '" + run + "', 'now', '', '', '', '', 2, '', '')");
   sql.RunScript("INSERT INTO sessions VALUES (2, 'second', 'Scope', '', '2026-11-25', '', '', '')");
-  sql.RunScript("INSERT INTO stores VALUES (30000000001, 'second', '2026-11-25', 'first', '')");
+  sql.RunScript("INSERT INTO stores VALUES (2, 'second', '2026-11-25', 'first', '')");
   sql.RunScript("INSERT INTO configurations VALUES (2, 'second', 2, '2027', '', '', '', '', '', '', '', '', '')");
 }
 

@@ -24,7 +24,7 @@ struct Look {
 
 const Look looks[] = {
     {"show last", 0, "run +0ecba827[^]*"},
-    {"check", 0, "[^]*\nlast: run 0ecba827[^]*"},
+    {"check", 1, "[^]*holds the records of other stores, and is for reading[^]*\nlast: run 0ecba827[^]*"},
     {"runs", 0, "run [^]*\n0ecba827[^]*\n2 of 0ec[^]*UNFINISHED[^]*"},
     {"show '2 of 0ec'", 0, "[^]*recorded in the store of veldmar-pc; its host holds no lock here[^]*"},
     {"show grid.mdoc", 1, "several runs match[^]*\nrun 2 of 0ec[^]*\nrun 0ecba827[^]*"},

@@ -79,7 +79,7 @@ TEST_F(OnServer, ACopyThereAndBackIsTheSameRecordAndGoesOn) {
     EXPECT_EQ(Tool(exportAll + name), 0);
     EXPECT_TRUE(said == recorded) << said;
     EXPECT_EQ(Tool("verify --anchor anchor --config " + name), 4) << said;
-    EXPECT_EQ(Tool("check --config " + name), 0) << said;
+    EXPECT_EQ(Tool("check --config " + name), name == "back" ? 1 : 0) << "a file with two stores: " << said;
     EXPECT_EQ(Tool("runs --unfinished --json --config " + name), 0) << said;
     EXPECT_TRUE(Says("\"status\":4")) << said;
   }
