@@ -101,7 +101,7 @@ KnownServers ServersOf(PGconn* connection) {
   }
   const std::string& wanted = options["target_session_attrs"];
   known.wanted = wanted == "prefer-standby" ? std::vector<std::string>{"standby", "any"} : std::vector{wanted};
-  known.timeout = std::chrono::seconds(std::atoi(options["connect_timeout"].c_str()));
+  known.timeout = std::chrono::seconds(std::strtol(options["connect_timeout"].c_str(), nullptr, 10));
   return known;
 }
 
