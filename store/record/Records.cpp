@@ -1,5 +1,6 @@
 #include "store/record/Records.h"
 
+#include "store/reading/EventKeys.h"
 #include "store/reading/Notes.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Reader.h"
@@ -206,20 +207,8 @@ void Records::WriteRest(const Numbers& since) {
 
 void Records::BeginEventsOfNoRun() { BeginPart(Header("rest") + '}', true); }
 
-// For each execution anew, a server plans a question for the partition of every month in the range. Planning takes
-// longer than the answer when there are years of them.
 KeyRange Records::EventKeys(long long root, const Numbers& since) const {
-  const KeyRange all{KeyAfter(Events, since), KeyUpTo(Events)};
-  if (origin != thisStore || !IsOnServer(store)) {
-    return all;
-  }
-  const std::string ofExecution =
-      "(SELECT event_id FROM events WHERE execution_id = x.execution_id AND event_id > ?2 AND event_id <= ?3 "
-      "ORDER BY event_id";
-  Rows ends(store, "SELECT MIN(" + ofExecution + " LIMIT 1)), MAX(" + ofExecution +
-                       " DESC LIMIT 1)) FROM executions x WHERE root_id = ?1");
-  ends.Ask(root, all.after, all.upTo).Next();
-  return ends.IsNull(0) ? KeyRange{all.after, all.after} : KeyRange{ends.Integer(0) - 1, ends.Integer(1)};
+  return EventKeysOf(store, root, {KeyAfter(Events, since), KeyUpTo(Events)});
 }
 
 // The keys of an execution and of what belongs to it are of the same store, so that no key between two of one store is

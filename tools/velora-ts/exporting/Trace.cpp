@@ -2,9 +2,9 @@
 #include "exporting/Writers.h"
 #include "output/Output.h"
 #include "output/Words.h"
+#include "store/reading/EventKeys.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/Executions.h"
-#include "store/reading/KnownStores.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Rows.h"
 #include "store/values/Json.h"
@@ -91,7 +91,7 @@ class Trace {
     ++process;
     Add("\"ph\":\"M\",\"name\":\"process_name\",", ForExecutions, 0,
         "\"name\":" + Quoted(Readable(run.node) + ' ' + run.guid));
-    const auto [after, upTo] = KeysBeside(run.root);
+    const auto [after, upTo] = EventKeysOf(store, run.root);
     std::string last;  // when the run was recorded last
     for (executions.Ask(run.root); executions.Next();) {
       const Execution one = ExecutionAt(executions);

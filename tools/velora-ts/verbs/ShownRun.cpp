@@ -9,11 +9,11 @@
 #include "output/TextTable.h"
 #include "output/Times.h"
 #include "output/Words.h"
+#include "store/reading/EventKeys.h"
 #include "store/reading/EventRows.h"
 #include "store/reading/ExecutionPath.h"
 #include "store/reading/Executions.h"
 #include "store/reading/Hosts.h"
-#include "store/reading/KnownStores.h"
 #include "store/reading/Notes.h"
 #include "store/reading/ParameterValue.h"
 #include "store/reading/Rows.h"
@@ -41,9 +41,9 @@ std::string IndentOf(int depth) {
   return depth > deepestIndent ? blanks + std::to_string(depth) + ": " : blanks;
 }
 
-/// A further condition for the events and parameters of a run, which are from the same store.
-std::string OfTheSameStore(const Run& run) {
-  const auto [after, upTo] = KeysBeside(run.root);
+/// A further condition for the events and parameters of a run, which a server needs not to look into every month.
+std::string AmongItsKeys(const Store::Reader& store, const Run& run) {
+  const auto [after, upTo] = EventKeysOf(store, run.root);
   const std::string range = "event_id > " + std::to_string(after) + " AND ";
   const std::string end = "event_id <= " + std::to_string(upTo);
   return " AND v." + range + "v." + end + " AND p." + range + "p." + end;
@@ -62,11 +62,11 @@ class ShownRun {
         parameters(store,
                    "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM events v "
                    "JOIN parameters p ON p.event_id = v.event_id WHERE v.execution_id = ?1" +
-                       OfTheSameStore(this->run) + " ORDER BY v.event_id, p.position LIMIT ?2"),
+                       AmongItsKeys(store, this->run) + " ORDER BY v.event_id, p.position LIMIT ?2"),
         picked(store,
                "SELECT p.position, p.name, p.kind, p.value_text, p.value_number, p.event_id FROM events v "
                "JOIN parameters p ON p.event_id = v.event_id WHERE v.execution_id = ?1 AND p.name = ?2" +
-                   OfTheSameStore(this->run) + " ORDER BY v.event_id DESC, p.position DESC LIMIT 1"),
+                   AmongItsKeys(store, this->run) + " ORDER BY v.event_id DESC, p.position DESC LIMIT 1"),
         notes(QueryNotes(store)),
         hosts(store),
         order(store, Store::ToStoredText(options.order)) {
