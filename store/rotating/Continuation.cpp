@@ -63,7 +63,7 @@ std::string FileBeside(const std::string& file, const std::string& guid) {
   for (std::filesystem::directory_iterator one(System::PathOf(file).parent_path(), ended), end; !ended && one != end;
        one.increment(ended)) {
     std::error_code unknown;
-    const std::string path = System::TextOf(one->path());
+    std::string path = System::TextOf(one->path());
     if (path != file && one->is_regular_file(unknown) && IsSqlite(one->path()) && Has(path, guid)) {
       return path;
     }

@@ -24,9 +24,9 @@ bool IsFailing(const char* name) {
   }
   const std::string told = "stopped at " + std::string(name) + '\n';
   static_cast<void>(write(STDERR_FILENO, told.data(), told.size()));
-  const int signal = std::atoi(by);
+  const int signal = std::stoi(by);
   if (signal != 0) {
-    std::raise(signal);
+    static_cast<void>(std::raise(signal));
     return false;
   }
   errno = ENOSPC;

@@ -164,7 +164,8 @@ void TakeSecondNameAway(const std::string& file) {
   }
   for (const auto& one : std::filesystem::directory_iterator(System::PathOf(file).parent_path(), unknown)) {
     const std::string name = System::TextOf(one.path());
-    if (name != file && !one.is_symlink(unknown) && System::IdOf(name) == id && !Exists(name + "-wal")) {
+    if (name != file && !one.is_symlink(unknown) && System::IdOf(name) == id &&
+        !Exists(std::string(name).append("-wal"))) {
       std::filesystem::remove(one.path());
       Say("took the second name '" + name + "' away from '" + file + "', as a rotation that was interrupted left it");
       return;
@@ -176,7 +177,7 @@ void TakeSecondNameAway(const std::string& file) {
 /// @return the old file if that was so; else an empty text.
 std::string FinishEarlier(const Reader& store, const std::string& file) {
   const std::optional<Continued> previous = PreviousOf(store, thisStore);
-  const std::string old = previous ? FileBeside(file, previous->guid) : "";
+  std::string old = previous ? FileBeside(file, previous->guid) : "";
   if (old.empty() || System::IsReadOnly(old)) {
     return "";
   }
