@@ -28,12 +28,12 @@ bool HasContacts(const Reader& store) {
       .value();
 }
 
-/// An expression for whether the lock of the store a.store is held (store/transfer/TakenStore.h).
+/// An expression for whether the lock of the store heard.store is held (store/transfer/TakenStore.h).
 std::string IsLocked(const Reader& store) {
   return store.Where().kind == Database::Kind::Sqlite
              ? "0"
              : "(SELECT COUNT(*) FROM pg_locks WHERE locktype = 'advisory' AND classid = CAST(CAST('stores' AS "
-               "regclass) AS oid) AND CAST(objid AS bigint) = a.store AND objsubid = 1 AND database = (SELECT oid "
+               "regclass) AS oid) AND CAST(objid AS bigint) = heard.store AND objsubid = 1 AND database = (SELECT oid "
                "FROM pg_database WHERE datname = current_database()))";
 }
 
@@ -48,13 +48,14 @@ std::vector<Contact> Contacts(const Reader& store) {
   }
   const std::string size = std::to_string(numbersOfAStore);
   const std::string now = NowThere(store);
-  Rows rows(store, "SELECT s.guid, COALESCE((SELECT instrument FROM sessions WHERE session_id BETWEEN a.store * " +
-                       size + " AND a.store * " + size + " + " + size +
-                       " - 1 ORDER BY session_id DESC LIMIT 1), ''), a.at, " +
-                       "a.waiting, COALESCE(a.waiting_since, ''), " + IsLocked(store) +
-                       ", (SELECT COUNT(*) FROM stores WHERE previous_guid = s.guid) FROM arrivals a JOIN stores s ON "
-                       "s.store_id = a.store * " +
-                       size + " + 1 ORDER BY a.store");
+  Rows rows(store,
+            "SELECT s.guid, COALESCE((SELECT instrument FROM sessions WHERE session_id BETWEEN heard.store * " + size +
+                " AND heard.store * " + size + " + " + size +
+                " - 1 ORDER BY session_id DESC LIMIT 1), ''), heard.at, " +
+                "heard.waiting, COALESCE(heard.waiting_since, ''), " + IsLocked(store) +
+                ", (SELECT COUNT(*) FROM stores WHERE previous_guid = s.guid) FROM arrivals heard JOIN stores s ON "
+                "s.store_id = heard.store * " +
+                size + " + 1 ORDER BY heard.store");
   rows.Ask();
   while (rows.Next()) {
     Contact one;
