@@ -155,13 +155,15 @@ void MakeReadOnly(const std::string& file) {
   }
 }
 
-/// If a rotation was interrupted between the two names, the file still has both.
+/// If a rotation was interrupted between the two names, the file still has both. On Windows, nothing is taken away: a
+/// name found there could be that of the store, written in another way.
 void TakeSecondNameAway(const std::string& file) {
   std::error_code unknown;
-  const System::FileId id = System::IdOf(file);
-  if (id == System::FileId()) {
+  if (!System::OpenFilesGiveUpNames() || std::filesystem::hard_link_count(System::PathOf(file), unknown) < 2 ||
+      unknown) {
     return;
   }
+  const System::FileId id = System::IdOf(file);
   for (const auto& one : std::filesystem::directory_iterator(System::PathOf(file).parent_path(), unknown)) {
     const std::string name = System::TextOf(one.path());
     if (name != file && !one.is_symlink(unknown) && System::IdOf(name) == id &&
