@@ -59,7 +59,8 @@ void WindowQuestion::LimitKeys() {
   const auto isIn = [&ranges](const std::string& key) {
     std::string any;
     for (const auto& [lowest, highest] : ranges) {
-      any += (any.empty() ? "" : " OR ") + key + " BETWEEN " + lowest + " AND " + highest;
+      any += any.empty() ? "" : " OR ";
+      any.append(key).append(" BETWEEN ").append(lowest).append(" AND ").append(highest);
     }
     return any.empty() ? key + " = 0" : ranges.size() == 1 ? any : '(' + any + ')';  // keys begin with 1
   };

@@ -114,6 +114,14 @@ std::string Header(const char* part) {
 
 std::string Header(const char* part, const char* name, const Rows& value) { return Header(part) + Member(name, value); }
 
+/// A query for the highest key of a kind in a range.
+std::string Highest(const Reader& store, Kind kind, const KeyRange& range) {
+  const std::string& key = TableOf(kind).Key();
+  const std::string above = range.after < 0 ? "" : key + " > " + std::to_string(range.after) + " AND ";
+  return "(SELECT MAX(" + key + ") FROM " + TableIn(store, TableOf(kind)) + " v WHERE " + above + key +
+         " <= " + std::to_string(range.upTo) + ")";
+}
+
 }  // namespace
 
 const Table& TableOf(Kind kind) {
@@ -125,18 +133,14 @@ const Table& TableOf(Kind kind) {
   throw std::logic_error(std::string("no table has the records '") + kindNames[kind] + "'");
 }
 
-// In each range of keys, the highest one is looked up.
 Numbers HighestNumbers(const Reader& store, long long origin) {
   std::vector<std::string> highest;
   for (const Kind kind : kinds) {
-    std::string found = "0)";
+    std::vector<std::string> found = {"0"};
     for (const KeyRange& range : KeysOf(origin)) {
-      const std::string key = TableOf(kind).Key();
-      const std::string above = range.after < 0 ? "" : key + " > " + std::to_string(range.after) + " AND ";
-      found = "(SELECT MAX(" + key + ") FROM " + TableIn(store, TableOf(kind)) + " v WHERE " + above + key +
-              " <= " + std::to_string(range.upTo) + "), " + found;
+      found.insert(found.begin(), Highest(store, kind, range));
     }
-    highest.push_back(kind == Parameters ? "0" : "COALESCE(" + found);
+    highest.push_back(kind == Parameters ? "0" : "COALESCE(" + Listed(found) + ")");
   }
   Rows rows(store, "SELECT " + Listed(highest));
   rows.Next();
