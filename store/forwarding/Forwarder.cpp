@@ -113,8 +113,9 @@ class Forwarder::Session {
 
   bool Add(const Portion& portion, const Waiting& left, Pace& portions) {
     const Clock::time_point start = Clock::now();
+    const std::chrono::milliseconds forBytes(static_cast<long long>(portion.bytes / 1000));  // a second for a megabyte
     try {
-      if (!there.Add(portion, reached, left, portions.Longest())) {
+      if (!there.Add(portion, reached, left, portions.Longest() + forBytes)) {
         return false;
       }
     } catch (const NotReachable&) {
