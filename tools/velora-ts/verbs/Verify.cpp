@@ -31,7 +31,7 @@ class Outcome {
  public:
   void Report(const std::vector<std::string>& lines, const std::string& where = "") {
     for (const std::string& line : lines) {
-      Say("finding: " + where + line);
+      Say(std::string("finding: ").append(where).append(line));
       ++findings;
     }
   }
