@@ -113,7 +113,11 @@ void PostgreSqlDialect::MakeUniquePerStore(const Table& table) {
     }
     const std::string name = table.name + '_' + names.front();
     Add("ALTER TABLE " + table.name + " DROP CONSTRAINT " + name + "_key");
-    Add("CREATE UNIQUE INDEX " + name + " ON " + table.name + " (" + names.front() + ", " + store + ')');
+    Add(std::string("CREATE UNIQUE INDEX ")
+            .append(name)
+            .append(" ON ")
+            .append(table.name)
+            .append(" (" + names.front() + ", " + store + ')'));
   }
 }
 

@@ -6,6 +6,8 @@
 #include "store/schema/SessionLocks.h"
 #include "store/schema/Tables.h"
 
+#include <algorithm>
+
 namespace Velora::Store {
 
 namespace {
@@ -20,10 +22,9 @@ std::string Names() {
   recorded.push_back(SessionLocks().name);
   recorded.push_back(Arrivals().name);
   const auto list = [](const std::vector<std::string>& names) {
-    std::vector<std::string> quoted;
-    for (const std::string& name : names) {
-      quoted.push_back('\'' + name + '\'');
-    }
+    std::vector<std::string> quoted(names.size());
+    std::transform(names.begin(), names.end(), quoted.begin(),
+                   [](const std::string& name) { return '\'' + name + '\''; });
     return "ARRAY[" + Listed(quoted) + ']';
   };
   return "WITH names (recorded, host_tables, host_functions) AS (VALUES (" + list(recorded) + ", " +

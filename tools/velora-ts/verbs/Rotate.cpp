@@ -169,7 +169,11 @@ void TakeSecondNameAway(const std::string& file) {
     if (name != file && !one.is_symlink(unknown) && System::IdOf(name) == id &&
         !Exists(std::string(name).append("-wal"))) {
       std::filesystem::remove(one.path());
-      Say("took the second name '" + name + "' away from '" + file + "', as a rotation that was interrupted left it");
+      Say(std::string("took the second name '")
+              .append(name)
+              .append("' away from '")
+              .append(file)
+              .append("', as a rotation that was interrupted left it"));
       return;
     }
   }
