@@ -16,7 +16,7 @@ namespace {
 
 constexpr int rowsInATransaction = 5000;
 // So no execution has its final status, and no seal is there, before the events.
-constexpr std::array lastTables = {"statuses", "notes", "seals", "ts_schema", "stores"};
+constexpr std::array lastTables = {"statuses", "notes", "seals"};
 constexpr long long beforeAll = Keys{}.before;
 constexpr long long afterAll = Keys{}.last;
 

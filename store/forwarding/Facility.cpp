@@ -22,6 +22,7 @@ constexpr std::chrono::milliseconds untilTheServerGaveUp{500};
 constexpr const char* insufficientPrivilege = "42501";
 constexpr const char* raisedByATrigger = "P0001";
 constexpr std::string_view integrityClass = "23";
+constexpr std::string_view dataClass = "22";  // values that no host can have recorded
 
 // A connection is idle for days, and its lock must not outlive a forwarder whose computer or network has ended.
 constexpr const char* beNoticedSoon =
@@ -47,7 +48,7 @@ void Facility::Explain(const DatabaseError& error) const {
     throw Refused(store + " does not let this role forward: " + error.reason +
                   "; expected its owner to run 'velora-ts prepare --hosts ROLE'");
   }
-  if (error.code.starts_with(integrityClass) || error.code == raisedByATrigger) {
+  if (error.code.starts_with(integrityClass) || error.code.starts_with(dataClass) || error.code == raisedByATrigger) {
     throw Refused(store + " refuses these records: " + error.reason);
   }
   throw NotReachable(store + (connection.IsLost() ? " was lost: " : " takes no records now: ") + error.reason);

@@ -7,9 +7,10 @@
 namespace Velora::Store {
 namespace {
 
-// The tables to which runs refer, and those whose rows wait until all others have come.
-constexpr const char* beforeRuns[] = {"sessions", "activities", "activity_versions", "registrations", "configurations"};
-constexpr const char* afterRuns[] = {"notes", "seals", "ts_schema", "stores"};
+// The tables that runs or the first seals need, and those whose rows wait until all others have come.
+constexpr const char* beforeRuns[] = {"stores",        "ts_schema",     "sessions", "activities", "activity_versions",
+                                      "registrations", "configurations"};
+constexpr const char* afterRuns[] = {"notes", "seals"};
 
 constexpr long long statusesOfAnExecution = 10;  // more than usual
 

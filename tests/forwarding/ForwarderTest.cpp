@@ -171,6 +171,11 @@ TEST_F(Forwarding, WhatContradictsTheFacilityIsRefusedInWords) {
       {"a parameter of the last event", nullptr,
        [](Instrument& of) { of.sql->RunScript("DROP TRIGGER parameters_no_update; UPDATE parameters SET name = 'q'"); },
        "has another row [0-9]+ of events"},
+      {"a text that no host can record", nullptr,
+       [](Instrument& of) {
+         of.sql->RunScript("INSERT INTO events SELECT NULL, 1, NULL, NULL, CAST(x'c328' AS TEXT), ''");
+       },
+       "refuses these records: invalid byte sequence"},
       {"another version", nullptr, [](Instrument& of) { of.sql->RunScript("INSERT INTO ts_schema VALUES (-4, '')"); },
        "has a schema of version 4; expected version 3: forward with the newer program"},
       {"a guid of its own", nullptr,

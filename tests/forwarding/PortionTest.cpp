@@ -39,8 +39,8 @@ std::string WrongUpTo(Connection& file, const Marks& marks, const Marks& from) {
       "0\n") {
     wrong += "a final status came before an event; ";
   }
-  for (const char* const last : {"notes", "seals", "stores"}) {
-    for (const char* const covered : {"sessions", "registrations", "executions", "statuses", "events"}) {
+  for (const char* const last : {"notes", "seals"}) {
+    for (const char* const covered : {"ts_schema", "sessions", "registrations", "executions", "statuses", "events"}) {
       if (marks.at(last) > from.at(last) &&
           Query(file, "SELECT MAX(rowid) FROM " + std::string(covered)) != std::to_string(marks.at(covered)) + '\n') {
         wrong += std::string(last) + " came before " + covered + "; ";
