@@ -15,7 +15,7 @@ using PostgreSqlHandle = std::unique_ptr<PGconn, decltype(&PQfinish)>;
 struct PostgreSqlConnecting {
   PostgreSqlHandle handle{nullptr, &PQfinish};  ///< Null if no server took the connection.
   std::string whyNot;                           ///< What each server said then.
-  std::chrono::steady_clock::duration took{};   ///< Without the looking up of names, which has no time limit.
+  std::chrono::steady_clock::duration took{};   ///< With looking names up, but no more of it than leaves some time.
 };
 
 /// Connects to the first server of an address that is as `target_session_attrs` wants it. The servers, and the IP

@@ -8,9 +8,31 @@
 #include "postgresql/Server.h"
 #include "support/Proxy.h"
 
+#include <dlfcn.h>
+#include <netdb.h>
+
 #include <chrono>
 #include <deque>
+#include <map>
+#include <string>
 #include <thread>
+
+namespace {
+
+std::map<std::string, int> slowNames;  // that were asked for, and how often
+
+}  // namespace
+
+// Takes the place of the system's: names that begin so are those of this computer, after a while.
+extern "C" [[gnu::visibility("default")]] int getaddrinfo(const char* name, const char* service, const addrinfo* wanted,
+                                                          addrinfo** found) {
+  if (name != nullptr && std::string(name).starts_with("slow.")) {
+    ++slowNames[name];
+    std::this_thread::sleep_for(std::chrono::milliseconds(1600));
+    name = "127.0.0.1";
+  }
+  return reinterpret_cast<decltype(&getaddrinfo)>(dlsym(RTLD_NEXT, "getaddrinfo"))(name, service, wanted, found);
+}
 
 namespace {
 
@@ -128,6 +150,8 @@ TEST_F(Failover, ServersShareTheTimeOfAnOperationAndOneThatOnlyReadsIsPassedOver
       {gone + "," + writes + "," + mute, ""},
       {mute + "," + gone + "," + mute + "," + mute,
        "\" failed: timeout expired; connection to server on socket \"" + gone},
+      {"slow.1,slow.2,slow.3 port=1", "slow.3\" to address: timeout expired"},
+      {"slow.4,slow.4," + writes + " port=1,1,5432", ""},
       {reads + "," + writes + wanted, ""},
       {mute + "," + reads + "," + writes + wanted, ""},
       {reads + "," + reads + wanted, "session is read-only; connection to server"},
@@ -142,6 +166,8 @@ TEST_F(Failover, ServersShareTheTimeOfAnOperationAndOneThatOnlyReadsIsPassedOver
     EXPECT_EQ(error.empty(), words.empty()) << error;
     EXPECT_NE(error.find(words), std::string::npos) << error;
   }
+  slowNames.erase("slow.4");  // how often depends on how many connections the host made
+  EXPECT_EQ(slowNames, (std::map<std::string, int>{{"slow.1", 1}, {"slow.2", 1}}));
 }
 
 // In each row, the one who is asked says of another's transaction of the same number that it was committed.

@@ -14,6 +14,7 @@
 #include <fstream>
 #include <memory>
 #include <sstream>
+#include <stdexcept>
 #include <system_error>
 
 namespace Velora::System {
@@ -91,13 +92,14 @@ std::vector<std::string> AddressesOf(const std::string& host) {
   wanted.ai_socktype = SOCK_STREAM;
   addrinfo* found = nullptr;
   std::vector<std::string> addresses;
-  if (getaddrinfo(host.c_str(), nullptr, &wanted, &found) == 0) {
-    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owned(found, &freeaddrinfo);
-    for (const addrinfo* one = found; one != nullptr; one = one->ai_next) {
-      std::array<char, 64> text{};
-      if (getnameinfo(one->ai_addr, one->ai_addrlen, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) == 0) {
-        addresses.emplace_back(text.data());
-      }
+  if (const int error = getaddrinfo(host.c_str(), nullptr, &wanted, &found); error != 0) {
+    throw std::runtime_error(gai_strerror(error));
+  }
+  const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owned(found, &freeaddrinfo);
+  for (const addrinfo* one = found; one != nullptr; one = one->ai_next) {
+    std::array<char, 64> text{};
+    if (getnameinfo(one->ai_addr, one->ai_addrlen, text.data(), text.size(), nullptr, 0, NI_NUMERICHOST) == 0) {
+      addresses.emplace_back(text.data());
     }
   }
   return addresses;

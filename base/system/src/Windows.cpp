@@ -10,6 +10,7 @@
 
 #include <array>
 #include <memory>
+#include <stdexcept>
 #include <string>
 
 namespace Velora::System {
@@ -66,14 +67,15 @@ std::vector<std::string> AddressesOf(const std::string& host) {
   wanted.ai_socktype = SOCK_STREAM;
   addrinfo* found = nullptr;
   std::vector<std::string> addresses;
-  if (getaddrinfo(host.c_str(), nullptr, &wanted, &found) == 0) {
-    const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owned(found, &freeaddrinfo);
-    for (const addrinfo* one = found; one != nullptr; one = one->ai_next) {
-      std::array<char, 64> text{};
-      if (getnameinfo(one->ai_addr, static_cast<socklen_t>(one->ai_addrlen), text.data(),
-                      static_cast<DWORD>(text.size()), nullptr, 0, NI_NUMERICHOST) == 0) {
-        addresses.emplace_back(text.data());
-      }
+  if (const int error = getaddrinfo(host.c_str(), nullptr, &wanted, &found); error != 0) {
+    throw std::runtime_error(gai_strerrorA(error));
+  }
+  const std::unique_ptr<addrinfo, decltype(&freeaddrinfo)> owned(found, &freeaddrinfo);
+  for (const addrinfo* one = found; one != nullptr; one = one->ai_next) {
+    std::array<char, 64> text{};
+    if (getnameinfo(one->ai_addr, static_cast<socklen_t>(one->ai_addrlen), text.data(), static_cast<DWORD>(text.size()),
+                    nullptr, 0, NI_NUMERICHOST) == 0) {
+      addresses.emplace_back(text.data());
     }
   }
   return addresses;

@@ -6,7 +6,8 @@
 
 namespace Velora::System {
 
-/// The IP addresses of a host's name, in the order in which to try them; none if the system finds none.
+/// The IP addresses of a host's name, in the order in which to try them.
+/// @throws std::runtime_error with the system's words if it finds none.
 std::vector<std::string> AddressesOf(const std::string& host);
 
 /// Shuts the connection of a socket down, so that neither side waits for it any longer.
