@@ -38,16 +38,23 @@ std::string UniqueIndex(const Table& table, const std::vector<std::string>& name
   return "CREATE UNIQUE INDEX " + table.name + "_once ON " + table.name + " (" + Listed(digested) + ')';
 }
 
-/// The references of a table to what each store has for itself. A host of version 2 takes what another store has there.
-std::vector<std::string> NamesOfOneStore(const Table& table) {
-  std::vector<std::string> names;
+/// Whether a row refers to one of another store.
+std::string RefersToAnother(const Table& table) {
+  const std::string key = "NEW." + table.Key();
+  const std::string store = table.isByMonth
+                                ? "(CASE WHEN " + key + " < 2000010000000000 THEN " + StoreOf(key) + " ELSE 0 END)"
+                                : StoreOf(key);
+  std::string any;
   for (const Column& column : table.columns) {
-    if (!column.refersTo.empty() && table.name != "executions" && !TableNamed(column.refersTo).uniquePerStore.empty()) {
-      names.push_back(column.name);
+    if (!column.refersTo.empty()) {
+      any += (any.empty() ? "" : " OR ") + StoreOf("NEW." + column.name) + " <> " + store;
     }
   }
-  return names;
+  return any;
 }
+
+/// Whether a row of this store may refer to rows of another.
+bool MayReferToAnother(const Table& table) { return table.name == "notes"; }
 
 std::string Condition(const std::string& condition, const std::string& otherwise) {
   return "      IF " + condition + " THEN\n        RAISE EXCEPTION '" + otherwise + "';\n      END IF;\n";
@@ -64,12 +71,7 @@ std::string MoreOf(const Table& table) {
         "(SELECT MAX(version) FROM ts_schema WHERE rowid < 10000000000)",
         "the other store has a later version of the schema; expected velora-ts prepare to upgrade this one first");
   }
-  std::string more;
-  for (const Column& column : table.columns) {
-    if (!column.refersTo.empty()) {
-      more += (more.empty() ? "" : " OR ") + StoreOf("NEW." + column.name) + " <> " + StoreOf("NEW." + table.Key());
-    }
-  }
+  const std::string more = RefersToAnother(table);
   return more.empty() ? "" : Condition(more, "rows of " + table.name + " refer to rows of their own store");
 }
 
@@ -84,8 +86,9 @@ std::string InOrder(const Table& table) {
                     (table.hostsAdd ? " have the next number, from 1 on, and none below those that are sealed"
                                     : " of this store are added by its owner, and numbered from 1 on"));
   const std::string more = MoreOf(table);
+  const bool aboutReferences = !RefersToAnother(table).empty() && !MayReferToAnother(table);
   return "CREATE FUNCTION " + table.name + "_in_order() RETURNS trigger LANGUAGE plpgsql STABLE AS $$\n    BEGIN\n" +
-         (NamesOfOneStore(table).empty() ? number + more : more + number) +
+         (aboutReferences ? more + number : number + more) +
          Condition("NOT pg_try_advisory_xact_lock((CAST(CAST(CAST('stores' AS regclass) AS oid) AS bigint) << 32) | " +
                        store + ")",
                    "another program is adding rows of this store") +
@@ -131,7 +134,8 @@ void PostgreSqlDialect::KeepRows(const Table& table) {
   Add(Refuse(table, "_no_truncate", "TRUNCATE") + refuse);
 }
 
-// A role that may delete rows is not a host; it copies sealed rows from another store. Parameters have another trigger.
+// A role that may delete rows is not a host; it copies sealed rows from another store. But it can be that of a host,
+// which is not to refer to rows of other stores either. Parameters have another trigger.
 void PostgreSqlDialect::NumberRows(const Table& table) {
   if (!table.primaryKey.empty()) {
     return;
@@ -142,13 +146,11 @@ void PostgreSqlDialect::NumberRows(const Table& table) {
                                                         " <= sealed_number('" + table.record + "') OR " +
                                                         IsNotItsOwn(table) + " END"
                                                   : "true";
-  std::string refersToAnother;
-  for (const std::string& column : NamesOfOneStore(table)) {
-    refersToAnother += " OR " + StoreOf("NEW." + column) + " <> " + StoreOf(key);
-  }
+  const std::string refersToAnother = MayReferToAnother(table) ? "" : RefersToAnother(table);
   Add(Refuse(table, "_in_order", "INSERT") + " FOR EACH ROW WHEN (" + key + " NOT BETWEEN 1 AND " +
-      std::to_string(highestKey) + refersToAnother + " OR NOT has_table_privilege(CAST('" + table.name +
-      "' AS regclass), 'DELETE') AND " + isOutOfOrder + ") EXECUTE FUNCTION " + table.name + "_in_order()");
+      std::to_string(highestKey) + (refersToAnother.empty() ? "" : " OR " + refersToAnother) +
+      " OR NOT has_table_privilege(CAST('" + table.name + "' AS regclass), 'DELETE') AND " + isOutOfOrder +
+      ") EXECUTE FUNCTION " + table.name + "_in_order()");
 }
 
 void PostgreSqlDialect::NoteRunning() {

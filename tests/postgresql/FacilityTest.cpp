@@ -193,18 +193,36 @@ TEST_F(Facility, AHostsRoleForwardsAndChangesNothingOfWhatArrived) {
       "''); INSERT INTO sessions VALUES (20000000001, 's', '', '', '', '', '', ''), (30000000001, 't', '', '', '', '', "
       "'', ''); INSERT INTO activities VALUES (20000000001, 'a', 'same', ''), (30000000001, 'a', 'same', ''); INSERT "
       "INTO activity_versions VALUES (20000000001, 'v', 20000000001, '', '', ''); INSERT INTO executions VALUES "
-      "(20000000001, 'x', NULL, 20000000001, 20000000001, 20000000001, '', '', 5, ''); INSERT INTO seals VALUES "
+      "(20000000001, '0ecba827-35a5-470f-a7b0-0b386b6d5e3c', NULL, 20000000001, 20000000001, NULL, '', '', 0, ''); "
+      "INSERT INTO statuses VALUES (20000000001, 20000000001, 20000000001, 4, ''); "
+      "INSERT INTO configurations VALUES (20000000001, 'c', 20000000001, '', '', '', '', '', '', '', '', '', ''); "
+      "INSERT INTO seals VALUES "
       "(20000000001, NULL, '', '{\"event\":9007199254740992}', '', '', '', 3, '', ''); INSERT INTO events VALUES "
       "(20000000002, 20000000001, NULL, NULL, '', ''), (20000000003, 20000000001, NULL, NULL, '', ''); INSERT INTO "
       "parameters VALUES (20000000002, 1, '', 'int', NULL, 1), (20000000003, 1, '', 'int', NULL, 1); SELECT "
-      "note_arrival(2, 1, NULL), note_arrival(9, 1, NULL)";
+      "note_arrival(2, 1, NULL), note_arrival(9, 1, NULL); "
+      "INSERT INTO sessions (guid, instrument, host, began_at, text1, text2, text3) VALUES ('o', '', '', '', '', '', "
+      "''); INSERT INTO notes (root_id, author, kind, text, at) VALUES (20000000001, '', '', '', '')";
   EXPECT_EQ(ErrorOf([&] { Sql(portion, host); }), "");
   EXPECT_EQ(Sql("SELECT string_agg(CAST(store AS text), ' ') FROM arrivals"), "2");
   const std::string status = "INSERT INTO statuses VALUES (", event = "INSERT INTO events VALUES (";
   struct Row {
-    std::string statement, refused;
+    std::string statement, refused, user = "host";
   };
+  const std::string ownStatus = "INSERT INTO statuses (execution_id, session_id, code, at) VALUES (20000000001, ";
+  const std::string ownEvent = "INSERT INTO events (session_id, execution_id, configuration_id, name, at) VALUES (";
+  const std::string theirOwn = "rows of their own store";
   const Row rows[] = {
+      {ownStatus + "20000000001, 4, '')", theirOwn},
+      {ownStatus + "1, 4, '')", theirOwn},
+      {ownStatus + "1, 4, '')", theirOwn, "velora"},
+      {ownEvent + "20000000001, NULL, NULL, '', '')", theirOwn},
+      {ownEvent + "1, 20000000001, NULL, '', '')", theirOwn},
+      {ownEvent + "1, NULL, 20000000001, '', '')", theirOwn},
+      {ownEvent + "1, 20000000001, NULL, '', '')", theirOwn, "velora"},
+      {"INSERT INTO executions (guid, root_id, session_id, node, description, kind, started_at) VALUES ('o', 1, "
+       "20000000001, '', '', 5, '')",
+       theirOwn},
       {"INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 3, '', '')", "added by its owner"},
       {"INSERT INTO stores (guid, made_at) VALUES ('mine', '')", "added by its owner"},
       {"INSERT INTO ts_schema (version, created_at) VALUES (9, '')", "added by its owner"},
@@ -212,10 +230,10 @@ TEST_F(Facility, AHostsRoleForwardsAndChangesNothingOfWhatArrived) {
       {"INSERT INTO ts_schema VALUES (20000000002, -4, '')", "a later version"},
       {"INSERT INTO stores VALUES (30000000002, 'three', '', NULL, NULL)", "one row of its own"},
       {event + "20000000001, 20000000001, NULL, NULL, '', '')", "only added above"},
-      {event + "20000000004, 30000000001, NULL, NULL, '', '')", "rows of their own store"},
-      {status + "20000000001, 20000000001, 30000000001, 4, '')", "rows of their own store"},
-      {status + "10000000001, 20000000001, 20000000001, 4, '')", "currval"},
-      {status + "2000010000000001, 20000000001, 20000000001, 4, '')", "currval"},
+      {event + "20000000004, 30000000001, NULL, NULL, '', '')", theirOwn},
+      {status + "20000000001, 20000000001, 30000000001, 4, '')", theirOwn},
+      {status + "10000000001, 10000000001, 10000000001, 4, '')", "currval"},
+      {status + "2000010000000001, 2000010000000001, 2000010000000001, 4, '')", "currval"},
       {"INSERT INTO parameters VALUES (20000000003, 2, '', 'int', NULL, 1)", "together with their event"},
       {"BEGIN; " + event +
            "20000000004, 20000000001, NULL, NULL, '', ''); INSERT INTO parameters VALUES (20000000004, "
@@ -223,14 +241,19 @@ TEST_F(Facility, AHostsRoleForwardsAndChangesNothingOfWhatArrived) {
        "together with their event"},
       {"INSERT INTO activity_versions (guid, activity_id, name, version, description) VALUES ('o', 20000000001, '', "
        "'', '')",
-       "rows of their own store"},
+       theirOwn},
   };
   for (const Row& row : rows) {
-    const std::string error = ErrorOf([&] { Sql(row.statement, host); });
+    const std::string error = ErrorOf([&] { Sql(row.statement, "dbname=postgres user=" + row.user); });
     EXPECT_NE(error.find(row.refused), std::string::npos) << row.statement << '\n' << error;
   }
   Configure(host);
   Begin();
+  Types::ActivityExecution forwarded;
+  forwarded.Id = Types::Tsid("0ecba827-35a5-470f-a7b0-0b386b6d5e3c");
+  const std::string error =
+      ErrorOf([&] { Methods::ActivityMethods::SaveActivityExecution(forwarded, Types::SessionHandle::Empty); });
+  EXPECT_NE(error.find("rows of statuses refer to " + theirOwn), std::string::npos) << error;
   Record("of this store", 1);  // the seal of the other one covers none of its numbers
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM events WHERE event_id >= 2000010000000000"), "1");
 }
