@@ -63,7 +63,10 @@ std::string Condition(const std::string& condition, const std::string& otherwise
 /// What is more to expect of a row of another store.
 std::string MoreOf(const Table& table) {
   if (table.name == "stores") {
-    return Condition("NEW.store_id % 10000000000 <> 1", "a store has one row of its own in stores");
+    return Condition("NEW.store_id % 10000000000 <> 1", "a store has one row of its own in stores") +
+           Condition(
+               StoreOf("NEW.store_id") + " > GREATEST((SELECT " + StoreOf("MAX(store_id)") + " FROM stores) + 1, 2)",
+               "a new store gets the number after the highest in stores, at least 2");
   }
   if (table.name == "ts_schema") {
     return Condition(

@@ -223,6 +223,7 @@ TEST_F(Facility, AHostsRoleForwardsAndChangesNothingOfWhatArrived) {
       {"INSERT INTO executions (guid, root_id, session_id, node, description, kind, started_at) VALUES ('o', 1, "
        "20000000001, '', '', 5, '')",
        theirOwn},
+      {"INSERT INTO stores VALUES (2000000000000001, 'last', '', NULL, NULL)", "the number after the highest"},
       {"INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 3, '', '')", "added by its owner"},
       {"INSERT INTO stores (guid, made_at) VALUES ('mine', '')", "added by its owner"},
       {"INSERT INTO ts_schema (version, created_at) VALUES (9, '')", "added by its owner"},
