@@ -30,6 +30,9 @@ class Dialect {
   virtual void KeepRows(const Table& table) = 0;
   /// Makes the database refuse rows whose number is below 1 and, on a server, rows with numbers out of order.
   virtual void NumberRows(const Table& table) = 0;
+  /// Makes the database refuse seals of this store that a program of before version 3 made beside rows of other stores:
+  /// it takes them for its own.
+  virtual void RefuseOldSeals() = 0;
   /// Creates the table `running` and what keeps it up to date (Running.h).
   virtual void NoteRunning() = 0;
   /// Adds statements that only a server needs; {schema} stands for the name of its schema.
@@ -38,6 +41,10 @@ class Dialect {
   const std::vector<std::string>& Statements() const { return statements; }
 
  protected:
+  static constexpr const char* oldSeal =
+      "this version of velora-ts would seal the records of other stores, which are here too; expected the version that "
+      "prepared this store, or a later one";
+
   /// The type of a column; empty if the database has the column without a declaration.
   virtual std::string TypeOf(const Table& table, const Column& column) const = 0;
   virtual const std::string& DefinitionOf(const View& view) const = 0;

@@ -156,6 +156,15 @@ void PostgreSqlDialect::NumberRows(const Table& table) {
       ") EXECUTE FUNCTION " + table.name + "_in_order()");
 }
 
+void PostgreSqlDialect::RefuseOldSeals() {
+  OnServer("CREATE FUNCTION refuse_old_seal() RETURNS trigger LANGUAGE plpgsql STABLE AS $$\n    BEGIN\n" +
+           Condition("EXISTS (SELECT FROM stores WHERE NOT " + IsOwn("store_id") + ")", oldSeal) +
+           "      RETURN NEW;\n    END $$;\n    ALTER FUNCTION refuse_old_seal() SET search_path = {schema}, pg_temp");
+  Add(std::string(
+          "CREATE TRIGGER seals_with_others BEFORE INSERT ON seals FOR EACH ROW WHEN (NEW.schema_version < 3 ") +
+      "AND NEW.seal_id NOT" + ofAnother + ") EXECUTE FUNCTION refuse_old_seal()");
+}
+
 void PostgreSqlDialect::NoteRunning() {
   Add("CREATE TABLE running (execution_id BIGINT PRIMARY KEY, status_id BIGINT NOT NULL)");
   Add(Running::fill);

@@ -13,6 +13,7 @@ class PostgreSqlDialect : public Dialect {
   void Replace(const View& view) override;
   void KeepRows(const Table& table) override;
   void NumberRows(const Table& table) override;
+  void RefuseOldSeals() override;
   void NoteRunning() override;
   void OnServer(const std::string& statements) override;
 

@@ -123,12 +123,15 @@ const char* const textDigest = R"(
 
 // The month in an event's key is that of the clock. If the newest seal has a later month, because the clock was ahead,
 // it is that month: an event with a key below a sealed one would look as if it had been inserted later. The seals of
-// other stores do not matter.
+// other stores do not matter, nor does one that says that it covers their rows.
 const char* const keys = R"(
     CREATE FUNCTION sealed_number(kind text) RETURNS bigint LANGUAGE plpgsql STABLE AS $$
     BEGIN
-      RETURN (SELECT CAST(substring(up_to FROM '"' || kind || '":([0-9]{1,16})[,}]') AS bigint)
-              FROM seals WHERE seal_id < 10000000000 ORDER BY seal_id DESC LIMIT 1);
+      RETURN (SELECT number
+              FROM (SELECT seal_id, CAST(substring(up_to FROM '"' || kind || '":([0-9]{1,16})[,}]') AS bigint) AS number
+                    FROM seals WHERE seal_id < 10000000000) AS own
+              WHERE (number BETWEEN 10000000000 AND 2000009999999999) IS NOT TRUE
+              ORDER BY seal_id DESC LIMIT 1);
     END $$;
     CREATE FUNCTION event_month() RETURNS bigint LANGUAGE sql
     RETURN GREATEST(CAST(to_char(clock_timestamp() AT TIME ZONE 'UTC', 'YYYYMM') AS bigint),

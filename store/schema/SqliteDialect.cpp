@@ -97,6 +97,13 @@ void SqliteDialect::NumberRows(const Table& table) {
       "'); END");
 }
 
+// The key is -1 until SQLite has chosen one.
+void SqliteDialect::RefuseOldSeals() {
+  Add("CREATE TRIGGER seals_with_others BEFORE INSERT ON seals WHEN NEW.schema_version < 3 AND " +
+      IsOwn("NEW.seal_id") + " AND EXISTS (SELECT 1 FROM stores WHERE NOT " + IsOwn("store_id") +
+      ") BEGIN SELECT RAISE(ABORT, '" + oldSeal + "'); END");
+}
+
 void SqliteDialect::NoteRunning() {
   Add("CREATE TABLE running (execution_id INTEGER PRIMARY KEY, status_id INTEGER NOT NULL)");
   Add(Running::fill);

@@ -10,6 +10,7 @@ class SqliteDialect : public Dialect {
   void Replace(const View& view) override;
   void KeepRows(const Table& table) override;
   void NumberRows(const Table& table) override;
+  void RefuseOldSeals() override;
   void NoteRunning() override;
 
  protected:

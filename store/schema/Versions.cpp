@@ -61,6 +61,7 @@ void Third(Dialect& to) {
   for (const Table& table : TablesOf(3)) {
     to.MakeIndexes(table, 3);
   }
+  to.RefuseOldSeals();
   to.NoteRunning();
   to.Make(SessionLocks());
   to.Make(Arrivals());

@@ -224,6 +224,8 @@ TEST_F(Facility, AHostsRoleForwardsAndChangesNothingOfWhatArrived) {
        "20000000001, '', '', 5, '')",
        theirOwn},
       {"INSERT INTO stores VALUES (2000000000000001, 'last', '', NULL, NULL)", "the number after the highest"},
+      {"INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 2, '', '')", "the version that prepared this store",
+       "velora"},
       {"INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 3, '', '')", "added by its owner"},
       {"INSERT INTO stores (guid, made_at) VALUES ('mine', '')", "added by its owner"},
       {"INSERT INTO ts_schema (version, created_at) VALUES (9, '')", "added by its owner"},
@@ -248,6 +250,8 @@ TEST_F(Facility, AHostsRoleForwardsAndChangesNothingOfWhatArrived) {
     const std::string error = ErrorOf([&] { Sql(row.statement, "dbname=postgres user=" + row.user); });
     EXPECT_NE(error.find(row.refused), std::string::npos) << row.statement << '\n' << error;
   }
+  Sql("INSERT INTO seals VALUES (1, NULL, '', '{\"session\":20000000001,\"status\":30000000001}', '', '', '', 3, '', "
+      "'')");
   Configure(host);
   Begin();
   Types::ActivityExecution forwarded;
@@ -255,7 +259,7 @@ TEST_F(Facility, AHostsRoleForwardsAndChangesNothingOfWhatArrived) {
   const std::string error =
       ErrorOf([&] { Methods::ActivityMethods::SaveActivityExecution(forwarded, Types::SessionHandle::Empty); });
   EXPECT_NE(error.find("rows of statuses refer to " + theirOwn), std::string::npos) << error;
-  Record("of this store", 1);  // the seal of the other one covers none of its numbers
+  Record("of this store", 1);  // the seals cover none of its numbers
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM events WHERE event_id >= 2000010000000000"), "1");
 }
 

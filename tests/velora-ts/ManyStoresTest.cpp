@@ -48,4 +48,14 @@ TEST_F(ManyStores, AreReadInTheOrderOfTime) {
   }
 }
 
+// An older program takes all records for those of one store.
+TEST_F(ManyStores, AreSealedByNoProgramThatKnowsOfOneOnly) {
+  BringUp();
+  const SqlConnection sql = OpenFile(folder / "ts.db");
+  TakeInItself(*sql, 2, "");
+  const std::string seal = "INSERT INTO seals VALUES (NULL, NULL, '', '', '', '', '', ";
+  EXPECT_THROW(sql->RunScript(seal + "2, '', '')"), Velora::Store::Error);
+  EXPECT_NO_THROW(sql->RunScript(seal + "3, '', '')"));
+}
+
 }  // namespace
