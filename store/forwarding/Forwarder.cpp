@@ -70,6 +70,7 @@ class Forwarder::Session {
   }
 
   const Marks& Reached() const { return reached; }
+  const std::string& Guid() const { return guid; }
 
   /// @return nothing if either side is not what it was, so that they must be compared again.
   std::optional<Progress> SendNext(Pace& portions) {
@@ -146,6 +147,7 @@ Forwarder::Progress Forwarder::SendNext() {
       if (!session) {
         session = std::make_unique<Session>(file, facility);
         reached = session->Reached();
+        guid = session->Guid();
       }
       if (const auto progress = session->SendNext(*pace)) {
         reached = session->Reached();
@@ -160,5 +162,7 @@ Forwarder::Progress Forwarder::SendNext() {
 }
 
 const Marks& Forwarder::Reached() const { return reached; }
+
+const std::string& Forwarder::Guid() const { return guid; }
 
 }  // namespace Velora::Store

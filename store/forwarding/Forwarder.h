@@ -5,6 +5,7 @@
 #include "store/forwarding/Marks.h"
 
 #include <memory>
+#include <string>
 
 namespace Velora::Store {
 
@@ -63,6 +64,8 @@ class Forwarder {
 
   /// How far the facility was when it last said so; all 0 before.
   const Marks& Reached() const;
+  /// The guid of the store in the file then; empty before.
+  const std::string& Guid() const;
 
  private:
   class Session;
@@ -71,6 +74,7 @@ class Forwarder {
   const Database facility;
   const std::unique_ptr<Pace> pace;
   Marks reached;
+  std::string guid;
   std::unique_ptr<Session> session;
 };
 

@@ -60,11 +60,12 @@ class Notes {
  public:
   Notes(const Database& store, const Database& facility) : file(store) { state.facility = NameOf(facility); }
 
-  void Sent(const Forwarder::Progress& sent, const Marks& reached) {
+  void Sent(const Forwarder::Progress& sent, const Forwarder& forwarder) {
     rows += sent.rows;
     events += sent.events;
     state.reachedAt = ToStoredTime(Now());
-    state.marks = reached;
+    state.store = forwarder.Guid();
+    state.marks = forwarder.Reached();
     state.error.clear();
     Write(!std::exchange(state.failingSince, "").empty());
   }
@@ -136,7 +137,7 @@ class Follower {
       const Forwarder::Progress sent = forwarder.SendNext();
       again = sent.rows > 0 && sent.left.rows > 0;
       Works(sent.left);
-      notes.Sent(sent, forwarder.Reached());
+      notes.Sent(sent, forwarder);
       return again ? 0ms : betweenLooks;
     } catch (const Refused& refused) {
       notes.Failed(refused.what());
@@ -189,7 +190,7 @@ void SendOnce(const Database& store, const Database& facility) {
     Forwarder::Progress sent;
     do {
       sent = forwarder.SendNext();
-      notes.Sent(sent, forwarder.Reached());
+      notes.Sent(sent, forwarder);
       shown.Add(sent.rows);
     } while (sent.rows > 0 && sent.left.rows > 0);
   } catch (const AnotherForwarder&) {

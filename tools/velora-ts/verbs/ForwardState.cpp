@@ -31,11 +31,13 @@ std::string WithoutLinks(const std::string& path) {
   return unknown ? path : System::TextOf(whole);
 }
 
-// The umask of the forwarder must not keep out others that may read the store.
+// The umask of the forwarder must not keep out others that may read the store. Where the store can only be read, this
+// file is written all the same; on Windows no file takes the place of a read-only one.
 void GivePermissionsOf(const std::string& store, const std::string& file) {
+  using std::filesystem::perms;
   std::error_code unknown;
   const auto permissions = std::filesystem::status(System::PathOf(store), unknown).permissions();
-  std::filesystem::permissions(System::PathOf(file), permissions & std::filesystem::perms(0666), unknown);
+  std::filesystem::permissions(System::PathOf(file), (permissions & perms(0666)) | perms::owner_write, unknown);
 }
 
 std::string AsJson(const ForwardState& state) {
@@ -49,6 +51,7 @@ std::string AsJson(const ForwardState& state) {
   add("facility", state.facility);
   add("written_at", state.writtenAt);
   add("reached_at", state.reachedAt);
+  add("store", state.store);
   add("failing_since", state.failingSince);
   add("error", state.error);
   json += std::string(",\"ended\":") + (state.ended ? "true" : "false") + ",\"marks\":{";
@@ -68,7 +71,8 @@ ForwardState FromJson(const std::string& json) {
     return sqlite->Find<std::string>("SELECT COALESCE(json_extract(?1, '$.' || ?2), '')", json, std::string(name))
         .value();
   };
-  ForwardState state{text("facility"),      text("written_at"), text("ended") == "1", text("reached_at"), {},
+  ForwardState state{text("facility"),      text("written_at"), text("ended") == "1",
+                     text("reached_at"),    text("store"),      {},
                      text("failing_since"), text("error")};
   Rows marks(*sqlite, "SELECT key, value FROM json_each(?1, '$.marks')");
   marks.Ask(json);

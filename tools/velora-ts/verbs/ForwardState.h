@@ -15,6 +15,7 @@ struct ForwardState {
   std::string writtenAt;     ///< At least once a minute while a forwarder is at work.
   bool ended = false;        ///< Whether the forwarder ended in good order.
   std::string reachedAt;     ///< When the facility last answered.
+  std::string store;         ///< The guid of the store that was forwarded then.
   Store::Marks marks;        ///< How far it was then.
   std::string failingSince;  ///< Empty while forwarding works.
   std::string error;         ///< The last error since then.
@@ -29,7 +30,7 @@ class ForwardStateFile {
   /// @param store in a file.
   explicit ForwardStateFile(const Store::Database& store);
 
-  /// Replaces the file as a whole. It gets the permissions of the store.
+  /// Replaces the file as a whole. It gets the permissions of the store, but its owner can write it.
   /// @throws Error when that fails.
   void Write(const ForwardState& state) const;
   /// @return nothing if there is no such file.

@@ -105,6 +105,9 @@ class Lines {
 
   void Compare(const Reader& file) {
     const std::string guid = GuidOf(file.Sql());
+    if (state && state->store != guid) {
+      state->marks.clear();  // another store had this name then, such as the one before a rotation
+    }
     std::optional<AtFacility> there;
     try {
       there = AskFacility(facility, guid);
