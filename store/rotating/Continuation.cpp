@@ -93,7 +93,9 @@ Link LinkOf(const Reader& store, long long origin) {
   }
   const bool isFile = store.Where().kind == Database::Kind::Sqlite;
   const std::string file = isFile ? FileBeside(store.Where().where, previous->guid) : "";
-  return file.empty() ? Link{name + ", which is not here, from its seal with the hash " + previous->hash}
+  return file.empty() ? Link{name, "",
+                             "the seal with the hash " + previous->hash + ", from which it continues " + name +
+                                 ": that store is not here"}
                       : compare(Reader({Database::Kind::Sqlite, file}), thisStore);
 }
 

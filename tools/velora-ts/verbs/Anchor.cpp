@@ -36,6 +36,13 @@ std::optional<Anchor> AnchorIn(std::string_view line) {
   return right ? std::optional(Anchor{std::stoll(std::string(number)), std::string(hash)}) : std::nullopt;
 }
 
+// What the row of a store says of the one before is data like all other, and makes no anchor hold.
+std::string IfOfTheOneBefore(const Store::Reader& store, long long origin) {
+  const std::optional<Continued> previous = PreviousOf(store, origin);
+  return previous ? ", or the anchor is of the store before, " + previous->guid + ", and must be compared with that one"
+                  : "";
+}
+
 }  // namespace
 
 Anchor ReadAnchor(const std::string& file) {
@@ -56,18 +63,16 @@ std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store, long
   if (anchor.number == 0) {
     return anchor.hash == noHash ? "" : "the anchor has a hash for seal 0, but the first seal is seal 1";
   }
-  const std::optional<Continued> previous = PreviousOf(store, origin);
-  if (previous && previous->hash == anchor.hash) {
-    return "";  // the chain leads on from there
-  }
   const std::string name = "seal " + std::to_string(anchor.number);
   SealRows seals(store, origin, anchor.number - 1, anchor.number);
-  if (!seals.Next()) {
-    return name + ", which the anchor names, is missing: the newest seals were deleted";
+  const bool isThere = seals.Next();
+  if (isThere && seals.Current().ownHash == anchor.hash) {
+    return "";
   }
-  return seals.Current().ownHash == anchor.hash
-             ? ""
-             : name + " has another hash than in the anchor: the seals were computed again";
+  return name +
+         (isThere ? " has another hash than in the anchor: the seals were computed again"
+                  : ", which the anchor names, is missing: the newest seals were deleted") +
+         IfOfTheOneBefore(store, origin);
 }
 
 }  // namespace Velora::Ts

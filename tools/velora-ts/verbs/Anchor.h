@@ -19,8 +19,7 @@ Anchor ReadAnchor(const std::string& file);
 /// Writes an anchor. An existing file is replaced at once, so that it is never incomplete.
 void WriteAnchor(const std::string& file, const Anchor& anchor);
 
-/// How the chain of seals of a store contradicts an anchor; empty if the chain contains it, or begins behind it
-/// because the store continues another one.
+/// How the chain of seals of a store contradicts an anchor; empty if the chain contains it.
 /// @param origin the number of the store whose chain it is.
 std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store, long long origin);
 

@@ -3,6 +3,7 @@
 #include "output/Times.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
+#include "store/reading/SettledReader.h"
 #include "store/record/Records.h"
 #include "store/recording/Writer.h"
 #include "store/rotating/Continuation.h"
@@ -179,17 +180,11 @@ void TakeSecondNameAway(const std::string& file) {
   }
 }
 
-/// If a rotation was interrupted after the names had changed, the old file can still be written.
-/// @return the old file if that was so; else an empty text.
-std::string FinishEarlier(const Reader& store, const std::string& file) {
+/// The old file if a rotation was interrupted after the names had changed: it can still be written. Else empty.
+std::string LeftByAnInterruption(const Reader& store, const std::string& file) {
   const std::optional<Continued> previous = PreviousOf(store, thisStore);
   std::string old = previous ? FileBeside(file, previous->guid) : "";
-  if (old.empty() || System::IsReadOnly(old)) {
-    return "";
-  }
-  MakeReadOnly(old);
-  Say("'" + old + "' is read-only now; the rotation to '" + file + "' had been interrupted before that");
-  return old;
+  return old.empty() || System::IsReadOnly(old) ? "" : old;
 }
 
 class RotateVerb : public StoreVerb {
@@ -197,7 +192,8 @@ class RotateVerb : public StoreVerb {
   explicit RotateVerb(Options& options) : StoreVerb(options, With::Nothing) {
     options.AddText("--to", aside, "The other name of the file. Default: that of the store with the date of today",
                     "FILE");
-    options.AddText("--anchor", anchorFile, "Write the newest hash to this file, as seal does", "FILE");
+    options.AddText("--anchor", anchorFile,
+                    "Write the newest hash to this file, as seal does; in the end it is that of the new store", "FILE");
     options.AddText("--check", checked,
                     "Do not rotate. Send what the facility, which TSAL.config names, does not have yet of this file, "
                     "compare all of it, and say whether the facility has everything",
@@ -222,19 +218,19 @@ class RotateVerb : public StoreVerb {
     }
     const std::string file = WithoutLinks(database.where);
     TakeSecondNameAway(file);
+    std::string to;
     {
       const Reader store({Database::Kind::Sqlite, file});
       ExpectNoHost(store);
-      if (const std::string old = FinishEarlier(store, file); !old.empty()) {
-        return facility ? CheckAfter(old, *facility) : Done;
-      }
-      if (IsEmpty(store)) {
+      to = LeftByAnInterruption(store, file);
+      if (to.empty() && IsEmpty(store)) {
         Say("nothing was recorded into '" + file + "' yet, so it stays");
         return Done;
       }
     }
-    const std::string to = aside.empty() ? NameOfToday(file) : System::Absolute(aside);
-    const ExitCode code = Rotate(file, to);
+    const bool isLeft = !to.empty();
+    to = isLeft ? to : aside.empty() ? NameOfToday(file) : System::Absolute(aside);
+    const ExitCode code = isLeft ? FinishEarlier(file, to) : Rotate(file, to);
     return code == Done && facility ? CheckAfter(to, *facility) : code;
   }
 
@@ -245,10 +241,32 @@ class RotateVerb : public StoreVerb {
       return code;
     }
     rotation.ChangeNames();
+    if (const ExitCode code = LeadAnchorOn(file, to); code != Done) {
+      return code;
+    }
     MakeReadOnly(to);
     Say("'" + to + "' has all records so far, and can only be read; what comes is recorded into a new store in '" +
         file + "', which continues it from seal " + rotation.End().hash);
     return Done;
+  }
+
+  ExitCode FinishEarlier(const std::string& file, const std::string& old) const {
+    if (const ExitCode code = LeadAnchorOn(file, old); code != Done) {
+      return code;
+    }
+    MakeReadOnly(old);
+    Say("'" + old + "' is read-only now; the rotation to '" + file + "' had been interrupted before that");
+    return Done;
+  }
+
+  /// Seals what the new store says of the old one, so that the anchor can be of the new one from now on.
+  ExitCode LeadAnchorOn(const std::string& file, const std::string& old) const {
+    if (anchorFile.empty()) {
+      return Done;
+    }
+    const Store::Database database{Database::Kind::Sqlite, file};
+    const auto writer = OpenForWriting(database, Opening::ExpectsStore);
+    return SealWith(*writer, SettledReader(database), anchorFile, old);
   }
 
   // The rotation is done. What the facility does not have can be sent at any time: the file stays.

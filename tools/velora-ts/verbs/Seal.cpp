@@ -7,6 +7,8 @@
 #include "store/record/Sha256.h"
 #include "store/record/Unsealed.h"
 #include "store/recording/Writer.h"
+#include "store/rotating/Continuation.h"
+#include "store/schema/BringUp.h"
 #include "store/schema/Versions.h"
 #include "store/values/StoredTime.h"
 #include "verbs/Anchor.h"
@@ -18,6 +20,7 @@
 #include <VeloraSystem/Path.h>
 
 #include <filesystem>
+#include <optional>
 
 namespace Velora::Ts {
 
@@ -124,17 +127,36 @@ ExitCode Refuse(const std::string& finding) {
   return Found;
 }
 
-}  // namespace
-
-ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchorFile) {
-  Chain chain;
+/// Reads the seals of a store to the end, or to the first fault. @return the fault; empty for none.
+std::string ReadOn(Chain& chain, const Reader& store) {
   for (SealRows seals(store); seals.Next();) {
     if (const auto broken = chain.Add(seals.Current()); !broken.empty()) {
-      return Refuse(broken.front());
+      return broken.front();
     }
   }
+  return "";
+}
+
+/// Whether an anchor is of the store in a file, and another store continues that one from its newest seal.
+bool IsOfTheOneBefore(const Anchor& anchor, const std::string& before, const Reader& store) {
+  const Reader old({Database::Kind::Sqlite, before});
+  const std::optional<Continued> previous = PreviousOf(store, thisStore);
+  Chain chain;
+  return ReadOn(chain, old).empty() && previous && previous->hash == chain.hash &&
+         AnchorFinding(anchor, old, thisStore).empty();
+}
+
+}  // namespace
+
+ExitCode SealWith(Writer& writer, const Reader& store, const std::string& anchorFile, const std::string& before) {
+  Chain chain;
+  if (const std::string broken = ReadOn(chain, store); !broken.empty()) {
+    return Refuse(broken);
+  }
   if (std::error_code unknown; !anchorFile.empty() && std::filesystem::exists(System::PathOf(anchorFile), unknown)) {
-    if (const std::string finding = AnchorFinding(ReadAnchor(anchorFile), store, thisStore); !finding.empty()) {
+    const Anchor anchor = ReadAnchor(anchorFile);
+    const std::string finding = AnchorFinding(anchor, store, thisStore);
+    if (!finding.empty() && (before.empty() || !IsOfTheOneBefore(anchor, before, store))) {
       return Refuse(finding);
     }
   }
