@@ -3,10 +3,10 @@
 // each store is compared with what the hosts were told, and the facility's store with each file.
 
 #include "Facility.h"
-#include "Program.h"
 #include "durability/Comparison.h"
 #include "durability/Host.h"
 #include "durability/Recording.h"
+#include "support/Program.h"
 #include "support/Query.h"
 #include "support/ScratchFolder.h"
 #include "support/TestStore.h"
