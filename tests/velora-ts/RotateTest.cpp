@@ -10,9 +10,10 @@ namespace {
 /// A host that records a run and ends.
 const std::string host = "VELORA_LOG_FILE=log '" FIVE_CALLS "'";
 
-/// What stops a program before a call that changes files (StopAt.cpp).
+/// What stops a program before a call that changes files (StopAt.cpp). It is loaded before the library of a sanitizer.
 std::string Stopping(const std::string& at, int by) {
-  return "STOP_AT=" + at + " STOP_BY=" + std::to_string(by) + " LD_PRELOAD='" STOP_AT "' ";
+  return "ASAN_OPTIONS=$ASAN_OPTIONS:verify_asan_link_order=0 STOP_AT=" + at + " STOP_BY=" + std::to_string(by) +
+         " LD_PRELOAD='" STOP_AT "' ";
 }
 
 /// A folder with a store of two runs.
