@@ -62,7 +62,6 @@ rows = [
 ]
 
 
-
 def print_heading(what):
     print(f"{what:48} {'Ratio':>8} {'Target':>8} {'p99 of both, µs':>20}")
 

@@ -51,9 +51,16 @@ def make_store(folder):
         store.execute("INSERT INTO events VALUES (?, ?, ?, NULL, ?, ?)", row)
         for position in range(1, chance.randrange(1, 4)):
             value = chance.gauss(-2, 0.5) * 10 ** chance.randrange(-3, 4)
-            kinds = [("double", None, value), ("text", f"{value:.3f}", None), ("int", None, round(value)),
-                     ("double", "NaN:7ff8000000000000", None), ("bool", None, 1), ("text", "none", None),
-                     ("double", "-0.0", None), ("double", None, 9e999)]
+            kinds = [
+                ("double", None, value),
+                ("text", f"{value:.3f}", None),
+                ("int", None, round(value)),
+                ("double", "NaN:7ff8000000000000", None),
+                ("bool", None, 1),
+                ("text", "none", None),
+                ("double", "-0.0", None),
+                ("double", None, 9e999),
+            ]
             kind = chance.choices(kinds, [40, 20, 20, 1, 1, 1, 1, 1])[0]
             store.execute("INSERT INTO parameters VALUES (?, ?, 'Defocus', ?, ?, ?)", (key, position, *kind))
     store.commit()
@@ -78,8 +85,13 @@ def read(text, parameter):
 
 
 def describe(numbers):
-    answer = {"count": len(numbers), "min": numbers.min(), "max": numbers.max(), "mean": numbers.mean(),
-              "deviation": numbers.std()}
+    answer = {
+        "count": len(numbers),
+        "min": numbers.min(),
+        "max": numbers.max(),
+        "mean": numbers.mean(),
+        "deviation": numbers.std(),
+    }
     return {**answer, **{name: numbers.quantile(part) for name, part in QUANTILES.items()}}
 
 
@@ -96,8 +108,13 @@ def compare(folder, parameter):
     if len(exported) != len(events):
         sys.exit(f"export has {len(exported)} numbers, events has {len(events)}")
     groups = 0
-    for by, rows in {"run": exported, "day": exported, "month": exported, "activity": exported,
-                     "instrument": events}.items():
+    for by, rows in {
+        "run": exported,
+        "day": exported,
+        "month": exported,
+        "activity": exported,
+        "instrument": events,
+    }.items():
         told = json.loads(tool("stats", parameter, "--by", by, "--json", "--config", folder))
         keys = {"run": lambda group: group.get("run", ""), "activity": lambda group: group["name"].split(" ")[0]}
         found = {keys.get(by, lambda group: group["name"])(group): group for group in told["groups"]}
@@ -109,8 +126,21 @@ def compare(folder, parameter):
         expect(f"by {by}, all", told["all"], describe(rows["measured"]))
         groups += len(found)
     since, until = (exported["local"].quantile(part).floor("D") for part in (0.5, 0.8))
-    told = json.loads(tool("stats", parameter, "--by", "instrument", "--json", "--config", folder, "--since",
-                           since.isoformat(), "--until", until.isoformat()))
+    told = json.loads(
+        tool(
+            "stats",
+            parameter,
+            "--by",
+            "instrument",
+            "--json",
+            "--config",
+            folder,
+            "--since",
+            since.isoformat(),
+            "--until",
+            until.isoformat(),
+        )
+    )
     within = events[(events["local"] >= since) & (events["local"] < until)].groupby("instrument")["measured"].median()
     earlier = (events["local"] >= since - (until - since)) & (events["local"] < since)
     before = events[earlier].groupby("instrument")["measured"].median()
