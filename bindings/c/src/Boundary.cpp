@@ -1,0 +1,54 @@
+#include "Boundary.h"
+
+#include "Immortal.h"
+#include "ThisThread.h"
+
+#include <pthread.h>
+
+#include <new>
+
+namespace Velora::CInterface {
+namespace {
+
+Immortal<std::recursive_mutex> processLock;
+
+}  // namespace
+
+Inside::Inside() {
+  processLock.object.lock();
+  pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &cancelling);
+}
+
+Inside::~Inside() {
+  pthread_setcancelstate(cancelling, nullptr);
+  processLock.object.unlock();
+}
+
+std::unique_lock<std::recursive_mutex> InsideIfAlone() { return {processLock.object, std::try_to_lock}; }
+
+velora_ts_status StatusOfException(const char* function) noexcept {
+  try {
+    throw;
+  } catch (const Failure& failure) {
+    ThisThread::KeepError(function, failure.words);
+    return failure.status;
+  } catch (const std::bad_alloc&) {
+    ThisThread::KeepError(function, "there is no memory");
+    return VELORA_TS_NO_MEMORY;
+  } catch (const std::exception& reason) {
+    ThisThread::KeepError(function, reason.what());
+  } catch (...) {
+    ThisThread::KeepError(function, "an exception of an unknown type");
+  }
+  return VELORA_TS_RAISED;
+}
+
+}  // namespace Velora::CInterface
+
+const char* velora_ts_last_error(size_t* size) {
+  const std::string_view text = Velora::CInterface::ThisThread::LastError();
+  if (size != nullptr) {
+    *size = text.size();
+  }
+  return text.data();
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <velora_ts.h>
+
+#include <exception>
+#include <mutex>
+#include <string>
+#include <utility>
+
+namespace Velora::CInterface {
+
+/// Ends a function of the interface with a status of its own. The words can contain zero bytes.
+class Failure : public std::exception {
+ public:
+  Failure(velora_ts_status status, std::string words) : status(status), words(std::move(words)) {}
+
+  const char* what() const noexcept override { return words.c_str(); }
+
+  velora_ts_status status;
+  std::string words;
+};
+
+/// The arguments of a function cannot be used. Raised before anything is done.
+class Misuse : public Failure {
+ public:
+  explicit Misuse(std::string words) : Failure(VELORA_TS_MISUSE, std::move(words)) {}
+};
+
+/// Makes this thread the only one inside the component, until the scope ends. Can be repeated on one thread. Meanwhile,
+/// the thread cannot be cancelled, because the component catches everything and would not let it end.
+class Inside {
+ public:
+  Inside();
+  Inside(const Inside&) = delete;
+  Inside& operator=(const Inside&) = delete;
+  ~Inside();
+
+ private:
+  int cancelling = 0;
+};
+
+/// Takes the lock of the process, if no other thread has it. For the end of the library: on Windows, the threads that
+/// held a lock are gone by then.
+std::unique_lock<std::recursive_mutex> InsideIfAlone();
+
+/// The status of a function that is left by the present exception. Keeps the text of the error for this thread.
+velora_ts_status StatusOfException(const char* function) noexcept;
+
+/// Runs the body of a function of the interface, alone in the process, and lets no exception out.
+template <typename Body>
+velora_ts_status Boundary(const char* function, const Body& body) noexcept {
+  try {
+    const Inside inside;
+    body();
+    return VELORA_TS_OK;
+  } catch (...) {
+    return StatusOfException(function);
+  }
+}
+
+}  // namespace Velora::CInterface
