@@ -4,15 +4,17 @@
 #include "support/ScratchFolder.h"
 #include "support/System.h"
 
-#include <VeloraInfraLogging/Logger.h>
+#include <VeloraInfraLogging/Redirect.h>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <atomic>
 #include <thread>
 
 namespace {
 
+using Quor::Velora::Infra::Logging::Level;
 using Quor::Velora::Infra::Logging::Logger;
 using namespace std::string_literals;
 
@@ -82,6 +84,48 @@ TEST(LoggerOfTheHost, NamesAFileThatCannotBeUsedAndTriesAgainWithTheNextLine) {
           << error.what();
     }
   }
+}
+
+TEST(LoggerOfTheHost, GivesItsLinesToAReceiverAsTheyAreUntilItIsTakenAway) {
+  const ScratchFolder folder;
+  System::SetVariable("VELORA_LOG_FILE", (folder / "log").string());
+  const auto logger = Logger::GetInstance();
+  const std::string message = "x\n\0\xff"s;
+  std::string received;
+  VeloraInfraLoggingRedirect([&](Level level, const std::string& source, const std::string& text) {
+    received += std::to_string(static_cast<int>(level)) + source + text;
+  });
+  logger->WriteInfo(L"S\u00e4\n\u20ac\U0001F52C", message);
+  Logger::GetInstance()->WriteWarning(L"", message);
+  Logger::GetInstance()->WriteError(L"a", message);
+  EXPECT_EQ(received, "0Sä\n€🔬" + message + "1" + message + "2a" + message);
+  EXPECT_FALSE(exists(folder / "log"));
+  VeloraInfraLoggingRedirect([](Level, const std::string&, const std::string& text) { throw std::logic_error(text); });
+  EXPECT_THROW(logger->WriteInfo(L"a", "text"), std::logic_error);
+  VeloraInfraLoggingRedirect(nullptr);
+  logger->WriteInfo(L"a", "text");
+  EXPECT_EQ(Timeless(ContentOf(folder / "log")), "TIME [info] [a] text\n");
+}
+
+TEST(LoggerOfTheHost, KeepsAReceiverUntilTheLinesThatWereGivenToItHaveReturned) {
+  std::atomic<bool> inside = false, goOn = false, destroyed = false;
+  std::shared_ptr<void> held(nullptr, [&](void*) { destroyed = true; });
+  VeloraInfraLoggingRedirect([&, held](Level, const std::string&, const std::string&) {
+    inside = true;
+    VeloraInfraLoggingRedirect([](Level, const std::string&, const std::string&) {});
+    inside.notify_one();
+    goOn.wait(false);
+    EXPECT_FALSE(destroyed);
+  });
+  held = nullptr;
+  std::thread writer([] { Logger::GetInstance()->WriteInfo(L"a", "text"); });
+  inside.wait(false);
+  VeloraInfraLoggingRedirect(nullptr);
+  EXPECT_FALSE(destroyed);
+  goOn = true;
+  goOn.notify_one();
+  writer.join();
+  EXPECT_TRUE(destroyed);
 }
 
 }  // namespace

@@ -8,10 +8,9 @@
 namespace Quor::Velora::Infra::Logging {
 namespace {
 
-bool NeedsEscape(char character) {
-  const auto byte = static_cast<unsigned char>(character);
-  return byte < 32 || byte == 127;
-}
+constexpr bool IsControl(std::uint32_t point) { return point < 32 || point == 127; }
+
+bool NeedsEscape(char character) { return IsControl(static_cast<unsigned char>(character)); }
 
 void AppendEscape(std::string& line, char character) {
   static constexpr std::string_view digits = "0123456789abcdef";
@@ -44,8 +43,7 @@ void AppendEscaped(std::string& line, std::string_view text) {
 void AppendUtf8(std::string& line, std::uint32_t point) {
   const auto tail = [&line, point](unsigned shift) { line += static_cast<char>(0x80U | ((point >> shift) & 0x3FU)); };
   if (point < 0x80) {
-    const auto character = static_cast<char>(point);
-    NeedsEscape(character) ? AppendEscape(line, character) : line.push_back(character);
+    line += static_cast<char>(point);
   } else if (point < 0x800) {
     line += static_cast<char>(0xC0U | (point >> 6U));
     tail(0);
@@ -79,12 +77,22 @@ std::uint32_t NextPoint(std::wstring_view text, std::size_t& at) {
 
 }  // namespace
 
+std::string SourceText(const std::wstring& source) {
+  std::string text;
+  text.reserve(source.size());
+  for (std::size_t at = 0; at < source.size();) {
+    AppendUtf8(text, NextPoint(source, at));
+  }
+  return text;
+}
+
 std::string LineText(const std::wstring& source, const std::string& message) {
   std::string line;
   line.reserve(source.size() + message.size() + 3);
   line += '[';
   for (std::size_t at = 0; at < source.size();) {
-    AppendUtf8(line, NextPoint(source, at));
+    const std::uint32_t point = NextPoint(source, at);
+    IsControl(point) ? AppendEscape(line, static_cast<char>(point)) : AppendUtf8(line, point);
   }
   line += "] ";
   AppendEscaped(line, message);

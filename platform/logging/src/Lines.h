@@ -8,4 +8,7 @@ namespace Quor::Velora::Infra::Logging {
 /// text can look like another line. Every other byte passes as it is; the source is written in UTF-8.
 std::string LineText(const std::wstring& source, const std::string& message);
 
+/// A source in UTF-8, as it is.
+std::string SourceText(const std::wstring& source);
+
 }  // namespace Quor::Velora::Infra::Logging

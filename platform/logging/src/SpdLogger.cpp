@@ -1,6 +1,7 @@
+#include "SpdLogger.h"
+
 #include "Lines.h"
 
-#include <VeloraInfraLogging/Logger.h>
 #include <VeloraSystem/System.h>
 
 #include <spdlog/sinks/basic_file_sink.h>
@@ -9,79 +10,63 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <mutex>
 #include <stdexcept>
 
 namespace Quor::Velora::Infra::Logging {
-
-Logger::~Logger() = default;
-
 namespace {
 
-/// Writes to the file that VELORA_LOG_FILE names when the first line comes, else to standard error.
-class SpdLogger final : public Logger {
- public:
-  void WriteInfo(const std::wstring& source, const std::string& message) override {
-    Write(spdlog::level::info, source, message);
+spdlog::level::level_enum Spd(Level level) {
+  switch (level) {
+    case Level::Info:
+      return spdlog::level::info;
+    case Level::Warning:
+      return spdlog::level::warn;
+    default:
+      return spdlog::level::err;
   }
-  void WriteWarning(const std::wstring& source, const std::string& message) override {
-    Write(spdlog::level::warn, source, message);
-  }
-  void WriteError(const std::wstring& source, const std::string& message) override {
-    Write(spdlog::level::err, source, message);
-  }
+}
 
- private:
-  void Write(spdlog::level::level_enum level, const std::wstring& source, const std::string& message) {
-    Opened().log(level, LineText(source, message));
+spdlog::sink_ptr SinkFor(const std::string& file) {
+  if (file.empty()) {
+    return std::make_shared<spdlog::sinks::stderr_sink_mt>();
   }
+  // Made here where it is not there yet, since spdlog lets everybody read what it makes. What is wrong it will say.
+  std::error_code ignored;
+  std::filesystem::create_directories(std::filesystem::path(file).parent_path(), ignored);
+  ::Velora::System::MakeOwnFile(file);
+  return std::make_shared<spdlog::sinks::basic_file_sink_mt>(file);
+}
 
-  spdlog::logger& Opened() {
-    const std::lock_guard lock(mutex);
-    if (!logger) {
-      logger = Open();  // tried again at the next line when it raises
-    }
-    return *logger;
+std::unique_ptr<spdlog::logger> Open() {
+  const char* const variable = std::getenv("VELORA_LOG_FILE");
+  const std::string file = variable == nullptr ? "" : variable;
+  const std::string target = file.empty() ? "standard error" : "the log file '" + file + "' (VELORA_LOG_FILE)";
+  std::unique_ptr<spdlog::logger> made;
+  try {
+    made = std::make_unique<spdlog::logger>("velora", SinkFor(file));
+  } catch (const spdlog::spdlog_ex& reason) {
+    throw std::runtime_error(target + " cannot be opened: " + reason.what());
   }
-
-  static spdlog::sink_ptr SinkFor(const std::string& file) {
-    if (file.empty()) {
-      return std::make_shared<spdlog::sinks::stderr_sink_mt>();
-    }
-    // Made here where it is not there yet, since spdlog lets everybody read what it makes. What is wrong it will say.
-    std::error_code ignored;
-    std::filesystem::create_directories(std::filesystem::path(file).parent_path(), ignored);
-    ::Velora::System::MakeOwnFile(file);
-    return std::make_shared<spdlog::sinks::basic_file_sink_mt>(file);
-  }
-
-  static std::unique_ptr<spdlog::logger> Open() {
-    const char* const variable = std::getenv("VELORA_LOG_FILE");
-    const std::string file = variable == nullptr ? "" : variable;
-    const std::string target = file.empty() ? "standard error" : "the log file '" + file + "' (VELORA_LOG_FILE)";
-    std::unique_ptr<spdlog::logger> made;
-    try {
-      made = std::make_unique<spdlog::logger>("velora", SinkFor(file));
-    } catch (const spdlog::spdlog_ex& reason) {
-      throw std::runtime_error(target + " cannot be opened: " + reason.what());
-    }
-    made->set_pattern("%Y-%m-%dT%H:%M:%S.%f%z [%l] %v");
-    made->flush_on(spdlog::level::trace);
-    made->set_error_handler([target](const std::string& reason) {
-      throw std::runtime_error("log line cannot be written to " + target + ": " + reason);
-    });
-    return made;
-  }
-
-  std::mutex mutex;
-  std::unique_ptr<spdlog::logger> logger;  // guarded by mutex until it is there
-};
-
-// Made when the library loads, not at the first line: so it outlives whatever writes lines when the process ends.
-const std::shared_ptr<Logger> processLogger = std::make_shared<SpdLogger>();
+  made->set_pattern("%Y-%m-%dT%H:%M:%S.%f%z [%l] %v");
+  made->flush_on(spdlog::level::trace);
+  made->set_error_handler([target](const std::string& reason) {
+    throw std::runtime_error("log line cannot be written to " + target + ": " + reason);
+  });
+  return made;
+}
 
 }  // namespace
 
-std::shared_ptr<Logger> Logger::GetInstance() { return processLogger; }
+void SpdLogger::Write(Level level, const std::wstring& source, const std::string& message) {
+  Opened().log(Spd(level), LineText(source, message));
+}
+
+spdlog::logger& SpdLogger::Opened() {
+  const std::lock_guard lock(mutex);
+  if (!logger) {
+    logger = Open();  // tried again at the next line when it raises
+  }
+  return *logger;
+}
 
 }  // namespace Quor::Velora::Infra::Logging
