@@ -63,7 +63,7 @@ class HostCheck {
     if (start.library.empty()) {
       return Warn("there is no TS logging library beside this program; --library names that of the host");
     }
-    const std::vector<std::string> reasons = WhyNotLoaded(start.library);
+    const std::vector<std::string> reasons = start.isLoaded ? std::vector<std::string>() : WhyNotLoaded(start.library);
     for (const std::string& reason : reasons) {
       Prevent(reason);
     }

@@ -12,6 +12,7 @@ namespace Velora::HostCheck {
 struct HostStart {
   std::string folder;                            ///< The current directory of the host; empty for that of this program.
   std::string library;                           ///< The file of the TS logging library; empty if it is not known.
+  bool isLoaded = false;                         ///< Whether this process is the host, and has that library in memory.
   std::string activities = "activities.xml";     ///< The name of the activities file.
   std::string configuration = "instrument.xml";  ///< The name of the instrument configuration.
 };

@@ -1,0 +1,28 @@
+#include "WhyNotAvailable.h"
+
+#include "ComponentFile.h"
+
+#include <host-check/HostCheck.h>
+
+// Over our TSAL.
+
+namespace Velora::CInterface {
+
+using namespace HostCheck;
+
+std::optional<std::string> WhyNotAvailable(const std::string& configuration, const std::string& activities) {
+  HostStart start;
+  start.library = ComponentFile();
+  start.isLoaded = true;
+  start.activities = activities;
+  start.configuration = configuration;
+  std::string findings;
+  const HostOutcome outcome = CheckHost(start, [&](const HostStep& step) {
+    if (step.outcome == HostStep::Outcome::Prevents) {
+      findings += (findings.empty() ? "" : "\n") + step.words;
+    }
+  });
+  return outcome.records ? std::nullopt : std::optional(findings);
+}
+
+}  // namespace Velora::CInterface
