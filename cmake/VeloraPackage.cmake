@@ -1,4 +1,4 @@
-# The CMake package and the pkg-config file for other projects, and the target "uninstall".
+# The CMake package and the pkg-config files for other projects, and the target "uninstall".
 include(CMakePackageConfigHelpers)
 
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/VeloraTsLogging)
@@ -22,8 +22,10 @@ if(VELORA_TSAL_ROOT)
   set(tsal_libdir lib)
   set(tsal_includedir include)
 endif()
-configure_file(cmake/veloratslogging.pc.in veloratslogging.pc @ONLY)
-install(FILES ${CMAKE_CURRENT_BINARY_DIR}/veloratslogging.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+foreach(interface veloratslogging velora_ts)
+  configure_file(cmake/${interface}.pc.in ${interface}.pc @ONLY)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${interface}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()
 
 add_custom_target(uninstall
   ${CMAKE_COMMAND} -D manifest=${CMAKE_BINARY_DIR}/install_manifest.txt -P ${CMAKE_CURRENT_LIST_DIR}/Uninstall.cmake)
