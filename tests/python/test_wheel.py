@@ -1,0 +1,33 @@
+"""The wheel: two builds give the same bytes, and it is whole in an environment that has nothing else."""
+
+from __future__ import annotations
+
+import os
+import subprocess
+import sys
+from pathlib import Path
+
+import velora_ts
+
+ROOT = Path(__file__).resolve().parents[2]
+SCRIPT = """
+import importlib.resources, velora_ts
+print(velora_ts.__version__, (importlib.resources.files(velora_ts) / "py.typed").is_file())
+"""
+
+
+def made_in(folder: Path, zone: str, umask: int) -> Path:
+    environment = {**os.environ, "TZ": zone}
+    subprocess.run([ROOT / "scripts/package-python", "--into", folder], env=environment, umask=umask, check=True)
+    return folder / f"velora_ts-{velora_ts.__version__}-py3-none-any.whl"
+
+
+def test_a_wheel_is_reproducible_and_whole(tmp_path: Path) -> None:
+    wheel = made_in(tmp_path / "one", "UTC", 0o022)
+    assert wheel.read_bytes() == made_in(tmp_path / "other", "Asia/Tokyo", 0o077).read_bytes()
+
+    subprocess.run([sys.executable, "-m", "venv", tmp_path / "venv"], check=True)
+    python = tmp_path / "venv/bin/python"
+    subprocess.run([python, "-m", "pip", "--isolated", "install", "--quiet", "--no-index", wheel], check=True)
+    said = subprocess.run([python, "-I", "-c", SCRIPT], cwd=tmp_path, check=True, capture_output=True, text=True).stdout
+    assert said.split() == [velora_ts.__version__, "True"]
