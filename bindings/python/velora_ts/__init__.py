@@ -1,5 +1,20 @@
 """Records what a script does on an electron microscope with Velora TS logging, and reads what was recorded."""
 
+from velora_ts._recording import Activity, Recording, open
+from velora_ts._values import Bool, Double, Int, Text
 from velora_ts._version import __version__
+from velora_ts.errors import Error, NotAvailable, NotAvailableWarning
 
-__all__ = ["__version__"]
+__all__ = [
+    "Activity",
+    "Bool",
+    "Double",
+    "Error",
+    "Int",
+    "NotAvailable",
+    "NotAvailableWarning",
+    "Recording",
+    "Text",
+    "__version__",
+    "open",
+]

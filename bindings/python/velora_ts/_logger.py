@@ -1,0 +1,47 @@
+"""The lines of the component's log, as lines of Python's logging."""
+
+from __future__ import annotations
+
+import ctypes
+import logging
+import os
+from ctypes import c_int32, c_size_t, c_void_p
+from typing import Any, Callable, Optional
+
+_log = logging.getLogger("velora_ts")
+
+# By the levels of velora_ts.h. The component has several lines of the lowest level for each call.
+_LEVELS = (logging.DEBUG, logging.WARNING, logging.ERROR)
+
+_WRITE = ctypes.CFUNCTYPE(c_int32, c_void_p, c_int32, c_void_p, c_size_t, c_void_p, c_size_t)
+
+
+class _Callbacks(ctypes.Structure):
+    """velora_ts_logger"""
+
+    _fields_ = [("size", c_size_t), ("context", c_void_p), ("release", c_void_p), ("write", _WRITE)]
+
+
+class Logger:
+    """Puts Python's logging in the place of the component's log, unless VELORA_LOG_FILE names a file for that."""
+
+    def __init__(self, set_logger: Callable[[Any], int]) -> None:
+        self._set_logger = set_logger
+        self._callbacks: Optional[_Callbacks] = None
+        if not os.environ.get("VELORA_LOG_FILE"):
+            callbacks = _Callbacks(ctypes.sizeof(_Callbacks), None, None, _WRITE(_write))
+            if set_logger(ctypes.byref(callbacks)) == 0:  # else it is a vendor's, which logs in its own way
+                self._callbacks = callbacks
+
+    def remove(self) -> None:
+        """Puts the component's own log back."""
+        if self._callbacks is not None:
+            self._set_logger(None)
+            self._callbacks = None
+
+
+def _write(_context: int, level: int, _source: int, _source_size: int, message: int, size: int) -> int:
+    python_level = _LEVELS[level]
+    if _log.isEnabledFor(python_level):
+        _log.log(python_level, "%s", ctypes.string_at(message, size).decode("utf-8", "replace"))
+    return 0
