@@ -5,12 +5,21 @@
 
 #include <pthread.h>
 
+#include <chrono>
+#include <mutex>
 #include <new>
+#include <thread>
 
 namespace Velora::CInterface {
 namespace {
 
 Immortal<std::recursive_mutex> processLock;
+
+#ifdef _WIN32  // which ends all other threads first, also one that holds the lock
+constexpr std::chrono::seconds longestWait(0);
+#else
+constexpr std::chrono::seconds longestWait(5);
+#endif
 
 }  // namespace
 
@@ -24,7 +33,16 @@ Inside::~Inside() {
   processLock.object.unlock();
 }
 
-std::unique_lock<std::recursive_mutex> InsideIfAlone() { return {processLock.object, std::try_to_lock}; }
+bool StayInsideAlone() noexcept {
+  const auto end = std::chrono::steady_clock::now() + longestWait;
+  while (!processLock.object.try_lock()) {
+    if (std::chrono::steady_clock::now() >= end) {
+      return false;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return true;
+}
 
 velora_ts_status StatusOfException(const char* function) noexcept {
   try {

@@ -3,7 +3,6 @@
 #include <velora_ts.h>
 
 #include <exception>
-#include <mutex>
 #include <string>
 #include <utility>
 
@@ -39,9 +38,11 @@ class Inside {
   int cancelling = 0;
 };
 
-/// Takes the lock of the process, if no other thread has it. For the end of the library: on Windows, the threads that
-/// held a lock are gone by then.
-std::unique_lock<std::recursive_mutex> InsideIfAlone();
+/// For the end of the library: keeps all other threads outside from now on. Those that still run while the process ends
+/// wait for that, and do not use what is destroyed already. Waits some seconds for a thread that is inside, so that its
+/// record is saved. Can be repeated.
+/// @return false if a thread stayed inside: nothing that it can use may be released then.
+bool StayInsideAlone() noexcept;
 
 /// The status of a function that is left by the present exception. Keeps the text of the error for this thread.
 velora_ts_status StatusOfException(const char* function) noexcept;

@@ -33,7 +33,7 @@ struct AtUnload {
   AtUnload(const AtUnload&) = delete;
   AtUnload& operator=(const AtUnload&) = delete;
   ~AtUnload() {
-    if (const auto inside = InsideIfAlone()) {
+    if (StayInsideAlone()) {
       HandleTable::Objects().swap(table.object.objects);
     }
   }
