@@ -44,7 +44,12 @@ if(MINGW)
     FILES_MATCHING PATTERN "lib*.dll")
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/build/windows-dependencies/licences DESTINATION .)
   configure_file(packaging/windows/README.txt README.txt @ONLY NEWLINE_STYLE CRLF)
-  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/README.txt THIRD-PARTY.md docs/windows.md DESTINATION .)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/README.txt THIRD-PARTY.md docs/windows.md docs/c.md DESTINATION .)
+  install(DIRECTORY examples/c-host DESTINATION examples)
+  # The exports of the C interface, from which other linkers make an import library of their own.
+  set(exports ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/velora_ts.def)
+  target_link_options(velora_ts PRIVATE -Wl,--output-def,${exports})
+  install(FILES ${exports} DESTINATION ${CMAKE_INSTALL_LIBDIR})
   set(CPACK_STRIP_FILES ON)  # debuggers take what was built
   set(CPACK_GENERATOR ZIP)
   set(CPACK_PACKAGE_FILE_NAME VeloraTsLogging-${PROJECT_VERSION}-windows-x86_64)
