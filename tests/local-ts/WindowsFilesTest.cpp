@@ -157,4 +157,18 @@ TEST_F(WindowsFiles, WhatAnotherProgramHasOpenIsWaitedForAndNamed) {
   EXPECT_NO_THROW(fs::rename(folder.path / "page.html", folder.path / "renamed"));
 }
 
+TEST_F(WindowsFiles, WhatAnotherProgramOpensAgainAndAgainIsReplacedInBetween) {
+  const fs::path file = folder.Write("page.html", "old");
+  std::jthread other([&file](const std::stop_token& ends) {
+    while (!ends.stop_requested()) {
+      static_cast<void>(std::ifstream(file).get());
+      Sleep(2);
+    }
+  });
+  for (int time = 0; time < 200; ++time) {
+    System::NewFile fresh(System::TextOf(file) + ".part", 0666);
+    EXPECT_NO_THROW(fresh.MoveTo(System::TextOf(file), System::NewFile::Existing::Replace)) << time;
+  }
+}
+
 }  // namespace

@@ -38,13 +38,13 @@ void NewFile::Move(const std::string& path, const std::string& name, Existing ex
   const std::wstring from = WholePath(Wide(path));
   const std::wstring to = WholePath(Wide(name));
   const DWORD how = MOVEFILE_WRITE_THROUGH | (existing == Existing::Replace ? MOVEFILE_REPLACE_EXISTING : 0U);
+  // Access is denied while a program has the file open, too. Who had it open can let go before anybody looks.
   const DWORD reason = Patiently([&] {
     const DWORD why = ReasonUnless(MoveFileExW(from.c_str(), to.c_str(), how));
-    return why == ERROR_ACCESS_DENIED && IsOpen(to) ? ERROR_SHARING_VIOLATION
-                                                    : why;  // the system does not tell them apart
+    return why == ERROR_ACCESS_DENIED ? ERROR_SHARING_VIOLATION : why;
   });
   if (reason != ERROR_SUCCESS) {
-    throw Failure(ReasonOf(reason));
+    throw Failure(ReasonOf(reason == ERROR_SHARING_VIOLATION && !IsOpen(to) ? ERROR_ACCESS_DENIED : reason));
   }
 }
 
