@@ -192,9 +192,14 @@ class RotateBesideFacility : public WithTool<PostgreSql> {
 };
 
 TEST_F(RotateBesideFacility, SaysWhetherTheFacilityHasEverything) {
-  EXPECT_EQ(Shell("cd scope; velora-ts forward --follow 2>/dev/null & forwarder=$!; " + host +
-                  "; velora-ts rotate --to old.db; code=$?; " + host +
-                  "; sleep 3; kill $forwarder; wait $forwarder; exit $code"),
+  const auto arrive = [](const std::string& executions) {
+    return "until [ \"$(psql -d postgres -Atc 'SELECT COUNT(*) FROM executions')\" = " + executions +
+           " ]; do kill -0 $forwarder || exit; sleep 0.1; done; ";
+  };
+  // The facility numbers the stores in the order in which they come: the old one first.
+  EXPECT_EQ(Shell("cd scope; velora-ts forward --follow 2>/dev/null & forwarder=$!; " + arrive("1") + host +
+                  "; velora-ts rotate --to old.db; code=$?; " + host + "; " + arrive("3") +
+                  "kill $forwarder; wait $forwarder; exit $code"),
             0)
       << said;
   EXPECT_TRUE(Says("has all ") && Says(" rows of '") && Says("scope/old.db', compared value by value")) << said;
