@@ -209,8 +209,18 @@ VELORA_TS_API velora_ts_status VELORA_TS_CALL velora_ts_set_parent(
 /* A callback returns VELORA_TS_OK, or fails:
  *   return velora_ts_raise("the disk is full", VELORA_TS_ZERO_TERMINATED);
  * The failure then goes through the component as an exception of TS would, and comes back from the function that the
- * host called, as VELORA_TS_RAISED with this text. A callback must not be left by an exception of its own language (one
- * of C++ that is derived from std::exception is treated like velora_ts_raise) and not by longjmp.
+ * host called, as VELORA_TS_RAISED with this text. A callback that fails without a reason is named in the error, with
+ * the last error of a function here that failed while it ran. A callback must not be left by an exception of its own
+ * language (one of C++ that is derived from std::exception is treated like velora_ts_raise) and not by longjmp.
+ *
+ * What a callback gets is valid until it returns. Its texts end with a zero byte, which their size does not count.
+ *
+ * The tables of callbacks below are copied. Their release is called once: after the table was replaced, when the last
+ * call in it has returned and no handle keeps its object. A host that unloads the code of its callbacks, or ends the
+ * runtime of its language, replaces its tables by null before. When the process ends, from the moment at which exit()
+ * comes to this library, no callback is called any more: what is in place then is not released. From the first table
+ * on, velora_ts stays loaded until then, so whoever still holds an object of the host never calls into freed code.
+ *
  * text: the reason. Returns VELORA_TS_RAISED. */
 VELORA_TS_API velora_ts_status VELORA_TS_CALL velora_ts_raise(const char* text, size_t size);
 
@@ -286,27 +296,27 @@ typedef struct velora_ts_configuration {
 } velora_ts_configuration;
 
 /* A gateway of the host: the component makes every call to TS through it, so a simulation or a test of a host needs no
- * TS. All callbacks but release are needed. ITolvaServicesClass.h says when each is called. What the callbacks get is
- * valid until they return. */
+ * TS. All callbacks but release are needed. ITolvaServicesClass.h says when each is called. */
 typedef struct velora_ts_gateway {
   size_t size;   /* sizeof(velora_ts_gateway) */
   void* context; /* what the callbacks get as their first argument */
 
-  /* The gateway is not used any more; may be null. Called once, at the latest when the component is unloaded. */
+  /* The gateway is not used any more; may be null. */
   void(VELORA_TS_CALL* release)(void* context);
 
   /* A session begins. texts: three texts of the host, or null where it gave none. */
   velora_ts_status(VELORA_TS_CALL* begin_session)(void* context, const velora_ts_text* texts);
   /* The folder of the settings file; empty means the current directory. */
   velora_ts_status(VELORA_TS_CALL* set_path)(void* context, const char* path, size_t path_size);
-  /* Whether the service is there, and whether the server can be reached. answer: set it to 0 or 1; it is 0. */
+  /* Whether the service is there, and whether the server can be reached. answer: set it to 0 or 1; it is 0. If
+   * is_connectable fails, the component takes this for 0. */
   velora_ts_status(VELORA_TS_CALL* is_present)(void* context, int32_t* answer);
   velora_ts_status(VELORA_TS_CALL* is_connectable)(void* context, int32_t* answer);
   /* Answers with velora_ts_answer_version for each activity version of the file. */
   velora_ts_status(VELORA_TS_CALL* register_activities)(void* context, const char* path, size_t path_size,
                                                         velora_ts_answer* answer);
   /* Stores a new or a known execution. Answers a new one with velora_ts_answer_text: its guid, of less than
-   * VELORA_TS_GUID_CAPACITY bytes. Without an answer, a known one keeps its guid. */
+   * VELORA_TS_GUID_CAPACITY bytes (a longer one is a misuse). Without an answer, a known one keeps its guid. */
   velora_ts_status(VELORA_TS_CALL* save_execution)(void* context, const velora_ts_execution* execution,
                                                    velora_ts_answer* answer);
   /* Answers with velora_ts_answer_execution, or fails if no execution has this guid. for_link: 1 if the execution
@@ -336,7 +346,7 @@ typedef struct velora_ts_own_logging {
   size_t size;   /* sizeof(velora_ts_own_logging) */
   void* context; /* what the callbacks get as their first argument */
 
-  /* The object is not used any more; may be null. Called once, at the latest when the component is unloaded. */
+  /* The object is not used any more; may be null. */
   void(VELORA_TS_CALL* release)(void* context);
 
   /* Answers with velora_ts_answer_text: the guid. parent: null where the host stated none. */
@@ -366,7 +376,7 @@ typedef struct velora_ts_logger {
   size_t size;   /* sizeof(velora_ts_logger) */
   void* context; /* what the callbacks get as their first argument */
 
-  /* The logger is not used any more; may be null. Called once, at the latest when the process ends. */
+  /* The logger is not used any more; may be null. Can be called on the thread of any line. */
   void(VELORA_TS_CALL* release)(void* context);
 
   /* Writes a line. level: one of the levels above. source: the program or library that writes. If it fails, so does the

@@ -11,8 +11,14 @@ std::optional<std::string> WhyNotAvailableBy(ITolvaServicesClass& gateway) {
   if (!gateway.IsTsServicePresent()) {
     return "the host's gateway says that the service is not present";
   }
-  if (!gateway.IsConnectable()) {
-    return "the host's gateway says that the server cannot be reached";
+  try {
+    if (!gateway.IsConnectable()) {
+      return "the host's gateway says that the server cannot be reached";
+    }
+  } catch (const Failure& failure) {  // the component takes this for a no, and only this
+    return failure.words;
+  } catch (...) {
+    return "an exception of an unknown type";
   }
   return std::nullopt;
 }

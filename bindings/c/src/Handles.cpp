@@ -1,6 +1,7 @@
 #include "Handles.h"
 
 #include "Boundary.h"
+#include "Callback.h"
 #include "Immortal.h"
 
 #include <array>
@@ -33,6 +34,7 @@ struct AtUnload {
   AtUnload(const AtUnload&) = delete;
   AtUnload& operator=(const AtUnload&) = delete;
   ~AtUnload() {
+    EndCallbacks();
     if (StayInsideAlone()) {
       HandleTable::Objects().swap(table.object.objects);
     }

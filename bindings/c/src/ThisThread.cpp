@@ -16,10 +16,11 @@ constexpr std::string_view noMemory = "velora_ts: there is no memory for the tex
 struct Texts {
   std::string error, raised;
   bool errorIsLost = false, raisedIsLost = false;
+  unsigned long errors = 0;
 };
 
 /// Stands for the texts of a thread for which there is no memory.
-Texts lost{"", "", true, true};
+Texts lost{"", "", true, true, 0};
 
 void Free(void* texts) {
   if (texts != &lost) {
@@ -69,6 +70,7 @@ Key key;
 
 void KeepError(std::string_view function, std::string_view words) noexcept {
   if (Texts* const texts = key.Made()) {
+    ++texts->errors;
     try {
       texts->error = std::string(function).append(": ").append(words);
       texts->errorIsLost = false;
@@ -84,6 +86,11 @@ std::string_view LastError() noexcept {
     return "";
   }
   return texts->errorIsLost ? noMemory : texts->error;
+}
+
+unsigned long ErrorCount() noexcept {
+  const Texts* const texts = key.Known();
+  return texts == nullptr ? 0 : texts->errors;
 }
 
 void KeepRaised(std::string_view reason) noexcept {

@@ -10,6 +10,8 @@ namespace Velora::CInterface::ThisThread {
 void KeepError(std::string_view function, std::string_view words) noexcept;
 /// The text of the last error, which ends with a zero byte; empty if there was none.
 std::string_view LastError() noexcept;
+/// A number that changes with each error of the thread.
+unsigned long ErrorCount() noexcept;
 
 /// Keeps the reason of a callback until the callback has returned.
 void KeepRaised(std::string_view reason) noexcept;

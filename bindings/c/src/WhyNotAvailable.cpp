@@ -1,7 +1,8 @@
 #include "WhyNotAvailable.h"
 
-#include "ComponentFile.h"
+#include "ModuleFile.h"
 
+#include <VeloraTsLogging/ITsLoggingConfigurator.h>
 #include <host-check/HostCheck.h>
 
 // Over our TSAL.
@@ -12,7 +13,7 @@ using namespace HostCheck;
 
 std::optional<std::string> WhyNotAvailable(const std::string& configuration, const std::string& activities) {
   HostStart start;
-  start.library = ComponentFile();
+  start.library = ModuleFile(reinterpret_cast<const void*>(&GetTsLogingConfigurator));
   start.isLoaded = true;
   start.activities = activities;
   start.configuration = configuration;

@@ -1,7 +1,6 @@
-#include "ComponentFile.h"
+#include "ModuleFile.h"
 
 #include <VeloraSystem/Path.h>
-#include <VeloraTsLogging/ITsLoggingConfigurator.h>
 
 #include <windows.h>
 
@@ -25,10 +24,10 @@ std::wstring FileOf(HMODULE module) {
 
 }  // namespace
 
-std::string ComponentFile() {
+std::string ModuleFile(const void* address) {
   HMODULE module = nullptr;
   if (GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
-                         reinterpret_cast<LPCWSTR>(&GetTsLogingConfigurator), &module) == 0) {
+                         static_cast<LPCWSTR>(address), &module) == 0) {
     return {};
   }
   const std::wstring file = FileOf(module);
