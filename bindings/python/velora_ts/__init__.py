@@ -4,6 +4,7 @@ from velora_ts._recording import Activity, Recording, open
 from velora_ts._values import Bool, Double, Int, Text
 from velora_ts._version import __version__
 from velora_ts.errors import Error, NotAvailable, NotAvailableWarning
+from velora_ts.store import Store
 
 __all__ = [
     "Activity",
@@ -14,6 +15,7 @@ __all__ = [
     "NotAvailable",
     "NotAvailableWarning",
     "Recording",
+    "Store",
     "Text",
     "__version__",
     "open",
