@@ -1,17 +1,41 @@
 #include "WhyNotAvailable.h"
 
+#include "AnswerOfVendor.h"
 #include "ModuleFile.h"
 
+#include <TSAL/Reason.h>
+#include <VeloraSystem/LoadedLibrary.h>
 #include <VeloraTsLogging/ITsLoggingConfigurator.h>
 #include <host-check/HostCheck.h>
 
-// Over our TSAL.
+#include <stdexcept>
+
+// In a build over our TSAL.
 
 namespace Velora::CInterface {
 
 using namespace HostCheck;
 
+namespace {
+
+/// Whether the TSAL of the process is ours. A vendor's can be in its place: it has its own settings, and not the
+/// function WhyNotAvailable of ours.
+bool TsalIsOurs() {
+  try {
+    System::LoadedLibrary(VELORA_TSAL_FILE)
+        .Find<decltype(Quor::TolvaServices::WhyNotAvailable)>("_ZN4Quor13TolvaServices15WhyNotAvailableB5cxx11Ev");
+    return true;
+  } catch (const std::runtime_error&) {
+    return false;
+  }
+}
+
+}  // namespace
+
 std::optional<std::string> WhyNotAvailable(const std::string& configuration, const std::string& activities) {
+  if (!TsalIsOurs()) {
+    return AnswerOfVendor();
+  }
   HostStart start;
   start.library = ModuleFile(reinterpret_cast<const void*>(&GetTsLogingConfigurator));
   start.isLoaded = true;
