@@ -45,7 +45,7 @@ if(MINGW)
   install(DIRECTORY ${CMAKE_SOURCE_DIR}/build/windows-dependencies/licences DESTINATION .)
   configure_file(packaging/windows/README.txt README.txt @ONLY NEWLINE_STYLE CRLF)
   install(FILES ${CMAKE_CURRENT_BINARY_DIR}/README.txt THIRD-PARTY.md docs/windows.md docs/c.md DESTINATION .)
-  install(DIRECTORY examples/c-host DESTINATION examples)
+  install(DIRECTORY examples/c-host examples/csharp-host DESTINATION examples)
   # The exports of the C interface, from which other linkers make an import library of their own.
   set(exports ${CMAKE_ARCHIVE_OUTPUT_DIRECTORY}/velora_ts.def)
   target_link_options(velora_ts PRIVATE -Wl,--output-def,${exports})
