@@ -6,7 +6,9 @@
 
 #include <array>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
+#include <utility>
 
 inline std::string Error() {
   std::size_t size = 0;
@@ -22,7 +24,14 @@ class HostRun : public testing::Test {
     folder.Write("activities.xml", "");
     std::filesystem::current_path(folder.path);
   }
-  ~HostRun() override { std::filesystem::current_path("/"); }
+  ~HostRun() override {
+    side.hook = nullptr;
+    velora_ts_set_gateway(nullptr);
+    velora_ts_set_logging(nullptr);
+    velora_ts_set_logger(nullptr);
+    side.ExpectReleased();
+    std::filesystem::current_path("/");
+  }
 
   struct Step {
     const char* function;
@@ -37,14 +46,16 @@ class HostRun : public testing::Test {
     const auto table = side.Logging();
     velora_ts_configurator* configurator = nullptr;
     velora_ts_logging* logging = nullptr;
+    velora_ts_logging** const outer = std::exchange(handle, &logging);
     std::array<char, VELORA_TS_GUID_CAPACITY> run{}, child{};
     std::size_t runSize = 0, childSize = 0;
     constexpr std::size_t zero = VELORA_TS_ZERO_TERMINATED;
     const std::string &o = oddText, n = oddText + "n", d = oddText + "d", e = oddText + "e";
     std::string error;
     for (const auto& [function, call] : std::initializer_list<Step>{
-             {"set_gateway", [&] { return velora_ts_set_gateway(&gateway); }},
-             {"set_logging", [&] { return velora_ts_set_logging(own ? &table : nullptr); }},
+             {"set_gateway", [&] { return HostSide::Install(velora_ts_set_gateway, gateway); }},
+             {"set_logging",
+              [&] { return own ? HostSide::Install(velora_ts_set_logging, table) : velora_ts_set_logging(nullptr); }},
              {"create_configurator", [&] { return velora_ts_create_configurator(&configurator); }},
              {"set_parent",
               [&] {
@@ -78,14 +89,24 @@ class HostRun : public testing::Test {
         break;
       }
     }
-    EXPECT_EQ(velora_ts_close_logging(logging), VELORA_TS_OK);
+    velora_ts_close_logging(logging);  // a callback can have closed it
+    handle = outer;
     EXPECT_EQ(velora_ts_close_configurator(configurator), VELORA_TS_OK);
     return error;
+  }
+
+  /// What the callbacks get in a run after another one, which releases the tables of that one.
+  std::string JournalOfARun(bool own = false) {
+    EXPECT_EQ(Run(own), "");
+    Journal();
+    EXPECT_EQ(Run(own), "");
+    return Journal();
   }
 
   /// What the callbacks got since the last look.
   std::string Journal() { return std::exchange(side.journal, {}); }
 
   HostSide side;
+  velora_ts_logging** handle = nullptr;  // that of the run
   const ScratchFolder folder;
 };

@@ -5,11 +5,13 @@
 
 #include <chrono>
 #include <functional>
+#include <list>
 #include <map>
 #include <string>
 
 /// The tables of a host: a simulated TS, a logging object and a logger. Each callback says in the journal what it got,
-/// then the hook can act or let it fail, then it answers.
+/// then the hook can act or let it fail, then it answers. Each table has a context of its own, which must not be called
+/// after its release, and not be released during a call.
 class HostSide {
  public:
   using Status = velora_ts_status;
@@ -22,10 +24,51 @@ class HostSide {
   /// Gets the entry in the journal and the answer; null if the callback has none.
   std::function<Status(const std::string& entry, velora_ts_answer* answer)> hook;
   bool present = true, connectable = true;
-  int released = 0;
+
+  /// Puts a table in place with its function.
+  template <typename Table>
+  static Status Install(Status (*set)(const Table*), const Table& table) {
+    const Status status = set(&table);
+    Of(table.context).installed += status == VELORA_TS_OK ? 1 : 0;
+    return status;
+  }
+  /// Expects that what was put in place, and nothing else, was released once.
+  void ExpectReleased() const {
+    for (const Context& context : contexts) {
+      EXPECT_EQ(context.released, context.installed);
+    }
+  }
 
  private:
-  static HostSide& Of(void* context) { return *static_cast<HostSide*>(context); }
+  struct Inside {
+    explicit Inside(int& calls) : calls(calls) { ++calls; }
+    Inside(const Inside&) = delete;
+    Inside& operator=(const Inside&) = delete;
+    ~Inside() { --calls; }
+    int& calls;
+  };
+  struct Context {
+    HostSide& side;
+    int inside = 0, installed = 0, released = 0;
+
+    template <typename Answer>
+    Status Called(const std::string& entry, velora_ts_answer* answer, const Answer& give) {
+      EXPECT_EQ(released, 0) << entry;
+      const Inside call(inside);
+      side.journal += entry + '\n';
+      const Status status = side.hook ? side.hook(entry, answer) : VELORA_TS_OK;
+      return status == VELORA_TS_OK ? give() : status;
+    }
+    Status Called(const std::string& entry) {
+      return Called(entry, nullptr, [] { return VELORA_TS_OK; });
+    }
+    void Release(const char* table) {
+      EXPECT_EQ(inside, 0) << table;
+      Called(std::string("release ") + table);
+      ++released;
+    }
+  };
+  static Context& Of(void* context) { return *static_cast<Context*>(context); }
 
   static std::string Shown(const char* data, std::size_t size) {
     if (data == nullptr) {
@@ -53,16 +96,6 @@ class HostSide {
            Shown(parameter.text);
   }
 
-  template <typename Answer>
-  Status Called(const std::string& entry, velora_ts_answer* answer, const Answer& give) {
-    journal += entry + '\n';
-    const Status status = hook ? hook(entry, answer) : VELORA_TS_OK;
-    return status == VELORA_TS_OK ? give() : status;
-  }
-  Status Called(const std::string& entry) {
-    return Called(entry, nullptr, [] { return VELORA_TS_OK; });
-  }
-
   Status Save(const velora_ts_execution& execution, velora_ts_answer* answer);
   Status Get(const std::string& guid, velora_ts_answer* answer) const;
 
@@ -73,6 +106,7 @@ class HostSide {
   };
   std::map<std::string, Stored> executions;
   int saved = 0;
+  std::list<Context> contexts;
 };
 
 inline HostSide::Status HostSide::Save(const velora_ts_execution& execution, velora_ts_answer* answer) {
@@ -111,11 +145,8 @@ inline velora_ts_gateway HostSide::Gateway() {
   saved = 0;  // the executions stay: the component can still know the parent of an earlier run
   velora_ts_gateway table{};
   table.size = sizeof table;
-  table.context = this;
-  table.release = [](void* context) {
-    ++Of(context).released;
-    Of(context).Called("release gateway");
-  };
+  table.context = &contexts.emplace_back(Context{*this});
+  table.release = [](void* context) { Of(context).Release("gateway"); };
   table.begin_session = [](void* context, const velora_ts_text* texts) {
     return Of(context).Called("begin_session" + (texts == nullptr
                                                      ? std::string(" null")
@@ -125,11 +156,11 @@ inline velora_ts_gateway HostSide::Gateway() {
     return Of(context).Called("set_path " + Shown(path, size));
   };
   table.is_present = [](void* context, std::int32_t* answer) {
-    *answer = Of(context).present ? 2 : *answer;
+    *answer = Of(context).side.present ? 2 : *answer;
     return Of(context).Called("is_present");
   };
   table.is_connectable = [](void* context, std::int32_t* answer) {
-    *answer = Of(context).connectable ? 1 : *answer;
+    *answer = Of(context).side.connectable ? 1 : *answer;
     return Of(context).Called("is_connectable");
   };
   table.register_activities = [](void* context, const char* path, std::size_t size, velora_ts_answer* answer) {
@@ -142,13 +173,13 @@ inline velora_ts_gateway HostSide::Gateway() {
   };
   table.save_execution = [](void* context, const velora_ts_execution* execution, velora_ts_answer* answer) {
     return Of(context).Called("save_execution " + Shown(*execution), answer,
-                              [&] { return Of(context).Save(*execution, answer); });
+                              [&] { return Of(context).side.Save(*execution, answer); });
   };
   table.get_execution = [](void* context, const char* guid, std::size_t size, std::int32_t forLink,
                            velora_ts_answer* answer) {
     return Of(context).Called("get_execution " + Shown(guid, size) + " for_link " + std::to_string(forLink), answer,
                               [&] {
-                                return Of(context).Get({guid, size}, answer);
+                                return Of(context).side.Get({guid, size}, answer);
                               });
   };
   table.read_file = [](void* context, const char* path, std::size_t size, velora_ts_answer* answer) {
@@ -176,11 +207,8 @@ inline velora_ts_gateway HostSide::Gateway() {
 inline velora_ts_own_logging HostSide::Logging() {
   velora_ts_own_logging table{};
   table.size = sizeof table;
-  table.context = this;
-  table.release = [](void* context) {
-    ++Of(context).released;
-    Of(context).Called("release logging");
-  };
+  table.context = &contexts.emplace_back(Context{*this});
+  table.release = [](void* context) { Of(context).Release("logging"); };
   table.create_execution = [](void* context, const char* parent, std::size_t parentSize, const char* version,
                               std::size_t versionSize, const char* node, std::size_t nodeSize, const char* description,
                               std::size_t descriptionSize, velora_ts_answer* answer) {
@@ -207,11 +235,8 @@ inline velora_ts_own_logging HostSide::Logging() {
 inline velora_ts_logger HostSide::Logger() {
   velora_ts_logger table{};
   table.size = sizeof table;
-  table.context = this;
-  table.release = [](void* context) {
-    ++Of(context).released;
-    Of(context).Called("release logger");
-  };
+  table.context = &contexts.emplace_back(Context{*this});
+  table.release = [](void* context) { Of(context).Release("logger"); };
   table.write = [](void* context, std::int32_t level, const char* source, std::size_t sourceSize, const char* message,
                    std::size_t size) {
     EXPECT_EQ(Shown(source, sourceSize), "'Velora.TsLogging'");

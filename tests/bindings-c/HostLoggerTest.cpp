@@ -1,0 +1,144 @@
+// The logger of a host, its tables while several threads use them, and the end of the process.
+
+#include "HostRun.h"
+#include "support/Patterns.h"
+
+#include <VeloraInfraLogging/Logger.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using HostLogger = HostRun;
+using Quor::Velora::Infra::Logging::Logger;
+
+/// A line of the log, as it is in the file after its time.
+std::string LineOf(const std::string& entry) {
+  static const char* const levels[] = {"[info]", "[warning]", "[error]"};
+  const std::string zeroShown = ReplaceMatches(entry.substr(8), std::string(1, '\0'), "\\x00");
+  return levels[entry.at(6) - '0'] + std::string(" [Velora.TsLogging] ") + zeroShown + '\n';
+}
+
+TEST_F(HostLogger, GetsExactlyTheLinesThatOtherwiseGoToTheLog) {
+  System::SetVariable("VELORA_LOG_FILE", (folder / "log").string());
+  const auto runTwice = [&] {
+    side.present = false;
+    EXPECT_EQ(Run(), "");
+    side.present = true;
+    EXPECT_EQ(Run(), "");
+  };
+  runTwice();
+  const std::string written = ContentOf(folder / "log");
+  Journal();
+  ASSERT_EQ(HostSide::Install(velora_ts_set_logger, side.Logger()), VELORA_TS_OK);
+  std::string received;
+  side.hook = [&](const std::string& entry, velora_ts_answer*) {
+    received += StartsWith(entry, "write ") ? LineOf(entry) : "";
+    return VELORA_TS_OK;
+  };
+  runTwice();
+  EXPECT_EQ(received, ReplaceMatches(written, R"(\d{4}-\d\d-\d\dT\d\d:\d\d:\d\d\.\d{6}[+-]\d\d:\d\d )", ""));
+  EXPECT_NE(received.find("[warning]"), std::string::npos);
+  EXPECT_NE(received.find("[error]"), std::string::npos);
+  EXPECT_EQ(ContentOf(folder / "log"), written);
+  EXPECT_EQ(velora_ts_set_logger(nullptr), VELORA_TS_OK);
+  runTwice();
+  EXPECT_GT(ContentOf(folder / "log").size(), written.size());
+}
+
+/// A logger that only counts.
+struct Counter {
+  velora_ts_logger Table() {
+    velora_ts_logger table{sizeof(velora_ts_logger), this, nullptr, nullptr};
+    table.release = [](void* context) { ++static_cast<Counter*>(context)->released; };
+    table.write = [](void* context, std::int32_t, const char*, std::size_t, const char*, std::size_t) {
+      auto& counter = *static_cast<Counter*>(context);
+      EXPECT_EQ(counter.released, 0);
+      ++counter.lines;
+      return velora_ts_status{VELORA_TS_OK};
+    };
+    return table;
+  }
+  std::atomic<int> lines = 0, released = 0;
+};
+
+TEST_F(HostLogger, IsReplacedWhileThreadsWriteAndNoLineIsLost) {
+  constexpr int threads = 3, linesOfEach = 2'000, loggers = 200;
+  std::vector<Counter> counters(loggers);
+  const auto first = counters.front().Table();
+  ASSERT_EQ(velora_ts_set_logger(&first), VELORA_TS_OK);
+  std::vector<std::thread> writers;
+  for (int thread = 0; thread < threads; ++thread) {
+    writers.emplace_back([] {
+      for (int line = 0; line < linesOfEach; ++line) {
+        Logger::GetInstance()->WriteInfo(L"a C++ part", "text");
+      }
+    });
+  }
+  for (Counter& counter : counters) {
+    const auto table = counter.Table();
+    EXPECT_EQ(&counter == &counters.front() ? VELORA_TS_OK : velora_ts_set_logger(&table), VELORA_TS_OK);
+  }
+  for (std::thread& writer : writers) {
+    writer.join();
+  }
+  EXPECT_EQ(velora_ts_set_logger(nullptr), VELORA_TS_OK);
+  int lines = 0;
+  for (const Counter& counter : counters) {
+    lines += counter.lines;
+    EXPECT_EQ(counter.released, 1);
+  }
+  EXPECT_EQ(lines, threads * linesOfEach);
+}
+
+TEST_F(HostLogger, AndAGatewayAreCalledByOneThreadAtATime) {
+  ASSERT_EQ(HostSide::Install(velora_ts_set_logger, side.Logger()), VELORA_TS_OK);
+  ASSERT_EQ(Run(), "");
+  velora_ts_logging* logging = nullptr;
+  ASSERT_EQ(velora_ts_create_logging("i", 1, nullptr, 0, &logging), VELORA_TS_OK);
+  std::atomic<int> inside = 0;
+  side.hook = [&](const std::string&, velora_ts_answer*) {
+    EXPECT_EQ(++inside, 1);
+    std::this_thread::yield();
+    --inside;
+    return VELORA_TS_OK;
+  };
+  std::vector<std::thread> hosts;
+  for (int host = 0; host < 3; ++host) {
+    hosts.emplace_back([&] {
+      std::array<char, VELORA_TS_GUID_CAPACITY> guid{};
+      std::size_t size = 0;
+      for (int run = 0; run < 50; ++run) {
+        EXPECT_EQ(velora_ts_create_execution(logging, "", 0, "n", 1, "d", 1, guid.data(), guid.size(), &size),
+                  VELORA_TS_OK);
+        EXPECT_EQ(velora_ts_save_event(logging, "e", 1, guid.data(), size), VELORA_TS_OK) << Error();
+      }
+    });
+  }
+  for (std::thread& host : hosts) {
+    host.join();
+  }
+  EXPECT_EQ(velora_ts_close_logging(logging), VELORA_TS_OK);
+}
+
+TEST_F(HostLogger, IsNotCalledAtTheEndOfTheProcessAndNothingElseOfTheHost) {
+  const auto endWithTables = [&] {
+    EXPECT_EQ(velora_ts_set_logger(nullptr), VELORA_TS_OK);
+    EXPECT_EQ(Run(true), "");
+    velora_ts_logging* left = nullptr;
+    EXPECT_EQ(velora_ts_create_logging("i", 1, nullptr, 0, &left), VELORA_TS_OK);
+    EXPECT_EQ(HostSide::Install(velora_ts_set_logger, side.Logger()), VELORA_TS_OK);
+    side.hook = [](const std::string& entry, velora_ts_answer*) {
+      std::cerr << entry << " was called\n";
+      return VELORA_TS_OK;
+    };
+    std::exit(testing::Test::HasFailure() ? 1 : 0);
+  };
+  System::SetVariable("VELORA_LOG_FILE", (folder / "log").string());
+  EXPECT_EXIT(endWithTables(), testing::ExitedWithCode(0), "^$");
+}
+
+}  // namespace
