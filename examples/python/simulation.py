@@ -20,7 +20,7 @@ class Image:
     """What the camera answers with. The simulation writes no file at the path."""
 
     path: Path
-    dose: float  # electrons per square ångström
+    dose: float  # electrons per square ångström, as measured
     mean: float  # counts per pixel
 
 
@@ -34,6 +34,7 @@ class Veldmar3:
         self._settled_until = 0.0
         self._step = 0.0
         self._defocus = -2.0
+        self._beam = self._chance.uniform(0.95, 1.05)
         self._images = 0
 
     @property
@@ -81,11 +82,13 @@ class Veldmar3:
         self._defocus += by
 
     def acquire(self, dose: float) -> Image:
+        """Exposes an image. The beam is not quite as bright as it is said to be, and fades."""
         self._pass(1.0)
         self._images += 1
+        self._beam *= 0.9998
+        measured = dose * self._beam * self._chance.gauss(1.0, 0.005)
         thickness = 1.0 / math.cos(math.radians(self._angle))
-        mean = dose * 40.0 * math.exp(-0.35 * thickness) * self._chance.gauss(1.0, 0.01)
-        return Image(Path(f"image-{self._images:04}.tiff"), dose, mean)
+        return Image(Path(f"image-{self._images:04}.tiff"), measured, measured * 40.0 * math.exp(-0.35 * thickness))
 
     def _pass(self, seconds: float) -> None:
         self._seconds += seconds
