@@ -1,7 +1,8 @@
 // Velora TS logging for hosts in C#, over the C interface velora_ts.h: copy this file into a host. docs/c.md says more.
 //
 // Texts go to TS as UTF-8, with any characters, zero too; half of a surrogate pair becomes U+FFFD. A call that fails
-// throws a TsException. All threads may call; the library lets in one at a time.
+// throws a TsException. All threads may call; the library lets in one at a time, for the length of one call: threads
+// that record events of the same name need a lock of their own around the calls of an event.
 using System;
 using System.Collections.Generic;
 using System.Runtime.InteropServices;
