@@ -8,6 +8,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <string>
 
@@ -44,15 +45,19 @@ class Server {
   }
 };
 
-/// A port of 127.0.0.1 at which nobody listens.
+/// A port of 127.0.0.1 at which nobody listens. It is none of those that the system gives to connections, and tests
+/// that run at the same time begin to look at different ones.
 inline std::string FreePort() {
-  const int listener = socket(AF_INET, SOCK_STREAM, 0);
-  sockaddr_in address{};
-  socklen_t size = sizeof address;
-  auto* const given = reinterpret_cast<sockaddr*>(&address);
-  EXPECT_EQ(listen(listener, 1) + getsockname(listener, given, &size), 0);
-  close(listener);
-  return std::to_string(ntohs(address.sin_port));
+  int port = 10000 + getpid() % 9000;
+  for (bool free = false; !free;) {
+    const int listener = socket(AF_INET, SOCK_STREAM, 0);
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(static_cast<std::uint16_t>(++port));
+    free = bind(listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
+    close(listener);
+  }
+  return std::to_string(port);
 }
 
 class PostgreSql : public testing::Test {
