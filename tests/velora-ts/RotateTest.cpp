@@ -126,15 +126,18 @@ TEST_F(Rotate, CanBeKilledOrFailAtAnyCall) {
 
 TEST_F(Rotate, AHostThatBeginsMeanwhileRecordsIntoTheNewFile) {
   SKIP_UNDER_WINE("nothing can be preloaded into a Windows program");
+  const std::string opens =
+      "until readlink /proc/$host/fd/* | grep -q '/ts.db$'; do [ -e /proc/$host/cwd ] || break; sleep 0.01; done";
+  const std::string ends = "while [ -e /proc/$host/cwd ]; do sleep 0.01; done";
   const struct {
-    const char* call;
+    std::string call, meanwhile;
     int code;
-  } rows[] = {{"chmod", 3}, {"link", 0}, {"rename", 0}};  // chmod comes before the file is held
-  for (const auto& [call, code] : rows) {
+  } rows[] = {{"chmod", ends, 3}, {"link", opens, 0}, {"rename", opens, 0}};  // held from the second one on
+  for (const auto& [call, meanwhile, code] : rows) {
     EXPECT_EQ(Shell(Stopping(call, SIGSTOP) +
                     "velora-ts rotate --to old.db & tool=$!; while ! grep -q '^State:.T' /proc/$tool/status; do kill "
                     "-0 $tool || exit; done; " +
-                    host + " & host=$!; sleep 0.3; kill -CONT $tool; wait $host && wait $tool"),
+                    host + " & host=$!; " + meanwhile + "; kill -CONT $tool; wait $host && wait $tool"),
               code)
         << call << said;
     EXPECT_EQ(
@@ -152,8 +155,9 @@ TEST_F(Rotate, RefusesWhileAnybodyUsesTheFile) {
     int code;
     std::string words;
   } rows[] = {
-      {"(echo 'BEGIN; SELECT 1 FROM events;'; sleep 8) | sqlite3 ts.db & sleep 0.5", "", 3,
-       "is in use; expected that no host"},
+      {"mkfifo in; sqlite3 ts.db < in & exec 3> in; printf 'BEGIN; SELECT 1 FROM events;\n.shell : > reads\n' >&3; "
+       "until [ -e reads ]; do kill -0 $! || exit; sleep 0.01; done",
+       "", 3, "is in use; expected that no host"},
       {"'" RECORDING_HOST "' . host 100 > told & until [ $(wc -l < told) -ge 20 ]; do sleep 0.01; done", "", 3,
        underWine ? "is in use" : "is in use by the host of '"},
       {": > there.db", "--to there.db", 3, "there is a file '"},
