@@ -18,7 +18,7 @@ class Standby : public WithShell<PostgreSql> {
   }
   void CatchUp() const {
     const std::string end = Sql("SELECT pg_current_wal_insert_lsn()");
-    for (int look = 0; look < 500; ++look) {
+    for (int look = 0; look < 3000; ++look) {
       if (Sql("SELECT pg_last_wal_replay_lsn() >= '" + end + "'", "dbname=postgres host=" + second.folder.string()) ==
           "t") {
         return;

@@ -389,13 +389,17 @@ TEST_F(Facility, AServerThatTakesNoRecordsIsNotConnectable) {
     Sql("ALTER SYSTEM RESET ALL", "dbname=template1");
     Sql("ALTER DATABASE postgres RESET ALL", "dbname=template1");
     Sql(statement);
+    const std::string loaded = "SELECT pg_conf_load_time()";
+    const std::string before = Sql(loaded, "dbname=template1");
     Sql("SELECT pg_reload_conf()", "dbname=template1");
     if (statement == "SELECT 1"s) {
       EXPECT_EQ(Shell(standby), 0);
       server.Crash();
       server.Resume();
     }
-    std::this_thread::sleep_for(std::chrono::milliseconds(200));  // until it has read them
+    while (Sql(loaded, "dbname=template1") == before) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
     EXPECT_FALSE(TSInstance::IsConnectable()) << words;
     EXPECT_NE(WhyNotAvailable().find(words), std::string::npos) << WhyNotAvailable();
     EXPECT_NE(ErrorOf(Begin).find(words), std::string::npos) << ErrorOf(Begin);

@@ -71,7 +71,7 @@ class HostsOnServer : public WithShell<PostgreSql> {
   }
   /// Waits until the server has noticed what happened to a connection.
   static std::string SaidOnce(const std::string& locks) {
-    for (int look = 0; look < 200 && Locks() != locks; ++look) {
+    for (int look = 0; look < 3000 && Locks() != locks; ++look) {
       usleep(20'000);
     }
     return Said();
@@ -142,7 +142,7 @@ TEST_F(HostsOnServer, OfOneRunAreToldApartAndARunIsFollowedUntilTheLastOfThemHas
   });
   std::thread kills([&, file = folder / "told"] {
     const auto tells = [&](const char* words) {
-      for (int look = 0; look < 500 && ContentOf(file).find(words) == std::string::npos; ++look) {
+      for (int look = 0; look < 3000 && ContentOf(file).find(words) == std::string::npos; ++look) {
         usleep(20'000);
       }
     };
@@ -153,7 +153,7 @@ TEST_F(HostsOnServer, OfOneRunAreToldApartAndARunIsFollowedUntilTheLastOfThemHas
     EXPECT_EQ(ContentOf(file).find("stopped"), std::string::npos);
     second.Kill();
   });
-  EXPECT_EQ(Shell("timeout 60 '" VELORA_TS "' tail --config host > told 2>&1"), 1);
+  EXPECT_EQ(Shell("timeout 200 '" VELORA_TS "' tail --config host > told 2>&1"), 1);
   kills.join();
   EXPECT_NE(ContentOf(folder / "told").find("this run has stopped"), std::string::npos);
   EXPECT_EQ(SaidTo("velora"), "stopped stopped (stopped)");

@@ -47,9 +47,15 @@ class Proxy {
   /// From now on to another server.
   void LeadTo(const std::filesystem::path& another) {
     stalls = true;
-    std::this_thread::sleep_for(std::chrono::milliseconds(100));  // until it does
+    stands.wait(false);
     server = another;
+    GoOn();
+  }
+  /// Stalls no longer. When this returns, the connections that there were are forgotten.
+  void GoOn() {
+    stands.wait(false);
     stalls = false;
+    stands.wait(true);
   }
 
   std::atomic<bool> stalls{false};
@@ -85,10 +91,12 @@ class Proxy {
   }
   void Pass() {
     if (stalls) {
+      Stand(true);
       while (stalls && !over) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
       }
-      return Forget();
+      Forget();
+      return Stand(false);
     }
     std::vector<pollfd> sockets{{listener, POLLIN, 0}};
     for (const auto& [socket, connection] : connections) {
@@ -108,6 +116,10 @@ class Proxy {
     for (; !underWay.empty() && underWay.front().due <= Clock::now(); underWay.pop_front()) {
       Deliver(underWay.front());
     }
+  }
+  void Stand(bool still) {
+    stands = still;
+    stands.notify_all();
   }
   void Accept() {
     const int host = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
@@ -173,6 +185,7 @@ class Proxy {
   std::map<int, bool> asking;
   std::deque<Message> underWay;
   std::array<char, 65536> buffer{};
+  std::atomic<bool> stands{false};  // since it noticed that it is to stall
   std::atomic<bool> over{false};
   std::thread thread;
 };

@@ -107,7 +107,7 @@ TEST_F(Look, ShowsWhatThereIs) {
       {"tail nothing", 1, "no run matches 'nothing'; [^\n]*\n"},
   };
   for (const auto& [arguments, code, shown] : rows) {
-    EXPECT_EQ(Shell("TZ=IST-5:30 timeout 20 velora-ts " + arguments), code) << arguments << ": " << said;
+    EXPECT_EQ(Shell("TZ=IST-5:30 timeout 60 velora-ts " + arguments), code) << arguments << ": " << said;
     EXPECT_TRUE(Matches(said, shown)) << arguments << ":\n" << said;
   }
 }
@@ -332,7 +332,7 @@ TEST_F(Look, FollowsARunFromItsFirstEventToItsEnd) {
   create_directory(folder / "new");
   folder.Write("new/TSAL.config", "<TSAL><Database Backend='sqlite3' Connection='ts.db'/></TSAL>");
   folder.Write("new/log", "2026-11-25T03:30:00Z [error] before the run\n2026-11-25T03:30:11.57Z [warning] slow\n");
-  EXPECT_EQ(Shell(": > told; timeout 60 velora-ts tail --config new --log new/log > told 2>&1 & tail=$!\n"
+  EXPECT_EQ(Shell(": > told; timeout 200 velora-ts tail --config new --log new/log > told 2>&1 & tail=$!\n"
                   "until grep -q waiting told; do sleep 0.05; done\n"
                   "sqlite3 new/made.db '.read " SOURCE "/tests/local-ts/version-1.sql' "
                   "'INSERT INTO statuses VALUES (7, 1, 1, 4, \"\")' &&\n"

@@ -214,7 +214,7 @@ TEST_F(VeloraTs, ReadingChangesNothingAndWaitsForNobody) {
   host->RunScript("INSERT INTO events VALUES (4, 1, 1, NULL, 'not yet there', '')");
   auto open = files();
   for (const char* verb : {"runs", "export last", "verify; [ $? -eq 4 ]"}) {
-    EXPECT_EQ(Tool("--version && timeout 3 velora-ts " + std::string(verb)), 0) << said;
+    EXPECT_EQ(Tool("--version && timeout 20 velora-ts " + std::string(verb)), 0) << said;
     EXPECT_FALSE(Says("not yet there"));
   }
   auto after = files();
