@@ -32,13 +32,8 @@ internal static class Host {
       foreach (double angle in new[] { -1.5, 0, 1.5 }) {
         string exposure = logging.CreateExecutionUnder(session, "Exposure",
                                                        "tilt " + angle.ToString("0.0°", CultureInfo.InvariantCulture));
-        logging.CreateEvent("Image");
-        logging.Add("Image", "Tilt", angle);
-        logging.Add("Image", "Frames", 40);
-        logging.Add("Image", "Converged", angle != 0);
-        logging.Add("Image", "Folder", "Räume/電子/𝄞");
-        logging.Add("Image", "Two parts", "first\0second");
-        logging.SaveEvent("Image", exposure);
+        logging.Record("Image", exposure, ("Tilt", angle), ("Frames", 40), ("Converged", angle != 0),
+                       ("Folder", "Räume/電子/𝄞"), ("Two parts", "first\0second"));
         logging.UpdateExecution(exposure);
       }
       logging.UpdateExecution(session);

@@ -74,6 +74,7 @@ namespace Velora.Ts {
 
   /// The logging object: the session with TS, executions and events.
   public sealed class TsLogging : IDisposable {
+    private static readonly object events = new object();
     private readonly Native.LoggingHandle handle;
 
     public TsLogging(string configuration, string activities = "activities.xml") {
@@ -109,6 +110,19 @@ namespace Velora.Ts {
       Native.Check(Native.velora_ts_update_execution(handle, g, Native.Size(g)));
     }
 
+    /// Saves an event with its parameters, of bool, int, double, float or string: ("Defocus", -1.5), ("Frames", 40).
+    /// Threads can record events of one name, because the calls of an event stay together. A logger must not call this:
+    /// it would wait for such a thread.
+    public void Record(string name, string guid, params ValueTuple<string, object>[] parameters) {
+      lock (events) {
+        CreateEvent(name);
+        foreach (var parameter in parameters) {
+          AddAny(name, parameter.Item1, parameter.Item2);
+        }
+        SaveEvent(name, guid);
+      }
+    }
+
     public void CreateEvent(string name) {
       byte[] n = Native.Bytes(name);
       Native.Check(Native.velora_ts_create_event(handle, n, Native.Size(n)));
@@ -117,6 +131,23 @@ namespace Velora.Ts {
     public void SaveEvent(string name, string guid = "") {
       byte[] n = Native.Bytes(name), g = Native.Bytes(guid);
       Native.Check(Native.velora_ts_save_event(handle, n, Native.Size(n), g, Native.Size(g)));
+    }
+
+    private void AddAny(string name, string parameter, object value) {
+      if (value is bool) {
+        Add(name, parameter, (bool)value);
+      } else if (value is int) {
+        Add(name, parameter, (int)value);
+      } else if (value is double) {
+        Add(name, parameter, (double)value);
+      } else if (value is float) {
+        Add(name, parameter, (double)(float)value);
+      } else if (value is string) {
+        Add(name, parameter, (string)value);
+      } else {
+        throw new ArgumentException("parameter '" + parameter + "' is " + (value?.GetType().Name ?? "null") +
+                                    "; expected bool, int, double, float or string");
+      }
     }
 
     public void Add(string name, string parameter, bool value) {

@@ -19,6 +19,8 @@ internal static class ErrorsTest {
       return "nothing";
     } catch (TsException reason) {
       return reason.Status + " " + reason.Message;
+    } catch (ArgumentException reason) when (reason.ParamName == null) {
+      return "ArgumentException " + reason.Message;
     } catch (Exception reason) {
       return reason.GetType().Name;
     }
@@ -49,6 +51,10 @@ internal static class ErrorsTest {
            Thrown(() => new TsLogging("none.xml")));
     Expect("a closed handle", "ObjectDisposedException", Thrown(() => closed.CreateEvent("Image")));
     Expect("null", "ArgumentNullException", Thrown(() => logging.CreateEvent(null)));
+
+    Expect("a kind that TS has not",
+           "ArgumentException parameter 'Count' is Int64; expected bool, int, double, float or string",
+           Thrown(() => logging.Record("Image", "", ("Count", 1L))));
 
     CountLines();
     for (int round = 0; round < 3; ++round) {  // what nothing refers to any more is gone
