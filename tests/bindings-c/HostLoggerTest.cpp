@@ -49,10 +49,31 @@ TEST_F(HostLogger, GetsExactlyTheLinesThatOtherwiseGoToTheLog) {
   EXPECT_GT(ContentOf(folder / "log").size(), written.size());
 }
 
+TEST_F(HostLogger, GetsTheLinesFromItsLeastLevelOn) {
+  velora_ts_logger logger = side.Logger();
+  for (const std::int32_t unknown : {VELORA_TS_INFO - 1, VELORA_TS_ERROR + 1}) {
+    logger.least_level = unknown;
+    EXPECT_EQ(velora_ts_set_logger(&logger), VELORA_TS_MISUSE);
+    EXPECT_EQ(Error(),
+              "velora_ts_set_logger: least_level is " + std::to_string(unknown) + ", expected one of the levels");
+  }
+  side.present = false;
+  for (std::int32_t least = VELORA_TS_INFO; least <= VELORA_TS_ERROR; ++least) {
+    logger = side.Logger();
+    logger.least_level = least;
+    ASSERT_EQ(HostSide::Install(velora_ts_set_logger, logger), VELORA_TS_OK);
+    ASSERT_EQ(Run(), "");
+    const std::string journal = Journal();
+    for (std::int32_t level = VELORA_TS_INFO; level <= VELORA_TS_ERROR; ++level) {
+      EXPECT_EQ(journal.find("write " + std::to_string(level)) != std::string::npos, level >= least) << level << least;
+    }
+  }
+}
+
 /// A logger that only counts.
 struct Counter {
   velora_ts_logger Table() {
-    velora_ts_logger table{sizeof(velora_ts_logger), this, nullptr, nullptr};
+    velora_ts_logger table{sizeof(velora_ts_logger), this, VELORA_TS_INFO, nullptr, nullptr};
     table.release = [](void* context) { ++static_cast<Counter*>(context)->released; };
     table.write = [](void* context, std::int32_t, const char*, std::size_t, const char*, std::size_t) {
       auto& counter = *static_cast<Counter*>(context);

@@ -376,6 +376,10 @@ typedef struct velora_ts_logger {
   size_t size;   /* sizeof(velora_ts_logger) */
   void* context; /* what the callbacks get as their first argument */
 
+  /* Lines below this level are left out, without a call of write. For each call, the component writes about three lines
+   * of VELORA_TS_INFO. */
+  int32_t least_level;
+
   /* The logger is not used any more; may be null. Can be called on the thread of any line. */
   void(VELORA_TS_CALL* release)(void* context);
 
@@ -387,8 +391,8 @@ typedef struct velora_ts_logger {
 
 /* Replaces the logger of the process by one of the host.
  * logger: the callbacks, which are copied; null for the default logger.
- * VELORA_TS_MISUSE: size is unknown or write is missing. VELORA_TS_NOT_SUPPORTED: the library VeloraInfraLogging is a
- * vendor's; it logs in its own way. Nothing has changed then, and release is not called. */
+ * VELORA_TS_MISUSE: size or least_level is unknown, or write is missing. VELORA_TS_NOT_SUPPORTED: the library
+ * VeloraInfraLogging is a vendor's; it logs in its own way. Nothing has changed then, and release is not called. */
 VELORA_TS_API velora_ts_status VELORA_TS_CALL velora_ts_set_logger(const velora_ts_logger* logger);
 
 #ifdef __cplusplus

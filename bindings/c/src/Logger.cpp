@@ -32,15 +32,15 @@ constexpr std::int32_t LevelForm(Level level) {
   return level == Level::Info ? VELORA_TS_INFO : level == Level::Warning ? VELORA_TS_WARNING : VELORA_TS_ERROR;
 }
 
-void PutInPlace(const std::shared_ptr<LoggerTable>& host) {
+void PutInPlace(const std::shared_ptr<LoggerTable>& host, std::int32_t leastLevel) {
   auto* const redirect = FindRedirect();
   if (host == nullptr) {
     redirect(nullptr);
     return;
   }
   host->PutInPlace([&] {
-    redirect([host](Level level, const std::string& source, const std::string& message) {
-      if (CallbacksAreOver()) {
+    redirect([host, leastLevel](Level level, const std::string& source, const std::string& message) {
+      if (LevelForm(level) < leastLevel || CallbacksAreOver()) {
         return;  // a line is no reason to let something fail while the process ends
       }
       host->Call("write", &velora_ts_logger::write, LevelForm(level), source.c_str(), source.size(), message.c_str(),
@@ -49,7 +49,7 @@ void PutInPlace(const std::shared_ptr<LoggerTable>& host) {
   });
 }
 #else
-void PutInPlace(const std::shared_ptr<LoggerTable>& /*host*/) {
+void PutInPlace(const std::shared_ptr<LoggerTable>& /*host*/, std::int32_t /*leastLevel*/) {
   throw Failure(VELORA_TS_NOT_SUPPORTED, "the logger is a vendor's");
 }
 #endif
@@ -62,7 +62,10 @@ velora_ts_status velora_ts_set_logger(const velora_ts_logger* logger) {
     if (logger != nullptr) {
       host = std::make_shared<LoggerTable>(*logger);
       host->Expect("write", &velora_ts_logger::write);
+      if (logger->least_level < VELORA_TS_INFO || logger->least_level > VELORA_TS_ERROR) {
+        throw Misuse("least_level is " + std::to_string(logger->least_level) + ", expected one of the levels");
+      }
     }
-    PutInPlace(host);
+    PutInPlace(host, logger == nullptr ? VELORA_TS_INFO : logger->least_level);
   });
 }
