@@ -176,6 +176,7 @@ class Library:
     def _create_logging(self, configuration: bytes, activities: bytes) -> int:
         logging = c_void_p()
         self._has_session = True
+        self._logger.put_in_place()
         self._do(
             self._c.velora_ts_create_logging,
             configuration,

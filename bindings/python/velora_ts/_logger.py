@@ -10,7 +10,7 @@ from typing import Any, Callable, Optional
 
 _log = logging.getLogger("velora_ts")
 
-# By the levels of velora_ts.h. The component has several lines of the lowest level for each call.
+# By the levels of velora_ts.h. Of the lowest one, the component has about three lines for each call.
 _LEVELS = (logging.DEBUG, logging.WARNING, logging.ERROR)
 
 _WRITE = ctypes.CFUNCTYPE(c_int32, c_void_p, c_int32, c_void_p, c_size_t, c_void_p, c_size_t)
@@ -19,18 +19,34 @@ _WRITE = ctypes.CFUNCTYPE(c_int32, c_void_p, c_int32, c_void_p, c_size_t, c_void
 class _Callbacks(ctypes.Structure):
     """velora_ts_logger"""
 
-    _fields_ = [("size", c_size_t), ("context", c_void_p), ("release", c_void_p), ("write", _WRITE)]
+    _fields_ = [
+        ("size", c_size_t),
+        ("context", c_void_p),
+        ("least_level", c_int32),
+        ("release", c_void_p),
+        ("write", _WRITE),
+    ]
 
 
 class Logger:
-    """Puts Python's logging in the place of the component's log, unless VELORA_LOG_FILE names a file for that."""
+    """Puts Python's logging in the place of the component's log, unless VELORA_LOG_FILE names a file for that.
+
+    The lines of the lowest level are left out unless the logger wants them when a recording begins. Each would be a
+    call of Python, in which an interrupt of the user gets lost: no exception can leave it.
+    """
 
     def __init__(self, set_logger: Callable[[Any], int]) -> None:
         self._set_logger = set_logger
         self._callbacks: Optional[_Callbacks] = None
-        if not os.environ.get("VELORA_LOG_FILE"):
-            callbacks = _Callbacks(ctypes.sizeof(_Callbacks), None, None, _WRITE(_write))
-            if set_logger(ctypes.byref(callbacks)) == 0:  # else it is a vendor's, which logs in its own way
+
+    def put_in_place(self) -> None:
+        """Puts Python's logging in place, for the levels that it wants now."""
+        if os.environ.get("VELORA_LOG_FILE"):
+            return
+        least = next((level for level, python in enumerate(_LEVELS) if _log.isEnabledFor(python)), len(_LEVELS) - 1)
+        if self._callbacks is None or self._callbacks.least_level != least:
+            callbacks = _Callbacks(ctypes.sizeof(_Callbacks), None, least, None, _WRITE(_write))
+            if self._set_logger(ctypes.byref(callbacks)) == 0:  # else it is a vendor's, which logs in its own way
                 self._callbacks = callbacks
 
     def remove(self) -> None:
@@ -41,7 +57,5 @@ class Logger:
 
 
 def _write(_context: int, level: int, _source: int, _source_size: int, message: int, size: int) -> int:
-    python_level = _LEVELS[level]
-    if _log.isEnabledFor(python_level):
-        _log.log(python_level, "%s", ctypes.string_at(message, size).decode("utf-8", "replace"))
+    _log.log(_LEVELS[level], "%s", ctypes.string_at(message, size).decode("utf-8", "replace"))
     return 0

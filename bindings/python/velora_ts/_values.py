@@ -68,7 +68,7 @@ class Unfit(Exception):
 def to_bytes(text: object) -> bytes:
     """A text in UTF-8. Bytes of the system's names that are not UTF-8 stay as they are."""
     if not isinstance(text, str):
-        raise Unfit(f"{_a(text)}; expected a str")
+        raise Unfit(f"{_type_of(text)}; expected a str")
     try:
         return text.encode("utf-8", "surrogateescape")
     except UnicodeEncodeError as reason:
@@ -105,9 +105,9 @@ def parameters_of(
     return recorded
 
 
-def _a(value: object) -> str:
+def _type_of(value: object) -> str:
     kind = type(value)
-    return "a " + (kind.__name__ if kind.__module__ == "builtins" else f"{kind.__module__}.{kind.__qualname__}")
+    return "of type " + (kind.__name__ if kind.__module__ == "builtins" else f"{kind.__module__}.{kind.__qualname__}")
 
 
 def _of_bool(value: Any) -> Recorded:
@@ -150,7 +150,7 @@ def _of_datetime(value: Any) -> Recorded:
 def _of_scalar(value: Any) -> Recorded:
     convert = _of_type.get(type(_plain(value)))
     if convert is None:
-        raise Unfit(f"{_a(value)}; {_EXPECTED}")
+        raise Unfit(f"{_type_of(value)}; {_EXPECTED}")
     return convert(value.item())
 
 
@@ -158,14 +158,14 @@ def _plain(value: Any) -> Any:
     """The Python value of a scalar of numpy; every other value as it is."""
     kind = getattr(getattr(value, "dtype", None), "kind", "")
     if kind and kind in "mM":
-        raise Unfit(f"{_a(value)}, of which Python loses the unit; expected a datetime, or velora_ts.Text")
+        raise Unfit(f"{_type_of(value)}, of which Python loses the unit; expected a datetime, or velora_ts.Text")
     return value.item() if hasattr(value, "item") and getattr(value, "shape", None) == () else value
 
 
 def _as_bool(value: Any) -> Recorded:
     plain = _plain(value.value)
     if not isinstance(plain, int) or plain not in (0, 1):
-        raise Unfit(f"{_a(plain)} for velora_ts.Bool; expected a bool, 0 or 1")
+        raise Unfit(f"{_type_of(plain)} for velora_ts.Bool; expected a bool, 0 or 1")
     return BOOL, (plain,)
 
 
@@ -173,7 +173,7 @@ def _as_int(value: Any) -> Recorded:
     try:
         return _of_int(operator.index(value.value))
     except TypeError:
-        raise Unfit(f"{_a(value.value)} for velora_ts.Int; expected a whole number") from None
+        raise Unfit(f"{_type_of(value.value)} for velora_ts.Int; expected a whole number") from None
 
 
 def _as_double(value: Any) -> Recorded:
@@ -183,7 +183,7 @@ def _as_double(value: Any) -> Recorded:
         return DOUBLE, (float(value.value),)
     except (OverflowError, TypeError, ValueError) as reason:
         why = f" ({reason})" if isinstance(reason, OverflowError) else ""
-        raise Unfit(f"{_a(value.value)} for velora_ts.Double{why}; expected a number") from None
+        raise Unfit(f"{_type_of(value.value)} for velora_ts.Double{why}; expected a number") from None
 
 
 def _as_text(value: Any) -> Recorded:
@@ -214,4 +214,4 @@ def _convert_for(value: object) -> _Convert:
             return convert
     if hasattr(value, "item") and getattr(value, "shape", None) == ():
         return _of_scalar
-    raise Unfit(f"{_a(value)}; {_EXPECTED}")
+    raise Unfit(f"{_type_of(value)}; {_EXPECTED}")

@@ -1,0 +1,168 @@
+"""What the start, the log, the forks and the end of a process have to do with recording."""
+
+from __future__ import annotations
+
+import subprocess
+from pathlib import Path
+from typing import Any, Callable
+
+import pytest
+
+import velora_ts
+
+Run = Callable[..., "subprocess.CompletedProcess[str]"]
+
+WITH_A_RUN = """
+with velora_ts.open() as ts, ts.activity("TiltSeries") as series:
+    series.event("Image", N=1)
+"""
+
+
+def remove(name: str) -> Callable[[Path], object]:
+    """Removes a file of the folder."""
+    return lambda folder: (folder / name).unlink()
+
+
+def write(name: str, text: str) -> Callable[[Path], object]:
+    """Writes a file of the folder."""
+    return lambda folder: (folder / name).write_text(text)
+
+
+@pytest.mark.parametrize(
+    "prepare, environment, reason",
+    [
+        (remove("TSAL.config"), {}, "lacks TSAL.config"),
+        (remove("instrument.xml"), {}, "instrument.xml' cannot be read"),
+        (write("TSAL.config", '<TSAL><Database Backend="sqlite3" Connection="."/></TSAL>'), {}, "is a folder"),
+        (None, {"TSAL_SERVICE": "absent"}, "TSAL_SERVICE is 'absent'"),
+        (None, {"VELORA_TS_LIBRARY": "/nowhere/velora_ts.so"}, "the C library cannot be used: /nowhere/velora_ts.so"),
+    ],
+)
+def test_without_ts_a_script_goes_on(folder: Path, script: Run, prepare: Any, environment: Any, reason: str) -> None:
+    if prepare:
+        prepare(folder)
+    done = script(WITH_A_RUN + "print(ts.available, len(series.guid), ts.reason)", **environment)
+    assert done.returncode == 0 and done.stderr.count("nothing is recorded: ") == 1 and reason in done.stderr
+    assert done.stdout.startswith("False 0 ") and reason in done.stdout
+    required = script("try: velora_ts.open(required=True)\nexcept velora_ts.NotAvailable as e: print(e)", **environment)
+    assert reason in required.stdout and required.stderr == ""
+
+
+@pytest.mark.parametrize(
+    "file, text, words",
+    [
+        (
+            "activities.xml",
+            "<Activities>\n<Activty/></Activities>",
+            "activities.xml', line 2: unknown element 'Activty'",
+        ),
+        ("TSAL.config", "<TSAL>\n\n</TSAL", "TSAL.config', line 3: "),
+    ],
+)
+def test_a_file_that_is_wrong_is_an_error(folder: Path, file: str, text: str, words: str) -> None:
+    (folder / file).write_text(text)
+    with pytest.raises(velora_ts.Error, match=words) as error:
+        velora_ts.open()
+    assert not isinstance(error.value, velora_ts.NotAvailable)
+
+
+@pytest.mark.parametrize(
+    "before, environment, lines",
+    [
+        ("", {}, []),
+        (
+            "import logging; logging.basicConfig(level=logging.DEBUG)",
+            {},
+            ["DEBUG:velora_ts:<<", "event with name: Image"],
+        ),
+        ("import logging; logging.basicConfig(level=logging.DEBUG)", {"VELORA_LOG_FILE": "host.log"}, []),
+    ],
+)
+def test_lines_of_the_log_go_where_a_script_wants_them(
+    folder: Path, script: Run, before: str, environment: Any, lines: Any
+) -> None:
+    done = script(before + WITH_A_RUN, **environment)
+    assert done.returncode == 0
+    assert all(line in done.stderr for line in lines) if lines else done.stderr == ""
+    assert (folder / "host.log").exists() == ("VELORA_LOG_FILE" in environment)
+
+
+def test_a_handler_of_the_log_cannot_record_in_the_middle_of_a_call(script: Run) -> None:
+    done = script(
+        """
+import logging
+class Recorder(logging.Handler):
+    def emit(self, record):
+        try: series.event("Line")
+        except velora_ts.Error as error: print(error)
+log = logging.getLogger("velora_ts")
+log.setLevel(logging.DEBUG)
+with velora_ts.open() as ts, ts.activity("TiltSeries") as series:
+    log.addHandler(Recorder())
+    series.event("Image")
+    log.handlers.clear()
+"""
+    )
+    assert done.returncode == 0 and done.stderr == ""
+    assert set(done.stdout.splitlines()) == {
+        "a handler of a signal or of the log cannot record while its thread is recording"
+    }
+
+
+FORK = """
+import os
+def in_child(work):
+    if os.fork() == 0:
+        try: work()
+        except velora_ts.Error as error: print(error, flush=True)
+        os._exit(0)
+    os.wait()
+"""
+
+
+def test_a_forked_process_is_told_to_record_by_itself(folder: Path, script: Run, shown: Any) -> None:
+    done = script(
+        FORK
+        + """
+with velora_ts.open() as ts, ts.activity("TiltSeries", "parent") as series:
+    in_child(lambda: series.event("Image"))
+    in_child(lambda: velora_ts.open())
+    series.event("Image", N=1)
+"""
+    )
+    assert done.returncode == 0 and done.stderr == ""
+    assert done.stdout.count("a process that was forked has no recording, because its parent's goes on; ") == 2
+    assert len(shown()["events"]) == 1 and shown()["executions"][0]["state"] == "finished"
+
+
+def test_a_process_that_was_forked_before_the_first_recording_records(script: Run, shown: Any) -> None:
+    done = script(FORK + "def record():" + WITH_A_RUN.replace("\n", "\n    ") + "\nin_child(record)" + WITH_A_RUN)
+    assert done.returncode == 0 and done.stdout == "" and done.stderr == ""
+    assert len(shown()["events"]) == 1
+
+
+def test_the_end_of_the_interpreter_is_quiet(folder: Path, script: Run, shown: Any) -> None:
+    done = script(
+        """
+import atexit, logging, threading
+logging.getLogger("velora_ts").addHandler(logging.NullHandler())
+logging.getLogger("velora_ts").setLevel(logging.DEBUG)
+ts = velora_ts.open()
+series = ts.activity("TiltSeries").__enter__()
+started = threading.Event()
+def record_for_ever():
+    while True:
+        series.event("Image", N=1)
+        started.set()
+def angles():
+    with series.activity("Section", "not left"):
+        yield 1
+suspended = angles()
+next(suspended)
+atexit.register(series.event, "Last")
+threading.Thread(target=record_for_ever, daemon=True).start()
+started.wait()
+"""
+    )
+    assert done.returncode == 0, done.stderr
+    assert "Last" in [event["name"] for event in shown()["events"]]
