@@ -18,8 +18,7 @@ namespace {
 using namespace Quor::TolvaServices;
 using Clock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds longest{
-    20};  // several times what an operation may take; without a limit it takes minutes
+constexpr std::chrono::seconds longest{20};  // without a limit an operation takes minutes
 
 /// A server with a database in which the records can be compared with what was told.
 class Faults : public PostgreSql {
