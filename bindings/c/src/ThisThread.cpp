@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <memory>
 #include <new>
 #include <utility>
 
@@ -48,15 +49,17 @@ class Key {
 
   /// The texts of this thread, which are made if it has none; null if there is no memory.
   Texts* Made() const noexcept {
-    Texts* texts = Known();
-    if ((texts != nullptr && texts != &lost) || !isThere) {
-      return texts;
+    Texts* const known = Known();
+    if ((known != nullptr && known != &lost) || !isThere) {
+      return known;
     }
-    texts = new (std::nothrow) Texts;
-    if (pthread_setspecific(key, texts == nullptr ? &lost : texts) != 0) {
-      delete std::exchange(texts, nullptr);
+    try {
+      auto made = std::make_unique<Texts>();
+      return pthread_setspecific(key, made.get()) == 0 ? made.release() : nullptr;
+    } catch (...) {
+      pthread_setspecific(key, &lost);
+      return nullptr;
     }
-    return texts;
   }
 
  private:
@@ -110,7 +113,9 @@ std::string TakeRaised() {
     return "";
   }
   if (texts->raisedIsLost) {
-    texts->raisedIsLost = texts == &lost;
+    if (texts != &lost) {
+      texts->raisedIsLost = false;
+    }
     throw std::bad_alloc();
   }
   return std::exchange(texts->raised, "");
