@@ -135,6 +135,21 @@ with velora_ts.open() as ts, ts.activity("TiltSeries", "parent") as series:
     assert len(shown()["events"]) == 1 and shown()["executions"][0]["state"] == "finished"
 
 
+def test_a_forked_process_leaves_the_blocks_of_its_parent_by_its_own_exception(script: Run, shown: Any) -> None:
+    done = script(
+        """
+import os, sys
+with velora_ts.open() as ts, ts.activity("TiltSeries", "parent") as series:
+    child = os.fork()
+    if child == 0:
+        sys.exit(3)
+    print(os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]))
+"""
+    )
+    assert done.stdout == "3\n" and "activity 'TiltSeries' of node 'parent' was left by an exception" in done.stderr
+    assert shown()["events"] == []
+
+
 def test_a_process_that_was_forked_before_the_first_recording_records(script: Run, shown: Any) -> None:
     done = script(FORK + "def record():" + WITH_A_RUN.replace("\n", "\n    ") + "\nin_child(record)" + WITH_A_RUN)
     assert done.returncode == 0 and done.stdout == "" and done.stderr == ""

@@ -80,7 +80,11 @@ class Recording:
     def __exit__(
         self, kind: Optional[Type[BaseException]], error: Optional[BaseException], trace: Optional[TracebackType]
     ) -> None:
-        self.close()
+        try:
+            self.close()
+        except Error:
+            if error is None:  # nothing that fails here may hide it
+                raise
 
     def _session(self) -> Session:
         if self._open_session is None:
