@@ -93,6 +93,13 @@ def test_an_exception_is_recorded_once_where_it_left_the_innermost_activity(show
     assert recorded == {"Type": "test_recording.StageError", "Message": "the stage did not reach +60°"}
 
 
+def test_an_exception_of_this_package_is_said_to_come_from_the_script(shown: Show) -> None:
+    with pytest.raises(velora_ts.Error), velora_ts.open() as ts, ts.activity("TiltSeries") as series:
+        series.event("Image", Bad=None)  # type: ignore[arg-type]
+    where = events_of(shown())[0][2]["Where"]
+    assert where.startswith(f"{__file__}, line ")
+
+
 def test_an_exception_that_cannot_be_recorded_is_not_hidden(shown: Show) -> None:
     with velora_ts.open() as ts, ts.activity("TiltSeries") as series:
         with pytest.warns(RuntimeWarning, match="activity 'Section' was left .* not in the record: no text"):

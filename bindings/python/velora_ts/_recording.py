@@ -20,6 +20,8 @@ _NO_PARAMETERS: Mapping[str, Value] = {}
 # In an exception: the guids of the activity that recorded it and of all above that one.
 _RECORDED = "_velora_ts_recorded"
 
+_HERE = os.path.dirname(__file__)
+
 
 def open(
     configuration: FileName = "instrument.xml", activities: FileName = "activities.xml", *, required: bool = False
@@ -183,6 +185,7 @@ def _described(error: BaseException) -> Dict[str, Value]:
     kind = type(error)
     module = "" if kind.__module__ in ("builtins", "__main__") else kind.__module__ + "."
     described: Dict[str, Value] = {"Type": module + kind.__qualname__, "Message": str(error)}
-    for frame, line in traceback.walk_tb(error.__traceback__):  # the last one raised it
-        described["Where"] = f"{frame.f_code.co_filename}, line {line}, in {frame.f_code.co_name}"
+    for frame, line in traceback.walk_tb(error.__traceback__):  # the last one of the script raised it
+        if os.path.dirname(frame.f_code.co_filename) != _HERE:
+            described["Where"] = f"{frame.f_code.co_filename}, line {line}, in {frame.f_code.co_name}"
     return described
