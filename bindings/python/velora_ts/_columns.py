@@ -2,15 +2,25 @@
 
 from __future__ import annotations
 
-from typing import Any, Dict, Iterable, Iterator, List, Optional, Sequence, Tuple
+import csv
+import re
+from itertools import chain
+from typing import Any, Dict, Iterable, Iterator, List, Mapping, Optional, Sequence, Tuple
 
 import numpy
 import pandas
 
+from ._database import State
+from ._postgresql import PostgreSqlState
 from ._stored import nan_of, text_of, time_of
 
 _DOUBLE, _INT, _BOOL, _TEXT = range(4)
 _KINDS = {"double": _DOUBLE, "int": _INT, "bool": _BOOL}  # all others are texts
+
+_CHUNK = 500  # rows that are made columns of at once; more are slower, because they leave the caches
+_COPIED = 50_000
+_ESCAPED = re.compile(r"\\(.)", re.DOTALL)
+_ESCAPES = {"b": "\b", "f": "\f", "n": "\n", "r": "\r", "t": "\t", "v": "\v"}
 
 
 class Codes(Dict[Any, int]):
@@ -39,12 +49,11 @@ def joined(parts: List[Any], dtype: Any = numpy.int64) -> Any:
 
 
 def times_of(stored: Sequence[str]) -> Any:
-    """Stored times as datetime64 in nanoseconds; NaT if these cannot hold it."""
+    """Stored times as datetime64."""
     try:
-        exact = numpy.array(stored, dtype="S26").astype("datetime64[us]")
-    except ValueError:
-        exact = numpy.array([time_of(one).replace(tzinfo=None) for one in stored], dtype="datetime64[us]")
-    return pandas.to_datetime(exact, errors="coerce").to_numpy(dtype="datetime64[ns]")
+        return numpy.array(stored, dtype="S26").astype("datetime64[us]")
+    except ValueError:  # numpy does not say which one
+        return numpy.array([time_of(one).replace(tzinfo=None) for one in stored], dtype="datetime64[us]")
 
 
 class Places:
@@ -56,58 +65,65 @@ class Places:
         self._sorted = numbers if self._order is None else numbers[self._order]
 
     def of(self, numbers: Any) -> Any:
-        """The row of each event."""
-        found = numpy.searchsorted(self._sorted, numbers)
-        return found if self._order is None else self._order[found]
+        """The row of each event. Neighbours are mostly parameters of the same one, which is looked for once."""
+        begins = numpy.flatnonzero(_differ_from_before(numbers))
+        found = numpy.searchsorted(self._sorted, numbers[begins])
+        rows = found if self._order is None else self._order[found]
+        return numpy.repeat(rows, numpy.diff(begins, append=len(numbers)))
 
 
 class Parameters:
     """Parameters of events, in the order of reading."""
 
+    COLUMNS = "p.event_id, p.kind || ' ' || p.name, p.value_number, p.value_text"
+    TYPES = "isfs"
+
     def __init__(self) -> None:
-        self._names, self._kinds = Codes(), Codes()
+        self._words = Codes()  # kinds with names
         self._parts: List[Tuple[Any, ...]] = []
+        self._texts: List[str] = []
 
     def add(
-        self,
-        events: Sequence[int],
-        names: Sequence[str],
-        kinds: Sequence[str],
-        texts: Sequence[Optional[str]],
-        numbers: Sequence[Optional[float]],
+        self, events: Sequence[int], words: Sequence[str], numbers: Sequence[float], texts: Sequence[Optional[str]]
     ) -> None:
         """Adds rows, which are given as columns."""
-        of_kind = self._kinds.of(kinds).astype(numpy.int8)
         values = numpy.array(numbers, dtype=numpy.float64)
-        recorded = objects(texts)
-        for place in numpy.flatnonzero(numpy.isnan(values)):  # a number that is stored is never NaN
-            text = texts[place]
-            if text is None or text[:1] not in "\\-N":
-                continue
-            if kinds[place] == "double" and (text == "-0.0" or text.startswith("NaN:")):
-                recorded[place] = None
-                values[place] = -0.0 if text == "-0.0" else nan_of(text)
-            else:
-                recorded[place] = text_of(text)
-        self._parts.append((numpy.array(events, dtype=numpy.int64), self._names.of(names), of_kind, values, recorded))
+        codes = self._words.of(words)
+        with_text = numpy.flatnonzero(numpy.isnan(values))  # a number that is stored is never NaN
+        found = [texts[place] or "" for place in with_text.tolist()]
+        for number, text in enumerate(found):
+            if text.startswith(("\\x", "-0.0", "NaN:")):
+                place = with_text[number]
+                if not words[place].startswith("double ") or text.startswith("\\x"):
+                    found[number] = text_of(text)
+                else:
+                    values[place] = -0.0 if text == "-0.0" else nan_of(text)
+        of_text = numpy.full(len(values), -1, dtype=numpy.int32)
+        of_text[with_text] = numpy.arange(len(self._texts), len(self._texts) + len(found))
+        self._texts += found
+        self._parts.append((numpy.array(events, dtype=numpy.int64), codes, values, of_text))
 
     def finish(self) -> None:
         """Joins what was added."""
-        types = (numpy.int64, numpy.int32, numpy.int8, numpy.float64, object)
+        types = (numpy.int64, numpy.int32, numpy.float64, numpy.int32)
         columns = zip(*self._parts) if self._parts else [()] * len(types)
-        self.events, self.names, kinds, self.numbers, self.texts = (
+        self.events, self.words, self.numbers, self._of_text = (
             joined(list(column), dtype) for column, dtype in zip(columns, types)
         )
         self._parts.clear()
-        self.kind_names = objects(self._kinds)
-        self.kinds = kinds
-        self._kind_codes = numpy.array([_KINDS.get(kind, _TEXT) for kind in self._kinds], dtype=numpy.int8)
-        self.name_texts = objects(map(text_of, self._names))
+        self._all_texts = objects(self._texts)
+        self._texts.clear()
+        kinds, _, names = zip(*(word.partition(" ") for word in self._words)) if self._words else ((), (), ())
+        self.kinds_of_words = objects(kinds)
+        self._codes_of_words = numpy.array([_KINDS.get(kind, _TEXT) for kind in kinds], dtype=numpy.int8)
+        of_name = Codes()
+        self.names_of_words = of_name.of([text_of(name) for name in names])
+        self.names = objects(of_name)
 
     def value_column(self, chosen: Any, rows: Any, count: int) -> Any:
         """A column with the values of the chosen parameters in their rows, and nothing in the others. It has the type
         of the values, or that of Python's objects if they have several."""
-        kinds = {int(self._kind_codes[kind]) for kind in numpy.unique(self.kinds[chosen])}
+        kinds = set(self._codes_of_words[numpy.unique(self.words[chosen])].tolist())
         numbers = self.numbers[chosen]
         if kinds == {_INT} and numpy.all(numbers == numpy.trunc(numbers)):
             return pandas.arrays.IntegerArray(*_masked(numbers.astype(numpy.int64), rows, count))
@@ -118,16 +134,20 @@ class Parameters:
             column[rows] = numbers
             return column
         column = numpy.full(count, None, dtype=object)
-        column[rows] = self.texts[chosen] if kinds == {_TEXT} else objects(self._values(chosen))
+        column[rows] = self._all_texts[self._of_text[chosen]] if kinds == {_TEXT} else self._values(chosen)
         return column
 
-    def _values(self, chosen: Any) -> Iterator[Any]:
-        kinds = self._kind_codes[self.kinds[chosen]]
-        for kind, number, text in zip(kinds, self.numbers[chosen].tolist(), self.texts[chosen]):
-            if text is not None:
-                yield text
-            else:
-                yield int(number) if kind == _INT else bool(number) if kind == _BOOL else number
+    def _values(self, chosen: Any) -> Any:
+        kinds = self._codes_of_words[self.words[chosen]].tolist()
+        numbers, texts = self.numbers[chosen].tolist(), self._of_text[chosen].tolist()
+        return objects(
+            number if kind == _DOUBLE else self._all_texts[text] if text >= 0 else _whole(kind, number)
+            for kind, number, text in zip(kinds, numbers, texts)
+        )
+
+
+def _whole(kind: int, number: float) -> Any:
+    return bool(number) if kind == _BOOL else int(number)
 
 
 def _masked(values: Any, rows: Any, count: int) -> Tuple[Any, Any]:
@@ -141,27 +161,35 @@ def _masked(values: Any, rows: Any, count: int) -> Tuple[Any, Any]:
 
 def pivot(parameters: Parameters, places: Places, fixed: Iterable[str]) -> Iterator[Tuple[str, Any]]:
     """A column for each name, and for each time that an event has it again, in the order in which they first came."""
-    order = numpy.argsort(parameters.names, kind="stable")
-    ends = numpy.cumsum(numpy.bincount(parameters.names, minlength=len(parameters.name_texts)))
+    names = parameters.names_of_words[parameters.words]
+    if len(parameters.names) <= numpy.iinfo(numpy.int16).max:
+        names = names.astype(numpy.int16)  # which are sorted in one go
+    order = numpy.argsort(names, kind="stable")
+    ends = numpy.cumsum(numpy.bincount(names, minlength=len(parameters.names)))
     rows = places.of(parameters.events)
     columns = []
-    for name, chosen in zip(parameters.name_texts, numpy.split(order, ends[:-1])):
-        if len(chosen):
-            occurrences = _occurrences(rows[chosen])
-            for occurrence in range(int(occurrences.max()) + 1):
-                one = chosen[occurrences == occurrence]
-                columns.append((int(one[0]), name, occurrence + 1, one))
+    for name, chosen in zip(parameters.names, numpy.split(order, ends[:-1])):
+        for occurrence, one in enumerate(_by_occurrence(chosen, rows[chosen]), 1):
+            columns.append((int(one[0]), name, occurrence, one))
     taken = set(fixed)
     for _, name, occurrence, chosen in sorted(columns, key=lambda column: column[0]):
         yield _unique(taken, name, occurrence), parameters.value_column(chosen, rows[chosen], places.count)
 
 
-def _occurrences(rows: Any) -> Any:
-    """How many neighbours before each one are of the same row."""
+def _by_occurrence(chosen: Any, rows: Any) -> List[Any]:
+    """Those that are the first ones in their rows, the second ones and so on."""
+    begins = _differ_from_before(rows)
+    if numpy.all(begins):
+        return [chosen] if len(chosen) else []
     places = numpy.arange(len(rows))
-    begins = numpy.ones(len(rows), dtype=bool)
-    begins[1:] = rows[1:] != rows[:-1]
-    return places - numpy.maximum.accumulate(numpy.where(begins, places, 0))
+    occurrences = places - numpy.maximum.accumulate(numpy.where(begins, places, 0))
+    return [chosen[occurrences == one] for one in range(int(occurrences.max()) + 1)]
+
+
+def _differ_from_before(values: Any) -> Any:
+    differ = numpy.ones(len(values), dtype=bool)
+    differ[1:] = values[1:] != values[:-1]
+    return differ
 
 
 def _unique(taken: "set[str]", name: str, occurrence: int) -> str:
@@ -171,3 +199,59 @@ def _unique(taken: "set[str]", name: str, occurrence: int) -> str:
         unique = f"{name} ({occurrence})"
     taken.add(unique)
     return unique
+
+
+def columns_of(state: State, question: str, values: Mapping[str, object], types: str) -> Iterator[Sequence[Any]]:
+    """The answer to a question by columns, some rows at once. Their types are i for whole numbers, f for numbers and s
+    for texts, of which both can be absent."""
+    if isinstance(state, PostgreSqlState):
+        yield from _copied(state.copy(question, values), types)
+    else:
+        for chunk in state.chunks(question, values, _CHUNK):
+            yield tuple(zip(*chunk))
+
+
+class _Stream:
+    """The parts of a text as a file, for pandas."""
+
+    def __init__(self, parts: Iterator[bytes]) -> None:
+        self._parts = parts
+
+    def read(self, _: int = -1) -> bytes:
+        return next(self._parts, b"")
+
+    def __iter__(self) -> Iterator[bytes]:
+        return self._parts
+
+
+def _copied(parts: Iterator[bytes], types: str) -> Iterator[Sequence[Any]]:
+    """Rows in the text format of COPY. psycopg makes an object of each value, which takes many times as long."""
+    first = next(parts, None)
+    if first is None:
+        return
+    frames = pandas.read_csv(
+        _Stream(chain([first], parts)),
+        sep="\t",
+        header=None,
+        dtype=dict(enumerate({"i": numpy.int64, "f": numpy.float64, "s": object}[one] for one in types)),
+        na_values="\\N",
+        keep_default_na=False,
+        quoting=csv.QUOTE_NONE,
+        skip_blank_lines=False,
+        lineterminator="\n",
+        float_precision="round_trip",
+        encoding="utf-8",
+        chunksize=_COPIED,
+    )
+    for frame in frames:
+        yield [_unescaped(frame[place]) if one == "s" else frame[place].to_numpy() for place, one in enumerate(types)]
+
+
+def _unescaped(column: Any) -> List[Optional[str]]:
+    return [
+        None if text != text else text if "\\" not in text else _ESCAPED.sub(_plain, text) for text in column.tolist()
+    ]
+
+
+def _plain(escaped: "re.Match[str]") -> str:
+    return _ESCAPES.get(escaped[1], escaped[1])

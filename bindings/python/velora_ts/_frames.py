@@ -15,7 +15,7 @@ try:
     import numpy
     import pandas
 
-    from ._columns import Codes, Parameters, Places, joined, objects, pivot, times_of
+    from ._columns import Codes, Parameters, Places, columns_of, joined, objects, pivot, times_of
 except ImportError as missing:
     raise Error(
         f"frames need pandas, which cannot be imported ({missing}); expected the package python3-pandas of Debian, or: "
@@ -28,7 +28,6 @@ if TYPE_CHECKING:
     from ._stored import Moment
     from .store import Store
 
-_CHUNK = 50_000  # rows that are made columns of at once
 _JOINT = " > "  # between the nodes of a path
 
 
@@ -91,12 +90,12 @@ class Frames:
             question = self._store._question(state, run, asked)
             columns = self._event_columns(state, question)
             found = Parameters()
-            wanted = "p.event_id, p.name, p.kind, p.value_text, p.value_number"
-            for chunk in state.chunks(question.parameters(wanted), question.values, _CHUNK):
-                found.add(*zip(*chunk))
+            wanted = question.parameters(Parameters.COLUMNS)
+            for part in columns_of(state, wanted, question.values, Parameters.TYPES):
+                found.add(*part)
         found.finish()
         columns.update(pivot(found, Places(columns["number"]), columns))
-        return self._with_units(pandas.DataFrame(columns))
+        return self._with_units(pandas.DataFrame(columns, copy=False))
 
     def parameters(
         self,
@@ -115,28 +114,26 @@ class Frames:
             question = self._store._question(state, run, asked)
             events = self._event_columns(state, question)
             found, positions = Parameters(), []
-            wanted = "p.event_id, p.name, p.kind, p.value_text, p.value_number, p.position"
-            for chunk in state.chunks(question.parameters(wanted, only=True), question.values, _CHUNK):
-                *parts, position = zip(*chunk)
-                found.add(*parts)
+            wanted = question.parameters(f"p.position, {Parameters.COLUMNS}", only=True)
+            for position, *part in columns_of(state, wanted, question.values, "i" + Parameters.TYPES):
+                found.add(*part)
                 positions.append(numpy.array(position, dtype=numpy.int64))
         found.finish()
         rows = Places(events["number"]).of(found.events)
         columns = {name: events[name][rows] for name in _OF_READINGS}
         columns["position"] = joined(positions)
-        columns["parameter"] = found.name_texts[found.names]
-        columns["kind"] = found.kind_names[found.kinds]
+        columns["parameter"] = found.names[found.names_of_words][found.words]
+        columns["kind"] = found.kinds_of_words[found.words]
         everything = numpy.arange(len(rows))
         columns["value"] = found.value_column(everything, everything, len(rows))
-        return self._with_units(pandas.DataFrame(columns))
+        return self._with_units(pandas.DataFrame(columns, copy=False))
 
     def _event_columns(self, state: "State", question: Question) -> Dict[str, Any]:
         """The columns that all events have, those of `velora-ts events --csv`."""
         names, executions, sessions = Codes(), Codes(), Codes()
         parts: List[List[Any]] = [[], [], [], [], []]
-        wanted = "v.event_id, v.at, v.name, v.execution_id, v.session_id"
-        for chunk in state.chunks(question.events(wanted), question.values, _CHUNK):
-            number, at, name, execution, session = zip(*chunk)
+        wanted = question.events("v.event_id, v.at, v.name, COALESCE(v.execution_id, 0), v.session_id")
+        for number, at, name, execution, session in columns_of(state, wanted, question.values, "issii"):
             columns = (
                 numpy.array(number, dtype=numpy.int64),
                 times_of(at),
@@ -146,14 +143,14 @@ class Frames:
             )
             for part, column in zip(parts, columns):
                 part.append(column)
-        times = joined(parts[1], "datetime64[ns]")
+        times = pandas.to_datetime(joined(parts[1], "datetime64[us]"), utc=True, errors="coerce")
         of_name, of_execution, of_session = (joined(part, numpy.int32) for part in parts[2:])
-        found = Executions(state).of(executions)
-        places = [found[key] for key in executions]
+        found = Executions(state).of(key or None for key in executions)
+        places = [found[key or None] for key in executions]
         by_session = instruments_of(state)
         return {
             "number": joined(parts[0]),
-            "at": pandas.DatetimeIndex(times).tz_localize("UTC"),
+            "at": times.array,
             "run": objects(place.run for place in places)[of_execution],
             "execution": objects(place.guid for place in places)[of_execution],
             "node": objects(place.node for place in places)[of_execution],
