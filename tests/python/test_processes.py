@@ -66,16 +66,17 @@ def test_a_file_that_is_wrong_is_an_error(folder: Path, file: str, text: str, wo
     assert not isinstance(error.value, velora_ts.NotAvailable)
 
 
+ALL_LINES = "import logging; logging.basicConfig(level=logging.DEBUG)\n"
+OF_THE_COMPONENT = "logging.getLogger('velora_ts').setLevel(logging.DEBUG)\n"
+
+
 @pytest.mark.parametrize(
     "before, environment, lines",
     [
         ("", {}, []),
-        (
-            "import logging; logging.basicConfig(level=logging.DEBUG)",
-            {},
-            ["DEBUG:velora_ts:<<", "event with name: Image"],
-        ),
-        ("import logging; logging.basicConfig(level=logging.DEBUG)", {"VELORA_LOG_FILE": "host.log"}, []),
+        (ALL_LINES, {}, []),  # in which Ctrl-C would get lost
+        (ALL_LINES + OF_THE_COMPONENT, {}, ["DEBUG:velora_ts:<<", "event with name: Image"]),
+        (ALL_LINES + OF_THE_COMPONENT, {"VELORA_LOG_FILE": "host.log"}, []),
     ],
 )
 def test_lines_of_the_log_go_where_a_script_wants_them(

@@ -31,8 +31,9 @@ class _Callbacks(ctypes.Structure):
 class Logger:
     """Puts Python's logging in the place of the component's log, unless VELORA_LOG_FILE names a file for that.
 
-    The lines of the lowest level are left out unless the logger wants them when a recording begins. Each would be a
-    call of Python, in which an interrupt of the user gets lost: no exception can leave it.
+    The lines of the lowest level are left out, unless the level of the logger itself asks for them when a recording
+    begins. Each would be a call of Python, in which an interrupt of the user gets lost: no exception can leave it.
+    A script that shows what everything else says at this level did not ask for that.
     """
 
     def __init__(self, set_logger: Callable[[Any], int]) -> None:
@@ -43,7 +44,7 @@ class Logger:
         """Puts Python's logging in place, for the levels that it wants now."""
         if os.environ.get("VELORA_LOG_FILE"):
             return
-        least = next((level for level, python in enumerate(_LEVELS) if _log.isEnabledFor(python)), len(_LEVELS) - 1)
+        least = 0 if 0 < _log.level <= _LEVELS[0] else 1
         if self._callbacks is None or self._callbacks.least_level != least:
             callbacks = _Callbacks(ctypes.sizeof(_Callbacks), None, least, None, _WRITE(_write))
             if self._set_logger(ctypes.byref(callbacks)) == 0:  # else it is a vendor's, which logs in its own way
