@@ -41,7 +41,7 @@ class HostSide {
 
  private:
   struct Inside {
-    explicit Inside(int& calls) : calls(calls) { ++calls; }
+    explicit Inside(int& count) : calls(count) { ++calls; }
     Inside(const Inside&) = delete;
     Inside& operator=(const Inside&) = delete;
     ~Inside() { --calls; }

@@ -28,7 +28,7 @@ bool CallbacksAreOver() noexcept { return isOver; }
 
 void EndCallbacks() noexcept { isOver = true; }
 
-void StayLoaded() { const System::LoadedLibrary stays(ModuleFile(&isOver)); }
+void StayLoaded() { static const System::LoadedLibrary stays(ModuleFile(&isOver)); }
 
 CallbackScope::CallbackScope(const char* callback)
     : callback(callback), reasonOutside(TakeAside()), errorsBefore(ThisThread::ErrorCount()) {
