@@ -50,15 +50,15 @@ namespace Velora.Ts {
       return false;
     }
 
-    /// Replaces the logger of the process; null for the default one. When the process ends, the default one comes back,
-    /// because lines may be written when there is no C# any more.
-    public static void SetLogger(Logger logger) {
+    /// Replaces the logger of the process; null for the default one. It gets lines of the least level and above. When
+    /// the process ends, the default one comes back, because lines may be written when there is no C# any more.
+    public static void SetLogger(Logger logger, TsLevel least = TsLevel.Info) {
       if (logger == null) {
         Native.Check(Native.velora_ts_set_logger(IntPtr.Zero));
         return;
       }
       var table =
-          new Native.LoggerTable { Size = (UIntPtr)Marshal.SizeOf(typeof(Native.LoggerTable)),
+          new Native.LoggerTable { Size = (UIntPtr)Marshal.SizeOf(typeof(Native.LoggerTable)), LeastLevel = (int)least,
                                    Write = (context, level, source, sourceSize, message, messageSize) =>
                                        Native.Guarded(() => logger((TsLevel)level, Native.Text(source, sourceSize),
                                                                    Native.Text(message, messageSize))) };
@@ -278,6 +278,7 @@ namespace Velora.Ts {
     internal struct LoggerTable {
       internal UIntPtr Size;
       internal IntPtr Context;
+      internal int LeastLevel;
       internal ReleaseCallback Release;
       internal WriteCallback Write;
     }

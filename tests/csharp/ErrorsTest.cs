@@ -66,6 +66,8 @@ internal static class ErrorsTest {
     TsLibrary.SetLogger((level, source, message) => throw new InvalidOperationException("µ: no disk"));
     Expect("an exception of a logger", "Raised velora_ts_create_event: InvalidOperationException: µ: no disk",
            Thrown(() => logging.CreateEvent("Image")));
+    TsLibrary.SetLogger((level, source, message) => throw new InvalidOperationException("not asked"), TsLevel.Error);
+    Expect("lines below the least level", "nothing", Thrown(() => logging.CreateEvent("Image")));
     TsLibrary.SetLogger(null);
 
     File.Delete("TSAL.config");
