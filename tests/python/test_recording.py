@@ -155,9 +155,16 @@ def test_recordings_that_are_open_at_once_do_not_harm_each_other(shown: Show) ->
         ("one", {"N": 3}),
     ]
     assert [(node, values) for node, _, values in events_of(shown(second.guid))] == [("two", {"N": 2})]
-    velora_ts.open("instrument.xml").activity("Section")  # never closed, but nobody can record with it any more
+
+
+def test_files_are_free_again_once_nobody_records_with_others(folder: Path) -> None:
+    (folder / "other.xml").write_text("<other/>")
+    with velora_ts.open() as ts, pytest.raises(velora_ts.Error) as held, ts.activity("x"):
+        pass
+    with velora_ts.open("other.xml"):
+        assert held.traceback  # as a notebook keeps it, with all that was in use
+    velora_ts.open()  # never closed, but nobody can record with it any more
     gc.collect()
-    Path("other.xml").write_text("<other/>")
     velora_ts.open("other.xml").close()
 
 
