@@ -42,5 +42,7 @@ class CLibrary {
   VELORA_TS_FOUND(create_configurator);
   VELORA_TS_FOUND(close_configurator);
   VELORA_TS_FOUND(set_parent);
+  VELORA_TS_FOUND(set_gateway);
+  VELORA_TS_FOUND(set_logger);
 #undef VELORA_TS_FOUND
 };

@@ -115,36 +115,6 @@ TEST_F(HostLogger, IsReplacedWhileThreadsWriteAndNoLineIsLost) {
   EXPECT_EQ(lines, threads * linesOfEach);
 }
 
-TEST_F(HostLogger, AndAGatewayAreCalledByOneThreadAtATime) {
-  ASSERT_EQ(HostSide::Install(velora_ts_set_logger, side.Logger()), VELORA_TS_OK);
-  ASSERT_EQ(Run(), "");
-  velora_ts_logging* logging = nullptr;
-  ASSERT_EQ(velora_ts_create_logging("i", 1, nullptr, 0, &logging), VELORA_TS_OK);
-  std::atomic<int> inside = 0;
-  side.hook = [&](const std::string&, velora_ts_answer*) {
-    EXPECT_EQ(++inside, 1);
-    std::this_thread::yield();
-    --inside;
-    return VELORA_TS_OK;
-  };
-  std::vector<std::thread> hosts;
-  for (int host = 0; host < 3; ++host) {
-    hosts.emplace_back([&] {
-      std::array<char, VELORA_TS_GUID_CAPACITY> guid{};
-      std::size_t size = 0;
-      for (int run = 0; run < 50; ++run) {
-        EXPECT_EQ(velora_ts_create_execution(logging, "", 0, "n", 1, "d", 1, guid.data(), guid.size(), &size),
-                  VELORA_TS_OK);
-        EXPECT_EQ(velora_ts_save_event(logging, "e", 1, guid.data(), size), VELORA_TS_OK) << Error();
-      }
-    });
-  }
-  for (std::thread& host : hosts) {
-    host.join();
-  }
-  EXPECT_EQ(velora_ts_close_logging(logging), VELORA_TS_OK);
-}
-
 TEST_F(HostLogger, IsNotCalledAtTheEndOfTheProcessAndNothingElseOfTheHost) {
   const auto endWithTables = [&] {
     EXPECT_EQ(velora_ts_set_logger(nullptr), VELORA_TS_OK);
