@@ -378,6 +378,8 @@ def test_a_frame_is_the_table_of_an_export(store: velora_ts.Store, folder: Path)
             ], name
     assert {name: str(frame[name].dtype) for name in TYPES} == TYPES
     assert frame.attrs["units"] == {"Defocus": "µm"}
+    everywhere = {name: str(store.frames.events(run, parameter=name)[name].dtype) for name in ("Images", "Accepted")}
+    assert everywhere == {"Images": "int64", "Accepted": "bool"}  # types that all of pandas 1.5 takes
 
 
 def cell_of(value: Any) -> Any:

@@ -126,9 +126,9 @@ class Parameters:
         kinds = set(self._codes_of_words[numpy.unique(self.words[chosen])].tolist())
         numbers = self.numbers[chosen]
         if kinds == {_INT} and numpy.all(numbers == numpy.trunc(numbers)):
-            return pandas.arrays.IntegerArray(*_masked(numbers.astype(numpy.int64), rows, count))
+            return _in_rows(numbers.astype(numpy.int64), rows, count, pandas.arrays.IntegerArray)
         if kinds == {_BOOL} and numpy.all((numbers == 0) | (numbers == 1)):
-            return pandas.arrays.BooleanArray(*_masked(numbers == 1, rows, count))
+            return _in_rows(numbers == 1, rows, count, pandas.arrays.BooleanArray)
         if kinds <= {_DOUBLE, _INT}:
             column = numpy.full(count, numpy.nan)
             column[rows] = numbers
@@ -150,13 +150,15 @@ def _whole(kind: int, number: float) -> Any:
     return bool(number) if kind == _BOOL else int(number)
 
 
-def _masked(values: Any, rows: Any, count: int) -> Tuple[Any, Any]:
-    """Values in their rows, and where there is none."""
+def _in_rows(values: Any, rows: Any, count: int, with_absent: Any) -> Any:
+    """A column with values in their rows. If there is nothing in others, it has a type that can say so."""
     column = numpy.zeros(count, dtype=values.dtype)
-    absent = numpy.ones(count, dtype=bool)
     column[rows] = values
+    if len(rows) == count:
+        return column
+    absent = numpy.ones(count, dtype=bool)
     absent[rows] = False
-    return column, absent
+    return with_absent(column, absent)
 
 
 def pivot(parameters: Parameters, places: Places, fixed: Iterable[str]) -> Iterator[Tuple[str, Any]]:

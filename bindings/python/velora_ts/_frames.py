@@ -32,9 +32,10 @@ _JOINT = " > "  # between the nodes of a path
 
 
 class Frames:
-    """The questions of a Store, with the same arguments. Times are datetime64 in UTC, whole numbers that can be absent
-    Int64, truth values boolean, texts str; what is absent is NaN, <NA>, NaT or None. A time that pandas cannot hold,
-    before 1678 or after 2261, is NaT. attrs["units"] has the units that TSAL.config states."""
+    """The questions of a Store, with the same arguments. Times are datetime64 in UTC, texts str. Whole numbers and truth
+    values are int64 and bool, or Int64 and boolean where one is absent; what is absent is NaN, <NA>, NaT or None. A
+    time that pandas cannot hold, before 1678 or after 2261, is NaT. attrs["units"] has the units that TSAL.config
+    states."""
 
     def __init__(self, store: "Store") -> None:
         self._store = store
