@@ -243,14 +243,14 @@ def test_readings_are_the_parameters_of_the_events(store: velora_ts.Store) -> No
     questions: List[Dict[str, Any]] = [{}, {"run": "last"}, {"parameter": "Defocus"}, step]
     for asked in questions:
         expected = [
-            (event.number, event.path, event.name, position, *exact(parameter))
+            (*event[:9], position, *exact(parameter))
             for event in store.events(asked.get("run"), parameter=asked.get("parameter"))
             for position, parameter in enumerate(event.parameters, 1)
             if parameter.name == asked.get("parameter", parameter.name)
             and event.node == asked.get("node", event.node)
             and event.name == asked.get("event", event.name)
         ]
-        read = [(one.number, one.path, one.event, one.position, *exact(one[8:])) for one in store.parameters(**asked)]
+        read = [(*one[:10], *exact(one[10:])) for one in store.parameters(**asked)]
         assert read == expected and read
 
 
@@ -420,7 +420,7 @@ def test_a_frame_has_every_bit_of_the_records(store: velora_ts.Store) -> None:
         assert not left
     readings = store.frames.parameters()
     assert list(map(exact, zip(readings["parameter"], readings["kind"], readings["value"]))) == [
-        exact(one[8:]) for one in store.parameters()
+        exact(one[10:]) for one in store.parameters()
     ]
     assert str(store.frames.parameters("last", parameter="Defocus")["value"].dtype) == "float64"
 

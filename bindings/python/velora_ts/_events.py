@@ -143,11 +143,14 @@ def events(question: Question) -> Iterator[Event]:
 
 def readings(question: Question) -> Iterator[Reading]:
     """Each parameter with its event."""
-    executions = Executions(question.state)
-    columns = "v.event_id, v.at, v.name, v.execution_id, p.position, p.name, p.kind, p.value_text, p.value_number"
+    executions, instruments = Executions(question.state), instruments_of(question.state)
+    columns = (
+        "v.event_id, v.at, v.name, v.execution_id, v.session_id, "
+        "p.position, p.name, p.kind, p.value_text, p.value_number"
+    )
     for chunk in question.state.chunks(question.parameters(columns, only=True), question.values):
         places = executions.of(row[3] for row in chunk)
-        for number, at, event, execution, position, parameter, kind, text, value in chunk:
+        for number, at, event, execution, session, position, parameter, kind, text, value in chunk:
             place = places[execution]
             yield Reading(
                 number,
@@ -155,8 +158,10 @@ def readings(question: Question) -> Iterator[Reading]:
                 place.run,
                 place.guid,
                 place.node,
-                place.path,
+                place.activity,
                 text_of(event),
+                instruments.get(session, ""),
+                place.path,
                 position,
                 text_of(parameter),
                 kind,

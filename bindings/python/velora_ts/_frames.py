@@ -32,9 +32,9 @@ _JOINT = " > "  # between the nodes of a path
 
 
 class Frames:
-    """The questions of a Store, with the same arguments. Times are datetime64 in UTC, texts str. Whole numbers and truth
-    values are int64 and bool, or Int64 and boolean where one is absent; what is absent is NaN, <NA>, NaT or None. A
-    time that pandas cannot hold, before 1678 or after 2261, is NaT. attrs["units"] has the units that TSAL.config
+    """The questions of a Store, with the same arguments. Times are datetime64 in UTC, texts str. Whole numbers and
+    truth values are int64 and bool, or Int64 and boolean where one is absent; what is absent is NaN, <NA>, NaT or None.
+    A time that pandas cannot hold, before 1678 or after 2261, is NaT. attrs["units"] has the units that TSAL.config
     states."""
 
     def __init__(self, store: "Store") -> None:
@@ -121,7 +121,7 @@ class Frames:
                 positions.append(numpy.array(position, dtype=numpy.int64))
         found.finish()
         rows = Places(events["number"]).of(found.events)
-        columns = {name: events[name][rows] for name in _OF_READINGS}
+        columns = {name: column[rows] for name, column in events.items()}
         columns["position"] = joined(positions)
         columns["parameter"] = found.names[found.names_of_words][found.words]
         columns["kind"] = found.kinds_of_words[found.words]
@@ -166,7 +166,6 @@ class Frames:
         return frame
 
 
-_OF_READINGS = ("number", "at", "run", "execution", "node", "path", "event")
 _LISTED = ", "
 
 

@@ -86,15 +86,17 @@ class Event(NamedTuple):
 
 
 class Reading(NamedTuple):
-    """A parameter with its event."""
+    """A parameter with its event, of which it begins with what an Event begins with."""
 
-    number: int  # of the event
+    number: int
     at: datetime
     run: Optional[str]
     execution: Optional[str]
     node: Optional[str]
-    path: Tuple[str, ...]
+    activity: Optional[str]
     event: str
+    instrument: str
+    path: Tuple[str, ...]
     position: int
     parameter: str
     kind: str
