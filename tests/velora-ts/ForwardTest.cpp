@@ -110,7 +110,7 @@ TEST_F(Forwarding, IsMissedAtTheFacilityWhenItIsSilent) {
   EXPECT_EQ(Tool("forward --config instrument"), 0) << said;
   EXPECT_EQ(Tool("runs --json --config facility"), 0);
   const std::string runs = said;
-  for (const auto& [seconds, isSilent] : {std::pair(500, false), {610, true}}) {
+  for (const auto& [seconds, isSilent] : {std::pair(300, false), {610, true}}) {
     Sql("UPDATE arrivals SET waiting = 3, waiting_since = '2026-11-26T09:12:38.120000Z', at = to_char(now() AT TIME "
         "ZONE 'UTC' - make_interval(secs => " +
         std::to_string(seconds) + "), 'YYYY-MM-DD\"T\"HH24:MI:SS.US\"Z\"')");
