@@ -9,6 +9,7 @@ from . import records
 from ._events import Filter, Question
 from ._executions import Executions, instruments_of
 from ._stored import text_of
+from ._unknown import warn_of_unknown
 from .errors import Error
 
 try:
@@ -94,6 +95,8 @@ class Frames:
             wanted = question.parameters(Parameters.COLUMNS)
             for part in columns_of(state, wanted, question.values, Parameters.TYPES):
                 found.add(*part)
+            if not len(columns["number"]):
+                warn_of_unknown(state, asked)
         found.finish()
         columns.update(pivot(found, Places(columns["number"]), columns))
         return self._with_units(pandas.DataFrame(columns, copy=False))
@@ -119,6 +122,8 @@ class Frames:
             for position, *part in columns_of(state, wanted, question.values, "i" + Parameters.TYPES):
                 found.add(*part)
                 positions.append(numpy.array(position, dtype=numpy.int64))
+            if not positions:
+                warn_of_unknown(state, asked)
         found.finish()
         rows = Places(events["number"]).of(found.events)
         columns = {name: column[rows] for name, column in events.items()}

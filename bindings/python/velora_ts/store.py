@@ -15,6 +15,7 @@ from ._runs import RunName
 from ._settings import Place, place_of
 from ._sqlite import SqliteFile
 from ._stored import Moment
+from ._unknown import or_warned, warn_of_unknown
 from .records import (
     Comparison,
     Configuration,
@@ -47,7 +48,8 @@ class Store:
 
     A run is named as `velora-ts` takes it: a guid, its first letters, "last", or a node that only one run has; a Run
     names itself. A time is a datetime (local, if it has no zone), a date, or a text such as "2026-11-24 21:55".
-    Everything that fails raises velora_ts.Error.
+    A name of an event or of a parameter that is nowhere in the store is a warning. Everything that fails raises
+    velora_ts.Error.
     """
 
     def __init__(self, where: Union[str, "os.PathLike[str]"]) -> None:
@@ -129,7 +131,7 @@ class Store:
         those of any run and of none in the order of their times."""
         with self._database.state() as state:
             asked = Filter(since, until, instrument, activity, node, event, parameter)
-            yield from _events.events(self._question(state, run, asked))
+            yield from or_warned(state, asked, _events.events(self._question(state, run, asked)))
 
     def parameters(
         self,
@@ -145,7 +147,7 @@ class Store:
         """Each parameter of such events, or each one of a name, with its event."""
         with self._database.state() as state:
             asked = Filter(since, until, instrument, activity, node, event, parameter)
-            yield from _events.readings(self._question(state, run, asked))
+            yield from or_warned(state, asked, _events.readings(self._question(state, run, asked)))
 
     def parameter_names(
         self,
@@ -160,7 +162,10 @@ class Store:
         """Which parameters such events have, and from where to where, as `velora-ts parameters` says."""
         with self._database.state() as state:
             asked = Filter(since, until, instrument, activity, node, event)
-            return _events.parameter_names(self._question(state, run, asked), self._place.units)
+            found = _events.parameter_names(self._question(state, run, asked), self._place.units)
+            if not found:
+                warn_of_unknown(state, asked)
+            return found
 
     def stats(
         self,
@@ -180,7 +185,10 @@ class Store:
         with self._database.state() as state:
             root = None if run is None else _runs.root_named(state, run)
             asked = Filter(since, until, instrument, activity, node, event, parameter)
-            return _statistics.statistics(state, root, asked, by, against, self._place.units.get(parameter, ""))
+            found = _statistics.statistics(state, root, asked, by, against, self._place.units.get(parameter, ""))
+            if not found.groups and not found.not_counted:
+                warn_of_unknown(state, asked)
+            return found
 
     def diff(
         self,
