@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+import os
+import shutil
 import subprocess
 from pathlib import Path
 from typing import Any, Callable
@@ -46,6 +48,27 @@ def test_without_ts_a_script_goes_on(folder: Path, script: Run, prepare: Any, en
     assert done.stdout.startswith("False 0 ") and reason in done.stdout and "velora_ts_available" not in done.stdout
     required = script("try: velora_ts.open(required=True)\nexcept velora_ts.NotAvailable as e: print(e)", **environment)
     assert reason in required.stdout and required.stderr == ""
+
+
+def test_files_beside_the_component_are_found_as_it_finds_them(folder: Path, script: Run, shown: Any) -> None:
+    (folder / "elsewhere").mkdir()
+    for library in Path(os.environ["VELORA_TS_LIBRARY"]).parent.glob("*.so*"):
+        shutil.copy(library, folder)
+    (folder / "link").symlink_to(folder)
+    done = script(
+        """
+import os
+os.chdir("elsewhere")
+with velora_ts.open(required=True) as ts, ts.activity("TiltSeries"):
+    try: ts.activity("TiltSerie").__enter__()
+    except velora_ts.Error as error: print(error)
+""",
+        LD_LIBRARY_PATH=str(folder / "link"),
+        VELORA_TS_LIBRARY="",
+    )
+    assert done.returncode == 0, done.stderr
+    assert done.stdout == f"activity 'TiltSerie' is not in '{folder}/activities.xml'; did you mean 'TiltSeries'?\n"
+    assert len(shown()["executions"]) == 1
 
 
 @pytest.mark.parametrize(

@@ -113,7 +113,10 @@ class Library:
             folder = ctypes.create_string_buffer(4096)
             dlinfo = ctypes.CDLL(None).dlinfo
             dlinfo.argtypes = (c_void_p, ctypes.c_int, c_char_p)
-            return os.fsdecode(folder.value) if dlinfo(component._handle, rtld_di_origin, folder) == 0 else None
+            if dlinfo(component._handle, rtld_di_origin, folder) != 0:
+                return None
+            # The component asks the system which file is mapped: not a link to it.
+            return os.path.dirname(os.path.realpath(os.path.join(os.fsdecode(folder.value), _COMPONENT)))
         except (OSError, AttributeError):
             return None
 

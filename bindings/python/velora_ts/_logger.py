@@ -46,7 +46,7 @@ class Logger:
             return
         least = 0 if 0 < _log.level <= _LEVELS[0] else 1
         if self._callbacks is None or self._callbacks.least_level != least:
-            callbacks = _Callbacks(ctypes.sizeof(_Callbacks), None, least, None, _WRITE(_write))
+            callbacks = _Callbacks(ctypes.sizeof(_Callbacks), None, least, None, _CALLBACK)
             if self._set_logger(ctypes.byref(callbacks)) == 0:  # else it is a vendor's, which logs in its own way
                 self._callbacks = callbacks
 
@@ -60,3 +60,6 @@ class Logger:
 def _write(_context: int, level: int, _source: int, _source_size: int, message: int, size: int) -> int:
     _log.log(_LEVELS[level], "%s", ctypes.string_at(message, size).decode("utf-8", "replace"))
     return 0
+
+
+_CALLBACK = _WRITE(_write)  # for as long as the process: a line can be on its way when the logger is replaced
