@@ -14,7 +14,7 @@ Moment = Union[datetime, date, str]
 
 AFTER_ALL_TIMES = "9999-12-31T24"
 
-_NUMBER = re.compile(r"[+-]?(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?")
+_NUMBER = re.compile(r"[+-]?([0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?")
 _MOMENT = re.compile(
     r"(\d{4}-\d{2})(?:-(\d{2})(?:[T ](\d{2})(?::(\d{2})(?::(\d{2})(?:\.(\d{1,6}))?)?)?)?)?(Z|[+-]\d{2}:\d{2})?",
     re.ASCII,
@@ -74,10 +74,12 @@ def finite_number_of(kind: str, text: Optional[str], number: Optional[float]) ->
 
 def number_in(text: str) -> Optional[float]:
     """The finite number that a text such as "3.10" stands for."""
-    if not _NUMBER.fullmatch(text):
+    parts = _NUMBER.fullmatch(text)
+    if not parts:
         return None
     number = float(text)
-    return number if number - number == 0 else None
+    too_small = number == 0 and parts[1].strip("0.") != ""
+    return number if number - number == 0 and not too_small else None
 
 
 def time_of(stored: str) -> datetime:
