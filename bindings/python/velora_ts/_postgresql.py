@@ -38,6 +38,8 @@ _STORE = r"""
     JOIN pg_namespace n USING (nspname) JOIN pg_class c ON c.relnamespace = n.oid
     WHERE relname = 'ts_schema' AND relkind = 'r' AND nspname !~ '^pg_' ORDER BY number LIMIT 1"""
 
+_BEGIN = "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"
+
 _names = itertools.count(1)
 
 
@@ -116,15 +118,18 @@ class PostgreSqlServer:
         """A connection that has begun a transaction. The server can have ended one that was idle."""
         import psycopg
 
-        while self._idle:
-            connection = self._idle.pop()
+        while True:
             try:
-                connection.execute("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY")
+                connection = self._idle.pop()
+            except IndexError:
+                break
+            try:
+                connection.execute(_BEGIN)
                 return connection
             except psycopg.OperationalError:
                 connection.close()
         connection = self._connect()
-        connection.execute("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY")
+        connection.execute(_BEGIN)
         return connection
 
     def _give_back(self, connection: "Connection") -> None:
