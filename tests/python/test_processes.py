@@ -71,6 +71,19 @@ with velora_ts.open(required=True) as ts, ts.activity("TiltSeries"):
     assert len(shown()["executions"]) == 1
 
 
+def test_a_script_goes_on_where_no_session_can_begin(script: Run) -> None:
+    assert script("velora_ts.open()").returncode == 0
+    done = script(
+        "import resource\n"
+        "resource.setrlimit(resource.RLIMIT_FSIZE, (32768, 32768))  # as a disk that is almost full\n"
+        + WITH_A_RUN
+        + "print(ts.available, series.guid)\n"
+        "try: velora_ts.open(required=True)\nexcept velora_ts.NotAvailable as e: print(e)"
+    )
+    assert done.returncode == 0 and done.stderr.count("nothing is recorded: velora_ts_create_logging: TS data") == 1
+    assert done.stdout.startswith("False \nvelora_ts_create_logging: TS database ")
+
+
 @pytest.mark.parametrize(
     "file, text, words",
     [

@@ -58,8 +58,14 @@ class Session:
                     f"a recording with {_in_words(other._place)} is open in this process; "
                     f"expected it to be closed before one with {_in_words(self._place)} begins"
                 )
-        self._logging = library.create_logging(to_bytes(self._place.configuration), to_bytes(self._place.activities))
-        _begun.add(self)
+        try:
+            files = to_bytes(self._place.configuration), to_bytes(self._place.activities)
+            self._logging = library.create_logging(*files)
+        except Error as failure:  # which could not be foreseen, such as a disk without room for a session
+            self.reason = str(failure)
+            self._library = None
+        else:
+            _begun.add(self)
 
     def end(self) -> None:
         """Gives the library back what it gave. What was recorded stays."""
