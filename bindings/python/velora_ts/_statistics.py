@@ -186,4 +186,11 @@ def _mean_and_deviation(numbers: List[float]) -> Tuple[float, Optional[float]]:
     if len(scaled) == 1:
         return numbers[0], None
     squares = math.fsum((number - mean) ** 2 for number in scaled)
-    return math.ldexp(mean, exponent), math.ldexp(math.sqrt(squares / (len(scaled) - 1)), exponent)
+    return _scaled(mean, exponent), _scaled(math.sqrt(squares / (len(scaled) - 1)), exponent)
+
+
+def _scaled(number: float, exponent: int) -> float:
+    try:
+        return math.ldexp(number, exponent)
+    except OverflowError:
+        return math.inf  # as the sum of two numbers would be
