@@ -49,9 +49,7 @@ class Question:
         self.state = state
         since, until = asked.since_until()
         self.values: Dict[str, object] = {"since": since, "until": until}
-        # The plus sign keeps SQLite from the index of times, where it has that of the run.
-        at = "v.at" if root is None or state.is_server else "+v.at"
-        conditions = [f"{at} >= :since AND {at} < :until"]
+        conditions = ["v.at >= :since AND v.at < :until"]
         for name in ("instrument", "activity", "node", "event", "parameter"):
             given = getattr(asked, name)
             if given is not None:
