@@ -59,8 +59,10 @@ TEST_F(HostTables, GetTheTextsOfASessionAndKeepTheLibraryThatCallsThem) {
   EXPECT_EQ(texts, odd + ";2;;");
   EXPECT_STREQ(guid.data(), "");
   Unload();
-  Library(component).NewConfigurator()->SetParentActivityExec("n", "a", "b", "c");
-  EXPECT_EQ(texts, odd + ";2;;a;b;c;");
+  const Library cpp(component);
+  cpp.NewConfigurator()->SetParentActivityExec("n", "a", "b", "c");
+  cpp.SetGateway(nullptr, nullptr);
+  EXPECT_EQ(texts, odd + ";2;;a;b;c;released");
 }
 
 TEST_F(HostTables, DoNotReplaceALoggerThatIsNotOurs) {

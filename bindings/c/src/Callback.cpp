@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <new>
+#include <utility>
 
 namespace Velora::CInterface {
 namespace {
@@ -56,7 +57,7 @@ void CallbackScope::Check(velora_ts_status returned) const {
       reason.append("; ").append(ThisThread::LastError());
     }
   }
-  throw Failure(VELORA_TS_RAISED, reason);
+  throw Failure(VELORA_TS_RAISED, std::move(reason));
 }
 
 }  // namespace Velora::CInterface
