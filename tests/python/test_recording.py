@@ -157,6 +157,15 @@ def test_recordings_that_are_open_at_once_do_not_harm_each_other(shown: Show) ->
     assert [(node, values) for node, _, values in events_of(shown(second.guid))] == [("two", {"N": 2})]
 
 
+def test_the_names_are_those_that_the_process_registered_last(folder: Path) -> None:
+    with velora_ts.open() as ts:
+        renamed = (folder / "activities.xml").read_text().replace("Section", "Tilt")
+        (folder / "activities.xml").write_text(renamed)
+        velora_ts.open().close()
+        with ts.activity("Tilt"), pytest.raises(velora_ts.Error, match="activity 'Section' is not in"):
+            ts.activity("Section").__enter__()
+
+
 def test_files_are_free_again_once_nobody_records_with_others(folder: Path) -> None:
     (folder / "other.xml").write_text("<other/>")
     with velora_ts.open() as ts, pytest.raises(velora_ts.Error) as held, ts.activity("x"):

@@ -112,6 +112,7 @@ def test_a_value_that_no_kind_holds_is_an_error_that_names_it(value: Any, words:
     "parameters, more, words",
     [
         ({"Dose": 1}, {"Dose": 1}, "parameter 'Dose' of event 'Image' is given twice"),
+        ([("Dose", 1)], {}, "the parameters of event 'Image' are of type list; expected a mapping"),
         ({1: 1}, {}, "parameter 1 of event 'Image' is of type int; expected a str"),
     ],
 )

@@ -228,13 +228,11 @@ class Library:
 
 
 _loaded: Optional[Library] = None
-_loading = threading.Lock()
 
 
 def library_of_process() -> Library:
-    """The library of the process. Raises Missing, and looks for it again the next time."""
+    """The library of the process, for one thread at a time. Raises Missing, and looks for it again the next time."""
     global _loaded
-    with _loading:
-        if _loaded is None:
-            _loaded = Library()
-        return _loaded
+    if _loaded is None:
+        _loaded = Library()
+    return _loaded

@@ -2,7 +2,9 @@
 
 from __future__ import annotations
 
+import os
 import re
+import sys
 import threading
 import weakref
 from typing import Mapping, NamedTuple, Optional
@@ -66,6 +68,8 @@ class Session:
             self._library = None
         else:
             _begun.add(self)
+            for other in _begun:
+                other._names = self._names  # the process has registered these now
 
     def end(self) -> None:
         """Gives the library back what it gave. What was recorded stays."""
@@ -107,5 +111,15 @@ def _in_words(place: Place) -> str:
     return f"'{place.configuration}' and '{place.activities}'{where}"
 
 
-_beginning = threading.Lock()
 _begun: weakref.WeakSet[Session] = weakref.WeakSet()  # those that record
+_beginning = threading.Lock()
+
+
+def _renew_lock() -> None:
+    """In a forked child, which does not have the thread that held the lock."""
+    global _beginning
+    _beginning = threading.Lock()
+
+
+if sys.platform != "win32":
+    os.register_at_fork(after_in_child=_renew_lock)

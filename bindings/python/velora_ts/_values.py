@@ -93,6 +93,10 @@ def parameters_of(
 ) -> List[Tuple[bytes, int, Tuple[Any, ...]]]:
     """Name, kind and value of each parameter of an event, in their order."""
     recorded = []
+    if not hasattr(parameters, "items"):
+        raise Error(
+            f"the parameters of event {event!r} are {_type_of(parameters)}; expected a mapping of names to values"
+        )
     for given in (parameters, more) if parameters else (more,):
         for name, value in given.items():
             try:
