@@ -9,6 +9,7 @@ from contextlib import contextmanager
 from pathlib import Path
 from typing import Iterator, List, Mapping, Optional
 
+from ._copies import records_with_another_sqlite
 from ._database import CHUNK, Row, no_store, version_of
 from .errors import Error
 
@@ -88,6 +89,11 @@ class SqliteState:
             raise Error(
                 f"TS database '{self._path}' has {found.st_nlink} names (hard links), and what hosts record may be in "
                 "a log beside another one; expected one name: remove the others"
+            )
+        if records_with_another_sqlite(self._file):
+            raise Error(
+                f"TS database '{self._path}' cannot be read in the process that records into it, because this Python "
+                "has an SQLite of its own, and would end the locks of the host; expected another process"
             )
 
     def _begin(self) -> None:
