@@ -3,6 +3,8 @@
 #include "CInterfaceTest.h"
 #include "component/Memory.h"
 
+#include <pthread.h>
+
 #include <array>
 #include <atomic>
 #include <chrono>
@@ -131,7 +133,11 @@ TEST_F(MisuseInC, OfMemoryEndsInAnErrorToo) {
   }
 }
 
-using ThreadsInC = CInterfaceTest;
+class ThreadsInC : public CInterfaceTest {
+ public:
+  using CInterfaceTest::library;
+  using CInterfaceTest::logging;
+};
 
 TEST_F(ThreadsInC, EnterOneAtATimeAndHaveErrorsOfTheirOwn) {
   std::atomic<int> inside = 0, errors = 0;
@@ -186,6 +192,30 @@ TEST_F(ThreadsInC, StayOutsideWhileTheProcessEnds) {
     std::exit(0);
   };
   EXPECT_EXIT(endBesideAThread(), testing::ExitedWithCode(0), "^waits$");
+}
+
+TEST_F(ThreadsInC, AreCancelledOnlyOutside) {
+  if (!System::pathsAreBytes) {
+    GTEST_SKIP() << "MinGW cancels a thread by other means";
+  }
+  At("info ", [] {
+    pthread_cancel(pthread_self());
+    pthread_testcancel();
+  });
+  const auto run = [](void* test) -> void* {
+    auto* const threads = static_cast<ThreadsInC*>(test);
+    EXPECT_EQ(threads->library->create_event(threads->logging, "e", 1), VELORA_TS_OK);
+    pthread_testcancel();
+    ADD_FAILURE() << "it is cancelled here";
+    return nullptr;
+  };
+  pthread_t thread{};
+  ASSERT_EQ(pthread_create(&thread, nullptr, run, static_cast<ThreadsInC*>(this)), 0);
+  void* result = nullptr;
+  EXPECT_EQ(pthread_join(thread, &result), 0);
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+  Fakes::TheScene().hook = nullptr;
+  EXPECT_EQ(library->create_event(logging, "e", 1), VELORA_TS_OK) << "nobody is inside";
 }
 
 using UnloadingInC = CInterfaceTest;

@@ -14,6 +14,8 @@ namespace Velora::CInterface {
 namespace {
 
 Immortal<std::recursive_mutex> processLock;
+/// The thread that ends the library; none before. The lock guards it.
+Immortal<std::thread::id> lastInside;
 
 #ifdef _WIN32  // which ends all other threads first, also one that holds the lock
 constexpr std::chrono::seconds longestWait(0);
@@ -23,15 +25,20 @@ constexpr std::chrono::seconds longestWait(5);
 
 }  // namespace
 
+Uncancelled::Uncancelled() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &before); }
+
+Uncancelled::~Uncancelled() { pthread_setcancelstate(before, nullptr); }
+
 Inside::Inside() {
   processLock.object.lock();
-  pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &cancelling);
+  while (lastInside.object != std::thread::id() && lastInside.object != std::this_thread::get_id()) {
+    processLock.object.unlock();
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    processLock.object.lock();
+  }
 }
 
-Inside::~Inside() {
-  pthread_setcancelstate(cancelling, nullptr);
-  processLock.object.unlock();
-}
+Inside::~Inside() { processLock.object.unlock(); }
 
 bool StayInsideAlone() noexcept {
   const auto end = std::chrono::steady_clock::now() + longestWait;
@@ -41,6 +48,8 @@ bool StayInsideAlone() noexcept {
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
+  lastInside.object = std::this_thread::get_id();
+  processLock.object.unlock();
   return true;
 }
 

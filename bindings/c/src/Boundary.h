@@ -25,8 +25,19 @@ class Misuse : public Failure {
   explicit Misuse(std::string words) : Failure(VELORA_TS_MISUSE, std::move(words)) {}
 };
 
-/// Makes this thread the only one inside the component, until the scope ends. Can be repeated on one thread. Meanwhile,
-/// the thread cannot be cancelled, because the component catches everything and would not let it end.
+/// While one of these lives, its thread cannot be cancelled: the component catches everything and would not let it end.
+class Uncancelled {
+ public:
+  Uncancelled();
+  Uncancelled(const Uncancelled&) = delete;
+  Uncancelled& operator=(const Uncancelled&) = delete;
+  ~Uncancelled();
+
+ private:
+  int before = 0;
+};
+
+/// Makes this thread the only one inside the component, until the scope ends. Can be repeated on one thread.
 class Inside {
  public:
   Inside();
@@ -35,7 +46,7 @@ class Inside {
   ~Inside();
 
  private:
-  int cancelling = 0;
+  const Uncancelled uncancelled;
 };
 
 /// For the end of the library: keeps all other threads outside from now on. Those that still run while the process ends
