@@ -135,8 +135,7 @@ TEST_F(MisuseInC, OfMemoryEndsInAnErrorToo) {
 
 class ThreadsInC : public CInterfaceTest {
  public:
-  using CInterfaceTest::library;
-  using CInterfaceTest::logging;
+  void CreateAnEvent() { EXPECT_EQ(library->create_event(logging, "e", 1), VELORA_TS_OK); }
 };
 
 TEST_F(ThreadsInC, EnterOneAtATimeAndHaveErrorsOfTheirOwn) {
@@ -203,10 +202,8 @@ TEST_F(ThreadsInC, AreCancelledOnlyOutside) {
     pthread_testcancel();
   });
   const auto run = [](void* test) -> void* {
-    auto* const threads = static_cast<ThreadsInC*>(test);
-    EXPECT_EQ(threads->library->create_event(threads->logging, "e", 1), VELORA_TS_OK);
+    static_cast<ThreadsInC*>(test)->CreateAnEvent();
     pthread_testcancel();
-    ADD_FAILURE() << "it is cancelled here";
     return nullptr;
   };
   pthread_t thread{};
@@ -215,7 +212,7 @@ TEST_F(ThreadsInC, AreCancelledOnlyOutside) {
   EXPECT_EQ(pthread_join(thread, &result), 0);
   EXPECT_EQ(result, PTHREAD_CANCELED);
   Fakes::TheScene().hook = nullptr;
-  EXPECT_EQ(library->create_event(logging, "e", 1), VELORA_TS_OK) << "nobody is inside";
+  CreateAnEvent();  // nobody is inside
 }
 
 using UnloadingInC = CInterfaceTest;
