@@ -10,6 +10,8 @@ from pathlib import Path
 from statistics import median
 from typing import Any
 
+import pytest
+
 import velora_ts
 from velora_ts.records import RUNNING
 
@@ -50,6 +52,8 @@ def test_host_records_a_session_that_its_seed_decides(tmp_path: Path) -> None:
 
 
 def test_script_draws_the_drift_of_the_recorded_session(tmp_path: Path) -> None:
+    pytest.importorskip("pandas")
+    pytest.importorskip("matplotlib")
     run("record_session.py", tmp_path, "--up-to", 12, "--fails", 0)
     printed = run("plot_drift.py", tmp_path, tmp_path / "drift.png")
     first: dict[tuple[str, ...], tuple[Any, Any]] = {}
