@@ -91,37 +91,40 @@ TEST_F(Rotate, LeadsAnAnchorOnAfterAnInterruptionIfTheOldFileHasIt) {
   }
 }
 
-TEST_F(Rotate, CanBeKilledOrFailAtAnyCall) {
+/// How calls of rotate end.
+class RotateStopped : public Rotate, public testing::WithParamInterface<int> {};
+
+INSTANTIATE_TEST_SUITE_P(By, RotateStopped, testing::Values(SIGKILL, 0));  // 0: the call fails
+
+TEST_P(RotateStopped, AtAnyCallLeavesAllRecords) {
   SKIP_UNDER_WINE("nothing can be preloaded into a Windows program");
+  const int by = GetParam();
   EXPECT_EQ(Shell("mkdir first; sqlite3 ts.db \"INSERT INTO events VALUES (9, 1, 1, NULL, 'in the log', '')\" "
                   "'.shell cp ts.db ts.db-wal TSAL.config *.xml first'"),
             0);
-  for (const int by : {SIGKILL, 0}) {
-    int call = 0;
-    for (bool stopped = true; stopped && call < 500;) {
-      EXPECT_EQ(Shell("rm -f *.db*; cp first/* ."), 0);
-      const int code = Shell(Stopping(std::to_string(++call), by) + "velora-ts rotate --to old.db");
-      SCOPED_TRACE(std::to_string(call) + (by == 0 ? " failed: " : " killed: ") + said);
-      stopped = Says("stopped at");
-      if (by == 0 && code != 0) {
-        EXPECT_EQ(code, 3);
-        EXPECT_TRUE(Says("ts.db") || Says("old.db"));
-        EXPECT_EQ(Shell("test $(ls | grep -c '[.]part') = 0 && test $(stat -c %h ts.db) = 1"), 0);
-      }
-      EXPECT_EQ(Shell(host + " && velora-ts rotate --to next.db && velora-ts rotate --to last.db"), 0) << said;
-      EXPECT_EQ(Shell("test $(stat -c %h ts.db) = 1 && find *.db -perm /222"), 0);
-      EXPECT_EQ(said, "ts.db\n");
-      Executions();
-      EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 5) << said;
-      EXPECT_FALSE(Says(" 2 ")) << said;
-      EXPECT_EQ(
-          Shell("for file in *.db; do sqlite3 $file \"SELECT 'in the log' FROM events WHERE name = 'in the log'\"; "
-                "done"),
-          0);
-      EXPECT_EQ(said, "in the log\n");
+  int call = 0;
+  for (bool stopped = true; stopped && call < 500;) {
+    EXPECT_EQ(Shell("rm -f *.db*; cp first/* ."), 0);
+    const int code = Shell(Stopping(std::to_string(++call), by) + "velora-ts rotate --to old.db");
+    SCOPED_TRACE(std::to_string(call) + (by == 0 ? " failed: " : " killed: ") + said);
+    stopped = Says("stopped at");
+    if (by == 0 && code != 0) {
+      EXPECT_EQ(code, 3);
+      EXPECT_TRUE(Says("ts.db") || Says("old.db"));
+      EXPECT_EQ(Shell("test $(ls | grep -c '[.]part') = 0 && test $(stat -c %h ts.db) = 1"), 0);
     }
-    EXPECT_GT(call, 20);
+    EXPECT_EQ(Shell(host + " && velora-ts rotate --to next.db && velora-ts rotate --to last.db"), 0) << said;
+    EXPECT_EQ(Shell("test $(stat -c %h ts.db) = 1 && find *.db -perm /222"), 0);
+    EXPECT_EQ(said, "ts.db\n");
+    Executions();
+    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 5) << said;
+    EXPECT_FALSE(Says(" 2 ")) << said;
+    EXPECT_EQ(Shell("for file in *.db; do sqlite3 $file \"SELECT 'in the log' FROM events WHERE name = 'in the log'\"; "
+                    "done"),
+              0);
+    EXPECT_EQ(said, "in the log\n");
   }
+  EXPECT_GT(call, 20);
 }
 
 TEST_F(Rotate, AHostThatBeginsMeanwhileRecordsIntoTheNewFile) {
