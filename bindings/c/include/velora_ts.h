@@ -20,7 +20,8 @@
  * time, as the component expects; only velora_ts_last_error, velora_ts_raise and the two version functions do not take
  * it. It does not bind C++ parts of the process that call the component themselves. A callback runs on the thread of
  * the function that caused it, while the lock is held: it may call any function here, but must not wait for another
- * thread that calls one.
+ * thread that calls one. A thread is not cancelled inside a function. When the process ends, a call on another thread
+ * waits for its end.
  */
 #ifndef VELORA_TS_H
 #define VELORA_TS_H
@@ -211,7 +212,8 @@ VELORA_TS_API velora_ts_status VELORA_TS_CALL velora_ts_set_parent(
  * The failure then goes through the component as an exception of TS would, and comes back from the function that the
  * host called, as VELORA_TS_RAISED with this text. A callback that fails without a reason is named in the error, with
  * the last error of a function here that failed while it ran. A callback must not be left by an exception of its own
- * language (one of C++ that is derived from std::exception is treated like velora_ts_raise) and not by longjmp.
+ * language (one of C++ that is derived from std::exception is treated like velora_ts_raise), not by longjmp, and not by
+ * the end of its thread.
  *
  * What a callback gets is valid until it returns. Its texts end with a zero byte, which their size does not count.
  *
