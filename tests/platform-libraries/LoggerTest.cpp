@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 
 #include <atomic>
+#include <future>
 #include <thread>
 
 namespace {
@@ -108,22 +109,21 @@ TEST(LoggerOfTheHost, GivesItsLinesToAReceiverAsTheyAreUntilItIsTakenAway) {
 }
 
 TEST(LoggerOfTheHost, KeepsAReceiverUntilTheLinesThatWereGivenToItHaveReturned) {
-  std::atomic<bool> inside = false, goOn = false, destroyed = false;
+  std::promise<void> inside, goOn;
+  std::atomic<bool> destroyed = false;
   std::shared_ptr<void> held(nullptr, [&](void*) { destroyed = true; });
   VeloraInfraLoggingRedirect([&, held](Level, const std::string&, const std::string&) {
-    inside = true;
     VeloraInfraLoggingRedirect([](Level, const std::string&, const std::string&) {});
-    inside.notify_one();
-    goOn.wait(false);
+    inside.set_value();
+    goOn.get_future().wait();
     EXPECT_FALSE(destroyed);
   });
   held = nullptr;
   std::thread writer([] { Logger::GetInstance()->WriteInfo(L"a", "text"); });
-  inside.wait(false);
+  inside.get_future().wait();
   VeloraInfraLoggingRedirect(nullptr);
   EXPECT_FALSE(destroyed);
-  goOn = true;
-  goOn.notify_one();
+  goOn.set_value();
   writer.join();
   EXPECT_TRUE(destroyed);
 }
