@@ -96,7 +96,8 @@ VELORA_TS_API const char* VELORA_TS_CALL velora_ts_last_error(size_t* size);
 /* Tries, step by step, what velora_ts_create_logging needs, takes it back, and says whether a host would record: the
  * service, the two settings files in the current directory or in the folder of the library, the configuration, and the
  * database. No store is made or upgraded. A host that must not run without a record asks this first. Once a gateway of
- * the host is in place, its two answers count instead.
+ * the host is in place, its two answers count instead. If is_connectable fails, its text is the reason; if is_present
+ * fails, so does this function, as velora_ts_create_logging does then.
  * configuration, activities: the names that velora_ts_create_logging will get; a null activities is "activities.xml".
  * Returns VELORA_TS_OK, or VELORA_TS_NOT_AVAILABLE; velora_ts_last_error() then has the findings that
  * "velora-ts check" has, a line for each. Over a vendor's TSAL, the answer has no reason. */
