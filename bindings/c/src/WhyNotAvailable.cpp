@@ -1,6 +1,5 @@
 #include "WhyNotAvailable.h"
 
-#include "AnswerOfVendor.h"
 #include "ModuleFile.h"
 
 #include <TSAL/Reason.h>
