@@ -42,7 +42,7 @@ static status C line(void* context, int32_t level, const char* source, size_t so
   return context == source && level && source_size && message && message_size;
 }
 
-const velora_ts_gateway gateway = {sizeof gateway, 0,         release, session, text,  yes,          yes,
+const velora_ts_gateway gateway = {sizeof gateway, 0,         release, session,  text,  yes,          yes,
                                    answered,       execution, get,     answered, event, configuration};
 const velora_ts_own_logging own_logging = {sizeof own_logging, 0, release, create, text, text, two_texts, add};
 const velora_ts_logger logger = {sizeof logger, 0, VELORA_TS_INFO, release, line};

@@ -2,10 +2,9 @@
 #include "Run.h"
 
 #define Z VELORA_TS_ZERO_TERMINATED
-#define TRY(call)                \
-  do {                           \
-    if ((call) != VELORA_TS_OK)  \
-      return #call;              \
+#define TRY(call)                             \
+  do {                                        \
+    if ((call) != VELORA_TS_OK) return #call; \
   } while (0)
 
 const char* record_run(void) {
