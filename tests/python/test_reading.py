@@ -6,6 +6,7 @@ from __future__ import annotations
 import csv
 import gc
 import io
+import itertools
 import json
 import math
 import os
@@ -27,6 +28,7 @@ import pytest
 
 import velora_ts
 from velora_ts import _sqlite
+from velora_ts._database import CHUNK
 from velora_ts._stored import stored_time
 
 ROOT = Path(__file__).resolve().parents[2]
@@ -524,6 +526,18 @@ def test_reading_leaves_no_trace_and_sees_each_state(tmp_path: Path) -> None:
     del begun
     gc.collect()
     assert not [link for link in Path("/proc/self/fd").iterdir() if str(folder) in os.path.realpath(link)]
+
+
+def test_rows_of_two_states_are_never_mixed(file_folder: Path, tmp_path: Path) -> None:
+    """An iterator that nobody reads to its end, too, gives no row that it read after a host began to write."""
+    folder = make_folder(tmp_path / "store", "sqlite3", "ts.db")
+    tool(file_folder, "backup", str(folder / "ts.db"))
+    read = velora_ts.Store(folder).parameters()
+    first = [next(read) for _ in range(100)]
+    subprocess.run([HOSTILE, folder], check=True)
+    with pytest.raises(velora_ts.Error, match="a host began to write to it while it was read"):
+        first += itertools.islice(read, CHUNK)
+    assert len(first) == CHUNK
 
 
 def test_what_cannot_be_read_says_why(tmp_path: Path) -> None:

@@ -56,6 +56,7 @@ class SqliteState:
             cursor = self._connection.execute(question, dict(values or {}))
             while True:
                 chunk = cursor.fetchmany(size)
+                self.expect_untouched()  # before anybody uses these rows
                 if not chunk:
                     return
                 yield chunk
