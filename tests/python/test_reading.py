@@ -59,13 +59,14 @@ def make_folder(folder: Path, backend: str, connection: str) -> Path:
 WORDS_IN_PYTHON = r"""
 import velora_ts
 with velora_ts.open(required=True) as ts:
-    ts.event("Words", at="x", Lines="a\tb\nc\rd\be\x0b\x0c", Escapes="\\n \\t \\", Null="\\N", Empty="", Quotes='"a,b"')
+    ts.event("Words", at="x", Lines="a\tb\nc\rd\be\x0b\x0c", Escapes="\\n \\t \\", Null="null", Empty="", Quotes='"a"')
+    ts.event("Long words", {"\x01" * 3000: "λ" * 6000, "Short": "words", "Number": 1.5})
 """
 
 
 def record(folder: Path) -> None:
-    """The hostile runs, words that COPY escapes, a night that ends, and one like it that is killed, so that its log
-    stays beside the file."""
+    """The hostile runs, words that JSON escapes and long ones, a night that ends, and one like it that is killed, so
+    that its log stays beside the file."""
     subprocess.run([HOSTILE, folder], check=True)
     subprocess.run([NIGHT, folder, "--events", str(EVENTS), "--finish", "--start", START], check=True)
     command = [str(NIGHT), str(folder), "--events", str(EVENTS), "--seed", "2", "--start", "2026-11-25T20:00:00"]
@@ -425,9 +426,10 @@ def as_cell(cell: str, kind: Any) -> Any:
     return kinds.get(str(kind), lambda word: word[1:] if word[0] == "'" else word)(cell)
 
 
-def test_a_frame_has_every_bit_of_the_records(store: velora_ts.Store) -> None:
+def test_a_frame_has_every_bit_of_the_records(store: velora_ts.Store, monkeypatch: pytest.MonkeyPatch) -> None:
     """Each value is in the column of its name, or of the name with the number of times that the event has it."""
     pytest.importorskip("pandas")
+    monkeypatch.setattr("velora_ts._chunks._EVENTS", 3)  # so that a server sends several times
     frame = store.frames.events()
     fixed = list(frame)[:9]
     events = list(store.events())

@@ -2,25 +2,15 @@
 
 from __future__ import annotations
 
-import csv
-import re
-from itertools import chain
-from typing import Any, Dict, Iterable, Iterator, List, Mapping, Optional, Sequence, Tuple
+from typing import Any, Dict, Iterable, Iterator, List, Optional, Sequence, Tuple
 
 import numpy
 import pandas
 
-from ._database import State
-from ._postgresql import PostgreSqlState
 from ._stored import nan_of, text_of, time_of
 
 _DOUBLE, _INT, _BOOL, _TEXT = range(4)
 _KINDS = {"double": _DOUBLE, "int": _INT, "bool": _BOOL}  # all others are texts
-
-_CHUNK = 500  # rows that are made columns of at once; more are slower, because they leave the caches
-_COPIED = 50_000
-_ESCAPED = re.compile(r"\\(.)", re.DOTALL)
-_ESCAPES = {"b": "\b", "f": "\f", "n": "\n", "r": "\r", "t": "\t", "v": "\v"}
 
 
 class Codes(Dict[Any, int]):
@@ -201,59 +191,3 @@ def _unique(taken: "set[str]", name: str, occurrence: int) -> str:
         unique = f"{name} ({occurrence})"
     taken.add(unique)
     return unique
-
-
-def columns_of(state: State, question: str, values: Mapping[str, object], types: str) -> Iterator[Sequence[Any]]:
-    """The answer to a question by columns, some rows at once. Their types are i for whole numbers, f for numbers and s
-    for texts, of which both can be absent."""
-    if isinstance(state, PostgreSqlState):
-        yield from _copied(state.copy(question, values), types)
-    else:
-        for chunk in state.chunks(question, values, _CHUNK):
-            yield tuple(zip(*chunk))
-
-
-class _Stream:
-    """The parts of a text as a file, for pandas."""
-
-    def __init__(self, parts: Iterator[bytes]) -> None:
-        self._parts = parts
-
-    def read(self, _: int = -1) -> bytes:
-        return next(self._parts, b"")
-
-    def __iter__(self) -> Iterator[bytes]:
-        return self._parts
-
-
-def _copied(parts: Iterator[bytes], types: str) -> Iterator[Sequence[Any]]:
-    """Rows in the text format of COPY. psycopg makes an object of each value, which takes many times as long."""
-    first = next(parts, None)
-    if first is None:
-        return
-    frames = pandas.read_csv(
-        _Stream(chain([first], parts)),
-        sep="\t",
-        header=None,
-        dtype=dict(enumerate({"i": numpy.int64, "f": numpy.float64, "s": object}[one] for one in types)),
-        na_values="\\N",
-        keep_default_na=False,
-        quoting=csv.QUOTE_NONE,
-        skip_blank_lines=False,
-        lineterminator="\n",
-        float_precision="round_trip",
-        encoding="utf-8",
-        chunksize=_COPIED,
-    )
-    for frame in frames:
-        yield [_unescaped(frame[place]) if one == "s" else frame[place].to_numpy() for place, one in enumerate(types)]
-
-
-def _unescaped(column: Any) -> List[Optional[str]]:
-    return [
-        None if text != text else text if "\\" not in text else _ESCAPED.sub(_plain, text) for text in column.tolist()
-    ]
-
-
-def _plain(escaped: "re.Match[str]") -> str:
-    return _ESCAPES.get(escaped[1], escaped[1])

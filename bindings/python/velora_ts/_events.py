@@ -92,6 +92,18 @@ class Question:
             f"{self._of_parameters}{also}{ordered}"
         )
 
+    def of_keys(self, columns: str, table: str, only: bool = False) -> Tuple[str, str]:
+        """The same question about those events whose keys are :keys, in their order, and that about the events whose
+        keys go from :first to :last. They are for a server, and for the table `events v` or `parameters p`."""
+        key = f"{table[-1]}.event_id"
+        position = ", p.position" if table == "parameters p" else ""
+        also = " AND p.name = :parameter" if self._has_parameter and only else ""
+        asked = "unnest(CAST(:keys AS bigint[])) WITH ORDINALITY AS asked(key, place)"
+        return (
+            f"SELECT {columns} FROM {asked} JOIN {table} ON {key} = asked.key{also} ORDER BY asked.place{position}",
+            f"SELECT {columns} FROM {table} WHERE {key} BETWEEN :first AND :last{also} ORDER BY {key}{position}",
+        )
+
     def _limit_keys(self, conditions: List[str]) -> None:
         """A key of a server's own events begins with the month, so the keys say which partitions the server need not
         read. Those of other stores are below, in a partition of their own."""

@@ -6,7 +6,7 @@ from datetime import datetime
 from typing import TYPE_CHECKING, Any, Dict, Iterable, List, Optional, Sequence, Type, get_type_hints
 
 from . import records
-from ._events import Filter, Question
+from ._events import Filter
 from ._executions import Executions, instruments_of
 from ._stored import text_of
 from ._unknown import warn_of_unknown
@@ -16,7 +16,8 @@ try:
     import numpy
     import pandas
 
-    from ._columns import Codes, Parameters, Places, columns_of, joined, objects, pivot, times_of
+    from ._chunks import Chunks
+    from ._columns import Codes, Parameters, Places, joined, objects, pivot, times_of
 except ImportError as missing:
     raise Error(
         f"frames need pandas, which cannot be imported ({missing}); expected the package python3-pandas of Debian, or: "
@@ -89,11 +90,10 @@ class Frames:
         has a name twice, or a parameter has the name of a column before it, there is a column `Name (2)`."""
         asked = Filter(since, until, instrument, activity, node, event, parameter)
         with self._store._database.state() as state:
-            question = self._store._question(state, run, asked)
-            columns = self._event_columns(state, question)
+            chunks = Chunks(self._store._question(state, run, asked))
+            columns = self._event_columns(state, chunks)
             found = Parameters()
-            wanted = question.parameters(Parameters.COLUMNS)
-            for part in columns_of(state, wanted, question.values, Parameters.TYPES):
+            for part in chunks.parameters(Parameters.COLUMNS, Parameters.TYPES):
                 found.add(*part)
             if not len(columns["number"]):
                 warn_of_unknown(state, asked)
@@ -115,11 +115,12 @@ class Frames:
         """A row for each parameter of such events. The column `value` has the type of the values, if all have one."""
         asked = Filter(since, until, instrument, activity, node, event, parameter)
         with self._store._database.state() as state:
-            question = self._store._question(state, run, asked)
-            events = self._event_columns(state, question)
+            chunks = Chunks(self._store._question(state, run, asked))
+            events = self._event_columns(state, chunks)
             found, positions = Parameters(), []
-            wanted = question.parameters(f"p.position, {Parameters.COLUMNS}", only=True)
-            for position, *part in columns_of(state, wanted, question.values, "i" + Parameters.TYPES):
+            for position, *part in chunks.parameters(
+                f"p.position, {Parameters.COLUMNS}", "i" + Parameters.TYPES, only=True
+            ):
                 found.add(*part)
                 positions.append(numpy.array(position, dtype=numpy.int64))
             if not positions:
@@ -134,12 +135,12 @@ class Frames:
         columns["value"] = found.value_column(everything, everything, len(rows))
         return self._with_units(pandas.DataFrame(columns, copy=False))
 
-    def _event_columns(self, state: "State", question: Question) -> Dict[str, Any]:
+    def _event_columns(self, state: "State", chunks: Chunks) -> Dict[str, Any]:
         """The columns that all events have, those of `velora-ts events --csv`."""
         names, executions, sessions = Codes(), Codes(), Codes()
         parts: List[List[Any]] = [[], [], [], [], []]
-        wanted = question.events("v.event_id, v.at, v.name, COALESCE(v.execution_id, 0), v.session_id")
-        for number, at, name, execution, session in columns_of(state, wanted, question.values, "issii"):
+        wanted = "v.event_id, v.at, v.name, COALESCE(v.execution_id, 0), v.session_id"
+        for number, at, name, execution, session in chunks.events(wanted, "issii"):
             columns = (
                 numpy.array(number, dtype=numpy.int64),
                 times_of(at),

@@ -73,17 +73,11 @@ class PostgreSqlState:
                     return
                 yield chunk
 
-    def copy(self, question: str, values: Mapping[str, object]) -> Iterator[bytes]:
-        """The rows of an answer in the text format of COPY."""
-        with _in_words(self._name), self._connection.cursor() as cursor:
-            statement = f"COPY ({for_server(question)}) TO STDOUT"
-            with cursor.copy(statement.encode(), dict(values)) as copy:
-                lines = iter(copy)
-                while True:
-                    part = b"".join(itertools.islice(lines, CHUNK))
-                    if not part:
-                        return
-                    yield part
+    def row(self, question: str, values: Mapping[str, object]) -> Row:
+        """The only row of an answer, in binary form."""
+        with _in_words(self._name):
+            row: Row = self._connection.execute(for_server(question).encode(), dict(values), binary=True).fetchall()[0]
+            return row
 
 
 class PostgreSqlServer:
