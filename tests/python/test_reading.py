@@ -9,6 +9,7 @@ import io
 import itertools
 import json
 import math
+import multiprocessing
 import os
 import re
 import shutil
@@ -540,6 +541,31 @@ def test_rows_of_two_states_are_never_mixed(file_folder: Path, tmp_path: Path) -
     with pytest.raises(velora_ts.Error, match="a host began to write to it while it was read"):
         first += itertools.islice(read, CHUNK)
     assert len(first) == CHUNK
+
+
+def test_a_forked_process_disturbs_no_question_of_its_parent(store: velora_ts.Store) -> None:
+    numbers = [event.number for event in store.events()]
+    list(zip(store.events(), store.events(), store.events()))  # three connections, one of which stays idle
+    begun = store.events()
+    dropped: Any = store.events()
+    first = next(begun), next(dropped)
+
+    def read() -> None:
+        dropped.close()
+        assert [event.number for event in store.events()] == numbers
+        with pytest.raises(velora_ts.Error, match="this iterator was begun in another process"):
+            list(begun)
+        store.close()
+
+    children = [multiprocessing.get_context("fork").Process(target=read, daemon=True) for _ in range(3)]
+    for child in children:
+        child.start()
+    for child in children:
+        child.join(60)
+    assert [child.exitcode for child in children] == [0, 0, 0]
+    for one, rest in zip(first, (begun, dropped)):
+        assert [one.number, *(event.number for event in rest)] == numbers
+    assert store.runs()
 
 
 def test_what_cannot_be_read_says_why(tmp_path: Path) -> None:

@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import os
 from typing import Any, ContextManager, Iterator, List, Mapping, Optional, Protocol, Sequence, Tuple
 
 from .errors import Error
@@ -43,6 +44,12 @@ def rows(chunks: Iterator[List[Row]]) -> Iterator[Row]:
     """The rows of chunks, one by one."""
     for chunk in chunks:
         yield from chunk
+
+
+def expect_same_process(process: int) -> None:
+    """Raises in a process that was forked from the one that asked, which has the connection and its locks."""
+    if process != os.getpid():
+        raise Error("this iterator was begun in another process, which forked this one; ask again here")
 
 
 def version_of(name: str, entries: Sequence[int]) -> int:

@@ -8,7 +8,7 @@ import re
 from contextlib import contextmanager
 from typing import TYPE_CHECKING, Any, Dict, Iterator, List, Mapping, Optional
 
-from ._database import CHUNK, Row, no_store, version_of
+from ._database import CHUNK, Row, expect_same_process, no_store, version_of
 from .errors import Error
 
 if TYPE_CHECKING:
@@ -42,6 +42,9 @@ _BEGIN = "BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY"
 
 _names = itertools.count(1)
 
+# Connections of the processes from which this one was forked. To use or to close one here would disturb theirs.
+_of_others: "List[Connection]" = []
+
 
 def for_server(question: str) -> str:
     """The question with its values named as psycopg has them."""
@@ -56,22 +59,30 @@ class PostgreSqlState:
     def __init__(self, connection: "Connection", name: str, version: int) -> None:
         self._connection = connection
         self._name = name
+        self._process = os.getpid()
         self.version = version
 
     def ask(self, question: str, values: Optional[Mapping[str, object]] = None) -> List[Row]:
+        expect_same_process(self._process)
         with _in_words(self._name):
             return self._connection.execute(for_server(question).encode(), dict(values or {})).fetchall()
 
     def chunks(
         self, question: str, values: Optional[Mapping[str, object]] = None, size: int = CHUNK
     ) -> Iterator[List[Row]]:
-        with _in_words(self._name), self._connection.cursor(name=f"velora_{next(_names)}") as cursor:
-            cursor.execute(for_server(question).encode(), dict(values or {}), binary=True)
-            while True:
-                chunk = cursor.fetchmany(size)
-                if not chunk:
-                    return
-                yield chunk
+        with _in_words(self._name):
+            cursor = self._connection.cursor(name=f"velora_{next(_names)}")
+            try:
+                cursor.execute(for_server(question).encode(), dict(values or {}), binary=True)
+                while True:
+                    expect_same_process(self._process)
+                    chunk = cursor.fetchmany(size)
+                    if not chunk:
+                        return
+                    yield chunk
+            finally:
+                if self._process == os.getpid():
+                    cursor.close()
 
     def row(self, question: str, values: Mapping[str, object]) -> Row:
         """The only row of an answer, in binary form."""
@@ -88,11 +99,11 @@ class PostgreSqlServer:
         host = options.get("host") or options.get("hostaddr") or os.environ.get("PGHOST")
         database = options.get("dbname") or options.get("service") or os.environ.get("PGDATABASE")
         self.name = (database or "of this user") + (f" on {host}" if host else "")
-        self._idle: List["Connection"] = []
+        self._idle: "List[tuple[int, Connection]]" = []  # with the processes that opened them
 
     @contextmanager
     def state(self) -> Iterator[PostgreSqlState]:
-        connection = self._take()
+        process, connection = os.getpid(), self._take()
         try:
             with _in_words(self.name):
                 connection.execute("SET LOCAL cursor_tuple_fraction = 1")  # every result is read completely
@@ -102,21 +113,28 @@ class PostgreSqlServer:
                 entries = connection.execute("SELECT version FROM ts_schema").fetchall()
             yield PostgreSqlState(connection, self.name, version_of(self.name, [entry for (entry,) in entries]))
         finally:
-            self._give_back(connection)
+            self._give_back(process, connection)
 
     def close(self) -> None:
-        while self._idle:
-            self._idle.pop().close()
+        for connection in iter(self._pop, None):
+            connection.close()
+
+    def _pop(self) -> "Optional[Connection]":
+        """An idle connection of this process."""
+        while True:
+            try:
+                process, connection = self._idle.pop()
+            except IndexError:
+                return None
+            if process == os.getpid():
+                return connection
+            _of_others.append(connection)
 
     def _take(self) -> "Connection":
         """A connection that has begun a transaction. The server can have ended one that was idle."""
         import psycopg
 
-        while True:
-            try:
-                connection = self._idle.pop()
-            except IndexError:
-                break
+        for connection in iter(self._pop, None):
             try:
                 connection.execute(_BEGIN)
                 return connection
@@ -126,12 +144,15 @@ class PostgreSqlServer:
         connection.execute(_BEGIN)
         return connection
 
-    def _give_back(self, connection: "Connection") -> None:
+    def _give_back(self, process: int, connection: "Connection") -> None:
         import psycopg
 
+        if process != os.getpid():
+            _of_others.append(connection)
+            return
         try:
             connection.execute("ROLLBACK")
-            self._idle.append(connection)
+            self._idle.append((process, connection))
         except psycopg.Error:
             connection.close()
 

@@ -10,7 +10,7 @@ from pathlib import Path
 from typing import Iterator, List, Mapping, Optional
 
 from ._copies import records_with_another_sqlite
-from ._database import CHUNK, Row, no_store, version_of
+from ._database import CHUNK, Row, expect_same_process, no_store, version_of
 from .errors import Error
 
 _LONGEST_WAIT = 5  # seconds, for a host that recovers after a crash
@@ -23,6 +23,7 @@ class SqliteState:
 
     def __init__(self, path: str) -> None:
         self._path = path
+        self._process = os.getpid()
         # SQLite follows links, and keeps its log and journal beside the file to which they lead.
         self._file = os.path.realpath(path)
         self._expect_readable()
@@ -65,7 +66,9 @@ class SqliteState:
             raise Error(f"TS database '{self._path}' cannot be read: {error}") from error
 
     def expect_untouched(self) -> None:
-        """Raises when a host began to write meanwhile, so that what was read can be a mixture of two states."""
+        """Raises when a host began to write meanwhile, so that what was read can be a mixture of two states. In a
+        forked process nothing keeps hosts from that."""
+        expect_same_process(self._process)
         if self._closed and os.stat(self._file).st_mtime_ns != self._written:
             raise Error(
                 f"TS database '{self._path}' was not in use, and a host began to write to it while it was read; read "
