@@ -146,6 +146,31 @@ with velora_ts.open() as ts, ts.activity("TiltSeries") as series:
     }
 
 
+def test_a_handler_of_a_signal_never_waits_for_its_own_thread(script: Run, shown: Any) -> None:
+    done = script(
+        """
+import signal, sys
+signal.alarm(20)  # ends a process that waits for ever
+outcomes = set()
+def handler(frame, event, argument):  # comes before each instruction, as a signal can
+    frame.f_trace_opcodes = True
+    if event == "opcode":
+        try: outcomes.add(str(series.event("Signal")))
+        except velora_ts.Error as error: outcomes.add(str(error))
+    return handler
+with velora_ts.open() as ts, ts.activity("TiltSeries") as series:
+    sys.settrace(lambda frame, *_: handler(frame, *_) if frame.f_code.co_name == "_alone" else None)
+    series.event("Image")
+    sys.settrace(None)
+print(*sorted(outcomes), sep="\\n")
+"""
+    )
+    assert done.returncode == 0 and done.stderr == ""
+    refused = "a handler of a signal or of the log cannot record while its thread is recording"
+    assert done.stdout.splitlines() == ["None", refused]
+    assert [event["name"] for event in shown()["events"]].count("Image") == 1
+
+
 FORK = """
 import os
 def in_child(work):

@@ -89,8 +89,8 @@ class Library:
             _values.TEXT: c.velora_ts_add_text,
         }
         self._add = [adders[kind] for kind in sorted(adders)]
-        self._lock = threading.Lock()
-        self._inside = 0  # the thread that is inside
+        self._lock = threading.RLock()
+        self._inside = False  # whether the thread that holds the lock is in a call
         self._refusal = ""  # why nobody may enter
         self._has_session = False
         self._logger = Logger(c.velora_ts_set_logger)
@@ -147,17 +147,16 @@ class Library:
         self._alone(self._record_event, logging, name, parameters, guid)
 
     def _alone(self, work: Callable[..., T], *arguments: Any) -> T:
-        me = threading.get_ident()
-        if self._inside == me:  # waiting would never end
-            raise Error("a handler of a signal or of the log cannot record while its thread is recording")
         with self._lock:
+            if self._inside:  # this thread itself: waiting would never end
+                raise Error("a handler of a signal or of the log cannot record while its thread is recording")
             try:
-                self._inside = me
+                self._inside = True
                 if self._refusal:
                     raise Error(self._refusal)
                 return work(*arguments)
             finally:
-                self._inside = 0
+                self._inside = False
 
     def _do(self, function: Callable[..., int], *arguments: Any) -> None:
         if function(*arguments):
@@ -218,13 +217,13 @@ class Library:
             self._refusal = "nothing is recorded while the interpreter ends"
 
     def _after_fork(self) -> None:
-        if self._has_session or self._lock.locked():
+        if self._has_session or self._inside:
             self._refusal = (
                 "a process that was forked has no recording, because its parent's goes on; "
                 'use multiprocessing.get_context("spawn"), or open the first recording in the new process'
             )
-        self._lock = threading.Lock()
-        self._inside = 0
+        self._lock = threading.RLock()
+        self._inside = False
 
 
 _loaded: Optional[Library] = None
