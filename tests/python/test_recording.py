@@ -5,11 +5,14 @@ from __future__ import annotations
 import asyncio
 import dataclasses
 import gc
+import os
 import random
 import signal
+import sys
 import threading
 import warnings
 from pathlib import Path
+from types import FrameType
 from typing import Any, Callable, Dict, List, Tuple
 
 import pytest
@@ -174,6 +177,28 @@ def test_files_are_free_again_once_nobody_records_with_others(folder: Path) -> N
         assert held.traceback  # as a notebook keeps it, with all that was in use
     velora_ts.open()  # never closed, but nobody can record with it any more
     gc.collect()
+    velora_ts.open("other.xml").close()
+
+
+def test_recordings_can_end_at_any_moment_while_another_begins(folder: Path) -> None:
+    (folder / "other.xml").write_text("<other/>")
+    ending = [velora_ts.open() for _ in range(100)]
+
+    def end_one(frame: FrameType, event: str, _argument: Any) -> Any:  # as a thread can between two instructions
+        if os.path.basename(frame.f_code.co_filename) not in ("_session.py", "weakref.py", "_weakrefset.py"):
+            return None
+        if event == "line" and ending:
+            ending.pop().close()
+        return end_one
+
+    before = sys.gettrace()
+    sys.settrace(end_one)
+    try:
+        begun = velora_ts.open(required=True)
+    finally:
+        sys.settrace(before)
+    for one in [begun, *ending]:
+        one.close()
     velora_ts.open("other.xml").close()
 
 

@@ -7,7 +7,7 @@ import re
 import sys
 import threading
 import weakref
-from typing import Mapping, NamedTuple, Optional
+from typing import List, Mapping, NamedTuple, Optional
 
 from velora_ts._library import Library, Missing, library_of_process
 from velora_ts._names import ActivityNames, folder_of_settings
@@ -54,7 +54,7 @@ class Session:
 
     def _begin(self, library: Library) -> None:
         """All records of a process belong to its newest session, so those that are open at once need one place."""
-        for other in _begun:
+        for other in _those_that_record():
             if other._place != self._place:
                 raise Error(
                     f"a recording with {_in_words(other._place)} is open in this process; "
@@ -67,14 +67,14 @@ class Session:
             self.reason = str(failure)
             self._library = None
         else:
-            _begun.add(self)
-            for other in _begun:
+            _begun[self._logging] = self
+            for other in _those_that_record():
                 other._names = self._names  # the process has registered these now
 
     def end(self) -> None:
         """Gives the library back what it gave. What was recorded stays."""
-        _begun.discard(self)
         if self._library is not None:
+            _begun.pop(self._logging, None)
             self._library.close_logging(self._logging)
 
     def create_execution(self, parent: Optional[bytes], version: str, node: str, description: str) -> bytes:
@@ -111,8 +111,13 @@ def _in_words(place: Place) -> str:
     return f"'{place.configuration}' and '{place.activities}'{where}"
 
 
-_begun: weakref.WeakSet[Session] = weakref.WeakSet()  # those that record
+_begun: weakref.WeakValueDictionary[int, Session] = weakref.WeakValueDictionary()  # by their handles
 _beginning = threading.Lock()
+
+
+def _those_that_record() -> List[Session]:
+    """At one moment: others can end while this list is used, in another thread or in a handler of a signal."""
+    return [session for session in (reference() for reference in _begun.valuerefs()) if session is not None]
 
 
 def _renew_lock() -> None:
