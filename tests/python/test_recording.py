@@ -103,15 +103,33 @@ def test_an_exception_of_this_package_is_said_to_come_from_the_script(shown: Sho
     assert where.startswith(f"{__file__}, line ")
 
 
+@pytest.mark.parametrize(
+    "error, message",
+    [
+        (SilentError(), "<str() raised ValueError>"),
+        (OSError("\ud800 of µ"), r"\ud800 of µ"),
+        (OSError("\udcff"), r"\xff"),  # a byte of a name, as the tool shows it
+    ],
+)
+def test_an_exception_is_recorded_whatever_its_text_is(shown: Show, error: Exception, message: str) -> None:
+    with pytest.raises(type(error)), velora_ts.open() as ts, ts.activity("TiltSeries"):
+        raise error
+    [(_, name, recorded)] = events_of(shown())
+    assert (name, recorded["Message"]) == ("Exception", message)
+    assert recorded["Type"].endswith(type(error).__name__) and recorded["Where"].startswith(f"{__file__}, line ")
+
+
 def test_an_exception_that_cannot_be_recorded_is_not_hidden(shown: Show) -> None:
     with velora_ts.open() as ts, ts.activity("TiltSeries") as series:
-        with pytest.warns(RuntimeWarning, match="activity 'Section' was left .* not in the record: no text"):
-            with pytest.raises(SilentError), series.activity("Section"):
-                raise SilentError
-        with warnings.catch_warnings():
-            warnings.simplefilter("error")
-            with pytest.raises(SilentError), series.activity("Section"):
-                raise SilentError
+        sections = [series.activity("Section").__enter__() for _ in range(2)]
+    lost = StageError("+60°")
+    with pytest.warns(
+        RuntimeWarning, match="activity 'Section' was left .* not in the record: the recording is closed"
+    ):
+        sections[0].__exit__(StageError, lost, None)
+    with warnings.catch_warnings():
+        warnings.simplefilter("error")
+        sections[1].__exit__(StageError, lost, None)
     assert shown(series.guid)["events"] == []
 
 

@@ -10,7 +10,7 @@ from types import TracebackType
 from typing import Dict, Mapping, Optional, Tuple, Type, Union
 
 from velora_ts._session import Session
-from velora_ts._values import Value, to_text
+from velora_ts._values import Value, storable, to_text
 from velora_ts.errors import Error, NotAvailable, NotAvailableWarning
 
 FileName = Union[str, "os.PathLike[str]"]
@@ -181,10 +181,18 @@ class Activity:
         return f"activity {version!r}" + (f" of node {node!r}" if node else "")
 
 
+def _message_of(error: BaseException) -> str:
+    """The text of an exception, as far as there is one and UTF-8 can hold it."""
+    try:
+        return storable(str(error))
+    except Exception as failure:
+        return f"<str() raised {type(failure).__qualname__}>"
+
+
 def _described(error: BaseException) -> Dict[str, Value]:
     kind = type(error)
-    module = "" if kind.__module__ in ("builtins", "__main__") else kind.__module__ + "."
-    described: Dict[str, Value] = {"Type": module + kind.__qualname__, "Message": str(error)}
+    module = "" if kind.__module__ in ("builtins", "__main__") else f"{kind.__module__}."
+    described: Dict[str, Value] = {"Type": module + kind.__qualname__, "Message": _message_of(error)}
     for frame, line in traceback.walk_tb(error.__traceback__):  # the last one of the script raised it
         if os.path.dirname(frame.f_code.co_filename) != _HERE:
             described["Where"] = f"{frame.f_code.co_filename}, line {line}, in {frame.f_code.co_name}"

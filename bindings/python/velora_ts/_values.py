@@ -75,6 +75,15 @@ def to_bytes(text: object) -> bytes:
         raise Unfit(f"{reason.reason} in {text!r}; expected a text that UTF-8 can hold") from None
 
 
+def storable(text: str) -> str:
+    """The text, with escapes if to_bytes refuses it."""
+    try:
+        to_bytes(text)
+        return text
+    except Unfit:
+        return text.encode("utf-8", "backslashreplace").decode()
+
+
 def to_text(data: bytes) -> str:
     """The text that to_bytes turns into these bytes."""
     return data.decode("utf-8", "surrogateescape")
