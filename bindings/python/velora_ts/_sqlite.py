@@ -9,11 +9,13 @@ from contextlib import contextmanager
 from pathlib import Path
 from typing import Iterator, List, Mapping, Optional
 
-from ._copies import records_with_another_sqlite
+from ._copies import own_connection, records_with_another_sqlite
 from ._database import CHUNK, Row, expect_same_process, no_store, version_of
 from .errors import Error
 
 _LONGEST_WAIT = 5  # seconds, for a host that recovers after a crash
+
+_kept: List[sqlite3.Connection] = []  # which cannot be closed without ending the locks of a recording
 
 
 class SqliteState:
@@ -26,8 +28,9 @@ class SqliteState:
         self._process = os.getpid()
         # SQLite follows links, and keeps its log and journal beside the file to which they lead.
         self._file = os.path.realpath(path)
-        self._expect_readable()
-        self._written = os.stat(self._file).st_mtime_ns
+        found = self._expect_readable()
+        self._identity = (found.st_dev, found.st_ino)
+        self._written = found.st_mtime_ns
         # If a host has the file open, its log lies beside it. If there is no log, SQLite would make one for a reader
         # too, which would stay behind, and would fail for a user who may not write to the folder.
         journal = self._file + "-journal"
@@ -35,9 +38,10 @@ class SqliteState:
         self._closed = not os.path.exists(self._file + "-wal") and not has_journal
         uri = Path(self._file).as_uri() + ("?immutable=1" if self._closed else "?mode=ro")
         try:
-            self._connection = sqlite3.connect(
-                uri, uri=True, timeout=_LONGEST_WAIT, isolation_level=None, check_same_thread=False
-            )
+            with own_connection(self._identity):
+                self._connection = sqlite3.connect(
+                    uri, uri=True, timeout=_LONGEST_WAIT, isolation_level=None, check_same_thread=False
+                )
         except sqlite3.Error as error:
             raise Error(f"TS database '{path}' cannot be opened: {error}") from error
         try:
@@ -76,9 +80,13 @@ class SqliteState:
             )
 
     def close(self) -> None:
-        self._connection.close()
+        if records_with_another_sqlite(self._identity):
+            _kept.append(self._connection)
+            return
+        with own_connection(self._identity):
+            self._connection.close()
 
-    def _expect_readable(self) -> None:
+    def _expect_readable(self) -> os.stat_result:
         try:
             found = os.stat(self._file)
         except OSError as error:
@@ -94,11 +102,12 @@ class SqliteState:
                 f"TS database '{self._path}' has {found.st_nlink} names (hard links), and what hosts record may be in "
                 "a log beside another one; expected one name: remove the others"
             )
-        if records_with_another_sqlite(self._file):
+        if records_with_another_sqlite((found.st_dev, found.st_ino)):
             raise Error(
                 f"TS database '{self._path}' cannot be read in the process that records into it, because this Python "
                 "has an SQLite of its own, and would end the locks of the host; expected another process"
             )
+        return found
 
     def _begin(self) -> None:
         try:
