@@ -21,9 +21,9 @@ import sys
 import tempfile
 import time
 from contextlib import closing
-from datetime import date, datetime, timezone
+from datetime import date, datetime, timedelta, timezone
 from pathlib import Path
-from typing import Any, Dict, Iterable, Iterator, List, Mapping, Optional, Tuple
+from typing import Any, Callable, Dict, Iterable, Iterator, List, Mapping, Optional, Tuple
 
 import pytest
 
@@ -541,6 +541,11 @@ def test_rows_of_two_states_are_never_mixed(file_folder: Path, tmp_path: Path) -
     with pytest.raises(velora_ts.Error, match="a host began to write to it while it was read"):
         first += itertools.islice(read, CHUNK)
     assert len(first) == CHUNK
+    read = velora_ts.Store(folder).parameters()
+    next(read)
+    (folder / "ts.db").rename(folder / "put aside")
+    with pytest.raises(velora_ts.Error, match="is not there any more: No such file"):
+        list(read)
 
 
 def test_a_forked_process_disturbs_no_question_of_its_parent(store: velora_ts.Store) -> None:
@@ -608,6 +613,36 @@ def test_what_cannot_be_read_says_why(tmp_path: Path) -> None:
     for asked in ({"since": "yesterday"}, {"until": "2026-02-30"}):
         with pytest.raises(velora_ts.Error, match="expected a time that exists"):
             velora_ts.Store(file).runs(**asked)  # type: ignore[arg-type]
+
+
+EAST = timezone(timedelta(hours=9))
+WRONG_QUESTIONS: List[Tuple[Callable[[Any], Any], str]] = [
+    (lambda store: store.runs(limit=-1), "limit -1: expected a whole number from 0 on"),
+    (lambda store: store.runs(limit="2"), "limit '2': expected a whole number from 0 on"),
+    (lambda store: store.runs(since=5), "time 5: expected a time"),
+    (
+        lambda store: list(store.events(until=datetime.min.replace(tzinfo=EAST))),
+        r"time .*\(1, 1, 1, .*: expected a time",
+    ),
+    (lambda store: store.stats("Dose", since="0001-01-02Z"), "a time before it of the same length; expected `against`"),
+    (lambda store: store.tree(None), "run None: expected a guid"),
+    (lambda store: store.tree(5), "run 5: expected a guid"),
+    (lambda store: store.notes("\ud800"), r"'\\ud800': expected a text that UTF-8 can hold"),
+    (lambda store: list(store.events(event="\ud800")), r"'\\ud800': expected a text that UTF-8 can hold"),
+    (lambda store: list(store.parameters(node=b"hole 2")), "b'hole 2': expected a text"),
+    (lambda store: store.diff("last", "last", ignore=["a\0"]), "velora-ts takes no such argument: .*null byte"),
+    (lambda store: store.diff("last", "last", ignore=[5]), "velora-ts takes no such argument: "),
+    (lambda store: store.diff("last", "last", ignore="File"), r"ignore 'File': expected several names, as \['File'\]"),
+    (lambda store: velora_ts.Store(b"ts.db"), "b'ts.db': expected a folder"),  # type: ignore[arg-type]
+    (lambda store: velora_ts.Store(None), "None: expected a folder"),  # type: ignore[arg-type]
+    (lambda store: velora_ts.Store("host=\ud800"), r"'host=\\ud800': expected a folder"),
+]
+
+
+def test_a_wrong_question_is_an_error_in_words(store: velora_ts.Store) -> None:
+    for ask, words in WRONG_QUESTIONS:
+        with pytest.raises(velora_ts.Error, match=words):
+            ask(store)
 
 
 def test_what_is_not_installed_is_named(file_folder: Path, monkeypatch: pytest.MonkeyPatch) -> None:

@@ -30,6 +30,8 @@ def compare(
     slower: Optional[float],
 ) -> Comparison:
     """Compares two runs that are named by their guids."""
+    if isinstance(ignore, str):
+        raise Error(f"ignore {ignore!r}: expected several names, as [{ignore!r}]")
     with _settings_of(place) as folder, _settings_of(place_of_against or place) as other:
         arguments = ["diff", run, *([against] if against else []), "--json", "--config", folder]
         arguments += ["--with", other] if place_of_against else []
@@ -59,6 +61,8 @@ def _ask(arguments: Sequence[str]) -> Dict[str, Any]:
             f"runs are compared by the program '{program}', which cannot be started: {error.strerror}; expected the "
             f"package velora-ts, or the file of the program in the environment variable {_PROGRAM}"
         ) from None
+    except (TypeError, ValueError) as error:
+        raise Error(f"velora-ts takes no such argument: {error}") from None
     if done.returncode not in (0, 1) or not done.stdout:
         raise Error(done.stderr.decode("utf-8", "replace").strip())
     told: Dict[str, Any] = json.loads(done.stdout.decode("utf-8", "surrogateescape"))

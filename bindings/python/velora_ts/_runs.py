@@ -15,6 +15,7 @@ RunName = Union[str, Run]
 _NUMBERS_OF_A_STORE = 10_000_000_000  # docs/forwarding.md
 _FIRST_MONTHLY_KEY = 2_000_010_000_000_000
 _SHORT_GUID = 8
+_MOST = 2**62  # what both databases take as a number
 
 _STATUS = "(SELECT {} FROM statuses WHERE execution_id = {}.execution_id ORDER BY status_id DESC LIMIT 1)"
 _COLUMNS = (
@@ -38,6 +39,8 @@ class Root(NamedTuple):
 def root_named(state: State, name: RunName) -> Root:
     """The one run with a guid, its first letters or a node, or the last one."""
     wanted = name.guid if isinstance(name, Run) else name
+    if not isinstance(wanted, str):
+        raise Error(f'run {name!r}: expected a guid, its first characters, "last", a node or a Run')
     found = _last(state) if wanted == "last" else _named(state, wanted)
     if not wanted or not found:
         raise Error(f"no run matches '{wanted}'; expected a guid, its first characters, \"last\" or a node")
@@ -141,8 +144,10 @@ def runs(
         f"ORDER BY {order}, e.execution_id DESC"
     )
     if limit is not None:
+        if not isinstance(limit, int) or limit < 0:
+            raise Error(f"limit {limit!r}: expected a whole number from 0 on")
         question += " LIMIT :limit"
-        values["limit"] = limit
+        values["limit"] = min(limit, _MOST)
     for chunk in state.chunks(question, values):
         for row in chunk:
             one = _execution_members(row)
@@ -185,7 +190,7 @@ def _last_recorded(state: State, root: int) -> Optional[datetime]:
 def keys_beside(key: int) -> "tuple[int, int]":
     """Above and up to which keys the rows are of the store that the row with this key is from."""
     if key < _NUMBERS_OF_A_STORE or key >= _FIRST_MONTHLY_KEY:
-        return -1, 2**62
+        return -1, _MOST
     shift = key // _NUMBERS_OF_A_STORE * _NUMBERS_OF_A_STORE
     return shift, shift + _NUMBERS_OF_A_STORE - 1
 

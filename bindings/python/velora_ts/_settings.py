@@ -22,7 +22,13 @@ class Place(NamedTuple):
 
 def place_of(where: Union[str, "os.PathLike[str]"]) -> Place:
     """Finds what the given text or path names."""
-    text = os.fspath(where)
+    try:
+        text = os.fspath(where)
+        text.encode("utf-8", "surrogateescape")
+    except (AttributeError, TypeError, UnicodeEncodeError):
+        raise Error(
+            f"{where!r}: expected a folder with TSAL.config, the file of a store, or a connection, as a text or a Path"
+        ) from None
     if os.path.isdir(text):
         return _read(Path(text, "TSAL.config"))
     if os.path.lexists(text):

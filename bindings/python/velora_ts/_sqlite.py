@@ -73,7 +73,16 @@ class SqliteState:
         """Raises when a host began to write meanwhile, so that what was read can be a mixture of two states. In a
         forked process nothing keeps hosts from that."""
         expect_same_process(self._process)
-        if self._closed and os.stat(self._file).st_mtime_ns != self._written:
+        if not self._closed:
+            return
+        try:
+            written = os.stat(self._file).st_mtime_ns
+        except OSError as error:
+            raise Error(
+                f"TS database '{self._path}' was not in use, and is not there any more: {error.strerror}; expected that it "
+                "stays while it is read"
+            ) from None
+        if written != self._written:
             raise Error(
                 f"TS database '{self._path}' was not in use, and a host began to write to it while it was read; read "
                 "it again"

@@ -86,7 +86,10 @@ def _period_before(asked: Filter, against: Optional[Tuple[Moment, Moment]]) -> O
         return None
     since = time_of(stored_time(asked.since))
     until = datetime.now(timezone.utc) if asked.until is None else time_of(stored_time(asked.until))
-    return (since - (until - since), since) if until > since else None
+    try:
+        return (since - (until - since), since) if until > since else None
+    except OverflowError:
+        raise Error(f"since {since}: there is not a time before it of the same length; expected `against`") from None
 
 
 def _groups(state: State, root: Optional[Root], asked: Filter, by: str) -> Tuple[Dict[str, _Numbers], int]:

@@ -33,7 +33,10 @@ def text_of(stored: str) -> str:
 
 def stored_text(text: str) -> str:
     """The stored form of a text."""
-    data = text.encode("utf-8", "surrogateescape")
+    try:
+        data = text.encode("utf-8", "surrogateescape")
+    except (AttributeError, UnicodeEncodeError):
+        raise Error(f"{text!r}: expected a text that UTF-8 can hold") from None
     try:
         if b"\0" not in data and not data.startswith(b"\\x"):
             return data.decode()
@@ -96,9 +99,12 @@ def stored_time(moment: Moment) -> str:
     """The stored form of a time: a datetime (local, if it has no zone), a date (its beginning, local), or a text."""
     if isinstance(moment, str):
         moment = _moment_in(moment)
-    elif not isinstance(moment, datetime):
-        moment = datetime(moment.year, moment.month, moment.day)
-    utc = moment.astimezone(timezone.utc)
+    try:
+        if not isinstance(moment, datetime):
+            moment = datetime(moment.year, moment.month, moment.day)
+        utc = moment.astimezone(timezone.utc)
+    except (AttributeError, OSError, OverflowError, ValueError):
+        raise Error(f"time {moment!r}: expected a time in the years 1 to 9999 of UTC") from None
     return f"{utc.year:04}-{utc:%m-%dT%H:%M:%S}.{utc.microsecond:06}Z"
 
 
