@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import contextlib
 import operator
 import os
 from dataclasses import dataclass
@@ -154,6 +155,8 @@ def _of_path(value: Any) -> Recorded:
 def _of_datetime(value: Any) -> Recorded:
     """In the form of the store's times. A time without a zone is local."""
     try:
+        if value.tzinfo is None:
+            value = datetime.combine(value.date(), value.time())  # pandas' own knows no local time
         utc = value.astimezone(timezone.utc).replace(tzinfo=None)
         return _of_str(utc.isoformat(timespec="microseconds") + "Z")
     except (OverflowError, TypeError, ValueError) as reason:
@@ -203,7 +206,8 @@ def _as_text(value: Any) -> Recorded:
     plain = value.value
     for base, convert in _texts.items():
         if isinstance(plain, base):
-            return convert(plain)
+            with contextlib.suppress(Unfit):  # such as a time that has no UTC
+                return convert(plain)
     return _of_str(str(plain))
 
 
