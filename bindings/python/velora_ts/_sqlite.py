@@ -79,8 +79,8 @@ class SqliteState:
             written = os.stat(self._file).st_mtime_ns
         except OSError as error:
             raise Error(
-                f"TS database '{self._path}' was not in use, and is not there any more: {error.strerror}; expected that it "
-                "stays while it is read"
+                f"TS database '{self._path}' was not in use, and is not there any more: {error.strerror}; expected "
+                "that it stays while it is read"
             ) from None
         if written != self._written:
             raise Error(
