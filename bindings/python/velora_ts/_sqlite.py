@@ -1,4 +1,5 @@
-"""A store in a file. Reading makes no file, changes none, and does not wait for the hosts that write."""
+"""A store in a file. Reading changes nothing that was recorded, and does not wait for the hosts that write. Beside a
+log without its index, SQLite makes the file `-shm`, as it does for velora-ts."""
 
 from __future__ import annotations
 
