@@ -582,7 +582,7 @@ def test_what_cannot_be_read_says_why(tmp_path: Path) -> None:
     (tmp_path / "words").write_text("no database at all, but some words")
     (tmp_path / "empty").touch()
     (tmp_path / "broken").mkdir()
-    (tmp_path / "broken" / "TSAL.config").write_text("<TSAL><Database Backend='oracle' Connection='x'/></TSAL>")
+    (tmp_path / "broken" / "TSAL.config").write_text("<TSAL><Database Backend='ledger' Connection='x'/></TSAL>")
     shutil.copy(file, tmp_path / "linked")
     os.link(tmp_path / "linked", tmp_path / "link")
     for version in (4, -4):
