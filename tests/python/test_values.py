@@ -113,6 +113,15 @@ def test_a_value_that_no_kind_holds_is_an_error_that_names_it(value: Any, words:
     assert words in str(error.value)
 
 
+def test_a_row_of_a_frame_has_the_parameters_of_an_event() -> None:
+    frame = pandas.DataFrame({"Angle": [-3, 0], "File": ["a", "b"]})
+    [_, (_, row)] = frame.iterrows()
+    recorded = [(b"Angle", INT, (0,)), (b"File", *text(b"b")), (b"Good", BOOL, (True,))]
+    assert parameters_of("Image", row, {"Good": True}) == recorded
+    with pytest.raises(Error, match="'File' of event 'Image' is given twice"):
+        parameters_of("Image", row, {"File": "c"})
+
+
 @pytest.mark.parametrize(
     "parameters, more, words",
     [

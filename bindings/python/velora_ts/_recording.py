@@ -32,12 +32,16 @@ def open(
     beside them. Where TS cannot be used, this warns once with the reason, and everything records nothing; if
     `required`, it raises NotAvailable. A file with an error in it raises Error.
     """
-    session = Session(os.fspath(configuration), os.fspath(activities))
+    session = Session(_name_of(configuration), _name_of(activities))
     if session.reason and required:
         raise NotAvailable(session.reason)
     if session.reason:
         warnings.warn(f"nothing is recorded: {session.reason}", NotAvailableWarning, stacklevel=2)
     return Recording(session)
+
+
+def _name_of(file: FileName) -> str:
+    return os.fspath(file) if isinstance(file, os.PathLike) else file
 
 
 class Recording:

@@ -11,7 +11,7 @@ from typing import List, Mapping, NamedTuple, Optional
 
 from velora_ts._library import Library, Missing, library_of_process
 from velora_ts._names import ActivityNames, folder_of_settings
-from velora_ts._values import Value, named_bytes, parameters_of, to_bytes
+from velora_ts._values import Value, named_bytes, parameters_of
 from velora_ts.errors import Error
 
 # What the library says of a file that somebody has to mend, unlike one that is not there.
@@ -32,8 +32,12 @@ class Session:
     def __init__(self, configuration: str, activities: str) -> None:
         self.reason = ""
         self._logging = 0
+        self._files = (
+            named_bytes("the name of the instrument configuration", configuration),
+            named_bytes("the name of the activities file", activities),
+        )
         with _beginning:
-            library = self._library_if_available(configuration, activities)
+            library = self._library_if_available()
             folder = folder_of_settings(activities, library.folder_of_component() if library else None)
             self._place = Place(configuration, activities, folder)
             self._names = ActivityNames(folder, activities) if folder else None
@@ -41,13 +45,13 @@ class Session:
             if self._library is not None:
                 self._begin(self._library)
 
-    def _library_if_available(self, configuration: str, activities: str) -> Optional[Library]:
+    def _library_if_available(self) -> Optional[Library]:
         try:
             library = library_of_process()
         except Missing as missing:
             self.reason = str(missing)
             return None
-        self.reason = library.why_not_available(to_bytes(configuration), to_bytes(activities))
+        self.reason = library.why_not_available(*self._files)
         if _FAULT_IN_FILE.search(self.reason):
             raise Error(self.reason)
         return library
@@ -61,8 +65,7 @@ class Session:
                     f"expected it to be closed before one with {_in_words(self._place)} begins"
                 )
         try:
-            files = to_bytes(self._place.configuration), to_bytes(self._place.activities)
-            self._logging = library.create_logging(*files)
+            self._logging = library.create_logging(*self._files)
         except Error as failure:  # which could not be foreseen, such as a disk without room for a session
             self.reason = str(failure)
             self._library = None

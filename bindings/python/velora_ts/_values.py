@@ -107,7 +107,7 @@ def parameters_of(
         raise Error(
             f"the parameters of event {event!r} are {_type_of(parameters)}; expected a mapping of names to values"
         )
-    for given in (parameters, more) if parameters else (more,):
+    for given in (parameters, more):
         for name, value in given.items():
             try:
                 convert = _of_type.get(type(value)) or _convert_for(value)
