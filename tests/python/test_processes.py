@@ -84,6 +84,29 @@ def test_a_script_goes_on_where_no_session_can_begin(script: Run) -> None:
     assert done.stdout.startswith("False \nvelora_ts_create_logging: TS database ")
 
 
+def test_an_activity_whose_end_cannot_be_recorded_can_be_left_again(script: Run, shown: Any) -> None:
+    done = script(
+        """
+import resource
+free = resource.getrlimit(resource.RLIMIT_FSIZE)
+with velora_ts.open(required=True) as ts:
+    series = ts.activity("TiltSeries")
+    try:
+        with series:
+            resource.setrlimit(resource.RLIMIT_FSIZE, (0, free[1]))  # as a disk that is full
+    except velora_ts.Error as error: print(error)
+    resource.setrlimit(resource.RLIMIT_FSIZE, free)
+    series.__exit__(None, None, None)
+    try: series.event("Late")
+    except velora_ts.Error as error: print(error)
+"""
+    )
+    assert done.returncode == 0, done.stderr
+    failed, late = done.stdout.splitlines()
+    assert failed.startswith("velora_ts_update_execution: ") and late.startswith("activity 'TiltSeries' has ended")
+    assert shown()["executions"][0]["state"] == "finished"
+
+
 @pytest.mark.parametrize(
     "file, text, words",
     [

@@ -145,11 +145,11 @@ class Activity:
         self, kind: Optional[Type[BaseException]], error: Optional[BaseException], trace: Optional[TracebackType]
     ) -> None:
         guid = self._inside_guid()
-        self._left = True
         if error is None:
             self._recording._session().update_execution(guid)
         elif guid not in error.__dict__.get(_RECORDED, ()):
             self._record(error)
+        self._left = True  # last, so that it can be left again if its end could not be recorded
 
     def _record(self, error: BaseException) -> None:
         """Records what left the block. Nothing that fails here may hide it."""
