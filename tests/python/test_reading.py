@@ -353,9 +353,13 @@ def test_differences_are_those_of_velora_ts(store: velora_ts.Store, folder: Path
     )
     read = store.diff(bad, good, tolerance={"Defocus": 0.1}, ignore=["FocusScore"])
     assert len(read.differences) == len(told["differences"]) > 100 and not read.same
+    records = {(event.number, one.name): one.value for event in store.events() for one in event.parameters}
     for difference, one in zip(read.differences, told["differences"]):
-        for name in ("kind", "only_in", "event", "n", "number", "against_n", "against_number", "parameter", "below"):
+        for name in ("kind", "only_in", "event", "n", "number", "against_n", "against_number", "parameter_n", "below"):
             assert getattr(difference, name) == one.get(name)
+        assert difference.parameter == one.get("parameter")
+        if difference.parameter is not None and difference.number is not None:
+            assert repr(difference.value) == repr(records.get((difference.number, difference.parameter)))
         assert (difference.value, difference.against) == (one.get("value"), one.get("against"))
         for name in ("path", "against_path"):
             assert [step._asdict() for step in getattr(difference, name) or ()] == one.get(name, [])
@@ -367,6 +371,32 @@ def test_differences_are_those_of_velora_ts(store: velora_ts.Store, folder: Path
         assert store.diff(good, night, store=other).same
         assert store.diff(bad, store=other).against == night.guid
     assert len(store.frames.diff(bad, good)) > 100
+
+
+PAIRS: List[Tuple[Any, Any]] = [
+    *((math.nan, 1.0), (-0.0, 1.0), (2.0, -0.0), (2, 3), (True, False)),
+    *(("NaN:7ff8000000000000", 2.0), ("-0.0", "1.0")),
+]
+DIFFERENT = f"""
+import velora_ts
+from math import nan
+with velora_ts.open(required=True) as ts:
+    for side, name in enumerate(("one", "two")):
+        with ts.activity("Session", node=name) as run:
+            run.event("Values", {{str(place): pair[side] for place, pair in enumerate({PAIRS})}})
+"""
+
+
+def test_values_of_differences_are_those_of_the_records(tmp_path: Path) -> None:
+    folder = make_folder(tmp_path / "store", "sqlite3", "ts.db")
+    subprocess.run([sys.executable, "-c", DIFFERENT], cwd=folder, check=True)
+    others = make_folder(tmp_path / "others", "sqlite3", "all.db")
+    subprocess.run([TOOL, "copy", folder, others], check=True, capture_output=True)
+    for other in (None, velora_ts.Store(others)):
+        found = velora_ts.Store(folder).diff("one", "two", store=other)
+        for side, name in enumerate(("value", "against")):
+            assert [repr(getattr(one, name)) for one in found.differences] == [repr(pair[side]) for pair in PAIRS]
+        assert found.parting and repr(found.parting.value) == "nan"
 
 
 def test_runs_are_named_as_for_velora_ts(store: velora_ts.Store, folder: Path) -> None:

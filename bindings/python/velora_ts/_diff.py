@@ -9,15 +9,17 @@ import subprocess
 import tempfile
 from contextlib import contextmanager
 from pathlib import Path
-from typing import Any, Dict, Iterator, List, Mapping, Optional, Sequence, Union
+from typing import Any, Dict, Iterator, List, Mapping, Optional, Sequence, Tuple, Union
 from xml.sax.saxutils import quoteattr
 
+from ._database import Database
 from ._settings import Place
-from ._stored import text_of, time_of
+from ._stored import Value, text_of, time_of, value_of
 from .errors import Error
 from .records import Comparison, Difference, Line, Step
 
 _PROGRAM = "VELORA_TS"  # the environment variable with its file
+_ASKED_AT_ONCE = 500
 
 
 def compare(
@@ -50,6 +52,40 @@ def compare(
         summary=[{key: _text(value) for key, value in one.items()} for one in told["summary"]],
         parting=_difference(told["parting"]) if told["parting"] else None,
     )
+
+
+def with_exact_values(comparison: Comparison, database: Database, of_against: Database) -> Comparison:
+    """The comparison with the values as the stores have them. The program tells no kinds: a whole double and an int are
+    the same to it, and so are a NaN and the text that stands for it."""
+    listed = [*comparison.differences, *([comparison.parting] if comparison.parting else [])]
+    values = _values(database, {one.number for one in listed if one.parameter is not None})
+    others = _values(of_against, {one.against_number for one in listed if one.parameter is not None})
+
+    def exact(one: Difference) -> Difference:
+        value = values.get((one.number, one.parameter, one.parameter_n), one.value)
+        against = others.get((one.against_number, one.parameter, one.parameter_n), one.against)
+        return one._replace(value=value, against=against)
+
+    return comparison._replace(
+        differences=list(map(exact, comparison.differences)), parting=comparison.parting and exact(comparison.parting)
+    )
+
+
+def _values(database: Database, numbers: "set[Optional[int]]") -> Dict[Tuple[object, object, object], Value]:
+    """The values of the parameters of events, by number, name and which of this name it is."""
+    found: Dict[Tuple[object, object, object], Value] = {}
+    met: Dict[Tuple[int, str], int] = {}
+    keys = sorted(number for number in numbers if number is not None)
+    with database.state() as state:
+        for begin in range(0, len(keys), _ASKED_AT_ONCE):
+            batch = ", ".join(map(str, keys[begin : begin + _ASKED_AT_ONCE]))
+            for number, name, kind, text, value in state.ask(
+                "SELECT event_id, name, kind, value_text, value_number FROM parameters WHERE event_id IN "
+                f"({batch}) ORDER BY event_id, position"
+            ):
+                met[number, name] = met.get((number, name), 0) + 1
+                found[number, text_of(name), met[number, name]] = value_of(kind, text, value)
+    return found
 
 
 def _ask(arguments: Sequence[str]) -> Dict[str, Any]:
@@ -102,6 +138,7 @@ def _difference(one: Dict[str, Any]) -> Difference:
         against_n=one.get("against_n"),
         against_number=one.get("against_number"),
         parameter=_text(one.get("parameter")),
+        parameter_n=one.get("parameter_n"),
         value=_text(one.get("value")),
         against=_text(one.get("against")),
         by=one.get("difference", one.get("factor")),

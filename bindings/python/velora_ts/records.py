@@ -194,7 +194,8 @@ class Difference(NamedTuple):
     against_n: Optional[int]
     against_number: Optional[int]
     parameter: Optional[str]
-    value: Value
+    parameter_n: Optional[int]  # which of its name the parameter is in its event
+    value: Value  # as in Parameter
     against: Value
     by: Optional[float]  # the first less the second number; of durations, the first divided by the second
     at: Optional[datetime]

@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Dict, Iterator, List, Mapping, Optional, Seque
 
 from . import _events, _runs, _statistics
 from ._database import Database, State
-from ._diff import compare
+from ._diff import compare, with_exact_values
 from ._events import Filter, Question
 from ._postgresql import PostgreSqlServer
 from ._runs import RunName
@@ -213,7 +213,8 @@ class Store:
             with (store or self)._database.state() as state:
                 second = _runs.root_named(state, against).guid
         place_of_against = None if store is None else store._place
-        return compare(self._place, first, second, place_of_against, tolerance or {}, ignore, slower)
+        found = compare(self._place, first, second, place_of_against, tolerance or {}, ignore, slower)
+        return with_exact_values(found, self._database, (store or self)._database)
 
     def _question(self, state: State, run: Optional[RunName], asked: Filter) -> Question:
         return Question(state, None if run is None else _runs.root_named(state, run), asked)
