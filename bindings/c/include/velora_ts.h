@@ -22,6 +22,12 @@
  * the function that caused it, while the lock is held: it may call any function here, but must not wait for another
  * thread that calls one. A thread is not cancelled inside a function. When the process ends, a call on another thread
  * waits for its end.
+ *
+ * A process can fork at any time. In the child, every function but velora_ts_last_error, velora_ts_raise and the two
+ * version functions is a misuse if, before the fork, a session was begun without a gateway of the host, or a call was
+ * running on any thread: what a session has open serves its own process alone. Such a child leaves by exec or _exit;
+ * one that was forked by a callback must not return from it. A child that was forked before that begins a session of
+ * its own.
  */
 #ifndef VELORA_TS_H
 #define VELORA_TS_H

@@ -1,5 +1,6 @@
 #include "Boundary.h"
 
+#include "HostsGateway.h"
 #include "Immortal.h"
 #include "ThisThread.h"
 
@@ -16,11 +17,33 @@ namespace {
 Immortal<std::recursive_mutex> processLock;
 /// The thread that ends the library; none before. The lock guards it.
 Immortal<std::thread::id> lastInside;
+/// The thread that came inside last, and its scopes. The lock guards them, and whether a session was begun.
+Immortal<std::thread::id> holder;
+int scopes = 0;
+bool hasSession = false;
+/// Changes only in a forked child, while it has one thread.
+bool isForkedTooLate = false;
 
 #ifdef _WIN32  // which ends all other threads first, also one that holds the lock
 constexpr std::chrono::seconds longestWait(0);
 #else
 constexpr std::chrono::seconds longestWait(5);
+#endif
+
+#ifndef _WIN32
+// No handler waits for the lock before a fork: the one inside can wait for what the forking thread has locked by then.
+void AfterForkInChild() {
+  isForkedTooLate = isForkedTooLate || hasSession || scopes != 0;
+  new (&processLock.object) std::recursive_mutex;
+  scopes = holder.object == std::this_thread::get_id() ? scopes : 0;
+  for (int scope = 0; scope < scopes; ++scope) {  // of callbacks that are running, if one forked
+    processLock.object.lock();
+  }
+  lastInside.object = {};
+}
+
+// The system forgets the handler when the library is unloaded.
+[[maybe_unused]] const int registered = pthread_atfork(nullptr, nullptr, &AfterForkInChild);
 #endif
 
 }  // namespace
@@ -36,11 +59,29 @@ Inside::Inside() {
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     processLock.object.lock();
   }
+  holder.object = std::this_thread::get_id();
+  ++scopes;
 }
 
-Inside::~Inside() { processLock.object.unlock(); }
+Inside::~Inside() {
+  --scopes;
+  processLock.object.unlock();
+}
+
+void SessionBegins() noexcept { hasSession = hasSession || HostsGateway() == nullptr; }
+
+void ExpectNotForkedTooLate() {
+  if (isForkedTooLate) {
+    throw Misuse(
+        "this process was forked after a session began, or during a call; expected a fork before the first "
+        "session, or another program in the child");
+  }
+}
 
 bool StayInsideAlone() noexcept {
+  if (isForkedTooLate) {
+    return false;
+  }
   const auto end = std::chrono::steady_clock::now() + longestWait;
   while (!processLock.object.try_lock()) {
     if (std::chrono::steady_clock::now() >= end) {

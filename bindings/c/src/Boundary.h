@@ -49,10 +49,18 @@ class Inside {
   const Uncancelled uncancelled;
 };
 
+/// A session of TS begins here, if no gateway of the host is in place: from now on, a child that this process forks
+/// cannot use the component. What a session has open serves one process: the locks of an SQLite file stay with the
+/// parent, and a connection has one user.
+void SessionBegins() noexcept;
+
+/// @throws Misuse in a child that was forked too late.
+void ExpectNotForkedTooLate();
+
 /// For the end of the library: keeps all other threads outside from now on. Those that still run while the process ends
 /// wait for that, and do not use what is destroyed already. Waits some seconds for a thread that is inside, so that its
 /// record is saved. Can be repeated.
-/// @return false if a thread stayed inside: nothing that it can use may be released then.
+/// @return false if a thread stayed inside, or did so when this child was forked: nothing may be released then.
 bool StayInsideAlone() noexcept;
 
 /// The status of a function that is left by the present exception. Keeps the text of the error for this thread.
@@ -62,6 +70,7 @@ velora_ts_status StatusOfException(const char* function) noexcept;
 template <typename Body>
 velora_ts_status Boundary(const char* function, const Body& body) noexcept {
   try {
+    ExpectNotForkedTooLate();
     const Inside inside;
     body();
     return VELORA_TS_OK;

@@ -35,6 +35,7 @@ velora_ts_status velora_ts_set_parent(velora_ts_configurator* configurator, cons
     const std::string third = TextOf("text3", text3, text3_size);
     const std::string file = activities == nullptr ? "" : TextOf("activities", activities, activities_size);
     GuidBuffer(guid, guid_capacity, guid_size).Fill("the parent was set", [&] {
+      SessionBegins();
       return activities == nullptr ? object->SetParentActivityExec(atNode, first, second, third)
                                    : object->SetParentActivityExec(atNode, first, second, third, file);
     });

@@ -22,9 +22,10 @@ velora_ts_status velora_ts_create_logging(const char* configuration, size_t conf
     }
     *logging = nullptr;
     const std::string instrument = TextOf("configuration", configuration, configuration_size);
-    auto object = activities == nullptr
-                      ? IFactory::CreateTsLogging(instrument)
-                      : IFactory::CreateTsLogging(instrument, TextOf("activities", activities, activities_size));
+    const std::string file = activities == nullptr ? "" : TextOf("activities", activities, activities_size);
+    SessionBegins();
+    auto object =
+        activities == nullptr ? IFactory::CreateTsLogging(instrument) : IFactory::CreateTsLogging(instrument, file);
     if (object != nullptr) {
       *logging = Handles::Open<velora_ts_logging>(std::move(object));
     }
