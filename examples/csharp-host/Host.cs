@@ -12,7 +12,13 @@ internal static class Host {
     }
     try {
       using (var log = new StreamWriter("csharp-host.log")) {
-        TsLibrary.SetLogger((level, source, message) => log.WriteLine(level + " " + source + ": " + message));
+        TsLibrary.SetLogger((level, source, message) => {
+          try {
+            log.WriteLine(level + " " + source + ": " + message);
+          } catch (IOException) {
+            // A line of the log is no reason to end the run.
+          }
+        });
         try {
           Record();
         } finally {

@@ -24,7 +24,8 @@ namespace Velora.Ts {
 
   /// What concerns the whole process.
   public static class TsLibrary {
-    /// Gets a line of the log. What it throws comes out of the operation that wrote the line, as a TsException.
+    /// Gets a line of the log. What it throws comes out of the operation that wrote the line, as a TsException, even
+    /// if the operation has recorded by then: so it should catch its own errors.
     public delegate void Logger(TsLevel level, string source, string message);
 
     /// A logger can be used until the process ends, so its callbacks stay.

@@ -138,8 +138,9 @@ VELORA_TS_API velora_ts_status VELORA_TS_CALL velora_ts_close_logging(velora_ts_
  * guid: a buffer of at least VELORA_TS_GUID_CAPACITY bytes, which receives the guid and a zero byte. Only this guid can
  * mark the execution as done. Empty when TS cannot be used.
  * guid_size: receives the number of bytes of the guid; may be null.
- * VELORA_TS_RAISED: nothing was created. VELORA_TS_TOO_LONG: the execution was created, but its guid is longer than the
- * buffer; the text of the error has it whole. */
+ * VELORA_TS_RAISED: nothing was created, except if a logger of the host failed at a line after the save: the execution
+ * is then recorded all the same. VELORA_TS_TOO_LONG: the execution was created, but its guid is longer than the buffer;
+ * the text of the error has it whole. */
 VELORA_TS_API velora_ts_status VELORA_TS_CALL velora_ts_create_execution(
     velora_ts_logging* logging, const char* version, size_t version_size, const char* node, size_t node_size,
     const char* description, size_t description_size, char* guid, size_t guid_capacity, size_t* guid_size);
@@ -393,7 +394,9 @@ typedef struct velora_ts_logger {
   void(VELORA_TS_CALL* release)(void* context);
 
   /* Writes a line. level: one of the levels above. source: the program or library that writes. If it fails, so does the
-   * operation that writes the line. C++ parts of the process can call it on several threads at once. */
+   * operation that writes the line, also after its save: what was saved stays recorded, and a repeated call records it
+   * again. So a logger rather deals with its own errors. C++ parts of the process can call it on several threads at
+   * once. */
   velora_ts_status(VELORA_TS_CALL* write)(void* context, int32_t level, const char* source, size_t source_size,
                                           const char* message, size_t message_size);
 } velora_ts_logger;
