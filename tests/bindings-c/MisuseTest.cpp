@@ -190,6 +190,8 @@ TEST_F(ThreadsInC, StayOutsideWhileTheProcessEnds) {
     }).detach();
     std::exit(0);
   };
+  // In a process that begins anew: a forked one releases nothing of the session that its parent began.
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   EXPECT_EXIT(endBesideAThread(), testing::ExitedWithCode(0), "^waits$");
 }
 
