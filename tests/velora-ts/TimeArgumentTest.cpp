@@ -1,6 +1,6 @@
 // Which moment a time on the command line is, where clocks change twice a year.
 
-#include "verbs/TimeArgument.h"
+#include "asking/TimeArgument.h"
 
 #include "output/StatedTime.h"
 #include "store/values/StoredTime.h"

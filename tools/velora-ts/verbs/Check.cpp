@@ -1,3 +1,4 @@
+#include "asking/ForwardingWords.h"
 #include "host-check/HostCheck.h"
 #include "output/Output.h"
 #include "output/Words.h"
@@ -7,7 +8,6 @@
 #include "store/reading/Unfinished.h"
 #include "store/record/Records.h"
 #include "store/soundness/Soundness.h"
-#include "verbs/ForwardingWords.h"
 #include "verbs/Mistakes.h"
 #include "verbs/StoreVerb.h"
 

@@ -1,3 +1,4 @@
+#include "asking/WhereArgument.h"
 #include "exporting/EventTable.h"
 #include "output/EventLines.h"
 #include "output/Output.h"
@@ -7,7 +8,6 @@
 #include "verbs/AbsentNames.h"
 #include "verbs/DigitsOption.h"
 #include "verbs/StoreVerb.h"
-#include "verbs/WhereArgument.h"
 #include "verbs/WindowOptions.h"
 
 #include <optional>

@@ -1,3 +1,4 @@
+#include "asking/TimeArgument.h"
 #include "exporting/Writers.h"
 #include "output/Output.h"
 #include "output/Progress.h"
@@ -6,7 +7,6 @@
 #include "store/reading/Rows.h"
 #include "verbs/RunForms.h"
 #include "verbs/StoreVerb.h"
-#include "verbs/TimeArgument.h"
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
+#include "asking/ForwardState.h"
 #include "output/Output.h"
 #include "output/Progress.h"
 #include "output/Times.h"
 #include "store/forwarding/Forwarder.h"
 #include "store/values/StoredTime.h"
-#include "verbs/ForwardState.h"
 #include "verbs/StoreVerb.h"
 
 #include "store/database/DatabaseError.h"

@@ -1,4 +1,8 @@
 #include "store/reading/Runs.h"
+#include "asking/ForwardingWords.h"
+#include "asking/ListedRuns.h"
+#include "asking/TimeArgument.h"
+#include "asking/WhereArgument.h"
 #include "output/NoteWords.h"
 #include "output/Output.h"
 #include "output/StateWords.h"
@@ -12,11 +16,7 @@
 #include "store/reading/Rows.h"
 #include "store/values/RecordedText.h"
 #include "verbs/AbsentNames.h"
-#include "verbs/ForwardingWords.h"
-#include "verbs/ListedRuns.h"
 #include "verbs/StoreVerb.h"
-#include "verbs/TimeArgument.h"
-#include "verbs/WhereArgument.h"
 
 namespace Velora::Ts {
 

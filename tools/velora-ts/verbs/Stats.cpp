@@ -1,3 +1,5 @@
+#include "asking/Statistics.h"
+#include "asking/TimeArgument.h"
 #include "output/Output.h"
 #include "output/PageFile.h"
 #include "output/TextTable.h"
@@ -12,9 +14,7 @@
 #include "store/values/StoredTime.h"
 #include "verbs/AbsentNames.h"
 #include "verbs/DigitsOption.h"
-#include "verbs/Statistics.h"
 #include "verbs/StoreVerb.h"
-#include "verbs/TimeArgument.h"
 #include "verbs/WindowOptions.h"
 
 #include <cmath>

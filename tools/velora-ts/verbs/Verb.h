@@ -1,11 +1,11 @@
 #pragma once
 
+#include "asking/UsageError.h"
 #include "verbs/ExitCode.h"
 
 #include <VeloraCommandLine/Options.h>
 
 #include <memory>
-#include <stdexcept>
 
 namespace Velora::Ts {
 
@@ -21,11 +21,6 @@ class Verb {
 
   /// @throws UsageError when values do not fit together or are not understood.
   virtual ExitCode Execute() = 0;
-};
-
-/// The command line is wrong; the text says what was expected.
-struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
 };
 
 /// Makes a verb known to the program. verbs/VERB.cpp defines one as registeredVERB, and CMakeLists.txt lists it.

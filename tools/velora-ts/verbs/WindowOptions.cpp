@@ -1,7 +1,7 @@
 #include "verbs/WindowOptions.h"
 
+#include "asking/TimeArgument.h"
 #include "store/values/StoredText.h"
-#include "verbs/TimeArgument.h"
 
 namespace Velora::Ts {
 

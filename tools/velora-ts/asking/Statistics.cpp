@@ -1,4 +1,4 @@
-#include "verbs/Statistics.h"
+#include "asking/Statistics.h"
 
 #include "store/reading/Rows.h"
 #include "store/values/Json.h"

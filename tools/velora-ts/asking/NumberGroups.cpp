@@ -1,4 +1,4 @@
-#include "verbs/NumberGroups.h"
+#include "asking/NumberGroups.h"
 
 #include "output/Times.h"
 #include "store/reading/ParameterValue.h"

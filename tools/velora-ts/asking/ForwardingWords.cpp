@@ -1,5 +1,6 @@
-#include "verbs/ForwardingWords.h"
+#include "asking/ForwardingWords.h"
 
+#include "asking/ForwardState.h"
 #include "output/StateWords.h"
 #include "output/Times.h"
 #include "store/Error.h"
@@ -9,7 +10,6 @@
 #include "store/forwarding/Marks.h"
 #include "store/reading/Reader.h"
 #include "store/transfer/TakenStore.h"
-#include "verbs/ForwardState.h"
 
 #include <algorithm>
 #include <optional>

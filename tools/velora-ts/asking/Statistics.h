@@ -1,6 +1,6 @@
 #pragma once
 
-#include "verbs/NumberGroups.h"
+#include "asking/NumberGroups.h"
 
 #include <optional>
 #include <string>

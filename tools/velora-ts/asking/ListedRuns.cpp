@@ -1,4 +1,4 @@
-#include "verbs/ListedRuns.h"
+#include "asking/ListedRuns.h"
 
 #include "store/reading/Executions.h"
 #include "store/reading/Runs.h"

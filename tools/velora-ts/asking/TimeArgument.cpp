@@ -1,8 +1,8 @@
-#include "verbs/TimeArgument.h"
+#include "asking/TimeArgument.h"
 
+#include "asking/UsageError.h"
 #include "output/Times.h"
 #include "store/Error.h"
-#include "verbs/Verb.h"
 
 #include <optional>
 #include <regex>

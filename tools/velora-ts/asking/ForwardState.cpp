@@ -1,4 +1,4 @@
-#include "verbs/ForwardState.h"
+#include "asking/ForwardState.h"
 
 #include "output/FreshFile.h"
 #include "store/Error.h"

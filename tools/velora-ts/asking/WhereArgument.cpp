@@ -1,8 +1,8 @@
-#include "verbs/WhereArgument.h"
+#include "asking/WhereArgument.h"
 
+#include "asking/UsageError.h"
 #include "store/values/RecordedText.h"
 #include "store/values/StoredText.h"
-#include "verbs/Verb.h"
 
 #include <algorithm>
 #include <optional>
