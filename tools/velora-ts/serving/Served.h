@@ -1,0 +1,25 @@
+#pragma once
+
+#include "store/settings/Settings.h"
+
+#include <string>
+#include <vector>
+
+namespace Velora::Ts {
+
+class Watch;
+
+/// A store that is served.
+struct ServedStore {
+  int number = 1;            ///< From 1, in the order of the command line.
+  std::string folder;        ///< With its TSAL.config.
+  Store::Settings settings;  ///< As they were at the start.
+};
+
+/// What is served. It does not change while the program runs; every thread can read it.
+struct Served {
+  std::vector<ServedStore> stores;
+  Watch* watch = nullptr;  ///< Looks at all of them.
+};
+
+}  // namespace Velora::Ts
