@@ -48,7 +48,8 @@ int Main(int argc, char** argv) {
     return NothingRecorded;
   }
   WriteLine(std::cout, "The parent of all series is " + node + ", execution " + parent);
-  return recording.Find<decltype(RecordTiltSeries)>("RecordTiltSeries")(options.Files().data(), options.files.size());
+  return recording.Find<decltype(RecordTiltSeries)>("RecordTiltSeries")(options.Files().data(), options.files.size(),
+                                                                        options.pace);
 }
 
 }  // namespace

@@ -17,6 +17,7 @@ std::optional<int> HostOptions::Read(int argc, char** argv) {
   program.Own().AddText("--data", data,
                         "Folder of the record and its settings; what it lacks of them is put there. "
                         "Default: the current directory");
+  program.Own().AddCount("--pace", pace, "Milliseconds that each section takes, as at an instrument. Default: 0");
   program.Own().AddRequiredTexts("FILE", files, "An .mdoc file");
   if (const std::optional<bool> helped = program.Read(Velora::System::Arguments(argc, argv))) {
     return *helped ? Recorded : WrongUsage;

@@ -21,4 +21,5 @@ struct HostOptions {
   Velora::CommandLine::Program program;  ///< For options of the host alone.
   std::string data = ".";
   std::vector<std::string> files;
+  long long pace = 0;
 };

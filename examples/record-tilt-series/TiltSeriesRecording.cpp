@@ -20,6 +20,7 @@
 #include <memory>
 #include <numeric>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace fs = std::filesystem;
@@ -39,16 +40,19 @@ std::uint64_t SizeOf(const fs::path& file) {
 /// Records all files. If one fails, the others are recorded all the same.
 class Run {
  public:
-  Run(ITsLogging& logging, const std::vector<fs::path>& files)
+  Run(ITsLogging& logging, const std::vector<fs::path>& files, std::chrono::milliseconds pace)
       : logging(logging),
+        pace(pace),
         bar(std::accumulate(files.begin(), files.end(), std::uint64_t{0},
                             [](std::uint64_t sum, const fs::path& f) { return sum + SizeOf(f); })) {}
 
   void Record(const fs::path& file) {
     const RecordCounts before = counts;
     try {
-      RecordSeries(logging, file, counts,
-                   [&](std::uint64_t bytes) { bar.Show(bytesBefore + bytes, file.filename().string()); });
+      RecordSeries(logging, file, counts, [&](std::uint64_t bytes) {
+        bar.Show(bytesBefore + bytes, file.filename().string());
+        WaitInNewSection();
+      });
       bar.Clear();
       if (!bar.IsShown()) {
         WriteLine(std::cout, file.string() + ": " + std::to_string(counts.sections - before.sections) + " sections, " +
@@ -88,6 +92,13 @@ class Run {
   }
 
  private:
+  void WaitInNewSection() {
+    if (counts.sections > waitedIn) {
+      waitedIn = counts.sections;
+      std::this_thread::sleep_for(pace);
+    }
+  }
+
   void Complain(const std::string& what) {
     failed = true;
     bar.Clear();
@@ -95,9 +106,11 @@ class Run {
   }
 
   ITsLogging& logging;
+  const std::chrono::milliseconds pace;
   ProgressBar bar;
   RecordCounts counts;
   std::uint64_t bytesBefore = 0;
+  std::uint64_t waitedIn = 0;  // the number of sections
   bool failed = false;
   bool tsMissing = false;
   const std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
@@ -124,13 +137,13 @@ int EnterRecordFolder(const char* folder) {
   });
 }
 
-int RecordTiltSeries(const char* const* files, std::size_t count) {
-  return Guarded([files, count] {
+int RecordTiltSeries(const char* const* files, std::size_t count, long long pace) {
+  return Guarded([files, count, pace] {
     std::vector<fs::path> paths;
     std::transform(files, files + count, std::back_inserter(paths), PathOf);
     SayWhatIsThere(paths);
     const std::shared_ptr<ITsLogging> logging = IFactory::CreateTsLogging(instrumentConfigFile);
-    Run run(*logging, paths);
+    Run run(*logging, paths, std::chrono::milliseconds(pace));
     for (const fs::path& path : paths) {
       run.Record(path);
     }

@@ -25,6 +25,7 @@ TILT_SERIES_RECORDING_API int EnterRecordFolder(const char* folder);
 /// Starts the component and records .mdoc files, each as one series. If one fails, the others are recorded all the
 /// same.
 /// @param files `count` absolute paths.
+/// @param pace milliseconds that each section takes.
 /// @return Recorded, SomethingFailed, or NothingRecorded if TS is not available.
-TILT_SERIES_RECORDING_API int RecordTiltSeries(const char* const* files, std::size_t count);
+TILT_SERIES_RECORDING_API int RecordTiltSeries(const char* const* files, std::size_t count, long long pace);
 }

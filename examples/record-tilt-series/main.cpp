@@ -19,7 +19,7 @@ int Main(int argc, char** argv) {
     return *done;
   }
   const int entered = EnterRecordFolder(options.data.c_str());
-  return entered != Recorded ? entered : RecordTiltSeries(options.Files().data(), options.files.size());
+  return entered != Recorded ? entered : RecordTiltSeries(options.Files().data(), options.files.size(), options.pace);
 }
 
 }  // namespace
