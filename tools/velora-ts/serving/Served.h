@@ -7,6 +7,7 @@
 
 namespace Velora::Ts {
 
+class Trends;
 class Watch;
 
 /// A store that is served.
@@ -19,7 +20,8 @@ struct ServedStore {
 /// What is served. It does not change while the program runs; every thread can read it.
 struct Served {
   std::vector<ServedStore> stores;
-  Watch* watch = nullptr;  ///< Looks at all of them.
+  Watch* watch = nullptr;    ///< Looks at all of them.
+  Trends* trends = nullptr;  ///< Answers questions about them, and keeps what later answers need.
 };
 
 }  // namespace Velora::Ts

@@ -1,3 +1,4 @@
+#include "asking/Trends.h"
 #include "output/Output.h"
 #include "serving/Routes.h"
 #include "serving/Served.h"
@@ -32,6 +33,8 @@ class ServeVerb : public Verb {
   ExitCode Execute() override {
     const Http::Address address = WhereToListen();
     Served served;
+    Trends trends;
+    served.trends = &trends;
     for (const std::string& folder : folders.empty() ? std::vector<std::string>{""} : folders) {
       served.stores.push_back({static_cast<int>(served.stores.size()) + 1, folder, ReadSettings(folder)});
     }

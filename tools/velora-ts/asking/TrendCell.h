@@ -1,0 +1,56 @@
+#pragma once
+
+#include "store/asking/Numbers.h"
+
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace Velora::Ts {
+
+/// A number, and how many numbers it stands for.
+using Weighted = std::pair<double, double>;
+
+/// The numbers that one source recorded in some of the time. Counts and extremes are exact. While no more than
+/// `mostPoints` are kept, so are the quantiles; Settle() keeps the middle of each of `mostPoints` parts of more.
+class TrendCell {
+ public:
+  static constexpr std::size_t mostPoints = 100;
+
+  /// A number and the event that has it. Of equal ones, the event with the lowest key.
+  struct Extreme {
+    double number = 0;
+    long long event = 0;
+    int store = 0;  ///< Of several stores.
+  };
+
+  void Add(double number, long long event);
+  /// Counts a value that is no finite number.
+  void AddOther() { ++others; }
+  /// Adds what another cell has. @param store the number of its store.
+  void Take(const TrendCell& other, int store = 0);
+  /// Keeps `mostPoints` at most.
+  void Settle();
+
+  std::size_t Count() const { return count; }
+  std::size_t Others() const { return others; }
+  const Extreme& Lowest() const { return lowest; }
+  const Extreme& Highest() const { return highest; }
+  /// How many numbers are kept.
+  std::size_t Points() const { return points.size(); }
+  /// By how many of the numbers, at most, the place of a quantile differs from where it should be.
+  double Error() const { return error; }
+  /// The quantiles of Store::Distribution. There must be a number.
+  decltype(Store::Distribution::quantiles) Quantiles() const;
+
+ private:
+  void Meet(const Extreme& low, const Extreme& high);
+  std::vector<Weighted> Sorted() const;
+
+  std::size_t count = 0, others = 0;
+  Extreme lowest, highest;
+  std::vector<Weighted> points;
+  double error = 0;
+};
+
+}  // namespace Velora::Ts

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "store/asking/EventWindow.h"
+#include "store/database/Database.h"
+
+#include <string>
+#include <vector>
+
+namespace Velora::Ts {
+
+/// How the numbers of a parameter changed over time.
+struct TrendQuestion {
+  std::string parameter;      ///< Its name, as stored.
+  Store::EventWindow window;  ///< Of the events; one of no run.
+  std::string by;             ///< "instrument" or "activity"; empty for one group.
+};
+
+/// A store that is asked.
+struct TrendStore {
+  int number = 1;  ///< In the answer.
+  Store::Database database;
+};
+
+/// Answers questions about trends.
+class Trends {
+ public:
+  /// A JSON object without its closing brace: the numbers of all stores together, in some groups, each divided into
+  /// equal parts of the time. Minimum, maximum and count are exact; "quantile_error" says by how much of the numbers of
+  /// a part, at most, the place of a quantile differs. Of several stores, one that cannot be read is left out, and one
+  /// whose records are also in another. Can be called by several threads.
+  /// @throws Store::Error when no store can be read.
+  std::string Answer(const std::vector<TrendStore>& stores, const TrendQuestion& question);
+};
+
+}  // namespace Velora::Ts
