@@ -1,22 +1,23 @@
-// embed.js OUTPUT LIBRARY RUN_SCRIPT STATISTICS_SCRIPT LICENCE...: writes the pages without their data as C++ for
-// page/writer/Frame.h.
+// embed.js OUTPUT LIBRARY RUN_SCRIPT STATISTICS_SCRIPT STORE_SCRIPT LICENCE...: writes the pages without their data as
+// C++ for page/writer/Frame.h.
 import { createHash } from 'node:crypto';
 import { readFileSync, writeFileSync } from 'node:fs';
 
 const longest = 60000; // bytes of a text that every compiler must take: 65536
 
-const [output, libraryFile, runScript, statisticsScript, ...licences] = process.argv.slice(2);
+const [output, libraryFile, runScript, statisticsScript, storeScript, ...licences] = process.argv.slice(2);
 // Browsers and compilers alike take a carriage return for a line end, of which hashes and lengths must not depend.
 const read = (file) => readFileSync(file, 'utf8').replaceAll('\r\n', '\n');
 const here = (name) => read(new URL(name, import.meta.url));
 const library = read(libraryFile);
-const common = { style: here('view/page.css'), licences: licences.map(read).join('') };
+const style = here('view/page.css');
+const licenceTexts = licences.map(read).join('');
 
 // Nothing is loaded, and nothing runs but our own style and scripts: what was recorded cannot.
 const hashOf = (text) => `'sha256-${createHash('sha256').update(text).digest('base64')}'`;
-const policyOf = (script) =>
+const policyOf = (parts) =>
   "default-src 'none'; base-uri 'none'; form-action 'none'; img-src data: blob:; " +
-  `style-src ${hashOf(common.style)}; script-src ${hashOf(library)} ${hashOf(script)}`;
+  `style-src ${hashOf(parts.style)}; script-src ${hashOf(library)} ${hashOf(parts.script)}`;
 
 /** A text as C++, in pieces that end before an ASCII character, so that none of several bytes is torn apart. */
 function pieces(text) {
@@ -34,15 +35,17 @@ function pieces(text) {
 }
 
 /** What stands before the data of a page, between them and the library, and after it. */
-function frameOf(html, script) {
-  const parts = { ...common, script };
-  for (const [name, text] of Object.entries({ ...parts, library })) {
+function frameOf(html, parts, allowed = '') {
+  for (const [name, text] of Object.entries({ ...parts, library, licences: licenceTexts })) {
     if (/<\/(script|style)|<!--/i.test(text)) {
       throw new Error(`the ${name} of the page has the end of a script or style in it, or a comment of HTML`);
     }
   }
   const split = html
-    .replace(/{{(\w+)}}/g, (place, name) => ({ policy: policyOf(script), ...parts })[name] ?? place)
+    .replace(
+      /{{(\w+)}}/g,
+      (place, name) => ({ ...parts, policy: policyOf(parts) + allowed, licences: licenceTexts })[name] ?? place,
+    )
     .split(/{{(?:data|library)}}/);
   if (split.length !== 3 || [...split, library].some((text) => text.includes(')velora"'))) {
     throw new Error('the page lacks data or library, or has )velora" in it, which ends a text of the generated C++');
@@ -59,6 +62,8 @@ function frameDefinition(name, texts) {
     .map((place, at) => definition(place, texts[at]))
     .join('')}Frame ${name}() { return {${places[0]}, ${places[1]}, libraryText, ${places[2]}}; }\n`;
 }
+// The page of a store asks the server that it comes from.
+const storeParts = { style: style + here('store/store.css'), script: read(storeScript) };
 writeFileSync(
   output,
   `#include "page/writer/Frame.h"
@@ -68,8 +73,9 @@ writeFileSync(
 namespace Velora::Page {
 
 ${definition('libraryText', library)}
-${frameDefinition('RunFrame', frameOf(here('view/page.html'), read(runScript)))}
-${frameDefinition('StatisticsFrame', frameOf(here('statistics/page.html'), read(statisticsScript)))}
+${frameDefinition('RunFrame', frameOf(here('view/page.html'), { style, script: read(runScript) }))}
+${frameDefinition('StatisticsFrame', frameOf(here('statistics/page.html'), { style, script: read(statisticsScript) }))}
+${frameDefinition('StoreFrame', frameOf(here('store/page.html'), storeParts, "; connect-src 'self'"))}
 }  // namespace Velora::Page
 `,
 );

@@ -38,11 +38,21 @@ export default [
     },
   },
   {
-    files: ['page/view/**', 'page/statistics/**'],
+    files: ['page/view/**', 'page/statistics/**', 'page/store/**'],
     languageOptions: {
       globals: readonly(
-        ...['Blob', 'Option', 'TextDecoder', 'URL', 'atob', 'clearTimeout', 'document', 'getComputedStyle'],
-        ...['requestAnimationFrame', 'setTimeout', 'window'],
+        ...[
+          'AbortController',
+          'Blob',
+          'EventSource',
+          'Notification',
+          'Option',
+          'TextDecoder',
+          'URL',
+          'URLSearchParams',
+        ],
+        ...['atob', 'clearTimeout', 'document', 'fetch', 'getComputedStyle'],
+        ...['requestAnimationFrame', 'setInterval', 'setTimeout', 'window'],
       ),
     },
     rules: {

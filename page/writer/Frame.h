@@ -15,10 +15,12 @@ struct Frame {
 };
 
 /// The page of a run.
-/// @throws NotOffered when the program was built without pages; so does the other one.
+/// @throws NotOffered when the program was built without pages; so do the others.
 Frame RunFrame();
 /// The page of statistics.
 Frame StatisticsFrame();
+/// The page of stores that are served. Its data is an object with the "version" of the program.
+Frame StoreFrame();
 
 using Write = std::function<void(std::string_view)>;
 

@@ -18,5 +18,6 @@ namespace {
 
 Frame RunFrame() { Refuse(); }
 Frame StatisticsFrame() { Refuse(); }
+Frame StoreFrame() { Refuse(); }
 
 }  // namespace Velora::Page

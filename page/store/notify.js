@@ -1,0 +1,65 @@
+// Notifications of stops, if the reader asks for them.
+
+import { KeptText } from './kept-text.js';
+import { plainName } from './run-words.js';
+
+export class Notifications {
+  constructor(asked) {
+    this.button = asked;
+    this.wanted = new KeptText('velora.notify');
+    this.told = null; // runs of which nobody has to be told any more
+    asked.addEventListener('click', () => this.toggle());
+    this.draw();
+  }
+
+  get areOffered() {
+    return 'Notification' in window && window.isSecureContext;
+  }
+
+  get areOn() {
+    return this.areOffered && Notification.permission === 'granted' && this.wanted.get() === 'yes';
+  }
+
+  async toggle() {
+    const wanted = !this.areOn;
+    if (wanted) {
+      await Notification.requestPermission();
+    }
+    this.wanted.set(wanted ? 'yes' : 'no');
+    this.draw();
+  }
+
+  draw() {
+    this.button.hidden = !this.areOffered;
+    if (this.areOffered) {
+      const isDenied = Notification.permission === 'denied';
+      this.button.disabled = isDenied;
+      this.button.textContent = this.areOn ? 'Do not notify me of stops' : 'Notify me of stops';
+      this.button.title = isDenied ? 'The settings of the browser refuse notifications of this page' : '';
+    }
+  }
+
+  /** Tells of stops that were not there when the page was opened. */
+  tell(unseen) {
+    const isFirst = this.told === null;
+    this.told = this.told ?? new Set();
+    for (const { instrument, run } of unseen.filter((stop) => !this.told.has(stop.run.run))) {
+      this.told.add(run.run);
+      if (!isFirst && this.areOn) {
+        this.notify(`STOPPED: ${plainName(instrument)}`, plainName(run.node), run.run);
+      }
+    }
+  }
+
+  notify(title, body, tag) {
+    try {
+      const notification = new Notification(title, { body, tag, requireInteraction: true });
+      notification.addEventListener('click', () => {
+        window.focus();
+        notification.close();
+      });
+    } catch {
+      // some browsers of telephones only let other scripts notify
+    }
+  }
+}

@@ -1,0 +1,139 @@
+// What runs on each instrument, what stopped and where, and since when nothing was heard.
+
+import { make, show } from '../view/element.js';
+import { count } from '../view/text.js';
+import { keep, keepList, keepText } from './kept.js';
+import { millisecondsOf, moment, spanText } from './moment.js';
+import { lastEvent, linkToRun, name, pathOf, plainName, stateBadge, stateName } from './run-words.js';
+import { troublesOf } from './troubles.js';
+
+const mostOthers = 3;
+const silentAfter = 60000; // milliseconds after which the silence of what runs is said louder
+
+export const now = {
+  name: '',
+  title: 'Now',
+  begin(section, shell) {
+    const view = new Now(section, shell);
+    return { show: () => view.tick() };
+  },
+};
+
+class Now {
+  constructor(section, { live }) {
+    this.live = live;
+    this.title = make('h1', '', 'Now');
+    this.brief = make('p', 'hint');
+    this.troubles = make('ul', 'troubles');
+    this.list = make('ul', 'instruments');
+    this.list.setAttribute('aria-label', 'Instruments');
+    section.append(this.title, this.brief, this.troubles, this.list);
+    this.lines = new Map();
+    live.onState((state) => this.draw(state));
+    setInterval(() => this.tick(), 1000);
+  }
+
+  draw(state) {
+    const several = state.stores.length > 1;
+    this.storeNames = new Map(several ? state.stores.map((one) => [one.store, one.name]) : []);
+    keepText(this.brief, briefOf(state));
+    keepList(this.troubles, troublesOf(state), {
+      keyOf: ({ key }) => key,
+      make: () => make('li', 'alarm'),
+      update: (element, trouble) => keep(element, trouble.words, () => element.replaceChildren(...trouble.draw())),
+    });
+    this.troubles.hidden = this.troubles.children.length === 0;
+    const instruments = [...state.instruments].sort(
+      (a, b) => plainName(a.name).localeCompare(plainName(b.name), 'en', { numeric: true }) || a.store - b.store,
+    );
+    keepList(this.list, instruments, {
+      keyOf: ({ store, name: instrument }) => JSON.stringify([store, instrument]),
+      make: lineOf,
+      update: (element, instrument) => this.update(element, instrument),
+    });
+    this.tick();
+  }
+
+  update(element, instrument) {
+    const run = instrument.runs[0] ?? instrument.newest;
+    const part = (className) => element.querySelector(`.${className}`);
+    element.className = `instrument is-${instrument.state}`;
+    keep(part('badge'), instrument.state, (place, state) => place.replaceChildren(stateBadge(state)));
+    keep(part('of-store'), this.storeNames.get(instrument.store) ?? '', (place, text) => show(place, text));
+    keep(part('what'), [run?.run, run?.path, run?.node], (place) =>
+      place.replaceChildren(...(run ? whatRuns(instrument.store, run) : ['no run yet'])),
+    );
+    keep(part('last'), run?.last_event, (place) => place.replaceChildren(...(run ? lastEvent(run) : [])));
+    keepText(part('rate'), rateOf(run));
+    keep(part('others'), [instrument.runs.slice(1).map((one) => [one.run, one.state]), instrument.more_runs], (place) =>
+      place.replaceChildren(...othersOf(instrument)),
+    );
+    element.dataset.state = instrument.state;
+    element.dataset.last = run?.last_recorded_at ?? instrument.last_recorded_at ?? '';
+  }
+
+  /** Counts on, between what the server says. */
+  tick() {
+    for (const element of this.list.children) {
+      const { last, state } = element.dataset;
+      const silence = last ? this.live.serverTime() - millisecondsOf(last) : NaN;
+      const words = silenceOf(state, silence);
+      keepText(element.querySelector('.silence'), words);
+      element.querySelector('.silence').classList.toggle('long', state === 'running' && silence > silentAfter);
+      keep(element.querySelector('.at'), last, (place) => place.replaceChildren(...(last ? [moment(last)] : [])));
+    }
+  }
+}
+
+function silenceOf(state, silence) {
+  if (Number.isNaN(silence)) {
+    return '';
+  }
+  return state === 'running' ? `silent for ${spanText(silence)}` : `last record ${spanText(silence)} ago`;
+}
+
+function lineOf(instrument) {
+  const title = make('h2', 'name', name(instrument.name, '(no name)'));
+  return make(
+    'li',
+    'instrument',
+    make('span', 'badge'),
+    make('div', 'whose', title, make('span', 'of-store hint')),
+    make('div', 'doing', make('p', 'what'), make('p', 'last'), make('p', 'others hint')),
+    make('div', 'pace', make('p', 'silence'), make('p', 'at hint'), make('p', 'rate hint')),
+  );
+}
+
+function whatRuns(store, run) {
+  const inner = run.path[run.path.length - 1];
+  const step = inner && run.path.length > 1 ? [', step ', make('strong', '', String(inner.step))] : [];
+  const since = [', since ', moment(inner?.started_at ?? run.started_at)];
+  return [linkToRun(store, run.run, ...pathOf(run)), ...step, ...since];
+}
+
+function rateOf(run) {
+  if (!run) {
+    return '';
+  }
+  const rate = run.events_per_minute;
+  const words = rate === null || rate === undefined ? '' : `, ${Number(rate.toPrecision(3))} per minute`;
+  return `${count(run.events, 'event')}${words}`;
+}
+
+/** What else did not finish there. */
+function othersOf({ store, runs, more_runs: more }) {
+  const others = runs.slice(1);
+  if (others.length === 0) {
+    return [];
+  }
+  const links = others
+    .slice(0, mostOthers)
+    .flatMap((run) => [', ', linkToRun(store, run.run, name(run.node)), ` (${stateName(run.state)})`]);
+  const left = others.length - mostOthers + more;
+  return ['Before it: ', ...links.slice(1), ...(left > 0 ? [` and ${left} more`] : [])];
+}
+
+function briefOf({ stores, instruments, runs_by_state: runs }) {
+  const parts = [count(instruments.length, 'instrument'), `${runs.running} running`, `${runs.stopped} stopped`];
+  return [...parts, ...(stores.length > 1 ? [count(stores.length, 'store')] : [])].join(' · ');
+}
