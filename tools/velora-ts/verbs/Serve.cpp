@@ -28,6 +28,10 @@ class ServeVerb : public Verb {
                             "Folder with TSAL.config, whose store is served. Default: the current directory", "FOLDER");
     options.AddText("--listen", listen, "Where to listen. Default: 127.0.0.1:8437. Port 0 takes any free port",
                     "ADDRESS:PORT");
+    options.AddRepeatedText("--host", names,
+                            "A further name under which it is reached, such as that of a proxy before it. Requests for "
+                            "other names are refused",
+                            "NAME");
   }
 
   ExitCode Execute() override {
@@ -39,7 +43,7 @@ class ServeVerb : public Verb {
       served.stores.push_back({static_cast<int>(served.stores.size()) + 1, folder, ReadSettings(folder)});
     }
     const System::EndRequest end;
-    Http::Server server(address, HandlersOf(served));
+    Http::Server server(address, names, HandlersOf(served));
     Say("serving " + StoresInWords(served) + " at http://" + server.Listens().InWords() + "/");
     FlushOut();
     std::thread answering([&server] { server.Serve(); });
@@ -67,7 +71,7 @@ class ServeVerb : public Verb {
     return words;
   }
 
-  std::vector<std::string> folders;
+  std::vector<std::string> folders, names;
   std::string listen = "127.0.0.1:8437";
 };
 

@@ -1,118 +1,140 @@
 #include "serving/http/Server.h"
 
-#include "serving/http/Target.h"
-#include "store/values/Json.h"
+#include "serving/http/ConnectionThreads.h"
+#include "serving/http/Limits.h"
+#include "serving/http/Responder.h"
+#include "serving/http/SocketClient.h"
+#include "store/Error.h"
 
-#include <httplib.h>
-
-#include <exception>
+#include <atomic>
+#include <cerrno>
+#include <chrono>
 #include <functional>
-#include <string>
-#include <string_view>
+#include <system_error>
 #include <utility>
 
 namespace Velora::Http {
 
 namespace {
 
-Answer ErrorAnswer(int status, std::string_view why) {
-  Answer answer;
-  answer.status = status;
-  answer.body = R"({"error":)";
-  Store::AppendText(answer.body, why);
-  answer.body += "}\n";
-  return answer;
+constexpr std::chrono::milliseconds betweenLooks(200);  // whether it has been ended
+constexpr int backlog = 512;  // connections that the system keeps until they are accepted; the library asks for 5
+
+// Two servers must not share a port. A port can be taken again at once, while connections of an ended server linger.
+void SetOptions(socket_t socket) {
+#ifdef _WIN32
+  const int option = SO_EXCLUSIVEADDRUSE;
+#else
+  const int option = SO_REUSEADDR;
+#endif
+  const int yes = 1;
+  setsockopt(socket, SOL_SOCKET, option, reinterpret_cast<const char*>(&yes), sizeof yes);
 }
 
-std::string TypeOf(const Answer& answer) {
-  const bool isText = answer.type.starts_with("text/") && answer.type.find(';') == std::string::npos;
-  return isText ? answer.type + "; charset=utf-8" : answer.type;
-}
-
-/// @return false to break the connection off: what is missing must not look like the end.
-bool WriteAll(const std::function<void(const Send&)>& write, httplib::DataSink& sink) {
-  try {
-    write([&sink](std::string_view piece) {
-      if (!piece.empty() && !sink.write(piece.data(), piece.size())) {
-        throw Store::Error("the client has left");
-      }
-    });
-    sink.done();
-    return true;
-  } catch (const std::exception&) {
-    return false;
-  }
-}
-
-void Give(Answer&& answer, httplib::Response& response) {
-  response.status = answer.status;
-  for (const auto& [name, value] : answer.headers) {
-    response.set_header(name, value);
-  }
-  if (!answer.write) {
-    response.set_content(answer.body, TypeOf(answer));
-    return;
-  }
-  response.set_chunked_content_provider(
-      TypeOf(answer),
-      [write = std::move(answer.write)](std::size_t, httplib::DataSink& sink) { return WriteAll(write, sink); });
+void Close(socket_t socket) {
+#ifdef _WIN32
+  closesocket(socket);
+#else
+  close(socket);
+#endif
 }
 
 }  // namespace
 
-class Server::Listener : public httplib::Server {
+class Server::Listener : public Responder {
  public:
-  Listener(Address wanted, Http::Handlers handlers) : address(std::move(wanted)), handlers(std::move(handlers)) {
-    set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-      Give(AnswerTo(request), response);
-      return HandlerResponse::Handled;
-    });
-    address.port = address.port == 0 ? bind_to_any_port(address.host)
-                                     : (bind_to_port(address.host, address.port) ? address.port : -1);
-    if (address.port < 0) {
-      throw Store::Error("nothing can listen at " + wanted.InWords());
-    }
+  Listener(const Address& wanted, const std::vector<std::string>& names, Http::Handlers handlers)
+      : Responder(Access(wanted, names), std::move(handlers)), address(wanted) {
+    new_task_queue = [this] { return new Threads(*this); };
+    set_socket_options(&SetOptions);
+    set_idle_interval(betweenLooks);
+    Bind();
   }
+
+  ~Listener() override { StopListening(); }
 
   const Address& Listens() const { return address; }
 
- private:
-  Http::Answer AnswerTo(const httplib::Request& request) const {
-    try {
-      if (request.method != "GET" && request.method != "HEAD") {
-        throw Refusal(405, "only GET and HEAD are answered");
+  void Serve() {
+    while (!ended) {
+      static_cast<void>(listen_after_bind());
+      if (!ended) {  // the library gives up when the system fails to hand over one connection
+        Bind();
       }
-      Target target = ReadTarget(request.target);
-      const auto handler = handlers.find(target.path);
-      if (handler == handlers.end()) {
-        throw Refusal(404, "there is no such path");
-      }
-      Question question(std::move(target.parameters));
-      return handler->second.answer(question);
-    } catch (const Refusal& refusal) {
-      return ErrorAnswer(refusal.Status(), refusal.what());
-    } catch (const std::exception& error) {
-      return ErrorAnswer(500, error.what());
     }
   }
 
+  void End() {
+    ended = true;
+    EndWaiting();
+  }
+
+ private:
+  // The library may use its socket at any moment, so it is closed on the thread of the library.
+  class Threads : public ConnectionThreads {
+   public:
+    explicit Threads(Listener& listener)
+        : ConnectionThreads(listener.connections, mostConnections), listener(listener) {}
+
+    void on_idle() override {
+      if (listener.ended) {
+        listener.StopListening();
+      }
+    }
+    void enqueue(std::function<void()> answer) override {
+      ConnectionThreads::enqueue(std::move(answer));
+      on_idle();
+    }
+
+   private:
+    Listener& listener;
+  };
+
+  void StopListening() {
+    const socket_t socket = svr_sock_.exchange(INVALID_SOCKET);
+    if (socket != INVALID_SOCKET) {
+      Close(socket);
+    }
+  }
+
+  void Bind() {
+    errno = 0;
+    const int port = address.port == 0                          ? bind_to_any_port(address.host)
+                     : bind_to_port(address.host, address.port) ? address.port
+                                                                : -1;
+    if (port < 0) {
+      const std::string why = errno == 0 ? "" : ": " + std::generic_category().message(errno);
+      throw Store::Error("the server cannot listen at " + address.InWords() + why);
+    }
+    address.port = port;
+    ::listen(svr_sock_, backlog);
+  }
+
+  bool process_and_close_socket(socket_t socket) override {
+    {
+      Connections::Connection connection(connections, socket);
+      SocketClient client(connection);
+      HeadReader heads(client);
+      while (!ended && AnswerNext(heads, client)) {
+      }
+      client.Farewell();
+    }
+    Close(socket);
+    return true;
+  }
+
   Address address;
-  const Http::Handlers handlers;
+  Connections connections;
+  std::atomic<bool> ended = false;
 };
 
-Server::Server(const Address& address, Handlers handlers)
-    : listener(std::make_unique<Listener>(address, std::move(handlers))) {}
+Server::Server(const Address& address, const std::vector<std::string>& names, Handlers handlers)
+    : listener(std::make_unique<Listener>(address, names, std::move(handlers))) {}
 
 Server::~Server() = default;
 
 const Address& Server::Listens() const { return listener->Listens(); }
-
-void Server::Serve() {
-  if (!listener->listen_after_bind()) {
-    throw Store::Error("the server at " + Listens().InWords() + " cannot listen any longer");
-  }
-}
-
-void Server::End() { listener->stop(); }
+void Server::Serve() { listener->Serve(); }
+void Server::End() { listener->End(); }
 
 }  // namespace Velora::Http

@@ -4,25 +4,29 @@
 #include "serving/http/Handler.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace Velora::Http {
 
-/// A server of answers to GET and HEAD requests, on this thread and others.
+/// A server of answers to GET and HEAD requests. Each connection has a thread; Limits.h says how many, and how long it
+/// waits for a client.
 class Server {
  public:
   /// Begins to listen.
+  /// @param names further names under which it is reached, such as that of a proxy. A request for any other is refused.
   /// @throws Error when that is not possible.
-  Server(const Address& address, Handlers handlers);
+  Server(const Address& address, const std::vector<std::string>& names, Handlers handlers);
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
   ~Server();
 
   /// Where it listens, with the port that it found.
   const Address& Listens() const;
-  /// Answers requests until End() is called. To be called once.
+  /// Answers requests until End() is called, and every answer has ended. To be called once.
   /// @throws Error when it cannot listen any longer.
   void Serve();
-  /// Ends every answer, and Serve(). Any thread may call it.
+  /// Closes all connections, so that Serve() ends. Any thread may call it, also before Serve().
   void End();
 
  private:
