@@ -1,4 +1,4 @@
-#include "page/writer/Frame.h"
+#include "serving/Document.h"
 #include "serving/Route.h"
 
 namespace Velora::Ts {
@@ -6,15 +6,7 @@ namespace Velora::Ts {
 namespace {
 
 // Without data, which the page asks for.
-Http::Answer RunPage(const Served&, Http::Question&) {
-  const Page::Frame frame = Page::RunFrame();
-  Http::Answer answer;
-  answer.type = "text/html";
-  answer.write = [frame](const Http::Send& send) {
-    Page::WriteFramed(frame, send, [](const Page::Write& write) { write("null"); });
-  };
-  return answer;
-}
+Http::Answer RunPage(const Served&, Http::Question&) { return DocumentOf(Page::RunFrame(), "null"); }
 
 }  // namespace
 
