@@ -2,6 +2,7 @@
 
 import { lengthOf } from './clock.js';
 import { addInSteps, linkTo, make, show } from './element.js';
+import { renew } from './renew.js';
 import { statusOf } from './states.js';
 import { statusName } from './statuses.js';
 import { count, firstOf, noName } from './text.js';
@@ -29,15 +30,18 @@ export function showAgainst(recorded) {
   }
   const { other, counterparts, othersAlone } = against;
   const alone = recorded.count - counterparts.size;
-  section.append(
-    make(
-      'h2',
-      '',
-      'Compared with ',
-      stored(other.node[other.root]),
-      ` of ${other.clock.local(0)} `,
-      make('code', 'hint', other.raw.run),
-    ),
+  const title = make(
+    'h2',
+    '',
+    'Compared with ',
+    stored(other.node[other.root]),
+    ` of ${other.clock.local(0)} `,
+    make('code', 'hint', other.raw.run),
+  );
+  title.id = 'against-title';
+  const wereOpen = [...section.querySelectorAll('details[open]')].map(({ className }) => className);
+  renew(section, [
+    title,
     make(
       'p',
       '',
@@ -45,10 +49,10 @@ export function showAgainst(recorded) {
         `alone in this run: ${alone.toLocaleString('en')}, in the other: ${othersAlone.length.toLocaleString('en')}.`,
     ),
     partingOf(recorded),
-    ...list(`${count(othersAlone.length, 'step')} of the other run alone`, othersAlone, (there) =>
+    ...list('alone', `${count(othersAlone.length, 'step')} of the other run alone`, othersAlone, (there) =>
       make('li', '', ...pathIn(other, there), `, ${lengthOf(other.started[there])} after its start`),
     ),
-    ...list(`${count(against.raw.lines.length, 'line')} of the configurations`, against.raw.lines, (line) =>
+    ...list('lines-of', `${count(against.raw.lines.length, 'line')} of the configurations`, against.raw.lines, (line) =>
       make(
         'li',
         '',
@@ -57,17 +61,17 @@ export function showAgainst(recorded) {
       ),
     ),
     ...rulesOf(against),
-  );
-  section.querySelector('h2').id = 'against-title';
+  ]);
+  section.querySelectorAll('details').forEach((one) => (one.open = wereOpen.includes(one.className)));
 }
 
-function list(title, items, elementOf) {
+function list(kind, title, items, elementOf) {
   if (items.length === 0) {
     return [];
   }
   const block = make('ul', 'lines');
   addInSteps(block, items, atOnce, elementOf);
-  return [make('details', '', make('summary', '', title), block)];
+  return [make('details', kind, make('summary', '', title), block)];
 }
 
 function rulesOf({ raw: { rules } }) {

@@ -3,7 +3,7 @@
 
 import { columnsOf } from './columns.js';
 import { wholeColumn, wholes } from './form.js';
-import { Recorded } from './recorded.js';
+import { keyOf, Recorded } from './recorded.js';
 import { statusOf } from './states.js';
 import { briefly, numberOf, valueText } from './values.js';
 
@@ -35,7 +35,6 @@ function activityOf(run, at) {
   return version ? `${version.name} ${version.version}` : '';
 }
 
-const keyOf = ({ event, name, occurrence }) => JSON.stringify([event, name, occurrence]);
 const mapOf = (own, other) => new Map(own.map((key, place) => [key, other[place]]));
 
 export class Against {

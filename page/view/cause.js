@@ -4,6 +4,7 @@ import { button, linkTo, make } from './element.js';
 import { eventBlock } from './event-block.js';
 import { graveLines } from './log-lines.js';
 import { lineOf } from './log-section.js';
+import { renew } from './renew.js';
 import { stateName } from './states.js';
 import { count } from './text.js';
 
@@ -41,9 +42,9 @@ function lastEventsAt(recorded, at) {
 export function showCause(recorded, filterUnfinished) {
   const alarm = document.getElementById('alarm');
   alarm.hidden = recorded.unfinished.length === 0;
-  alarm.replaceChildren();
   alarm.setAttribute('role', 'region');
   if (alarm.hidden) {
+    alarm.replaceChildren();
     return;
   }
   const at = whereItStopped(recorded);
@@ -54,8 +55,9 @@ export function showCause(recorded, filterUnfinished) {
   const title = make('h2', '', make('strong', '', stateName(state)));
   title.id = 'alarm-title';
   alarm.setAttribute('aria-labelledby', title.id);
-  const [newest, ...earlier] = lastEventsAt(recorded, at).map((event) => causeEvent(recorded, event, at));
-  alarm.append(
+  const events = lastEventsAt(recorded, at);
+  const [newest, ...earlier] = events.map((event) => causeEvent(recorded, event, at));
+  renew(alarm, [
     title,
     make('p', 'since', recorded.states.wordsFor(number, recorded.clock)),
     make('p', 'path', ...path.flatMap((step, level) => [...(level > 0 ? [' › '] : []), linkTo(recorded, step)])),
@@ -68,7 +70,7 @@ export function showCause(recorded, filterUnfinished) {
     ...(earlier.length > 0 ? [make('h3', '', 'Before it')] : []),
     ...earlier,
     ...othersBeside(recorded, path, filterUnfinished),
-  );
+  ]);
 }
 
 function causeEvent(recorded, event, at) {

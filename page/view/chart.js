@@ -115,7 +115,7 @@ export class Chart {
 
   /** Draws anew what an option names, and leaves the rest of the drawing. */
   change(option) {
-    this.echarts.setOption(option, { replaceMerge: ['series'] });
+    this.echarts.setOption(option, { replaceMerge: ['series', 'yAxis'].filter((name) => name in option) });
   }
 
   /** Puts a finished picture in the place of the drawing: paper does not wait for the next frame. */

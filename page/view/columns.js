@@ -2,6 +2,7 @@
 
 import { lengthOf } from './clock.js';
 import { numberCell, textCell, valueCell } from './csv.js';
+import { keyOf } from './recorded.js';
 import { statusOf } from './states.js';
 import { statusName } from './statuses.js';
 import { briefText, valueText } from './values.js';
@@ -10,25 +11,28 @@ const likelyColumns = ['TiltAngle', 'ExposureDose', 'Defocus'];
 const mostOwnColumns = 5;
 
 export function columnsOf(recorded) {
-  const keyOf = ({ name, occurrence }) => JSON.stringify([name, occurrence]);
+  const nameOf = ({ name, occurrence }) => JSON.stringify([name, occurrence]);
   const eventsWith = new Map();
   for (const quantity of recorded.quantities) {
-    eventsWith.set(keyOf(quantity), (eventsWith.get(keyOf(quantity)) ?? 0) + 1);
+    eventsWith.set(nameOf(quantity), (eventsWith.get(nameOf(quantity)) ?? 0) + 1);
   }
   return [
     ...fixedColumns(recorded),
     ...recorded.quantities.map((quantity) => {
       const { event, name } = quantity;
-      const unique = eventsWith.get(keyOf(quantity)) === 1;
+      const unique = eventsWith.get(nameOf(quantity)) === 1;
       return parameterColumn(recorded, quantity, unique ? name : `${event} · ${name}`);
     }),
   ];
 }
 
-/** A column: its stored name, the value in a row, that as a stored text, and as a cell of CSV; shown where picked. */
+/**
+ * A column: what tells it from others, its stored name, the value in a row, that as a stored text, and as a cell of CSV;
+ * shown where picked.
+ */
 function column(name, value, more = {}) {
   const text = more.text ?? value;
-  return { name, value, text, csv: (at) => textCell(text(at)), occurrence: 1, shown: true, ...more };
+  return { key: name, name, value, text, csv: (at) => textCell(text(at)), occurrence: 1, shown: true, ...more };
 }
 
 function fixedColumns(recorded) {
@@ -57,6 +61,7 @@ function fixedColumns(recorded) {
       number: true,
     }),
     column(recorded.raw.slices ? 'Events kept' : 'Events', events, {
+      key: 'Events',
       text: (at) => String(events(at)),
       csv: (at) => numberCell(events(at)),
       number: true,
@@ -87,6 +92,7 @@ function parameterColumn(recorded, quantity, name) {
   return column(name, value, {
     ...{ text, brief, csv, quantity, occurrence: quantity.occurrence, number: quantity.numeric, shown: false },
     stored,
+    key: keyOf(quantity),
   });
 }
 

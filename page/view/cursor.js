@@ -42,7 +42,7 @@ export class Cursor {
   /** The place of the same item as before, or of the last that begins before it ended. */
   placeIn(items) {
     const { execution, event, sign, from } = this.item;
-    const isSame = (one) => one.execution === execution && one.event === event && one.sign === sign;
+    const isSame = (one) => one.execution === execution && one.event?.number === event?.number && one.sign === sign;
     const same = this.item.type === 'bar' ? -1 : items.findIndex((one) => one.type !== 'bar' && isSame(one));
     return same >= 0 ? same : items.findLastIndex((one) => one.from <= from);
   }
@@ -99,6 +99,23 @@ export class Cursor {
     this.item = null;
     this.frame.hidden = true;
     this.say('');
+  }
+
+  /** More was recorded: what it is on can be longer now, and its lane at another place. */
+  take(lanesBefore) {
+    const { view, lanes } = this.timeline;
+    const { label, subLanes } = lanesBefore[this.lane];
+    if (!subLanes) {
+      this.lane = lanes.findIndex((one) => !one.subLanes && one.label === label); // levels come before it
+    }
+    if (this.lane < 0) {
+      this.lane = 0;
+      this.item = null;
+    } else if (this.item && this.item.to >= view.from && this.item.from <= view.to) {
+      const items = this.itemsOf(this.lane);
+      this.item = items[this.placeIn(items)] ?? null;
+    }
+    this.show();
   }
 
   /** Another time is drawn. */

@@ -1,5 +1,6 @@
 // Which executions the table shows: those of a status, of an activity, and with a text.
 
+import { renew } from './renew.js';
 import { running, statusName } from './statuses.js';
 import { readable } from './text.js';
 
@@ -44,20 +45,13 @@ export class Filter {
    * @param differs tells whether an execution differs from the run with which this one is compared.
    */
   constructor(recorded, changed, differs) {
-    Object.assign(this, { recorded, changed, differs, found: null });
+    Object.assign(this, { changed, differs });
     this.onlyDiffering = document.getElementById('only-differing');
-    this.onlyDiffering.parentElement.hidden = !recorded.against;
     this.onlyDiffering.addEventListener('change', () => changed());
     this.text = document.getElementById('find');
     this.status = document.getElementById('of-status');
     this.activity = document.getElementById('of-activity');
-    this.offer(this.status, 'any status', recorded.status, (code) =>
-      code === running ? 'did not finish' : statusName(code),
-    );
-    this.activities = recorded.version.map((version) => recorded.versions.get(version)?.name ?? null);
-    this.offer(this.activity, 'any activity', this.activities, (name) =>
-      name === null ? 'no activity' : readable(name),
-    );
+    this.take(recorded);
     this.status.addEventListener('change', () => changed());
     this.activity.addEventListener('change', () => changed());
     this.text.addEventListener('input', () => {
@@ -69,13 +63,35 @@ export class Filter {
     });
   }
 
+  /** Offers what was recorded, and leaves what is chosen. */
+  take(recorded) {
+    this.recorded = recorded;
+    this.onlyDiffering.parentElement.hidden = !recorded.against;
+    this.offer(this.status, 'any status', recorded.status, (code) =>
+      code === running ? 'did not finish' : statusName(code),
+    );
+    this.activities = recorded.version.map((version) => recorded.versions.get(version)?.name ?? null);
+    this.offer(this.activity, 'any activity', this.activities, (name) =>
+      name === null ? 'no activity' : readable(name),
+    );
+    this.find();
+  }
+
   /** Offers what executions below the run have, and how many of them. */
   offer(select, any, values, nameOf) {
+    const chosen = select.choices ? this.chosen(select) : undefined;
     const counts = new Map();
     values.forEach((value, at) => at !== this.recorded.root && counts.set(value, (counts.get(value) ?? 0) + 1));
+    if (chosen !== undefined && !counts.has(chosen)) {
+      counts.set(chosen, 0);
+    }
     const choices = [...counts].map(([value, total]) => [`${nameOf(value)} (${total.toLocaleString('en')})`, value]);
     select.choices = [[any, undefined], ...choices];
-    select.replaceChildren(...select.choices.map(([name], place) => new Option(name, place)));
+    renew(
+      select,
+      select.choices.map(([name], place) => new Option(name, place)),
+    );
+    select.value = String(select.choices.findIndex(([, value]) => value === chosen));
     select.hidden = choices.length < 2;
   }
 

@@ -4,21 +4,32 @@ import { lengthOf } from './clock.js';
 import { colour, statusColour } from './colours.js';
 import { make, show, showName } from './element.js';
 import { showLong } from './long-text.js';
+import { renew } from './renew.js';
 import { statusOf } from './states.js';
 import { running, statusName } from './statuses.js';
 import { count, noName, readable } from './text.js';
 
 const mostNamed = 5;
 
+export const titleOf = ({ node, root, clock }) => `${readable(node[root])} · ${clock.date(0)}`;
+
+/** What stays as it is while a run is recorded. */
 export function showHead(recorded) {
+  const { root, unfinished } = recorded;
+  document.title = titleOf(recorded);
+  showName(document.getElementById('title'), recorded.node[root]);
+  showLong(document.getElementById('subtitle'), recorded.description[root] ?? '');
+  document.getElementById('all-facts').open =
+    unfinished.length === 0 && window.matchMedia('(min-width: 1000px) and (min-height: 800px)').matches;
+}
+
+/** What is known so far. */
+export function showFacts(recorded) {
   const { raw, clock, root } = recorded;
   const version = recorded.versions.get(recorded.version[root]);
   const session = recorded.sessions.get(recorded.session[root]);
-  document.title = `${readable(recorded.node[root])} · ${clock.date(0)}`;
-  showName(document.getElementById('title'), recorded.node[root]);
-  showLong(document.getElementById('subtitle'), recorded.description[root] ?? '');
-  const facts = document.getElementById('facts');
-  const fact = (name, ...children) => facts.append(make('div', '', make('dt', '', name), make('dd', '', ...children)));
+  const facts = [];
+  const fact = (name, ...children) => facts.push(make('div', '', make('dt', '', name), make('dd', '', ...children)));
   const stored = (text) => show(make('span'), text);
   fact(
     'Activity',
@@ -35,6 +46,7 @@ export function showHead(recorded) {
   fact('Sealed', ...sealOf(recorded));
   fact('Shown', ...shownOf(recorded));
   fact('Run', make('code', '', raw.run));
+  renew(document.getElementById('facts'), facts);
   showNotes(recorded);
   showBrief(recorded, session, open, end);
   showConfigurations(recorded);
@@ -43,10 +55,11 @@ export function showHead(recorded) {
     "Times are those of this computer's time zone.";
 }
 
-/** What was noted about the run. */
+/** What was noted about the run. The list only grows. */
 function showNotes({ raw, clock }) {
-  document.getElementById('notes').replaceChildren(
-    ...raw.notes.map(({ kind, text, author, at }) => {
+  const list = document.getElementById('notes');
+  list.append(
+    ...raw.notes.slice(list.children.length).map(({ kind, text, author, at }) => {
       const words = showLong(make('span', 'text'), text);
       const by = make('span', 'hint', ' ', show(make('span'), author), `, ${clock.local(at ?? NaN)}`);
       return make('li', '', make('strong', '', kind), ' ', words, by);
@@ -54,7 +67,7 @@ function showNotes({ raw, clock }) {
   );
 }
 
-/** The facts in one line; it opens all of them, and is open where that leaves room for the timeline. */
+/** The facts in one line, which opens all of them. */
 function showBrief(recorded, session, open, end) {
   const { unfinished, clock, root } = recorded;
   const parts = [
@@ -63,9 +76,10 @@ function showBrief(recorded, session, open, end) {
     lengthOf(end),
     unfinished.length > 0 && !open ? `${unfinished.length} did not finish` : statusOf(recorded, root),
   ];
-  document.getElementById('brief').replaceChildren(...parts.flatMap((part, at) => (at > 0 ? [' · ', part] : [part])));
-  document.getElementById('all-facts').open =
-    unfinished.length === 0 && window.matchMedia('(min-width: 1000px) and (min-height: 800px)').matches;
+  renew(
+    document.getElementById('brief'),
+    parts.flatMap((part, at) => (at > 0 ? [' · ', part] : [part])),
+  );
 }
 
 function shownOf(recorded) {
@@ -104,6 +118,7 @@ function sealOf({ raw, clock }) {
   ];
 }
 
+/** The list only grows. */
 function showConfigurations(recorded) {
   const { configurations } = recorded.raw;
   const names = [
@@ -113,8 +128,9 @@ function showConfigurations(recorded) {
     ['Host', 'host_name'],
     ['Options', 'option_text'],
   ];
-  document.getElementById('configurations').replaceChildren(
-    ...configurations.map((configuration) => {
+  const block = document.getElementById('configurations');
+  block.append(
+    ...configurations.slice(block.children.length).map((configuration) => {
       const saved = ` saved ${recorded.clock.local(recorded.clock.read(configuration.saved_at))}`;
       const list = make(
         'dl',
@@ -143,12 +159,10 @@ export function showLegend(recorded) {
     item.firstChild.style.background = background;
     return item;
   };
-  document
-    .getElementById('legend')
-    .replaceChildren(
-      ...codes.map((code) => entry(code === running ? 'did not finish' : statusName(code), statusColour(code))),
-      entry('event', colour('event')),
-      ...(recorded.against ? [entry('the other run', colour('against'))] : []),
-      ...levels.map((level) => entry(level, colour(level))),
-    );
+  renew(document.getElementById('legend'), [
+    ...codes.map((code) => entry(code === running ? 'did not finish' : statusName(code), statusColour(code))),
+    entry('event', colour('event')),
+    ...(recorded.against ? [entry('the other run', colour('against'))] : []),
+    ...levels.map((level) => entry(level, colour(level))),
+  ]);
 }

@@ -1,35 +1,92 @@
 // The history of one execution: its statuses, and its events with their parameters.
 
 import { statusVariable } from './colours.js';
-import { addInSteps, button, make } from './element.js';
+import { button, make } from './element.js';
 import { eventBlock } from './event-block.js';
 import { graveLines } from './log-lines.js';
 import { lineOf } from './log-section.js';
 import { showLong } from './long-text.js';
+import { renew } from './renew.js';
 import { running, statusName } from './statuses.js';
 import { count } from './text.js';
 
 const entriesAtOnce = 20;
 
-export function historyOf(recorded, at) {
-  const { clock } = recorded;
-  const statuses = make(
-    'ol',
-    'statuses',
-    ...recorded.history[at].map(({ code, at: time }) => {
-      const item = make('li', '', make('span', 'swatch'), `${statusName(code)} (${code}) since ${clock.local(time)}`);
-      item.firstChild.style.background = `var(--${statusVariable(code)})`;
-      return item;
-    }),
-  );
-  const facts = make(
-    'p',
-    'hint',
-    `execution ${recorded.number[at]} of the store`,
-    ...(recorded.description[at] ? ['; ', showLong(make('span', 'text'), recorded.description[at])] : []),
-  );
-  const block = make('div', 'history', facts, make('h3', '', 'Statuses'), statuses, ...eventsOf(recorded, at));
-  return block;
+export class History {
+  constructor(recorded, at) {
+    Object.assign(this, { at, entries: [], shown: entriesAtOnce, blocks: new Map() });
+    this.newestFirst = recorded.status[at] === running; // there it stopped
+    const facts = make(
+      'p',
+      'hint',
+      `execution ${recorded.number[at]} of the store`,
+      ...(recorded.description[at] ? ['; ', showLong(make('span', 'text'), recorded.description[at])] : []),
+    );
+    this.statuses = make('ol', 'statuses');
+    this.title = make('h3');
+    this.order = button('order', '', () => {
+      this.newestFirst = !this.newestFirst;
+      this.shown = entriesAtOnce;
+      this.put();
+    });
+    this.kept = make('p', 'hint', 'Only events that were kept when binning are listed.');
+    this.list = make('div', 'events');
+    const parts = [facts, make('h3', '', 'Statuses'), this.statuses, this.title, this.kept, this.list];
+    this.element = make('div', 'history', ...parts);
+    this.take(recorded);
+  }
+
+  /** Shows what was recorded since, and leaves what is open. */
+  take(recorded) {
+    const { at } = this;
+    const before = this.entries.length;
+    this.recorded = recorded;
+    this.entries = entriesOf(recorded, at);
+    renew(
+      this.statuses,
+      recorded.history[at].map((status) => this.itemOf(status)),
+    );
+    const { length } = recorded.eventsOf[at];
+    const lines = this.entries.length - length;
+    renew(this.title, [
+      count(length, 'event') + (lines > 0 ? ` and ${count(lines, 'line')} of the log` : ''),
+      ...(this.entries.length > 1 ? [' ', this.order] : []),
+    ]);
+    this.kept.hidden = recorded.raw.slices === null;
+    this.shown += this.newestFirst && before > 0 ? this.entries.length - before : 0;
+    this.put();
+  }
+
+  itemOf({ code, at }) {
+    const words = `${statusName(code)} (${code}) since ${this.recorded.clock.local(at)}`;
+    const item = make('li', '', make('span', 'swatch'), words);
+    item.firstChild.style.background = `var(--${statusVariable(code)})`;
+    return item;
+  }
+
+  put() {
+    const { newestFirst, order } = this;
+    order.textContent = newestFirst ? 'Newest first' : 'Oldest first';
+    order.title = `Show the ${newestFirst ? 'oldest' : 'newest'} first`;
+    const entries = newestFirst ? [...this.entries].reverse() : this.entries;
+    const left = entries.length - this.shown;
+    const more = button('more', `Show more: ${left.toLocaleString('en')} further`, () => {
+      this.shown += entriesAtOnce;
+      this.put();
+    });
+    const blocks = entries.slice(0, this.shown).map((entry) => this.blockOf(entry));
+    renew(this.list, [...blocks, ...(left > 0 ? [more] : [])]);
+  }
+
+  /** An event never changes, unlike the event of another run with which it is compared. */
+  blockOf(entry) {
+    const { recorded } = this;
+    if (!entry.event || recorded.against) {
+      return elementOf(recorded, entry);
+    }
+    const { number } = entry.event;
+    return this.blocks.get(number) ?? this.blocks.set(number, elementOf(recorded, entry)).get(number);
+  }
 }
 
 /** The events, and warnings and errors of the log in the time of the execution, in the order of time. */
@@ -49,32 +106,4 @@ function entriesOf(recorded, at) {
 
 function elementOf(recorded, { event, line }) {
   return event ? eventBlock(recorded, event) : make('ol', 'lines', lineOf(recorded, line));
-}
-
-/** The events, of what did not finish the newest first: there it stopped. */
-function eventsOf(recorded, at) {
-  const entries = entriesOf(recorded, at);
-  const { length } = recorded.eventsOf[at];
-  const lines = entries.length - length;
-  const list = make('div', 'events');
-  const order = button('order', '', () => put(!newestFirst));
-  let newestFirst;
-  function put(newest) {
-    newestFirst = newest;
-    order.textContent = newest ? 'Newest first' : 'Oldest first';
-    order.title = `Show the ${newest ? 'oldest' : 'newest'} first`;
-    list.replaceChildren();
-    addInSteps(list, newest ? [...entries].reverse() : entries, entriesAtOnce, (one) => elementOf(recorded, one));
-  }
-  put(recorded.status[at] === running);
-  return [
-    make(
-      'h3',
-      '',
-      count(length, 'event') + (lines > 0 ? ` and ${count(lines, 'line')} of the log` : ''),
-      ...(entries.length > 1 ? [' ', order] : []),
-    ),
-    ...(recorded.raw.slices ? [make('p', 'hint', 'Only events that were kept when binning are listed.')] : []),
-    list,
-  ];
 }

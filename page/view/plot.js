@@ -4,7 +4,9 @@ import { Chart, isPrinting, left, plain, right, shortened, timeAxis } from './ch
 import { colour } from './colours.js';
 import { make } from './element.js';
 import { firstOver, firstQuantity } from './first-plot.js';
+import { keyOf } from './recorded.js';
 import { pointsOf } from './plotted.js';
+import { renew } from './renew.js';
 import { drawnOf, fewPoints, placesIn, rangeOf, side } from './points.js';
 import { barsIn, slicesIn } from './slices.js';
 import { statusName } from './statuses.js';
@@ -19,7 +21,7 @@ const manySize = () => (isPrinting() ? 4 : 3.9);
 
 export class Plot {
   constructor(element, recorded, time, open) {
-    Object.assign(this, { element, recorded, time, open, quantities: recorded.quantities });
+    Object.assign(this, { element, recorded, time });
     this.choiceY = document.getElementById('plot-y');
     this.choiceX = document.getElementById('plot-x');
     this.note = document.getElementById('plot-note');
@@ -27,11 +29,13 @@ export class Plot {
     this.chart.onItem(({ seriesIndex, dataIndex }) => {
       const group = this.groups[seriesIndex];
       const event = group?.points[dataIndex]?.event;
-      const at = group?.run === recorded ? event?.execution : recorded.against?.owns.get(event?.execution);
+      const isOwn = group?.run === this.recorded;
+      const at = isOwn ? event?.execution : this.recorded.against?.owns.get(event?.execution);
       if (at !== undefined) {
         open(at);
       }
     });
+    this.choose();
     this.offerY();
     this.choiceY.addEventListener('change', () => {
       this.y = this.quantities[this.choiceY.value];
@@ -42,22 +46,49 @@ export class Plot {
       this.x = this.choiceX.value === '' ? null : this.quantities[this.choiceX.value];
       this.draw();
     });
+    [this.choiceY, this.choiceX].forEach((choice) =>
+      choice.addEventListener('focus', () => this.note.setAttribute('aria-live', 'polite')),
+    );
   }
 
-  offerY() {
-    for (const { name } of this.recorded.kinds) {
-      const group = make('optgroup');
-      group.label = eventName(name);
-      group.append(...this.options((quantity) => quantity.numeric && quantity.event === name));
-      if (group.children.length > 0) {
-        this.choiceY.append(group);
-      }
+  /** Draws what was recorded since, of what is chosen. */
+  take(recorded) {
+    const [y, x] = [this.y, this.x].map(
+      (one) => one && recorded.quantities.find((other) => keyOf(other) === keyOf(one)),
+    );
+    Object.assign(this, { recorded, read: null, y, x: x ?? null });
+    if (!y?.numeric) {
+      this.choose();
     }
+    this.note.setAttribute('aria-live', 'off'); // it says something else each time
+    this.offerY();
+    this.chart.fit(plotHeight());
+    this.chart.change(this.whole());
+  }
+
+  get quantities() {
+    return this.recorded.quantities;
+  }
+
+  choose() {
     this.y = firstQuantity(
       this.recorded,
       this.quantities.filter(({ numeric }) => numeric),
     );
     this.x = firstOver(this.recorded, this.y);
+  }
+
+  offerY() {
+    const groups = this.recorded.kinds.map(({ name }) => {
+      const group = make('optgroup');
+      group.label = eventName(name);
+      group.append(...this.options((quantity) => quantity.numeric && quantity.event === name));
+      return group;
+    });
+    renew(
+      this.choiceY,
+      groups.filter((group) => group.children.length > 0),
+    );
     this.choiceY.value = this.quantities.indexOf(this.y);
     this.offerX();
   }
@@ -65,10 +96,10 @@ export class Plot {
   /** Offers the parameters of the same event, and keeps what is chosen where it is one. */
   offerX() {
     const isOther = (quantity) => quantity.event === this.y.event && quantity !== this.y;
-    this.choiceX.replaceChildren(
+    renew(this.choiceX, [
       new Option('time', ''),
       ...this.options((quantity) => isOther(quantity) && (quantity.numeric || quantity.timely)),
-    );
+    ]);
     if (this.x !== null && !isOther(this.x)) {
       this.x = null;
     }
@@ -81,14 +112,18 @@ export class Plot {
 
   draw() {
     this.chart.fit(plotHeight());
+    this.chart.draw(this.whole());
+  }
+
+  whole() {
     if (this.read?.y !== this.y || this.read.x !== this.x) {
       this.read = pointsOf(this.recorded, { x: this.x, y: this.y });
     }
-    this.chart.draw({
+    return {
       grid: { left, right, top, bottom, outerBoundsMode: 'none' },
       yAxis: this.axis(this.y, { nameGap: 62, nameLocation: 'middle', nameRotate: 90 }),
       ...this.inTheTimeShown(),
-    });
+    };
   }
 
   /** The time shown has changed. */

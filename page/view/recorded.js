@@ -9,6 +9,9 @@ import { statedTime } from './stated-time.js';
 import { readable } from './text.js';
 import { numberOf } from './values.js';
 
+/** What tells a quantity from others, in every run that has it. */
+export const keyOf = ({ event, name, occurrence }) => JSON.stringify([event, name, occurrence]);
+
 const enoughTexts = 100; // to see whether all are times
 
 /** A parameter of a kind of event: the occurrence-th of its name there. */
@@ -150,7 +153,7 @@ export class Recorded {
       shape.parameters.forEach(([name, kind], place) => {
         const occurrence = (seen.get(name) ?? 0) + 1;
         seen.set(name, occurrence);
-        const key = JSON.stringify([shape.name, name, occurrence]);
+        const key = keyOf({ event: shape.name, name, occurrence });
         if (!found.has(key)) {
           found.set(key, new Quantity(shape.name, name, occurrence));
         }

@@ -6,7 +6,8 @@ import { isPrinting } from './chart.js';
 import { columnsOf, orders, pickLikely } from './columns.js';
 import { button, make, show, showName } from './element.js';
 import { Filter } from './filter.js';
-import { historyOf } from './history.js';
+import { History } from './history.js';
+import { renew } from './renew.js';
 import { running } from './statuses.js';
 import { count, firstOf, readable } from './text.js';
 import { Tree } from './tree.js';
@@ -21,12 +22,12 @@ const mostInTitle = { characters: 2000, lines: 40 };
 
 export class Table {
   constructor(element, recorded) {
-    Object.assign(this, { element, recorded, page: 0 });
+    Object.assign(this, { element, recorded, page: 0, choseColumns: false });
     this.tree = new Tree(recorded);
     this.columns = columnsOf(recorded);
     pickLikely(this.columns, this.tree.order);
     this.sorted = { column: null, descending: false };
-    this.opened = new Map(); // the history of each
+    this.opened = new Map(); // of each the history, and the row with it
     this.current = null; // the row that the Tab key reaches
     this.filter = new Filter(
       recorded,
@@ -36,6 +37,37 @@ export class Table {
     this.offerColumns();
     this.offerTools();
     listenToKeys(this);
+  }
+
+  /** Draws what was recorded since, with what the reader has chosen. */
+  take(recorded) {
+    this.recorded = recorded;
+    this.tree.take(recorded);
+    this.takeColumns();
+    this.filter.take(recorded);
+    this.opened.forEach(({ history }) => history.take(recorded));
+    this.offerColumns();
+    this.offerFolding();
+    this.offerOrders();
+    this.known = null;
+    this.draw();
+  }
+
+  /** Shows the columns that were shown; until the reader has chosen any, those that are likely now. */
+  takeColumns() {
+    const before = new Map(this.columns.map((column) => [column.key, column]));
+    const { column: sorted, descending } = this.sorted;
+    this.columns = columnsOf(this.recorded);
+    if (this.choseColumns) {
+      this.columns.forEach((column) => (column.shown = before.get(column.key)?.shown ?? false));
+    } else {
+      pickLikely(this.columns, this.tree.order);
+    }
+    const column = this.columnOf(sorted?.key) ?? null;
+    this.sorted = { column, descending };
+    if (column) {
+      column.shown = true;
+    }
   }
 
   offerColumns() {
@@ -49,43 +81,48 @@ export class Table {
       }
       const box = make('input');
       box.type = 'checkbox';
-      box.checked = column.shown;
-      box.addEventListener('change', () => {
-        column.shown = box.checked;
-        this.known = null; // which rows differ depends on the columns
-        this.draw();
-      });
+      box.defaultChecked = column.shown;
+      box.addEventListener('change', () => this.showColumn(column.key, box.checked));
       groups.get(group).append(make('label', '', box, this.titleOf(column, column.quantity?.name ?? column.name)));
     });
-    choice.replaceChildren(...groups.values());
+    renew(choice, [...groups.values()]);
+  }
+
+  showColumn(key, shown) {
+    this.choseColumns = true;
+    this.columnOf(key).shown = shown;
+    this.known = null; // which rows differ depends on the columns
+    this.draw();
   }
 
   offerTools() {
-    const foldAll = document.getElementById('fold-all');
-    const unfoldAll = document.getElementById('unfold-all');
-    foldAll.addEventListener('click', () => this.change(() => this.tree.foldAll()));
-    unfoldAll.addEventListener('click', () => this.change(() => this.tree.unfoldAll()));
-    const hasTree = this.tree.order.some((at) => this.tree.folds(at));
-    foldAll.hidden = unfoldAll.hidden = !hasTree;
+    document.getElementById('fold-all').addEventListener('click', () => this.change(() => this.tree.foldAll()));
+    document.getElementById('unfold-all').addEventListener('click', () => this.change(() => this.tree.unfoldAll()));
+    this.offerFolding();
+    this.order = document.getElementById('order');
+    this.order.addEventListener('change', () =>
+      this.change(() => {
+        this.sorted = { column: orders(this.columns)[this.order.value - 1] ?? null, descending: false };
+      }),
+    );
     this.offerOrders();
     this.allDigits = document.getElementById('all-digits');
     this.allDigits.addEventListener('change', () => this.draw());
   }
 
+  offerFolding() {
+    const hasTree = this.tree.order.some((at) => this.tree.folds(at));
+    ['fold-all', 'unfold-all'].forEach((id) => (document.getElementById(id).hidden = !hasTree));
+  }
+
   /** Offers the times that parameters state as orders of the steps. */
   offerOrders() {
     const choices = orders(this.columns);
-    this.order = document.getElementById('order');
-    this.order.append(
+    renew(this.order, [
       new Option('as recorded', 0),
       ...choices.map(({ name }, place) => new Option(readable(name), place + 1)),
-    );
+    ]);
     this.order.parentElement.hidden = choices.length === 0;
-    this.order.addEventListener('change', () =>
-      this.change(() => {
-        this.sorted = { column: choices[this.order.value - 1] ?? null, descending: false };
-      }),
-    );
   }
 
   titleOf(column, name = column.name) {
@@ -94,6 +131,10 @@ export class Table {
       title.append(` (${column.occurrence})`);
     }
     return title;
+  }
+
+  columnOf(key) {
+    return this.columns.find((column) => column.key === key);
   }
 
   get shown() {
@@ -108,12 +149,12 @@ export class Table {
     this.draw();
   }
 
-  sortBy(column) {
+  sortBy(key) {
     const { sorted } = this;
-    if (sorted.column !== column) {
-      this.sorted = { column, descending: false };
+    if (sorted.column?.key !== key) {
+      this.sorted = { column: this.columnOf(key), descending: false };
     } else if (!sorted.descending) {
-      this.sorted = { column, descending: true };
+      this.sorted = { column: sorted.column, descending: true };
     } else {
       this.sorted = { column: null, descending: false };
     }
@@ -161,8 +202,11 @@ export class Table {
     const first = this.page * rowsAtOnce;
     const onPage = rows.slice(first, first + rowsAtOnce);
     this.current = onPage.includes(this.current) ? this.current : (onPage[0] ?? null);
-    this.element.tHead.replaceChildren(make('tr', '', ...this.shown.map((column) => this.headOf(column))));
-    this.element.tBodies[0].replaceChildren(...onPage.flatMap((at, place) => this.rowsOf(at, onPage[place - 1])));
+    renew(this.element.tHead, [make('tr', '', ...this.shown.map((column) => this.headOf(column)))]);
+    renew(
+      this.element.tBodies[0],
+      onPage.flatMap((at, place) => this.rowsOf(at, onPage[place - 1])),
+    );
     document.getElementById('more').textContent = this.wordsFor(rows, first, onPage.length);
     this.offerPages(rows.length);
   }
@@ -187,8 +231,8 @@ export class Table {
     const isSorted = this.sorted.column === column;
     const arrow = isSorted ? (this.sorted.descending ? ' ▾' : ' ▴') : '';
     const sort = button('sort', this.titleOf(column), () => {
-      this.sortBy(column);
-      this.element.tHead.rows[0].cells[this.shown.indexOf(column)].firstChild.focus();
+      this.sortBy(column.key);
+      this.element.tHead.rows[0].cells[this.shown.indexOf(this.columnOf(column.key))].firstChild.focus();
     });
     sort.append(column.quantity ? unitBehind(this.recorded, column.quantity.name) : '', arrow);
     sort.append(differencesIn(this.recorded, column));
@@ -217,9 +261,9 @@ export class Table {
     if (!this.opened.has(at)) {
       return [row];
     }
-    const cell = make('td', '', this.opened.get(at));
-    cell.colSpan = Math.max(1, this.shown.length);
-    return [row, make('tr', 'opened', cell)];
+    const { row: opened } = this.opened.get(at);
+    opened.firstChild.colSpan = Math.max(1, this.shown.length);
+    return [row, opened];
   }
 
   anyCell(column, at, above) {
@@ -310,7 +354,8 @@ export class Table {
 
   open(at) {
     if (!this.opened.has(at)) {
-      this.opened.set(at, historyOf(this.recorded, at));
+      const history = new History(this.recorded, at);
+      this.opened.set(at, { history, row: make('tr', 'opened', make('td', '', history.element)) });
     }
   }
 

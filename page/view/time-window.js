@@ -2,10 +2,25 @@
 
 export class TimeWindow {
   constructor(first, last) {
-    const margin = Math.max(1, last - first) * 0.01;
-    this.whole = [first - margin, last + margin];
+    this.measure(first, last);
     [this.from, this.to] = this.whole;
     this.listeners = [];
+  }
+
+  measure(first, last) {
+    const margin = Math.max(1, last - first) * 0.01;
+    this.whole = [first - margin, last + margin];
+  }
+
+  /** There is more to show. What showed all of it shows all, what showed the end goes on to the new end. */
+  take(first, last) {
+    const { isWhole, whole, from, to } = this;
+    this.measure(first, last);
+    if (isWhole) {
+      [this.from, this.to] = this.whole;
+    } else if (to > whole[1] - (to - from) * 1e-9) {
+      [this.from, this.to] = [from + this.whole[1] - to, this.whole[1]];
+    }
   }
 
   onChange(listener) {

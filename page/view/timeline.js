@@ -31,6 +31,24 @@ export class Timeline {
   }
 
   draw() {
+    this.chart.draw(this.whole());
+    this.cursor.follow();
+  }
+
+  /** Draws what was recorded since. */
+  take(recorded) {
+    const { lanes } = this;
+    Object.assign(this, { recorded, known: null });
+    const whole = this.whole();
+    if (this.lanes.length < lanes.length) {
+      this.chart.draw(whole);
+    } else {
+      this.chart.change(whole);
+    }
+    this.cursor.take(lanes);
+  }
+
+  whole() {
     this.lanes = this.lanesFor(isPrinting() ? rooms.onPaper : rooms.onScreen);
     this.height = this.lanes.at(-1).top + this.lanes.at(-1).height;
     this.chart.fit(this.height + 38);
@@ -39,13 +57,12 @@ export class Timeline {
       `Timeline of ${count(recorded.count, 'execution')} and ${count(recorded.raw.recorded, 'event')}, ` +
         `${recorded.unfinished.length} unfinished; the table below has the same by rows.`,
     );
-    this.chart.draw({
+    return {
       grid: { left, right, top, height: this.height, outerBoundsMode: 'none' },
       yAxis: { type: 'value', min: 0, max: this.height, inverse: true, show: false },
-      graphic: this.lanes.map((lane) => this.labelOf(lane)),
+      graphic: this.lanes.map((lane, place) => ({ id: `lane ${place}`, ...this.labelOf(lane) })),
       ...this.inTheTimeShown(),
-    });
-    this.cursor.follow();
+    };
   }
 
   /** The time shown has changed. */

@@ -4,14 +4,31 @@ const mostUnfolded = 100; // rows that are unfolded at first, if they are no mor
 
 export class Tree {
   constructor(recorded) {
-    Object.assign(this, { recorded, folded: new Set(), order: [], place: [], behind: [] });
+    Object.assign(this, { recorded, folded: new Set() });
     this.putInOrder();
     this.foldDeepLevels();
     recorded.unfinished.forEach((at) => this.unfoldTo(at));
   }
 
+  /** More was recorded. What has something below it only now is folded like the one before it on its level. */
+  take(recorded) {
+    const before = this.recorded;
+    this.recorded = recorded;
+    this.putInOrder();
+    const isFolded = []; // of each level the newest
+    for (let at = 0; at < recorded.count; ++at) {
+      if (this.folds(at)) {
+        if (!(before.children[at]?.length > 0) && isFolded[recorded.depth[at]]) {
+          this.folded.add(at);
+        }
+        isFolded[recorded.depth[at]] = this.folded.has(at);
+      }
+    }
+  }
+
   /** Each before what is below it. `behind` is the place of the first that is not below. */
   putInOrder() {
+    Object.assign(this, { order: [], place: [], behind: [] });
     const { children, root, parent } = this.recorded;
     const open = [...children[root]].reverse();
     while (open.length > 0) {
