@@ -1,11 +1,12 @@
-// embed.js OUTPUT LIBRARY RUN_SCRIPT STATISTICS_SCRIPT STORE_SCRIPT LICENCE...: writes the pages without their data as
-// C++ for page/writer/Frame.h.
+// embed.js OUTPUT LIBRARY RUN_SCRIPT STATISTICS_SCRIPT STORE_SCRIPT LIVE_RUN_SCRIPT LICENCE...: writes the pages
+// without their data as C++ for page/writer/Frame.h.
 import { createHash } from 'node:crypto';
 import { readFileSync, writeFileSync } from 'node:fs';
 
 const longest = 60000; // bytes of a text that every compiler must take: 65536
 
-const [output, libraryFile, runScript, statisticsScript, storeScript, ...licences] = process.argv.slice(2);
+const [output, libraryFile, runScript, statisticsScript, storeScript, liveRunScript, ...licences] =
+  process.argv.slice(2);
 // Browsers and compilers alike take a carriage return for a line end, of which hashes and lengths must not depend.
 const read = (file) => readFileSync(file, 'utf8').replaceAll('\r\n', '\n');
 const here = (name) => read(new URL(name, import.meta.url));
@@ -62,8 +63,11 @@ function frameDefinition(name, texts) {
     .map((place, at) => definition(place, texts[at]))
     .join('')}Frame ${name}() { return {${places[0]}, ${places[1]}, libraryText, ${places[2]}}; }\n`;
 }
-// The page of a store asks the server that it comes from.
+// The pages of a store ask the server that they come from.
+const asking = "; connect-src 'self'";
 const storeParts = { style: style + here('store/store.css'), script: read(storeScript) };
+const liveParts = { ...storeParts, script: read(liveRunScript), live: here('store/run-bar.html') };
+const reportParts = { style, script: read(runScript), live: '' };
 writeFileSync(
   output,
   `#include "page/writer/Frame.h"
@@ -73,9 +77,10 @@ writeFileSync(
 namespace Velora::Page {
 
 ${definition('libraryText', library)}
-${frameDefinition('RunFrame', frameOf(here('view/page.html'), { style, script: read(runScript) }))}
+${frameDefinition('RunFrame', frameOf(here('view/page.html'), reportParts))}
 ${frameDefinition('StatisticsFrame', frameOf(here('statistics/page.html'), { style, script: read(statisticsScript) }))}
-${frameDefinition('StoreFrame', frameOf(here('store/page.html'), storeParts, "; connect-src 'self'"))}
+${frameDefinition('StoreFrame', frameOf(here('store/page.html'), storeParts, asking))}
+${frameDefinition('LiveRunFrame', frameOf(here('view/page.html'), liveParts, asking))}
 }  // namespace Velora::Page
 `,
 );

@@ -27,8 +27,8 @@ export function columnsOf(recorded) {
 }
 
 /**
- * A column: what tells it from others, its stored name, the value in a row, that as a stored text, and as a cell of CSV;
- * shown where picked.
+ * A column: what tells it from others, its stored name, the value in a row, that as a stored text, and as a cell of
+ * CSV; shown where picked.
  */
 function column(name, value, more = {}) {
   const text = more.text ?? value;

@@ -3,8 +3,8 @@
 const asNode = (child) => (typeof child === 'string' ? document.createTextNode(child) : child);
 
 /**
- * Gives an element other children. One that is equal to one of those before leaves that in its place, with the focus and
- * what is selected of it; so what its listeners use must not depend on when it was made.
+ * Gives an element other children. One that is equal to one of those before leaves that in its place, with the focus
+ * and what is selected of it; so what its listeners use must not depend on when it was made.
  */
 export function renew(element, children) {
   const before = [...element.childNodes];

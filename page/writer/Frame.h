@@ -17,6 +17,8 @@ struct Frame {
 /// The page of a run.
 /// @throws NotOffered when the program was built without pages; so do the others.
 Frame RunFrame();
+/// The page of a run that is served: without data, which it asks for.
+Frame LiveRunFrame();
 /// The page of statistics.
 Frame StatisticsFrame();
 /// The page of stores that are served. Its data is an object with the "version" of the program.

@@ -17,6 +17,7 @@ namespace {
 }  // namespace
 
 Frame RunFrame() { Refuse(); }
+Frame LiveRunFrame() { Refuse(); }
 Frame StatisticsFrame() { Refuse(); }
 Frame StoreFrame() { Refuse(); }
 

@@ -6,7 +6,7 @@ namespace Velora::Ts {
 namespace {
 
 // Without data, which the page asks for.
-Http::Answer RunPage(const Served&, Http::Question&) { return DocumentOf(Page::RunFrame(), "null"); }
+Http::Answer RunPage(const Served&, Http::Question&) { return DocumentOf(Page::LiveRunFrame(), "null"); }
 
 }  // namespace
 
