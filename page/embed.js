@@ -1,18 +1,16 @@
-// embed.js OUTPUT LIBRARY RUN_SCRIPT STATISTICS_SCRIPT STORE_SCRIPT LIVE_RUN_SCRIPT LICENCE...: writes the pages
-// without their data as C++ for page/writer/Frame.h.
+// embed.js OUTPUT LIBRARY SCRIPTS LICENCE...: writes the pages without their data as C++ for page/writer/Frame.h. The
+// folder SCRIPTS has the script of each.
 import { createHash } from 'node:crypto';
 import { readFileSync, writeFileSync } from 'node:fs';
 
 const longest = 60000; // bytes of a text that every compiler must take: 65536
 
-const [output, libraryFile, runScript, statisticsScript, storeScript, liveRunScript, ...licences] =
-  process.argv.slice(2);
+const [output, libraryFile, scripts, ...licenceFiles] = process.argv.slice(2);
 // Browsers and compilers alike take a carriage return for a line end, of which hashes and lengths must not depend.
 const read = (file) => readFileSync(file, 'utf8').replaceAll('\r\n', '\n');
 const here = (name) => read(new URL(name, import.meta.url));
 const library = read(libraryFile);
-const style = here('view/page.css');
-const licenceTexts = licences.map(read).join('');
+const licences = licenceFiles.map(read).join('');
 
 // Nothing is loaded, and nothing runs but our own style and scripts: what was recorded cannot.
 const hashOf = (text) => `'sha256-${createHash('sha256').update(text).digest('base64')}'`;
@@ -36,17 +34,16 @@ function pieces(text) {
 }
 
 /** What stands before the data of a page, between them and the library, and after it. */
-function frameOf(html, parts, allowed = '') {
-  for (const [name, text] of Object.entries({ ...parts, library, licences: licenceTexts })) {
+function frameOf(page, script, { styles = ['view/page.css'], allowed = '', live = '' } = {}) {
+  const parts = { style: styles.map(here).join(''), script: read(`${scripts}/${script}.js`), live, licences };
+  for (const [part, text] of Object.entries({ ...parts, library })) {
     if (/<\/(script|style)|<!--/i.test(text)) {
-      throw new Error(`the ${name} of the page has the end of a script or style in it, or a comment of HTML`);
+      throw new Error(`the ${part} of the page has the end of a script or style in it, or a comment of HTML`);
     }
   }
-  const split = html
-    .replace(
-      /{{(\w+)}}/g,
-      (place, name) => ({ ...parts, policy: policyOf(parts) + allowed, licences: licenceTexts })[name] ?? place,
-    )
+  parts.policy = policyOf(parts) + allowed;
+  const split = here(page)
+    .replace(/{{(\w+)}}/g, (place, part) => parts[part] ?? place)
     .split(/{{(?:data|library)}}/);
   if (split.length !== 3 || [...split, library].some((text) => text.includes(')velora"'))) {
     throw new Error('the page lacks data or library, or has )velora" in it, which ends a text of the generated C++');
@@ -63,11 +60,9 @@ function frameDefinition(name, texts) {
     .map((place, at) => definition(place, texts[at]))
     .join('')}Frame ${name}() { return {${places[0]}, ${places[1]}, libraryText, ${places[2]}}; }\n`;
 }
-// The pages of a store ask the server that they come from.
-const asking = "; connect-src 'self'";
-const storeParts = { style: style + here('store/store.css'), script: read(storeScript) };
-const liveParts = { ...storeParts, script: read(liveRunScript), live: here('store/run-bar.html') };
-const reportParts = { style, script: read(runScript), live: '' };
+const ofStore = ['view/page.css', 'store/store.css'];
+const asking = "; connect-src 'self'"; // the server that they come from
+const liveParts = { styles: ofStore, allowed: asking, live: here('store/run-bar.html') };
 writeFileSync(
   output,
   `#include "page/writer/Frame.h"
@@ -77,10 +72,10 @@ writeFileSync(
 namespace Velora::Page {
 
 ${definition('libraryText', library)}
-${frameDefinition('RunFrame', frameOf(here('view/page.html'), reportParts))}
-${frameDefinition('StatisticsFrame', frameOf(here('statistics/page.html'), { style, script: read(statisticsScript) }))}
-${frameDefinition('StoreFrame', frameOf(here('store/page.html'), storeParts, asking))}
-${frameDefinition('LiveRunFrame', frameOf(here('view/page.html'), liveParts, asking))}
+${frameDefinition('RunFrame', frameOf('view/page.html', 'run'))}
+${frameDefinition('StatisticsFrame', frameOf('statistics/page.html', 'statistics'))}
+${frameDefinition('StoreFrame', frameOf('store/page.html', 'store', { styles: ofStore, allowed: asking }))}
+${frameDefinition('LiveRunFrame', frameOf('view/page.html', 'live-run', liveParts))}
 }  // namespace Velora::Page
 `,
 );

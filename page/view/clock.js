@@ -29,14 +29,14 @@ export class Clock {
   }
 
   /** The local date of a time, and the microseconds that it does not hold. */
-  at(time) {
+  dateAt(time) {
     const whole = Math.floor((time + this.rest) / 1000);
     return [new Date(this.milliseconds + whole), Math.round(time + this.rest - 1000 * whole)];
   }
 
   /** The time of day, with as many digits of a second as told. */
   day(time, digits = 3) {
-    const [date, micro] = this.at(time);
+    const [date, micro] = this.dateAt(time);
     const fraction = pad(date.getMilliseconds(), 3) + pad(micro, 3);
     const seconds = `${pad(date.getHours())}:${pad(date.getMinutes())}:${pad(date.getSeconds())}`;
     return digits > 0 ? `${seconds}.${fraction.slice(0, digits)}` : seconds;
@@ -48,12 +48,12 @@ export class Clock {
   }
 
   date(time) {
-    const [date] = this.at(time);
+    const [date] = this.dateAt(time);
     return `${date.getFullYear()}-${pad(date.getMonth() + 1)}-${pad(date.getDate())}`;
   }
 
   offset(time) {
-    const minutes = -this.at(time)[0].getTimezoneOffset();
+    const minutes = -this.dateAt(time)[0].getTimezoneOffset();
     return `${minutes < 0 ? '-' : '+'}${pad(Math.floor(Math.abs(minutes) / 60))}:${pad(Math.abs(minutes) % 60)}`;
   }
 
@@ -65,7 +65,7 @@ export class Clock {
     if (Number.isNaN(time)) {
       return '';
     }
-    const [date, micro] = this.at(time);
+    const [date, micro] = this.dateAt(time);
     return `${date.toISOString().slice(0, 23)}${pad(micro, 3)}Z`;
   }
 }

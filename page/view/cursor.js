@@ -1,6 +1,7 @@
 // Where a reader with the keyboard is in the timeline: on a bar, with a frame around it and its text read out.
 
 import { make } from './element.js';
+import { lastIndexWhere } from './lists.js';
 import { eventName } from './text.js';
 
 export class Cursor {
@@ -44,7 +45,7 @@ export class Cursor {
     const { execution, event, sign, from } = this.item;
     const isSame = (one) => one.execution === execution && one.event?.number === event?.number && one.sign === sign;
     const same = this.item.type === 'bar' ? -1 : items.findIndex((one) => one.type !== 'bar' && isSame(one));
-    return same >= 0 ? same : items.findLastIndex((one) => one.from <= from);
+    return same >= 0 ? same : lastIndexWhere(items, (one) => one.from <= from);
   }
 
   step(distance) {
@@ -69,7 +70,7 @@ export class Cursor {
       ? within
       : Math.max(
           0,
-          items.findLastIndex((one) => one.from <= from),
+          lastIndexWhere(items, (one) => one.from <= from),
         );
   }
 

@@ -1,6 +1,7 @@
 // What the plot shows first: of the parameters with the most points, within a tenth, the one that is spread most. Truth
 // values come last.
 
+import { lastOf } from './lists.js';
 import { numberOf } from './values.js';
 
 const mostSampled = 1000;
@@ -33,7 +34,7 @@ export function firstQuantity({ kinds }, quantities) {
 /** Over what: time, or the times that a parameter states where the events were recorded much faster, from a file. */
 export function firstOver(recorded, { event }) {
   const { events } = recorded.kinds.find(({ name }) => name === event);
-  const [first, last] = [events[0], events.at(-1)];
+  const [first, last] = [events[0], lastOf(events)];
   const stated = (quantity) => recorded.coordinateOf(last, quantity) - recorded.coordinateOf(first, quantity);
   const isLonger = (quantity) =>
     quantity.timely && quantity.event === event && stated(quantity) > 10 * (last.at - first.at);

@@ -1,6 +1,7 @@
 // The lines of the host's log in the time of the run, as far as the page has them.
 
 import { texts, wholes } from './form.js';
+import { lastIndexWhere } from './lists.js';
 
 /** The lines in the order of their times; null if the page has no log. */
 export function readLog({ log }) {
@@ -15,8 +16,9 @@ export function readLog({ log }) {
 /** The innermost execution at a time. */
 export function executionAt(recorded, time) {
   const runsThen = (at) => recorded.started[at] <= time && recorded.endOf(at) >= time;
+  const lastThen = (all) => all[lastIndexWhere(all, runsThen)];
   let at = recorded.root;
-  for (let below = at; below !== undefined; below = recorded.children[at].findLast(runsThen)) {
+  for (let below = at; below !== undefined; below = lastThen(recorded.children[at])) {
     at = below;
   }
   return at;

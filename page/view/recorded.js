@@ -2,6 +2,7 @@
 
 import { Clock } from './clock.js';
 import { form, texts, values, wholeColumn, wholes } from './form.js';
+import { lastOf } from './lists.js';
 import { lanesOfLog, readLog } from './log-lines.js';
 import { States } from './states.js';
 import { running } from './statuses.js';
@@ -100,9 +101,9 @@ export class Recorded {
       );
     });
     this.history.forEach((history, at) => history.forEach((status) => (status.at += this.started[at])));
-    this.status = this.history.map((history) => history.at(-1)?.code ?? null);
+    this.status = this.history.map((history) => lastOf(history)?.code ?? null);
     this.ended = this.history.map((history) =>
-      history.at(-1)?.code === running ? Infinity : (history.at(-1)?.at ?? NaN),
+      lastOf(history)?.code === running ? Infinity : (lastOf(history)?.at ?? NaN),
     );
     this.unfinished = this.status.flatMap((code, at) => (code === running ? [at] : []));
   }
@@ -205,7 +206,7 @@ export class Recorded {
   /** The time of the newest record of an execution itself. */
   lastSignOf(at) {
     const statuses = this.history[at].map((status) => status.at);
-    const times = [this.started[at], ...statuses, this.eventsOf[at].at(-1)?.at ?? NaN];
+    const times = [this.started[at], ...statuses, lastOf(this.eventsOf[at])?.at ?? NaN];
     return Math.max(...times.filter((time) => !Number.isNaN(time)));
   }
 

@@ -4,6 +4,7 @@
 import { Chart, isPrinting, left, plain, right, shortened, timeAxis, tooltipLine } from './chart.js';
 import { lengthOf } from './clock.js';
 import { colour, inkOn, palette } from './colours.js';
+import { lastOf } from './lists.js';
 import { partingLine } from './parting-line.js';
 import { Cursor } from './cursor.js';
 import { closest, Items } from './items.js';
@@ -50,7 +51,8 @@ export class Timeline {
 
   whole() {
     this.lanes = this.lanesFor(isPrinting() ? rooms.onPaper : rooms.onScreen);
-    this.height = this.lanes.at(-1).top + this.lanes.at(-1).height;
+    const last = lastOf(this.lanes);
+    this.height = last.top + last.height;
     this.chart.fit(this.height + 38);
     const { recorded } = this;
     this.chart.describe(

@@ -1,11 +1,12 @@
 // The keys of the table, as trees of rows have them: up and down go from row to row, right unfolds or goes to the first
 // row below, left folds or goes to the row above.
+import { lastOf } from './lists.js';
 
 const keys = {
   ArrowDown: (table, at) => neighbour(table, at, 1),
   ArrowUp: (table, at) => neighbour(table, at, -1),
   Home: (table) => table.goTo(table.visible()[0]),
-  End: (table) => table.goTo(table.visible().at(-1)),
+  End: (table) => table.goTo(lastOf(table.visible())),
   ArrowRight: (table, at) => {
     if (table.isTree && table.tree.folded.has(at)) {
       table.fold(at);

@@ -13,7 +13,7 @@ const ownUnit = (name) => {
 /** The unit of a parameter, given by its stored name; null if none is known. */
 export function unitOf({ raw }, name) {
   const { units } = raw;
-  return units && Object.hasOwn(units, name) ? readable(units[name]) : ownUnit(name);
+  return units && Object.prototype.hasOwnProperty.call(units, name) ? readable(units[name]) : ownUnit(name);
 }
 
 const behind = (recorded, name, form) => {
