@@ -1,6 +1,8 @@
 // The state of the stores, as the server tells it: one stream for all views. Each message holds the whole state, so
 // that a computer that slept comes back to the truth with the first one.
 
+import { millisecondsOf } from './moment.js';
+
 const mostSilence = 45000; // milliseconds without a message after which a stream may have died without a sign
 const mostOpening = 10000;
 const longestPause = 5000;
@@ -53,9 +55,8 @@ export class Live {
     const state = JSON.parse(event.data);
     this.heard = this.reached = Date.now();
     this.pause = tick;
-    if (++this.messages > 1) {
-      this.skew = Date.parse(`${state.at.slice(0, 23)}Z`) - Date.now(); // the first one can be an old state
-    }
+    this.messages += 1;
+    this.skew = millisecondsOf(state.at) - Date.now();
     this.tell(null);
     this.state = state;
     this.listeners.forEach((listener) => listener(state));

@@ -2,6 +2,7 @@
 
 import { make, show } from '../view/element.js';
 import { count } from '../view/text.js';
+import { briefText } from '../view/values.js';
 import { keep, keepList, keepText } from './kept.js';
 import { millisecondsOf, moment, spanText } from './moment.js';
 import { lastEvent, linkToRun, name, pathOf, plainName, stateBadge, stateName } from './run-words.js';
@@ -34,15 +35,10 @@ class Now {
   }
 
   draw(state) {
+    this.state = state;
     const several = state.stores.length > 1;
     this.storeNames = new Map(several ? state.stores.map((one) => [one.store, one.name]) : []);
     keepText(this.brief, briefOf(state));
-    keepList(this.troubles, troublesOf(state), {
-      keyOf: ({ key }) => key,
-      make: () => make('li', 'alarm'),
-      update: (element, trouble) => keep(element, trouble.words, () => element.replaceChildren(...trouble.draw())),
-    });
-    this.troubles.hidden = this.troubles.children.length === 0;
     const instruments = [...state.instruments].sort(
       (a, b) => plainName(a.name).localeCompare(plainName(b.name), 'en', { numeric: true }) || a.store - b.store,
     );
@@ -63,6 +59,10 @@ class Now {
     keep(part('what'), [run?.run, run?.path, run?.node], (place) =>
       place.replaceChildren(...(run ? whatRuns(instrument.store, run) : ['no run yet'])),
     );
+    keep(part('why'), run?.why, (place, why) => place.replaceChildren(...(why ? whyNotKnown(why) : [])));
+    keep(part('values'), valuesOf(this.state, instrument), (place, values) =>
+      place.replaceChildren(...values.map(valueOf)),
+    );
     keep(part('last'), run?.last_event, (place) => place.replaceChildren(...(run ? lastEvent(run) : [])));
     keepText(part('rate'), rateOf(run));
     keep(part('others'), [instrument.runs.slice(1).map((one) => [one.run, one.state]), instrument.more_runs], (place) =>
@@ -72,8 +72,20 @@ class Now {
     element.dataset.last = run?.last_recorded_at ?? instrument.last_recorded_at ?? '';
   }
 
+  drawTroubles() {
+    keepList(this.troubles, troublesOf(this.state, this.live.serverTime()), {
+      keyOf: ({ key }) => key,
+      make: () => make('li', 'alarm'),
+      update: (element, { words, draw }) => keep(element, words, () => element.replaceChildren(...draw())),
+    });
+    this.troubles.hidden = this.troubles.children.length === 0;
+  }
+
   /** Counts on, between what the server says. */
   tick() {
+    if (this.state) {
+      this.drawTroubles();
+    }
     for (const element of this.list.children) {
       const { last, state } = element.dataset;
       const silence = last ? this.live.serverTime() - millisecondsOf(last) : NaN;
@@ -99,16 +111,35 @@ function lineOf(instrument) {
     'instrument',
     make('span', 'badge'),
     make('div', 'whose', title, make('span', 'of-store hint')),
-    make('div', 'doing', make('p', 'what'), make('p', 'last'), make('p', 'others hint')),
+    make(
+      'div',
+      'doing',
+      make('p', 'what'),
+      make('p', 'why'),
+      make('p', 'last'),
+      make('p', 'values'),
+      make('p', 'others hint'),
+    ),
     make('div', 'pace', make('p', 'silence'), make('p', 'at hint'), make('p', 'rate hint')),
   );
 }
 
 function whatRuns(store, run) {
   const inner = run.path[run.path.length - 1];
-  const step = inner && run.path.length > 1 ? [', step ', make('strong', '', String(inner.step))] : [];
+  const step = inner?.step ? [', step ', make('strong', '', String(inner.step))] : [];
   const since = [', since ', moment(inner?.started_at ?? run.started_at)];
   return [linkToRun(store, run.run, ...pathOf(run)), ...step, ...since];
+}
+
+const whyNotKnown = (why) => ['whether it still runs is not known: ', show(make('span'), why)];
+
+/** The newest numbers of the parameters that the server was told to name. */
+const valuesOf = ({ values }, { store, name: instrument }) =>
+  values.filter((one) => one.store === store && one.instrument === instrument);
+
+function valueOf({ parameter, value, at }) {
+  const text = typeof value === 'string' ? value : briefText(value, 'double');
+  return make('span', 'value', name(parameter), ' ', make('strong', '', text), ' at ', moment(at));
 }
 
 function rateOf(run) {
