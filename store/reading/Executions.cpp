@@ -6,9 +6,10 @@
 namespace Velora::Store {
 namespace {
 
-constexpr const char* columns =
-    "SELECT e.execution_id, e.guid, e.node, e.description, e.started_at, n.instrument, n.host, v.name, v.version, "
-    "(SELECT code FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1), "
+constexpr const char* texts[] = {"e.guid",       "e.node", "e.description", "e.started_at",
+                                 "n.instrument", "n.host", "v.name",        "v.version"};
+constexpr const char* status =
+    ", (SELECT code FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1), "
     "(SELECT at FROM statuses WHERE execution_id = e.execution_id ORDER BY status_id DESC LIMIT 1)";
 
 constexpr const char* tables =
@@ -18,8 +19,13 @@ constexpr const char* tables =
 
 }  // namespace
 
-Rows QueryExecutions(const Reader& store, const std::string& condition, const std::vector<std::string>& more) {
-  std::string selected = columns;
+Rows QueryExecutions(const Reader& store, const std::string& condition, const std::vector<std::string>& more,
+                     std::size_t longest) {
+  std::string selected = "SELECT e.execution_id";
+  for (const char* const text : texts) {
+    selected += ", " + Beginning(text, longest);
+  }
+  selected += status;
   for (const std::string& column : more) {
     selected += ", " + column;
   }

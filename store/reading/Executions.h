@@ -22,7 +22,9 @@ struct Execution {
 /// @param condition begins with WHERE. It is about an execution e, its session n, its activity version v and the
 /// activity a of that version.
 /// @param more further columns, which follow from column `executionColumns` on.
-Rows QueryExecutions(const Reader& store, const std::string& condition, const std::vector<std::string>& more = {});
+/// @param longest of the texts only so many characters are read; 0 for all.
+Rows QueryExecutions(const Reader& store, const std::string& condition, const std::vector<std::string>& more = {},
+                     std::size_t longest = 0);
 inline constexpr int executionColumns = 11;
 
 /// The execution at which the rows of QueryExecutions() stand.

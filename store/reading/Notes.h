@@ -22,7 +22,11 @@ bool HasNotes(const Reader& store);
 
 /// A query for the notes of the run whose root is ?1, in the order of writing. NoteAt() reads its rows.
 Rows QueryNotes(const Reader& store);
-/// The note at which the rows of QueryNotes() stand.
+/// The newest of them only, in the same order.
+/// @param most so many notes.
+/// @param longest so many characters of each text.
+Rows QueryNewestNotes(const Reader& store, long long most, std::size_t longest);
+/// The note at which the rows of either query stand.
 Note NoteAt(const Rows& rows);
 
 }  // namespace Velora::Store

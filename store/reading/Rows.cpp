@@ -10,6 +10,10 @@
 
 namespace Velora::Store {
 
+std::string Beginning(const std::string& column, std::size_t longest) {
+  return longest == 0 ? column : "substr(" + column + ", 1, " + std::to_string(longest) + ')';
+}
+
 Rows::Rows(Connection& connection, const std::string& question) : cursor(connection.Prepare(question)) {
   if (questionListener) {
     questionListener(question);

@@ -62,4 +62,8 @@ class Rows {
   std::unique_ptr<Cursor> cursor;
 };
 
+/// A column of texts in a query, or the beginning of each text.
+/// @param longest so many characters; 0 for the whole text.
+std::string Beginning(const std::string& column, std::size_t longest);
+
 }  // namespace Velora::Store

@@ -27,11 +27,11 @@ std::vector<Run> All(Rows& rows) {
 }
 
 // The plus sign and the empty text keep SQLite from the indexes of parents and times, so that it takes that of guids.
-std::vector<Run> RunsWithGuid(const Reader& store, const std::string& beginning) {
+std::vector<Run> RunsWithGuid(const Reader& store, const std::string& beginning, long long most) {
   Rows rows(store,
             "SELECT execution_id, guid, node, started_at FROM executions WHERE +parent_id IS NULL AND guid >= ?1 "
-            "AND guid < ?2 ORDER BY started_at || '', execution_id");
-  return All(rows.Ask(beginning, beginning + 'g'));
+            "AND guid < ?2 ORDER BY started_at || '', execution_id LIMIT ?3");
+  return All(rows.Ask(beginning, beginning + 'g', most));
 }
 
 // Within a store by the key and not by the time, because the clock of a host can be set back. The last ones of several
@@ -54,17 +54,17 @@ std::vector<Run> RunsBetween(const Reader& store, const std::string& from, const
   return All(rows.Ask(from, before));
 }
 
-std::vector<Run> RunsNamed(const Reader& store, const std::string& name) {
+std::vector<Run> RunsNamed(const Reader& store, const std::string& name, long long most) {
   if (name == "last") {
     return RecordedLast(store);
   }
   std::string guid = name;
   std::transform(guid.begin(), guid.end(), guid.begin(),
                  [](unsigned char character) { return static_cast<char>(std::tolower(character)); });
-  std::vector<Run> runs = RunsWithGuid(store, guid);
+  std::vector<Run> runs = RunsWithGuid(store, guid, most);
   if (runs.empty() || guid.size() < shortGuid) {  // so few letters can also be a node
-    Rows rows(store, columns + "node = ?1 ORDER BY started_at || '', execution_id");
-    for (Run& run : All(rows.Ask(ToStoredText(name)))) {
+    Rows rows(store, columns + "node = ?1 ORDER BY started_at || '', execution_id LIMIT ?2");
+    for (Run& run : All(rows.Ask(ToStoredText(name), most))) {
       if (std::none_of(runs.begin(), runs.end(), [&](const Run& found) { return found.root == run.root; })) {
         runs.push_back(std::move(run));
       }
@@ -88,7 +88,7 @@ const char* const runsWithSameLetters =
 
 std::string ShortGuid(const Reader& store, const std::string& guid) {
   std::size_t length = shortGuid;
-  while (length < guid.size() && RunsWithGuid(store, guid.substr(0, length)).size() > 1) {
+  while (length < guid.size() && RunsWithGuid(store, guid.substr(0, length), 2).size() > 1) {
     ++length;
   }
   return guid.substr(0, length);

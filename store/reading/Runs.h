@@ -2,6 +2,7 @@
 
 #include "store/reading/Rows.h"
 
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,7 +23,9 @@ struct Run {
 std::vector<Run> RunsBetween(const Reader& store, const std::string& from, const std::string& before);
 
 /// The runs that match a name: a guid, the first characters of one, "last" for the run recorded last, or a node.
-std::vector<Run> RunsNamed(const Reader& store, const std::string& name);
+/// @param most so many of them, the oldest, are enough.
+std::vector<Run> RunsNamed(const Reader& store, const std::string& name,
+                           long long most = std::numeric_limits<long long>::max());
 
 /// The run with this root. @throws Error when there is none.
 Run RunOf(const Reader& store, long long root);

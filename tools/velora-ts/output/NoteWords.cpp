@@ -14,17 +14,20 @@ std::string NoteInWords(const Rows& notes) {
   return LocalTime(note.at, false) + ' ' + Shown(note.author) + ", " + Shown(note.kind) + ": " + Shown(note.text);
 }
 
+std::string NoteAsJson(const Note& note) {
+  std::string json = "{\"number\":" + std::to_string(note.number);
+  for (const auto& [name, text] :
+       {std::pair("author", &note.author), {"kind", &note.kind}, {"text", &note.text}, {"at", &note.at}}) {
+    json += std::string(",\"") + name + "\":";
+    AppendText(json, *text);
+  }
+  return json + '}';
+}
+
 std::string NotesAsJson(Rows& notes) {
   std::string json;
   while (notes.Next()) {
-    const Note note = NoteAt(notes);
-    json += (json.empty() ? "[{\"number\":" : ",{\"number\":") + std::to_string(note.number);
-    for (const auto& [name, text] :
-         {std::pair("author", &note.author), {"kind", &note.kind}, {"text", &note.text}, {"at", &note.at}}) {
-      json += std::string(",\"") + name + "\":";
-      AppendText(json, *text);
-    }
-    json += '}';
+    json += (json.empty() ? "[" : ",") + NoteAsJson(NoteAt(notes));
   }
   return json.empty() ? "[]" : json + ']';
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "store/reading/Notes.h"
 #include "store/reading/Rows.h"
 
 #include <string>
@@ -10,6 +11,8 @@ namespace Velora::Ts {
 
 /// One line: when it was written, by whom, as what, and the text.
 std::string NoteInWords(const Store::Rows& notes);
+/// A note as a JSON object.
+std::string NoteAsJson(const Store::Note& note);
 /// The notes of a run as a JSON list.
 /// @param notes a query of QueryNotes() that was asked for the run.
 std::string NotesAsJson(Store::Rows& notes);

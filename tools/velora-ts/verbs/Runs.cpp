@@ -9,8 +9,6 @@
 #include "output/TextTable.h"
 #include "output/Times.h"
 #include "output/Words.h"
-#include "store/reading/Executions.h"
-#include "store/reading/Hosts.h"
 #include "store/reading/Notes.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
@@ -23,28 +21,6 @@ namespace Velora::Ts {
 using namespace Store;
 
 namespace {
-
-bool IsUnfinished(const Rows& rows) { return rows.Integer(executionColumns) != 0; }
-
-/// What is said of a run: whether it still runs, and the time of its last record. If it finished, that is its end.
-struct Standing {
-  KnownState known;
-  std::string lastRecorded;
-};
-
-class Standings {
- public:
-  explicit Standings(const Store::Reader& store) : hosts(store), last(store) {}
-
-  Standing Of(const Execution& root, bool unfinished) {
-    const Run run{root.key, root.guid, root.node, root.startedAt};
-    return unfinished ? Standing{hosts.Of(run), last.Of(run)} : Standing{{}, root.statusAt};
-  }
-
- private:
-  Hosts hosts;
-  LastRecords last;
-};
 
 void WriteTable(const Store::Reader& store, ListedRuns& runs) {
   std::vector<TextTable::Column> columns{{.title = "run", .whole = true},
@@ -60,16 +36,11 @@ void WriteTable(const Store::Reader& store, ListedRuns& runs) {
     columns.push_back({.title = "note", .yielding = true, .below = true});
   }
   Rows notes = QueryNotes(store);
-  Standings standings(store);
   TextTable table(columns);
   while (runs.Next()) {
-    const Rows& rows = runs.Row();
-    const Execution root = ExecutionAt(rows);
-    const bool unfinished = IsUnfinished(rows);
-    const auto [known, lastRecorded] = standings.Of(root, unfinished);
-    const bool unique = rows.Integer(executionColumns + 1) == 1;
+    const auto [root, unfinished, known, lastRecorded] = runs.Run();
     std::vector<TextTable::Cell> row{
-        {Printable(unique ? root.guid.substr(0, shortGuid) : ShortGuid(store, root.guid))},
+        {Printable(runs.HasUniqueLetters() ? root.guid.substr(0, shortGuid) : ShortGuid(store, root.guid))},
         {LocalTime(root.startedAt, false)},
         {LocalTime(lastRecorded, false)},
         {unfinished ? Ago(lastRecorded) : DurationInWords(root, false)},
@@ -87,15 +58,10 @@ void WriteTable(const Store::Reader& store, ListedRuns& runs) {
 
 void WriteJson(const Store::Reader& store, ListedRuns& runs) {
   Rows notes = QueryNotes(store);
-  Standings standings(store);
   const char* separator = "[\n";
   while (runs.Next()) {
-    const Rows& rows = runs.Row();
-    const Execution root = ExecutionAt(rows);
-    const bool unfinished = IsUnfinished(rows);
-    const auto [known, lastRecorded] = standings.Of(root, unfinished);
-    WriteData(separator + ('{' + JsonMembers(root)) + ",\"unfinished\":" + (unfinished ? "true," : "false,") +
-              JsonState(known, lastRecorded) + ",\"notes\":" + NotesAsJson(notes.Ask(root.key)) + '}');
+    const ListedRun run = runs.Run();
+    WriteData(separator + ('{' + JsonMembers(run, NotesAsJson(notes.Ask(run.root.key)))) + '}');
     separator = ",\n";
   }
   WriteData(*separator == '[' ? "[]\n" : "\n]\n");
@@ -113,7 +79,13 @@ class RunsVerb : public StoreVerb {
                             "CONDITION");
     options.AddText("--activity", filter.activity, "Only runs of this activity or activity version", "ACTIVITY");
     options.AddText("--node", filter.node, "Only runs of this node", "NODE");
-    options.AddFlag("--unfinished", filter.unfinished, "Only runs of which an execution did not finish");
+    options.AddText("--text", filter.text,
+                    "Only runs with this text in their node, description, activity or a note, in small or capital "
+                    "letters, or whose guid begins with it",
+                    "TEXT");
+    options.AddChoice("--state", filter.state, RunFilter::states, "Only runs of this state");
+    options.AddFlag("--unfinished", unfinished, "The same as --state unfinished: an execution did not finish");
+    options.Exclude("--unfinished", "--state");
     options.AddCount("--limit", filter.limit, "The highest number of runs. Default: 50");
     options.AddFlag("--json", json, "Write a JSON array, with times in UTC");
   }
@@ -122,6 +94,9 @@ class RunsVerb : public StoreVerb {
     const std::vector<Condition> conditions = WhereArgument(where);
     filter.since = filter.since.empty() ? "" : TimeArgument(filter.since);
     filter.until = filter.until.empty() ? "" : TimeArgument(filter.until);
+    if (unfinished) {
+      filter.state = "unfinished";
+    }
     const Reader store(Database());
     ListedRuns runs(store, filter, conditions);
     json ? WriteJson(store, runs) : WriteTable(store, runs);
@@ -143,7 +118,7 @@ class RunsVerb : public StoreVerb {
  private:
   RunFilter filter;
   std::vector<std::string> where;
-  bool json = false;
+  bool unfinished = false, json = false;
 };
 
 }  // namespace

@@ -1,10 +1,12 @@
 #include "verbs/ShownRun.h"
 
+#include "asking/ListedRun.h"
 #include "output/EventLines.h"
 #include "output/LogLines.h"
 #include "output/NoteWords.h"
 #include "output/Output.h"
 #include "output/StateWords.h"
+#include "output/StopWords.h"
 #include "output/Terminal.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
@@ -21,7 +23,6 @@
 #include "store/values/RecordedText.h"
 #include "store/values/StoredText.h"
 #include "verbs/StepOrder.h"
-#include "verbs/StopWords.h"
 
 #include <algorithm>
 #include <optional>
@@ -87,9 +88,9 @@ class ShownRun {
     const Execution root = Find(run.root);
     const KnownState known = hosts.Of(run);
     const bool unfinished = known.state != RunState::Finished;
-    WriteData('{' + JsonMembers(root) + ",\"unfinished\":" + (unfinished ? "true," : "false,") +
-              JsonState(known, unfinished ? LastRecorded(store, run) : root.statusAt) + ",\"notes\":" +
-              NotesAsJson(notes.Ask(run.root)) + ",\"where\":" + Stopped().AsJson() + ",\n\"executions\":[");
+    const ListedRun head{root, unfinished, known, unfinished ? LastRecorded(store, run) : root.statusAt};
+    WriteData('{' + JsonMembers(head, NotesAsJson(notes.Ask(run.root))) + ",\"where\":" + Stopped().AsJson() +
+              ",\n\"executions\":[");
     const char* separator = "\n";
     ForEachExecution([&](const Execution& one, int depth) {
       WriteData(separator + ('{' + JsonMembers(one)) + ',' + JsonState(hosts.Of(one)) +

@@ -1,4 +1,4 @@
-#include "verbs/StopWords.h"
+#include "output/StopWords.h"
 
 #include "output/EventLines.h"
 #include "output/LogLines.h"
