@@ -18,7 +18,11 @@ long long RunPage::Events() const {
 
 void RunPage::Write(const Frame& frame, const std::function<void(std::string_view)>& write,
                     const std::function<void()>& step) const {
-  WriteFramed(frame, write, [&](const Page::Write& json) { WriteRunData(store, run, kept, beside, json, step); });
+  WriteFramed(frame, write, [&](const Page::Write& json) { WriteData(json, step); });
+}
+
+void RunPage::WriteData(const std::function<void(std::string_view)>& write, const std::function<void()>& step) const {
+  WriteRunData(store, run, kept, beside, write, step);
 }
 
 }  // namespace Velora::Page

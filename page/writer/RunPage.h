@@ -31,6 +31,8 @@ class RunPage {
   /// @param step is called for each event of the run.
   void Write(const Frame& frame, const std::function<void(std::string_view piece)>& write,
              const std::function<void()>& step) const;
+  /// Writes the data alone, in the form of page/FORM.md.
+  void WriteData(const std::function<void(std::string_view piece)>& write, const std::function<void()>& step) const;
 
  private:
   const Store::Reader& store;

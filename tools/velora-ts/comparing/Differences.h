@@ -1,5 +1,6 @@
 #pragma once
 
+#include "output/Output.h"
 #include "store/comparing/Comparison.h"
 #include "store/comparing/Configurations.h"
 #include "store/comparing/Summary.h"
@@ -27,6 +28,21 @@ struct Differences {
   bool AreNone(const Store::Summary& summary) const;
 };
 
+/// A comparison with what is said of its two runs.
+class ComparedRuns {
+ public:
+  /// @param durationsCount whether durations alone make two runs different.
+  ComparedRuns(const Store::Comparison::Side& first, const Store::Comparison::Side& second,
+               const Store::ComparisonRules& rules, bool durationsCount);
+
+  const Differences& Found() const { return found; }
+
+ private:
+  const Store::Comparison comparison;
+  Store::Hosts firstHosts, secondHosts;
+  const Differences found;
+};
+
 struct InWordsOptions {
   bool all = false;  ///< Also every difference that is otherwise summarised, and what is equal.
   int digits = 0;    ///< The significant digits of numbers.
@@ -36,6 +52,8 @@ void WriteDifferencesInWords(const Differences& found, const Store::Summary& sum
 
 /// Writes them as a JSON object and summarises them meanwhile.
 /// @param all also what is equal.
-void WriteDifferencesAsJson(const Differences& found, Store::Summary& summary, bool all);
+/// @param more further members for the begin of the object, each with a comma behind it.
+void WriteDifferencesAsJson(const Differences& found, Store::Summary& summary, bool all, const Sink& write,
+                            const std::string& more = "");
 
 }  // namespace Velora::Ts

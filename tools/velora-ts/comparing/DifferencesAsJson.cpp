@@ -139,43 +139,45 @@ std::string AsJson(const ChangedLine& line) {
 /// Writes a list, item by item.
 class List {
  public:
-  explicit List(const char* name) { WriteData(std::string(",\"") + name + "\":["); }
+  List(const char* name, const Sink& write) : write(write) { write(std::string(",\"") + name + "\":["); }
   void Add(const std::string& item) {
-    WriteData(separator + item);
+    write(separator + item);
     separator = ",\n";
   }
-  static void End() { WriteData("]"); }
+  void End() { write("]"); }
 
  private:
+  const Sink& write;
   const char* separator = "\n";
 };
 
 }  // namespace
 
-void WriteDifferencesAsJson(const Differences& found, Summary& summary, bool all) {
-  WriteData("{\"run\":{" + JsonMembers(found.first) + ',' + JsonState(found.firstState) + "},\"against\":{" +
-            JsonMembers(found.second) + ',' + JsonState(found.secondState) + '}');
-  List differences("differences");
+void WriteDifferencesAsJson(const Differences& found, Summary& summary, bool all, const Sink& write,
+                            const std::string& more) {
+  write('{' + more + "\"run\":{" + JsonMembers(found.first) + ',' + JsonState(found.firstState) + "},\"against\":{" +
+        JsonMembers(found.second) + ',' + JsonState(found.secondState) + '}');
+  List differences("differences", write);
   found.comparison.Visit([&](const Compared& compared) {
     summary.Add(compared);
     if (compared.differs) {
       differences.Add(AsJson(found.comparison, compared));
     }
   });
-  List::End();
-  List configuration("configuration");
+  differences.End();
+  List configuration("configuration", write);
   found.ForEachChangedLine([&](const ChangedLine& line) { configuration.Add(AsJson(line)); });
-  List::End();
-  List groups("summary");
+  configuration.End();
+  List groups("summary", write);
   for (const auto& [key, group] : summary.Groups()) {
     if (all || group.differ > 0) {
       groups.Add(AsJson(key, group));
     }
   }
-  List::End();
+  groups.End();
   const Compared* const parting = summary.Parting();
-  WriteData(",\"parting\":" + (parting != nullptr ? AsJson(found.comparison, *parting) : "null") +
-            ",\"same\":" + (found.AreNone(summary) ? "true" : "false") + "}\n");
+  write(",\"parting\":" + (parting != nullptr ? AsJson(found.comparison, *parting) : "null") +
+        ",\"same\":" + (found.AreNone(summary) ? "true" : "false") + "}\n");
 }
 
 }  // namespace Velora::Ts

@@ -1,8 +1,12 @@
 #pragma once
 
+#include <functional>
 #include <string_view>
 
 namespace Velora::Ts {
+
+/// Takes what is written, piece by piece. @throws Error when it cannot be written.
+using Sink = std::function<void(std::string_view piece)>;
 
 // Everything that the program writes goes through here.
 

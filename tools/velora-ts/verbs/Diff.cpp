@@ -1,7 +1,6 @@
 #include "comparing/Differences.h"
 #include "output/Output.h"
 #include "output/Words.h"
-#include "store/reading/Hosts.h"
 #include "store/reading/Reader.h"
 #include "verbs/ComparisonOptions.h"
 #include "verbs/DigitsOption.h"
@@ -39,23 +38,13 @@ class DiffVerb : public StoreVerb {
       return Found;
     }
     const Reader& otherStore = second.StoreOf(store);
-    const Comparison comparison({store, *run}, {otherStore, *other}, compareBy);
-    Hosts hosts(store), otherHosts(otherStore);
-    const Differences found{comparison,
-                            RootOf(store, *run),
-                            RootOf(otherStore, *other),
-                            hosts,
-                            otherHosts,
-                            hosts.Of(*run),
-                            otherHosts.Of(*other),
-                            rules.DurationsCount(),
-                            ConfigurationsOf(store, *run),
-                            ConfigurationsOf(otherStore, *other)};
+    const ComparedRuns compared({store, *run}, {otherStore, *other}, compareBy, rules.DurationsCount());
+    const Differences& found = compared.Found();
     Summary summary;
     if (json) {
-      WriteDifferencesAsJson(found, summary, all);
+      WriteDifferencesAsJson(found, summary, all, &WriteData);
     } else {
-      comparison.Visit([&](const Compared& compared) { summary.Add(compared); });
+      found.comparison.Visit([&](const Compared& one) { summary.Add(one); });
       WriteDifferencesInWords(found, summary, {all, digits.Value()});
     }
     FlushOut();
@@ -65,12 +54,6 @@ class DiffVerb : public StoreVerb {
   }
 
  private:
-  static Execution RootOf(const Reader& store, const Run& run) {
-    Rows rows = QueryExecutions(store, "WHERE e.execution_id = ?1");
-    rows.Ask(run.root).Next();
-    return ExecutionAt(rows);
-  }
-
   std::string name, secondName;
   SecondRun second;
   ComparisonOptions rules;

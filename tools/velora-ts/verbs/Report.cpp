@@ -2,10 +2,9 @@
 #include "output/PageFile.h"
 #include "output/Progress.h"
 #include "output/Words.h"
-#include "page/writer/Against.h"
+#include "page/writer/ComparedPage.h"
 #include "page/writer/Frame.h"
 #include "page/writer/LogColumns.h"
-#include "page/writer/RunPage.h"
 #include "store/reading/Reader.h"
 #include "store/reading/Runs.h"
 #include "verbs/ComparisonOptions.h"
@@ -59,13 +58,10 @@ class ReportVerb : public StoreVerb {
     if (!secondName.empty() && !other) {
       return Found;
     }
-    std::optional<Comparison> comparison;
-    std::optional<Page::Against> against;
-    if (other) {
-      comparison.emplace(Comparison::Side{store, *run}, Comparison::Side{second.StoreOf(store), *other}, rules.Rules());
-      against.emplace(*comparison);
-    }
-    const Page::RunPage page(store, *run, {settings.units, log ? &*log : nullptr, against ? &*against : nullptr});
+    const std::optional<Comparison::Side> side =
+        other ? std::optional(Comparison::Side{second.StoreOf(store), *other}) : std::nullopt;
+    const Page::ComparedPage compared({store, *run}, side, rules.Rules(), settings.units, log ? &*log : nullptr);
+    const Page::RunPage& page = compared.Page();
     PageFile target(path);
     {
       Progress progress("Writing events", page.Events());
