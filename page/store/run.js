@@ -20,9 +20,10 @@ const show = (...ids) => ids.forEach((id) => (byId(id).hidden = false));
 class Chosen {
   constructor() {
     const query = new URLSearchParams(window.location.search);
-    this.parameters = Object.fromEntries(
-      ['store', 'run', 'with', 'with_store'].map((name) => [name, query.get(name) ?? '']),
-    );
+    this.parameters = {
+      ...Object.fromEntries(['store', 'run', 'with', 'with_store'].map((name) => [name, query.get(name) ?? ''])),
+      ...Object.fromEntries(['ignore', 'tolerance'].map((name) => [name, query.getAll(name)])),
+    };
   }
 
   know(raw) {

@@ -5,7 +5,8 @@
 //     hide()              called when another view is shown; may be missing
 // The shell has address (address.js), ask (api.js), live (live.js) and stops (stops.js).
 
+import { compare } from './compare.js';
 import { now } from './now.js';
 import { runs } from './runs.js';
 
-export const views = [now, runs];
+export const views = [now, runs, compare];

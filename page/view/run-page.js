@@ -19,7 +19,7 @@ import { Timeline } from './timeline.js';
 const byId = (id) => document.getElementById(id);
 
 /** What the data of a page say, also of the run with which it is compared. */
-function read(raw) {
+export function read(raw) {
   const recorded = new Recorded(raw);
   recorded.against = raw.against ? new Against(recorded) : null;
   return recorded;
