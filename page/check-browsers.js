@@ -9,7 +9,7 @@ const oldest = { chrome: 96, firefox: 94, safari: 15.1 }; // of November 2021
 // Without these a page is less handsome, or less handy on paper, but whole. Each list of fonts ends with one that every
 // browser has.
 const ornaments = new Set(['color-scheme', 'font-family', 'overflow-anchor', '@page', 'size']);
-const ofLibrary = new Set(['resize']); // methods of what draws
+const ofLibrary = new Set(['dispose', 'resize']); // methods of what draws
 const [modules, ...files] = process.argv.slice(2);
 const require = createRequire(resolve(modules, 'x'));
 const known = require('@mdn/browser-compat-data');

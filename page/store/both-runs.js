@@ -34,9 +34,9 @@ export class BothRuns {
     this.redraw();
   }
 
-  /** Draws what is to be shown, as soon as it is on the screen. */
+  /** Draws what is to be shown, as soon as there is room for it: another view can be shown, or the window be closed. */
   redraw() {
-    if (!this.plot.isConnected || !this.raw) {
+    if (!this.raw || !this.plot.parentElement.clientWidth) {
       return;
     }
     if (this.drawn) {
