@@ -30,6 +30,12 @@ class Program {
   ~Program() { Kill(); }
 
   void Signal(int signal) const { kill(process, signal); }
+  /// Waits until it has ended by itself. @return its exit code; -1 if a signal ended it.
+  int ExitCode() {
+    int status = 0;
+    waitpid(std::exchange(process, -1), &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
   /// @return whether that ended it, and not something before.
   bool Kill() {
     int status = 0;

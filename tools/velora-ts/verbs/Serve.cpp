@@ -7,10 +7,14 @@
 #include "verbs/Verb.h"
 
 #include <VeloraSystem/EndRequest.h>
+#include <VeloraSystem/Path.h>
 
 #include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <future>
 #include <string>
-#include <thread>
+#include <system_error>
 #include <vector>
 
 namespace Velora::Ts {
@@ -20,6 +24,9 @@ using namespace Store;
 namespace {
 
 using namespace std::chrono_literals;
+
+constexpr std::chrono::milliseconds betweenLooks(500);
+constexpr std::chrono::milliseconds longestEnd(500);
 
 class ServeVerb : public Verb {
  public:
@@ -36,21 +43,22 @@ class ServeVerb : public Verb {
 
   ExitCode Execute() override {
     const Http::Address address = WhereToListen();
-    Served served;
+    Served served = ServedStores();
     Trends trends;
     served.trends = &trends;
-    for (const std::string& folder : folders.empty() ? std::vector<std::string>{""} : folders) {
-      served.stores.push_back({static_cast<int>(served.stores.size()) + 1, folder, ReadSettings(folder)});
-    }
     const System::EndRequest end;
     Http::Server server(address, names, HandlersOf(served));
+    std::future<void> answering = std::async(std::launch::async, [&server] { server.Serve(); });
     Say("serving " + StoresInWords(served) + " at http://" + server.Listens().InWords() + "/");
     FlushOut();
-    std::thread answering([&server] { server.Serve(); });
-    while (!end.Await(1h)) {
+    Warn(server.Listens(), served);
+    while (!end.Await(betweenLooks) && !HasEnded(answering, 0ms)) {
     }
     server.End();
-    answering.join();
+    if (!HasEnded(answering, longestEnd)) {
+      std::_Exit(Done);  // a long question to a store only reads, and can be cut off
+    }
+    answering.get();
     return Done;
   }
 
@@ -61,6 +69,34 @@ class ServeVerb : public Verb {
     } catch (const Error& error) {
       throw UsageError(error.what());
     }
+  }
+
+  Served ServedStores() const {
+    Served served;
+    for (const std::string& folder : folders.empty() ? std::vector<std::string>{""} : folders) {
+      served.stores.push_back({static_cast<int>(served.stores.size()) + 1, folder, ReadSettings(folder)});
+    }
+    return served;
+  }
+
+  static void Warn(const Http::Address& listens, const Served& served) {
+    if (!listens.IsLoopback()) {
+      Complain("other computers can reach " + listens.InWords() +
+               ": there is no login and no encryption, so whoever reaches it reads every record. Let it listen at "
+               "127.0.0.1, and put a server with both before it, such as nginx");
+    }
+    for (const ServedStore& store : served.stores) {
+      const Database& database = store.settings.database;
+      std::error_code unknown;
+      if (database.kind == Database::Kind::Sqlite &&
+          !std::filesystem::exists(System::PathOf(database.where), unknown)) {
+        Complain("the store '" + NameOf(database) + "' is not there yet; it is served as soon as a host has made it");
+      }
+    }
+  }
+
+  static bool HasEnded(const std::future<void>& answering, std::chrono::milliseconds longest) {
+    return answering.wait_for(longest) == std::future_status::ready;
   }
 
   static std::string StoresInWords(const Served& served) {

@@ -1,7 +1,5 @@
 #include "serving/http/Connections.h"
 
-#include "serving/http/Limits.h"
-
 namespace Velora::Http {
 
 namespace {
@@ -41,7 +39,7 @@ void Connections::EndOne() {
   const Connection* longest = nullptr;
   for (const Connection* const each : open) {
     const bool canGo = each->state == Connection::State::AwaitsRequest ||
-                       (each->state == Connection::State::AwaitsReader && Clock::now() - each->since > stalledTime);
+                       (each->state == Connection::State::AwaitsReader && Clock::now() - each->since > stalled);
     if (canGo && (longest == nullptr || each->since < longest->since)) {
       longest = each;
     }

@@ -13,6 +13,9 @@ class Connections {
  public:
   using Clock = std::chrono::steady_clock;
 
+  /// @param stalled after which a connection whose client takes nothing can be ended.
+  explicit Connections(std::chrono::milliseconds stalled) : stalled(stalled) {}
+
   /// One of them, while it exists. It does not close the socket, which has to stay open meanwhile.
   class Connection {
    public:
@@ -47,6 +50,7 @@ class Connections {
 
  private:
   using Set = std::set<Connection*>;
+  const std::chrono::milliseconds stalled;
   std::mutex mutex;
   Set open;
 };

@@ -5,24 +5,27 @@
 
 namespace Velora::Http {
 
-// What one client can take from a server at most, whatever it sends.
-
-constexpr std::size_t longestHead = 32 * 1024;  // of a request, in bytes
+// The largest request.
+constexpr std::size_t longestHead = 32 * 1024;  // in bytes
 constexpr std::size_t longestTarget = 8 * 1024;
 constexpr std::size_t mostHeaders = 100;
 
-constexpr std::size_t mostConnections =
-    256;                               // a further one takes the place of the one whose client is awaited longest
-constexpr std::size_t mostLive = 128;  // answers that go on, at once
-constexpr std::size_t mostHeavy = 2;
-constexpr std::size_t mostWaiting = 32;  // for the end of a heavy answer
+/// What clients can take from a server at most, whatever they send.
+struct Limits {
+  std::size_t connections = 256;  ///< A further one takes the place of the one whose client is awaited longest.
+  std::size_t live = 128;         ///< Answers that go on, at once.
+  std::size_t heavy = 2;          ///< Heavy answers at once.
+  std::size_t waiting = 32;       ///< Requests that wait until a heavy answer has ended.
 
-constexpr std::chrono::seconds idleTime(30);      // between two requests of a connection
-constexpr std::chrono::seconds headTime(10);      // for a whole head, from its first byte
-constexpr std::chrono::seconds heavyTime(20);     // to wait for the end of a heavy answer
-constexpr std::chrono::seconds readerTime(10);    // for which a client can take nothing
-constexpr std::size_t slowestReader = 16 * 1024;  // bytes that it has to take in each second beyond that
-constexpr std::chrono::seconds stalledTime(1);    // after which it can lose its place
-constexpr std::chrono::seconds farewellTime(1);   // in which a client that was refused can read why
+  using Time = std::chrono::milliseconds;
+  Time idle = std::chrono::seconds(30);    ///< Between two requests of a connection.
+  Time head = std::chrono::seconds(10);    ///< For a whole head, from its first byte.
+  Time turn = std::chrono::seconds(20);    ///< To wait until a heavy answer has ended.
+  Time reader = std::chrono::seconds(10);  ///< For which a client can take nothing of its answer.
+  /// The same in all, and a second more for each so many bytes of the answer.
+  std::size_t bytesPerSecond = 16 * 1024;
+  Time stalled = std::chrono::seconds(1);   ///< After which a client that takes nothing can lose its place.
+  Time farewell = std::chrono::seconds(1);  ///< In which a client can read an answer that ends its connection.
+};
 
 }  // namespace Velora::Http

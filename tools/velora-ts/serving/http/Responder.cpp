@@ -1,6 +1,5 @@
 #include "serving/http/Responder.h"
 
-#include "serving/http/Limits.h"
 #include "serving/http/Target.h"
 
 #include <exception>
@@ -52,8 +51,12 @@ void Correct(httplib::Response& response) {
 
 }  // namespace
 
-Responder::Responder(Access access, Http::Handlers handlers)
-    : access(std::move(access)), handlers(std::move(handlers)), heavy(mostHeavy, mostWaiting), live(mostLive, 0) {
+Responder::Responder(Access access, Http::Handlers handlers, const Limits& limits)
+    : access(std::move(access)),
+      turn(limits.turn),
+      handlers(std::move(handlers)),
+      heavy(limits.heavy, limits.waiting),
+      live(limits.live, 0) {
   set_pre_routing_handler([](const httplib::Request&, httplib::Response& response) {
     current->Give(response);
     return HandlerResponse::Handled;
@@ -101,10 +104,10 @@ void Responder::TakePlace(Exchange& exchange) {
     case Weight::Light:
       break;
     case Weight::Heavy:
-      exchange.place.emplace(heavy, heavyTime);
+      exchange.place.emplace(heavy, turn);
       break;
     case Weight::Live:
-      exchange.place.emplace(live, std::chrono::seconds(0));
+      exchange.place.emplace(live, Limits::Time(0));
       break;
   }
 }

@@ -3,6 +3,7 @@
 #include "serving/http/Access.h"
 #include "serving/http/Exchange.h"
 #include "serving/http/HeadReader.h"
+#include "serving/http/Limits.h"
 
 #include <httplib.h>
 
@@ -11,7 +12,7 @@ namespace Velora::Http {
 /// Answers requests. It reads them itself, because the library has no limits for that; the library writes the answers.
 class Responder : public httplib::Server {
  public:
-  Responder(Access access, Http::Handlers handlers);
+  Responder(Access access, Http::Handlers handlers, const Limits& limits);
 
   /// Answers the next request of a client. @return whether the client can send another one.
   bool AnswerNext(HeadReader& heads, Client& client);
@@ -26,6 +27,7 @@ class Responder : public httplib::Server {
   bool Write(Exchange& exchange);
 
   const Access access;
+  const Limits::Time turn;
   const Http::Handlers handlers;
   Places heavy, live;
 };

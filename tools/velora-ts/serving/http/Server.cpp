@@ -1,7 +1,6 @@
 #include "serving/http/Server.h"
 
 #include "serving/http/ConnectionThreads.h"
-#include "serving/http/Limits.h"
 #include "serving/http/Responder.h"
 #include "serving/http/SocketClient.h"
 #include "store/Error.h"
@@ -43,8 +42,11 @@ void Close(socket_t socket) {
 
 class Server::Listener : public Responder {
  public:
-  Listener(const Address& wanted, const std::vector<std::string>& names, Http::Handlers handlers)
-      : Responder(Access(wanted, names), std::move(handlers)), address(wanted) {
+  Listener(const Address& wanted, const std::vector<std::string>& names, Http::Handlers handlers, const Limits& limits)
+      : Responder(Access(wanted, names), std::move(handlers), limits),
+        limits(limits),
+        address(wanted),
+        connections(limits.stalled) {
     new_task_queue = [this] { return new Threads(*this); };
     set_socket_options(&SetOptions);
     set_idle_interval(betweenLooks);
@@ -74,7 +76,7 @@ class Server::Listener : public Responder {
   class Threads : public ConnectionThreads {
    public:
     explicit Threads(Listener& listener)
-        : ConnectionThreads(listener.connections, mostConnections), listener(listener) {}
+        : ConnectionThreads(listener.connections, listener.limits.connections), listener(listener) {}
 
     void on_idle() override {
       if (listener.ended) {
@@ -113,7 +115,7 @@ class Server::Listener : public Responder {
   bool process_and_close_socket(socket_t socket) override {
     {
       Connections::Connection connection(connections, socket);
-      SocketClient client(connection);
+      SocketClient client(connection, limits);
       HeadReader heads(client);
       while (!ended && AnswerNext(heads, client)) {
       }
@@ -123,13 +125,14 @@ class Server::Listener : public Responder {
     return true;
   }
 
+  const Limits limits;
   Address address;
   Connections connections;
   std::atomic<bool> ended = false;
 };
 
-Server::Server(const Address& address, const std::vector<std::string>& names, Handlers handlers)
-    : listener(std::make_unique<Listener>(address, names, std::move(handlers))) {}
+Server::Server(const Address& address, const std::vector<std::string>& names, Handlers handlers, const Limits& limits)
+    : listener(std::make_unique<Listener>(address, names, std::move(handlers), limits)) {}
 
 Server::~Server() = default;
 

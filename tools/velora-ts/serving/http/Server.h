@@ -2,6 +2,7 @@
 
 #include "serving/http/Address.h"
 #include "serving/http/Handler.h"
+#include "serving/http/Limits.h"
 
 #include <memory>
 #include <string>
@@ -9,14 +10,13 @@
 
 namespace Velora::Http {
 
-/// A server of answers to GET and HEAD requests. Each connection has a thread; Limits.h says how many, and how long it
-/// waits for a client.
+/// A server of answers to GET and HEAD requests. Each connection has a thread.
 class Server {
  public:
   /// Begins to listen.
   /// @param names further names under which it is reached, such as that of a proxy. A request for any other is refused.
   /// @throws Error when that is not possible.
-  Server(const Address& address, const std::vector<std::string>& names, Handlers handlers);
+  Server(const Address& address, const std::vector<std::string>& names, Handlers handlers, const Limits& limits = {});
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
   ~Server();

@@ -1,7 +1,5 @@
 #include "serving/http/SocketClient.h"
 
-#include "serving/http/Limits.h"
-
 #ifdef _WIN32
 #define poll WSAPoll
 #else
@@ -47,14 +45,15 @@ bool Await(socket_t socket, short what, std::chrono::steady_clock::duration long
 
 }  // namespace
 
-SocketClient::SocketClient(Connections::Connection& connection) : connection(connection) {
+SocketClient::SocketClient(Connections::Connection& connection, const Limits& limits)
+    : connection(connection), limits(limits) {
   LetNothingBlock(connection.Socket());
 }
 
 void SocketClient::AwaitRequest() {
   connection.AwaitsRequest();
   hasBegun = false;
-  receivesUntil = Clock::now() + idleTime;
+  receivesUntil = Clock::now() + limits.idle;
 }
 
 void SocketClient::BeginAnswer() {
@@ -67,7 +66,7 @@ std::size_t SocketClient::Receive(char* buffer, std::size_t size) {
   for (;;) {
     const auto count = recv(connection.Socket(), buffer, static_cast<Size>(size), 0);
     if (count > 0) {
-      receivesUntil = hasBegun ? receivesUntil : Clock::now() + headTime;
+      receivesUntil = hasBegun ? receivesUntil : Clock::now() + limits.head;
       hasBegun = true;
       return static_cast<std::size_t>(count);
     }
@@ -99,11 +98,12 @@ bool SocketClient::IsThere() const {
   return count > 0 || (count < 0 && WouldBlock());
 }
 
+// Whoever takes a byte now and then must not hold an answer for ever either.
 bool SocketClient::AwaitReader() {
-  const Clock::duration granted = readerTime + std::chrono::milliseconds(1000 * sent / slowestReader);
+  const Clock::duration granted = limits.reader + std::chrono::milliseconds(1000 * sent / limits.bytesPerSecond);
   const Clock::time_point begin = Clock::now();
   connection.AwaitsReader();
-  const bool isReady = Await(connection.Socket(), POLLOUT, granted - waited);
+  const bool isReady = Await(connection.Socket(), POLLOUT, limits.reader);
   connection.Acts();
   waited += Clock::now() - begin;
   return isReady && waited < granted;
@@ -116,7 +116,7 @@ void SocketClient::Farewell() {
 #else
   shutdown(connection.Socket(), SHUT_WR);
 #endif
-  const Clock::time_point end = Clock::now() + farewellTime;
+  const Clock::time_point end = Clock::now() + limits.farewell;
   std::array<char, 16 * 1024> rest{};
   hasBegun = true;
   receivesUntil = end;

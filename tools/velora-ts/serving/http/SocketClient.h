@@ -2,6 +2,7 @@
 
 #include "serving/http/Client.h"
 #include "serving/http/Connections.h"
+#include "serving/http/Limits.h"
 
 #include <chrono>
 
@@ -10,8 +11,8 @@ namespace Velora::Http {
 /// A client behind a socket.
 class SocketClient : public Client {
  public:
-  /// The connection has to outlive it.
-  explicit SocketClient(Connections::Connection& connection);
+  /// Both have to outlive it.
+  SocketClient(Connections::Connection& connection, const Limits& limits);
 
   void AwaitRequest() override;
   void BeginAnswer() override;
@@ -29,6 +30,7 @@ class SocketClient : public Client {
   bool AwaitReader();
 
   Connections::Connection& connection;
+  const Limits& limits;
   bool hasBegun = false;  // to send a request
   Clock::time_point receivesUntil;
   std::size_t sent = 0;                              // of this answer
