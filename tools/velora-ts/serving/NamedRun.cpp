@@ -6,6 +6,7 @@
 #include "store/comparing/Reference.h"
 #include "store/values/RecordedText.h"
 
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -54,10 +55,20 @@ NamedRun Find(const Served& served, std::optional<long long> number, const std::
       places.insert(&place == before ? places.begin() : places.end(), &place);
     }
   }
+  std::exception_ptr unread;
   for (const ServedStore* const place : places) {
-    if (std::optional<NamedRun> found = FindIn(*place, name)) {
-      return *std::move(found);
+    try {
+      if (std::optional<NamedRun> found = FindIn(*place, name)) {
+        return *std::move(found);
+      }
+    } catch (const Http::Refusal&) {
+      throw;
+    } catch (const Error&) {  // the run can be in another one
+      unread = std::current_exception();
     }
+  }
+  if (unread) {
+    std::rethrow_exception(unread);
   }
   throw Http::Refusal(404,
                       "no run matches " + Quoted(name) + "; expected a guid, its first characters, \"last\" or a node");
