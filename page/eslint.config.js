@@ -72,7 +72,9 @@ export default [
     rules: longestFunction(40),
   },
   {
-    files: ['tests/page/**'], // some of its functions run in the browser
-    languageOptions: { globals: readonly('document', 'echarts', 'performance', 'requestAnimationFrame', 'window') },
+    files: ['tests/page/**', 'tests/serve-page/**'], // some of their functions run in the browser
+    languageOptions: {
+      globals: readonly('document', 'echarts', 'getComputedStyle', 'performance', 'requestAnimationFrame', 'window'),
+    },
   },
 ];

@@ -57,10 +57,10 @@ export class Alarm {
       'div',
       'alarm stop',
       title,
+      seen,
       make('p', 'path', linkToRun(store, run.run, ...pathOf(run))),
       make('p', 'since', 'last record ', moment(run.last_recorded_at)),
       make('p', 'event', 'The last event: ', ...lastEvent(run)),
-      seen,
     );
   }
 }

@@ -8,7 +8,7 @@ const spare = 12; // rows above and below those that are seen
 export class RunGrid {
   /**
    * @param columns [{title, className, shown(run), cell(run)}]: what a cell shows, and its children
-   * @param actions {open(run), choose(run), isChosen(run), keyOf(run), nearEnd(), end()}
+   * @param actions {open(run), choose(run), isChosen(run), keyOf(run), nearEnd(), end(), scrolled()}
    */
   constructor(columns, actions) {
     Object.assign(this, { columns, actions, runs: [], active: null, rowHeight: 28, total: -1 });
@@ -29,21 +29,27 @@ export class RunGrid {
     this.element.setAttribute('aria-label', 'Runs');
     this.element.setAttribute('aria-colcount', columns.length);
     this.element.setAttribute('aria-multiselectable', 'true');
-    this.element.addEventListener('scroll', () => this.draw());
+    this.element.addEventListener('scroll', () => {
+      this.draw();
+      actions.scrolled();
+    });
     this.element.addEventListener('keydown', (event) => this.key(event));
     this.body.addEventListener('click', (event) => this.click(event));
     this.rows = new Map(); // by key
     window.addEventListener('resize', () => this.draw());
   }
 
-  /** Shows runs; what is being read stays where it is. @param total how many there are, -1 if that is not known */
+  /**
+   * Shows runs; what is being read stays where it is.
+   * @param total how many there are, -1 if that is not known
+   * @returns how many more are now above what is being read
+   */
   show(runs, total) {
     const { keyOf } = this.actions;
     const first = Math.floor(this.element.scrollTop / this.rowHeight);
-    const isAtTop =
-      this.element.scrollTop < this.rowHeight && (this.active === null || this.indexOf(this.active) === 0);
+    const moves = this.isAtTop && (this.active === null || this.indexOf(this.active) === 0);
     const places = new Map(runs.map((run, at) => [keyOf(run), at]));
-    const anchor = isAtTop ? undefined : this.runs.slice(first).find((run) => places.has(keyOf(run)));
+    const anchor = moves ? undefined : this.runs.slice(first).find((run) => places.has(keyOf(run)));
     const shift = anchor ? places.get(keyOf(anchor)) - this.indexOf(keyOf(anchor)) : 0;
     Object.assign(this, { runs, places, total });
     this.draw();
@@ -51,6 +57,11 @@ export class RunGrid {
       this.element.scrollTop += shift * this.rowHeight;
       this.draw();
     }
+    return shift;
+  }
+
+  get isAtTop() {
+    return this.element.scrollTop < this.rowHeight;
   }
 
   /** Shows the first run, as for something else that was asked. */

@@ -22,7 +22,7 @@ export const runs = {
 
 class Runs {
   constructor(section, { address, ask, live }) {
-    Object.assign(this, { address, live, chosen: [], isShown: false });
+    Object.assign(this, { address, live, chosen: [], isShown: false, above: 0 });
     this.filter = new RunFilter((filter) => this.choose(filter));
     this.list = new RunList(ask, () => this.draw());
     this.grid = new RunGrid(columns, {
@@ -32,6 +32,7 @@ class Runs {
       isChosen: (run) => this.chosen.some((one) => keyOf(one) === keyOf(run)),
       nearEnd: () => this.list.more(),
       end: () => this.loadAll(),
+      scrolled: () => this.drawNewer(),
     });
     this.said = make('p', 'hint');
     this.said.setAttribute('role', 'status');
@@ -42,7 +43,7 @@ class Runs {
     this.newer.hidden = true;
     this.bar = make('div', 'bar compare');
     this.keys = make('p', 'hint', 'Arrows go from run to run, Enter opens one, Space chooses it to compare.');
-    const counts = make('div', 'bar', this.said, this.newer, this.bar);
+    const counts = make('div', 'bar counts', this.said, this.newer, this.bar);
     section.append(make('h1', '', 'Runs'), this.filter.form, this.filter.error, counts, this.grid.element, this.keys);
     live.onState((state) => this.take(state));
   }
@@ -68,6 +69,7 @@ class Runs {
     const isOther = JSON.stringify(filter) !== JSON.stringify(this.list.filter);
     if (isOther) {
       this.grid.toTop();
+      this.above = 0;
       this.list.load(filter);
     } else {
       this.list.refresh();
@@ -98,13 +100,21 @@ class Runs {
   draw() {
     const { runs: found, isWhole, isLoading, error } = this.list;
     this.filter.complain(error);
-    this.grid.show(found, isWhole ? found.length : -1);
+    this.above += this.grid.show(found, isWhole ? found.length : -1);
+    this.drawNewer();
     if (isLoading) {
       return;
     }
     const words =
       found.length === 0 ? 'No run is like that' : `${count(found.length, 'run')}${isWhole ? '' : ' so far'}`;
     keepText(this.said, error ? '' : words);
+  }
+
+  /** Says how many runs came above what is being read. */
+  drawNewer() {
+    this.above = this.grid.isAtTop ? 0 : Math.max(0, this.above);
+    this.newer.hidden = this.above === 0;
+    keepText(this.newer, `${count(this.above, 'newer run')} above`);
   }
 
   /** Chooses a run to compare, or no longer; of more than two the first one is let go. */
