@@ -36,6 +36,7 @@ const std::map<std::string, Verb> verbs = {
     {"forward", {"it needs a server, and reads what is behind a key of each table"}},
     {"init", {"it opens no store"}},
     {"prepare", {"it reads no records"}},
+    {"serve", {"tests/serving asks what it asks"}},
     {"rotate", {"it seals and verifies every record"}},
     {"verify", {"it compares every record with its seal"}},
     {"events",
@@ -54,7 +55,7 @@ const std::map<std::string, Verb> verbs = {
        "--since 2026-01-01 --format trace"}}},
     {"runs",
      {nullptr,
-      {"", "--instrument Scope", "--node grid.mdoc --unfinished",
+      {"", "--instrument Scope", "--node grid.mdoc --unfinished", "--state finished --text grid",
        "--since 2026-01-01 --instrument Scope --activity TiltSeries --unfinished --json --limit 1"}}},
     {"seal", {nullptr, {"", ""}}},  // the second time, what was added since
     {"show", {nullptr, {"last --tree --events", "0ecba827 --events --columns TiltAngle --json", "grid.mdoc"}}},
