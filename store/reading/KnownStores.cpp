@@ -16,7 +16,7 @@ std::string StoresIn(const Reader& store) {
 
 std::vector<KnownStore> KnownStores(const Reader& store) {
   std::vector<KnownStore> stores{{}};
-  for (Rows rows(store, "SELECT store_id, guid FROM " + StoresIn(store) + " s ORDER BY store_id"); rows.Next();) {
+  for (Rows rows(store, "SELECT store_id, guid FROM " + StoresIn(store) + " stores ORDER BY store_id"); rows.Next();) {
     const KnownStore known{StoreOf(rows.Integer(0)), std::string(rows.Whole(1))};
     if (known.number != stores.back().number) {
       stores.push_back(known);

@@ -2,6 +2,8 @@
 
 #include "CommandLine.h"
 #include "ToolTest.h"
+#include "asking/KeptTrends.h"
+#include "asking/Trends.h"
 #include "output/EventLines.h"
 #include "store/comparing/Reference.h"
 #include "store/reading/Listener.h"
@@ -110,6 +112,10 @@ TEST_F(Questions, AreAnsweredByIndexes) {
     const Velora::Store::Reader store(Velora::Store::ReadSettings(asked).database);
     EventsOfRunSince(store, 0, {});  // tail's, once it has looked
     ReferenceOf(store, {}, store);   // diff's, without a second run
+    Trends().Answer({{1, store.Where()}}, {"TiltAngle", {.from = "2025-01-01", .activity = "TiltSeries"}, "activity"});
+    if (!TestStore::OnServer()) {
+      KeptTrends().Of(1, store, "TiltAngle");
+    }
   }
   for (const auto& [name, verb] : verbs) {
     if (name == "report" && !WITH_PAGE) {

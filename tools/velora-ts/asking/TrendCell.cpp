@@ -1,7 +1,10 @@
 #include "asking/TrendCell.h"
 
+#include "store/asking/Numbers.h"
+
 #include <algorithm>
 #include <tuple>
+#include <utility>
 
 namespace Velora::Ts {
 
@@ -19,11 +22,28 @@ void TrendCell::Meet(const Extreme& low, const Extreme& high) {
   }
 }
 
+std::vector<double>& TrendCell::Of(double weight) {
+  for (Kept& some : kept) {
+    if (some.weight == weight) {
+      return some.numbers;
+    }
+  }
+  return kept.emplace_back(Kept{weight}).numbers;
+}
+
+std::size_t TrendCell::Points() const {
+  std::size_t points = 0;
+  for (const Kept& some : kept) {
+    points += some.numbers.size();
+  }
+  return points;
+}
+
 void TrendCell::Add(double number, long long event) {
   const Extreme extreme{number, event};
   Meet(extreme, extreme);
   ++count;
-  points.emplace_back(number, 1);
+  Of(1).push_back(number);
 }
 
 void TrendCell::Take(const TrendCell& other, int store) {
@@ -34,54 +54,68 @@ void TrendCell::Take(const TrendCell& other, int store) {
   Meet({other.lowest.number, other.lowest.event, store}, {other.highest.number, other.highest.event, store});
   count += other.count;
   error += other.error;
-  points.insert(points.end(), other.points.begin(), other.points.end());
+  for (const Kept& some : other.kept) {
+    std::vector<double>& numbers = Of(some.weight);
+    numbers.insert(numbers.end(), some.numbers.begin(), some.numbers.end());
+  }
 }
+
+/// Goes through numbers in their order, by how many are before.
+class TrendCell::Places {
+ public:
+  explicit Places(const TrendCell& cell) {
+    for (const Kept& some : cell.kept) {
+      for (const double number : some.numbers) {
+        sorted.emplace_back(number, some.weight);
+      }
+    }
+    std::sort(sorted.begin(), sorted.end());
+    passed = sorted.front().second;
+  }
+
+  /// The number at a place that is not before the last one.
+  double At(double place) {
+    for (; passed <= place && at + 1 < sorted.size(); passed += sorted[at].second) {
+      ++at;
+    }
+    return sorted[at].first;
+  }
+
+ private:
+  std::vector<std::pair<double, double>> sorted;  // with their weights
+  std::size_t at = 0;
+  double passed = 0;  // the numbers up to the current one
+};
 
 // The middle of a part stands for all of it, so no place of a number moves by more than half a part.
 void TrendCell::Settle() {
-  if (points.size() <= mostPoints) {
+  if (Points() <= mostPoints) {
     return;
   }
-  const std::vector<Weighted> sorted = Sorted();
   const double part = static_cast<double>(count) / mostPoints;
-  std::vector<Weighted> settled;
-  settled.reserve(mostPoints);
-  double passed = 0;
-  for (const auto& [number, weight] : sorted) {
-    passed += weight;
-    while (settled.size() < mostPoints && (static_cast<double>(settled.size()) + 0.5) * part < passed) {
-      settled.emplace_back(number, part);
-    }
+  Kept settled{part};
+  settled.numbers.reserve(mostPoints);
+  Places places(*this);
+  for (std::size_t number = 0; number < mostPoints; ++number) {
+    settled.numbers.push_back(places.At((static_cast<double>(number) + 0.5) * part));
   }
-  settled.resize(mostPoints, {sorted.back().first, part});  // where sums of weights are rounded
   error += part / 2;
-  points = std::move(settled);
+  kept.clear();  // an assignment would keep the room that they had
+  kept.push_back(std::move(settled));
 }
 
-std::vector<Weighted> TrendCell::Sorted() const {
-  std::vector<Weighted> sorted = points;
-  std::sort(sorted.begin(), sorted.end());
-  return sorted;
-}
-
-decltype(Distribution::quantiles) TrendCell::Quantiles() const {
+std::array<double, 5> TrendCell::Quantiles() const {
   if (error == 0) {
     Numbers numbers;
-    for (const auto& [number, weight] : points) {
-      numbers.Add(number);
+    for (const Kept& some : kept) {
+      std::for_each(some.numbers.begin(), some.numbers.end(), [&](double number) { numbers.Add(number); });
     }
     return numbers.Summarize().quantiles;
   }
-  const std::vector<Weighted> sorted = Sorted();
-  decltype(Distribution::quantiles) quantiles{};
-  std::size_t at = 0;
-  double passed = sorted.front().second;
+  Places places(*this);
+  std::array<double, Distribution::parts.size()> quantiles{};
   for (std::size_t number = 0; number < quantiles.size(); ++number) {
-    for (const double place = Distribution::parts[number] * static_cast<double>(count - 1);
-         passed <= place && at + 1 < sorted.size(); passed += sorted[at].second) {
-      ++at;
-    }
-    quantiles[number] = sorted[at].first;
+    quantiles[number] = places.At(Distribution::parts[number] * static_cast<double>(count - 1));
   }
   return quantiles;
 }

@@ -1,21 +1,16 @@
 #pragma once
 
-#include "store/asking/Numbers.h"
-
+#include <array>
 #include <cstddef>
-#include <utility>
 #include <vector>
 
 namespace Velora::Ts {
-
-/// A number, and how many numbers it stands for.
-using Weighted = std::pair<double, double>;
 
 /// The numbers that one source recorded in some of the time. Counts and extremes are exact. While no more than
 /// `mostPoints` are kept, so are the quantiles; Settle() keeps the middle of each of `mostPoints` parts of more.
 class TrendCell {
  public:
-  static constexpr std::size_t mostPoints = 100;
+  static constexpr std::size_t mostPoints = 64;
 
   /// A number and the event that has it. Of equal ones, the event with the lowest key.
   struct Extreme {
@@ -37,19 +32,25 @@ class TrendCell {
   const Extreme& Lowest() const { return lowest; }
   const Extreme& Highest() const { return highest; }
   /// How many numbers are kept.
-  std::size_t Points() const { return points.size(); }
+  std::size_t Points() const;
   /// By how many of the numbers, at most, the place of a quantile differs from where it should be.
   double Error() const { return error; }
   /// The quantiles of Store::Distribution. There must be a number.
-  decltype(Store::Distribution::quantiles) Quantiles() const;
+  std::array<double, 5> Quantiles() const;
 
  private:
+  /// Numbers that are kept, and how many each of them stands for.
+  struct Kept {
+    double weight = 1;
+    std::vector<double> numbers = {};
+  };
+  class Places;
   void Meet(const Extreme& low, const Extreme& high);
-  std::vector<Weighted> Sorted() const;
+  std::vector<double>& Of(double weight);
 
   std::size_t count = 0, others = 0;
   Extreme lowest, highest;
-  std::vector<Weighted> points;
+  std::vector<Kept> kept;
   double error = 0;
 };
 

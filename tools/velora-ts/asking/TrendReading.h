@@ -2,19 +2,22 @@
 
 #include "asking/TrendSummary.h"
 #include "store/asking/EventWindow.h"
+#include "store/reading/KnownStores.h"
 
-#include <optional>
 #include <string>
 
 namespace Velora::Ts {
 
-/// The times of the first and the last event of a window that only limits times, in microseconds; nothing without
-/// events.
-std::optional<std::pair<long long, long long>> SpanOf(const Store::Reader& store, const Store::EventWindow& window);
+/// An empty summary whose cells are narrow enough for the events of a window that only limits times.
+TrendSummary SummaryFor(const Store::Reader& store, const Store::EventWindow& window);
 
 /// Reads the numbers of a parameter in a window of events, along the index of times. The sources in the summary have
 /// the versions of the executions alone, because the window can say which are above them.
 /// @param parameter its name, as stored.
 TrendSummary ReadWindow(const Store::Reader& store, const Store::EventWindow& window, const std::string& parameter);
+
+/// Reads the numbers of a parameter in the events of some keys of a store in a file, in the order of the keys.
+void ReadKeys(const Store::Reader& store, const Store::KeyRange& keys, const std::string& parameter,
+              TrendSummary& summary);
 
 }  // namespace Velora::Ts

@@ -1,12 +1,39 @@
 #include "asking/TrendSources.h"
 
 #include "store/reading/Reader.h"
+#include "store/values/StoredTime.h"
 
 #include <algorithm>
 
 namespace Velora::Ts {
 
 using namespace Store;
+
+long long TimeReader::Of(std::string_view stored) {
+  static constexpr std::string_view form = "2026-11-24T21:55:00.000000Z";
+  static constexpr std::size_t seconds = 17;
+  static constexpr std::array<long long, 9> units{10000000, 1000000, 0, 100000, 10000, 1000, 100, 10, 1};
+  if (stored.size() != form.size() || !stored.ends_with('Z')) {
+    return Microseconds(stored).value_or(0);
+  }
+  if (stored.substr(0, seconds) != minute) {
+    const auto time = Microseconds(std::string(stored.substr(0, seconds)) + std::string(form.substr(seconds)));
+    if (!time) {
+      return 0;
+    }
+    minute = stored.substr(0, seconds);
+    begin = *time;
+  }
+  long long at = begin;
+  for (std::size_t place = 0; place < units.size(); ++place) {
+    const int digit = stored[seconds + place] - (units[place] == 0 ? '.' : '0');
+    if (digit < 0 || digit > (units[place] == 0 ? 0 : 9)) {
+      return 0;
+    }
+    at += digit * units[place];
+  }
+  return at;
+}
 
 InstrumentFinder::InstrumentFinder(const Reader& store)
     : first(store,
@@ -25,7 +52,7 @@ VersionFinder::VersionFinder(const Reader& store)
     : one(store, "SELECT parent_id, version_id FROM executions WHERE execution_id = ?1") {}
 
 const std::vector<long long>& VersionFinder::Of(long long execution) {
-  Execution& place = known[static_cast<std::size_t>(execution) % known.size()];
+  Execution& place = PlaceOf(execution);
   if (place.key != execution) {
     place = {execution, Ask(execution)};
   }
@@ -35,12 +62,21 @@ const std::vector<long long>& VersionFinder::Of(long long execution) {
 // A parent has a lower key. What says otherwise is not followed, as in Store::WindowQuestion.
 std::vector<long long> VersionFinder::Ask(long long execution) {
   std::vector<long long> versions;
-  for (long long key = execution; key > 0 && one.Ask(key).Next();) {
-    const long long parent = one.IsNull(0) ? 0 : one.Integer(0);
-    const long long version = one.IsNull(1) ? 0 : one.Integer(1);
+  const auto add = [&versions](long long version) {
     if (versions.empty() || std::find(versions.begin(), versions.end(), version) == versions.end()) {
       versions.push_back(version);
     }
+  };
+  for (long long key = execution; key > 0;) {
+    if (const Execution& above = PlaceOf(key); above.key == key) {
+      std::for_each(above.versions.begin(), above.versions.end(), add);
+      break;
+    }
+    if (!one.Ask(key).Next()) {
+      break;
+    }
+    const long long parent = one.IsNull(0) ? 0 : one.Integer(0);
+    add(one.IsNull(1) ? 0 : one.Integer(1));
     key = parent < key ? parent : 0;
   }
   versions.resize(std::max(versions.size(), std::size_t{1}));

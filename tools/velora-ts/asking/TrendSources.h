@@ -5,8 +5,21 @@
 
 #include <array>
 #include <map>
+#include <string>
+#include <string_view>
 
 namespace Velora::Ts {
+
+/// Reads stored times, of which neighbours mostly are of the same minute.
+class TimeReader {
+ public:
+  /// The microseconds since 1970; 0 for a text that is no time, which only another program can have stored.
+  long long Of(std::string_view stored);
+
+ private:
+  std::string minute;
+  long long begin = 0;  // of the minute
+};
 
 /// Finds the instruments of sessions.
 class InstrumentFinder {
@@ -30,12 +43,14 @@ class VersionFinder {
   const std::vector<long long>& Of(long long execution);
 
  private:
-  std::vector<long long> Ask(long long execution);
-
   struct Execution {
     long long key = -1;
     std::vector<long long> versions;
   };
+  Execution& PlaceOf(long long key) { return known[static_cast<std::size_t>(key) % known.size()]; }
+
+  std::vector<long long> Ask(long long execution);
+
   Store::Rows one;
   std::array<Execution, 1024> known;  // by the last digits of their keys
 };

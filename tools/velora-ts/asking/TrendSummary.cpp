@@ -7,7 +7,7 @@ namespace Velora::Ts {
 
 namespace {
 
-constexpr std::size_t mostCells = 20000, mostPoints = 400000;
+constexpr std::size_t mostCells = 20000, mostPoints = 200000;
 
 constexpr long long second = 1000000, hour = 3600 * second, day = 24 * hour;
 constexpr std::array widths = {second / 1000, second / 100, second / 10, second,      5 * second,

@@ -1,16 +1,14 @@
 #include "asking/Trends.h"
 
-#include "asking/TrendGroups.h"
+#include "asking/TrendAnswer.h"
 #include "asking/TrendReading.h"
 #include "store/reading/KnownStores.h"
 #include "store/reading/Rows.h"
 #include "store/values/Json.h"
 #include "store/values/StoredTime.h"
 
-#include <array>
-#include <list>
-#include <set>
-#include <unordered_map>
+#include <limits>
+#include <utility>
 
 namespace Velora::Ts {
 
@@ -18,49 +16,44 @@ using namespace Store;
 
 namespace {
 
-constexpr std::size_t eventsAtOnce = 500;
-constexpr std::size_t longestName = 200;  // bytes
-
-struct OpenStore {
-  OpenStore(int number, const Database& database) : number(number), reader(database) {}
-
-  const int number;
-  const Reader reader;
-  std::unordered_map<long long, std::string> runs = {};  // the guids of the runs of events
-};
-
-/// Finds the runs of events, with few questions.
-void FindRuns(OpenStore& store, const std::set<long long>& events) {
-  std::string some;
-  std::size_t count = 0;
-  for (const long long event : events) {
-    some += (some.empty() ? "" : ", ") + std::to_string(event);
-    if (++count % eventsAtOnce != 0 && count != events.size()) {
-      continue;
-    }
-    for (Rows rows(store.reader,
-                   "SELECT v.event_id, r.guid FROM events v CROSS JOIN executions x CROSS JOIN executions r WHERE "
-                   "v.event_id IN (" +
-                       some + ") AND x.execution_id = v.execution_id AND r.execution_id = x.root_id");
-         rows.Next();) {
-      store.runs.emplace(rows.Integer(0), rows.Whole(1));
-    }
-    some.clear();
-  }
+/// Whether there are more events in a window of times than are quickly read one by one.
+bool IsLarge(const Reader& store, const EventWindow& window) {
+  static constexpr int quicklyRead = 100000;
+  Rows after(store, "SELECT 1 FROM events WHERE at >= ?1 AND at < ?2 LIMIT 1 OFFSET " + std::to_string(quicklyRead));
+  return after.Ask(window.from, window.before).Next();
 }
 
-/// A name of any length is cut before a character that would end behind the longest.
-std::string_view Cut(std::string_view name) {
-  std::size_t length = std::min(name.size(), longestName);
-  while (length < name.size() && length > 0 && (static_cast<unsigned char>(name[length]) & 0xC0U) == 0x80U) {
-    --length;
-  }
-  return name.substr(0, length);
+void ReadEach(const OpenStore& store, const TrendQuestion& question, std::vector<TrendPart>& parts) {
+  const TrendSummary summary = ReadWindow(*store.reader, question.window, question.parameter);
+  parts.push_back(
+      {store.number, summary.Width(), summary.AllCells(), GroupsOf(*store.reader, summary.Sources(), question, false)});
 }
 
-std::string TimeText(long long at) {
-  static constexpr long long first = -62167219200000000, last = 253402300799999999;  // that can be stored
-  return ToStoredTime(Time(std::chrono::microseconds(std::clamp(at, first, last))));
+/// Takes the cells that are all in the window, and reads what is before and behind them.
+void TakeCells(const OpenStore& store, const TrendSummary& summary, const TrendQuestion& question,
+               std::vector<TrendPart>& parts) {
+  const long long width = summary.Width();
+  long long first = std::numeric_limits<long long>::min(), end = std::numeric_limits<long long>::max();
+  if (const auto from = Microseconds(question.window.from)) {
+    first = PartOf(*from - 1, width) + 1;
+    TrendQuestion before = question;
+    before.window.before = TimeText(first * width);
+    ReadEach(store, before, parts);
+  }
+  if (const auto until = Microseconds(question.window.before); until && question.window.before != afterAllTimes) {
+    end = PartOf(*until, width);
+    TrendQuestion behind = question;
+    behind.window.from = TimeText(end * width);
+    ReadEach(store, behind, parts);
+  }
+  TrendPart part{store.number, width};
+  for (const auto& [place, cell] : summary.AllCells()) {
+    if (place.first >= first && place.first < end) {
+      part.cells.emplace(place, cell);
+    }
+  }
+  part.groups = GroupsOf(*store.reader, summary.Sources(), question, true);
+  parts.push_back(std::move(part));
 }
 
 /// Stores that are not in an answer, and why.
@@ -70,14 +63,14 @@ using LeftOut = std::map<int, std::string>;
 void KeepEachOnce(std::list<OpenStore>& stores, LeftOut& leftOut) {
   std::map<std::string, int> takenIn;
   for (const OpenStore& store : stores) {
-    for (const KnownStore& known : KnownStores(store.reader)) {
+    for (const KnownStore& known : KnownStores(*store.reader)) {
       if (known.number != thisStore && !known.guid.empty()) {
         takenIn[known.guid] = store.number;
       }
     }
   }
   for (const OpenStore& store : stores) {
-    const auto other = takenIn.find(KnownStores(store.reader).front().guid);
+    const auto other = takenIn.find(KnownStores(*store.reader).front().guid);
     if (other != takenIn.end() && other->second != store.number && !leftOut.contains(other->second)) {
       leftOut[store.number] = "its records are also in store " + std::to_string(other->second);
     }
@@ -104,117 +97,35 @@ void Open(const std::vector<TrendStore>& asked, std::list<OpenStore>& stores, Le
   }
 }
 
-class TrendWriter {
- public:
-  TrendWriter(const TrendPicture& picture, std::list<OpenStore>& stores) : picture(picture), stores(stores) {
-    std::map<int, std::set<long long>> events;
-    const auto meet = [&](const TrendGroup& group) {
-      for (const auto& [number, bin] : group.bins) {
-        events[bin.Lowest().store].insert(bin.Lowest().event);
-        events[bin.Highest().store].insert(bin.Highest().event);
-      }
-    };
-    std::for_each(picture.groups.begin(), picture.groups.end(), meet);
-    meet(picture.rest);
-    for (OpenStore& store : stores) {
-      FindRuns(store, events[store.number]);
-    }
-  }
-
-  std::string Write(const TrendQuestion& question) {
-    std::string groups;
-    for (const TrendGroup& group : picture.groups) {
-      groups += groups.empty() ? "" : ",";
-      AppendGroup(groups, group);
-    }
-    std::string rest = "null";
-    if (picture.together > 0) {
-      rest = "{\"groups\":" + std::to_string(picture.together) + ",\"group\":";
-      AppendGroup(rest, picture.rest);
-      rest += '}';
-    }
-    std::string json = "{\"parameter\":";
-    AppendText(json, question.parameter);
-    json += ",\"by\":";
-    AppendText(json, question.by);
-    json += ",\"count\":" + std::to_string(count) + ",\"not_counted\":" + std::to_string(others) +
-            ",\"bin_microseconds\":" + std::to_string(picture.width) + ",\"quantile_error\":";
-    AppendNumber(json, error);
-    return json + ",\"groups\":[" + groups + "],\"others\":" + rest;
-  }
-
- private:
-  void AppendGroup(std::string& json, const TrendGroup& group) {
-    count += group.count;
-    others += group.others;
-    json += "\n{\"name\":";
-    AppendText(json, Cut(group.name));
-    json += ",\"count\":" + std::to_string(group.count) + ",\"not_counted\":" + std::to_string(group.others) +
-            ",\"bins\":[";
-    for (const auto& [number, bin] : group.bins) {
-      if (bin.Count() > 0) {
-        json += json.ends_with('[') ? "\n" : ",\n";
-        AppendBin(json, number, bin);
-      }
-    }
-    json += "]}";
-  }
-
-  void AppendBin(std::string& json, long long number, const TrendCell& bin) {
-    static constexpr std::array names = {"q05", "q25", "median", "q75", "q95"};
-    json += "{\"from\":\"" + TimeText(number * picture.width) + "\",\"to\":\"" +
-            TimeText((number + 1) * picture.width) + "\",\"count\":" + std::to_string(bin.Count()) + ",\"min\":";
-    AppendNumber(json, bin.Lowest().number);
-    const auto quantiles = bin.Quantiles();
-    for (std::size_t quantile = 0; quantile < names.size(); ++quantile) {
-      json += std::string(",\"") + names[quantile] + "\":";
-      AppendNumber(json, quantiles[quantile]);
-    }
-    json += ",\"max\":";
-    AppendNumber(json, bin.Highest().number);
-    json += ",\"lowest\":";
-    AppendRun(json, bin.Lowest());
-    json += ",\"highest\":";
-    AppendRun(json, bin.Highest());
-    json += '}';
-    error = std::max(error, bin.Error() > 0 ? (bin.Error() + 1) / static_cast<double>(bin.Count()) : 0);
-  }
-
-  void AppendRun(std::string& json, const TrendCell::Extreme& extreme) const {
-    for (const OpenStore& store : stores) {
-      const auto run = store.number == extreme.store ? store.runs.find(extreme.event) : store.runs.end();
-      if (run != store.runs.end()) {
-        json += "{\"store\":" + std::to_string(store.number) + ",\"run\":";
-        AppendText(json, run->second);
-        json += '}';
-        return;
-      }
-    }
-    json += "null";
-  }
-
-  const TrendPicture& picture;
-  std::list<OpenStore>& stores;
-  std::size_t count = 0, others = 0;
-  double error = 0;
-};
-
 }  // namespace
+
+bool Trends::ReadKept(OpenStore& store, const TrendQuestion& question, std::vector<TrendPart>& parts) {
+  if (store.reader->Where().kind != Database::Kind::Sqlite || !IsLarge(*store.reader, question.window)) {
+    return false;
+  }
+  const std::lock_guard lock(mutex);
+  store.reader = std::make_unique<Reader>(store.reader->Where());  // not older than what is kept
+  const TrendSummary& summary = kept.Of(store.number, *store.reader, question.parameter);
+  if (summary.IsWhole()) {
+    TakeCells(store, summary, question, parts);
+  }
+  return summary.IsWhole();
+}
 
 std::string Trends::Answer(const std::vector<TrendStore>& asked, const TrendQuestion& question) {
   std::list<OpenStore> stores;
   LeftOut leftOut;
   Open(asked, stores, leftOut);
   std::vector<TrendPart> parts;
-  for (const OpenStore& store : stores) {
-    TrendSummary summary = ReadWindow(store.reader, question.window, question.parameter);
-    parts.push_back({store.number, summary.Width(), summary.AllCells(),
-                     GroupsOf(store.reader, summary.Sources(), question, false)});
+  for (OpenStore& store : stores) {
+    if (!ReadKept(store, question, parts)) {
+      ReadEach(store, question, parts);
+    }
   }
   const TrendPicture picture(parts);
-  std::string json = TrendWriter(picture, stores).Write(question);
+  std::string json = AsJson(picture, stores, question);
   for (const OpenStore& store : stores) {
-    store.reader.ExpectUntouched();
+    store.reader->ExpectUntouched();
   }
   json += ",\"left_out\":[";
   for (const auto& [store, why] : leftOut) {

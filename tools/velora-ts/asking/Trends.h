@@ -1,12 +1,17 @@
 #pragma once
 
+#include "asking/KeptTrends.h"
 #include "store/asking/EventWindow.h"
 #include "store/database/Database.h"
 
+#include <mutex>
 #include <string>
 #include <vector>
 
 namespace Velora::Ts {
+
+struct OpenStore;
+struct TrendPart;
 
 /// How the numbers of a parameter changed over time.
 struct TrendQuestion {
@@ -30,6 +35,12 @@ class Trends {
   /// whose records are also in another. Can be called by several threads.
   /// @throws Store::Error when no store can be read.
   std::string Answer(const std::vector<TrendStore>& stores, const TrendQuestion& question);
+
+ private:
+  bool ReadKept(OpenStore& store, const TrendQuestion& question, std::vector<TrendPart>& parts);
+
+  std::mutex mutex;
+  KeptTrends kept;  // guarded by the mutex
 };
 
 }  // namespace Velora::Ts

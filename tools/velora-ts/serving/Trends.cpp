@@ -13,17 +13,20 @@ using namespace Store;
 
 namespace {
 
+/// The stored form of a text that may be in it already, as answers have it.
+std::string Stored(const std::string& text) { return ToStoredText(FromStoredText(text)); }
+
 TrendQuestion QuestionOf(Http::Question& given) {
   TrendQuestion question;
-  question.parameter = ToStoredText(given.RequiredText("parameter"));
+  question.parameter = Stored(given.RequiredText("parameter"));
   if (const std::string since = given.Text("since"); !since.empty()) {
     question.window.from = TimeArgument(since);
   }
   if (const std::string until = given.Text("until"); !until.empty()) {
     question.window.before = TimeArgument(until);
   }
-  question.window.instrument = ToStoredText(given.Text("instrument"));
-  question.window.activity = ToStoredText(given.Text("activity"));
+  question.window.instrument = Stored(given.Text("instrument"));
+  question.window.activity = Stored(given.Text("activity"));
   question.by = given.OneOf("by", {"instrument", "activity"});
   return question;
 }
