@@ -8,5 +8,6 @@
 import { compare } from './compare.js';
 import { now } from './now.js';
 import { runs } from './runs.js';
+import { trends } from './trends.js';
 
-export const views = [now, runs, compare];
+export const views = [now, runs, compare, trends];
