@@ -18,8 +18,11 @@ export const launch = () =>
     ],
   });
 
-/** Opens a page and waits until all of it is drawn. `complaints` gathers what the browser does not like. */
-export async function openReport(browser, file, options = {}) {
+/**
+ * Opens an empty page. `complaints` gathers what the browser does not like, and requests that leave the page.
+ * @param mayAsk what addresses of requests are expected
+ */
+export async function emptyPage(browser, mayAsk, options = {}) {
   const context = await browser.newContext({
     viewport: { width: 1280, height: 900 },
     timezoneId: 'Europe/Vienna',
@@ -30,7 +33,13 @@ export async function openReport(browser, file, options = {}) {
   page.complaints = [];
   page.on('console', (message) => /error|warning/.test(message.type()) && page.complaints.push(message.text()));
   page.on('pageerror', (error) => page.complaints.push(String(error)));
-  page.on('request', (request) => /^(file|blob|data):/.test(request.url()) || page.complaints.push(request.url()));
+  page.on('request', (request) => mayAsk.test(request.url()) || page.complaints.push(request.url()));
+  return page;
+}
+
+/** Opens the page of a run and waits until all of it is drawn. */
+export async function openReport(browser, file, options = {}) {
+  const page = await emptyPage(browser, /^(file|blob|data):/, options);
   await page.goto(pathToFileURL(file).href);
   await drawn(page);
   return page;

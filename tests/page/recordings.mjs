@@ -20,7 +20,8 @@ export function report(folder, ...options) {
   return { folder, file, bytes: statSync(file).size };
 }
 
-function record(name, file, content, times = asOnAnInstrument) {
+/** Records a file into a store of its own. */
+export function record(name, file, content, times = asOnAnInstrument) {
   const folder = join(scratch, name);
   mkdirSync(folder);
   writeFileSync(join(folder, file), content);
@@ -33,7 +34,8 @@ function record(name, file, content, times = asOnAnInstrument) {
   return folder;
 }
 
-const write = (folder, statements) => execFileSync('sqlite3', [join(folder, 'ts.db')], { input: statements });
+/** Changes a store as no host can. */
+export const write = (folder, statements) => execFileSync('sqlite3', [join(folder, 'ts.db')], { input: statements });
 
 const at = (seconds) => `strftime('%Y-%m-%dT%H:%M:%S', '2026-11-25', (${seconds}) || ' seconds')`;
 
@@ -48,7 +50,7 @@ const asOnAnInstrument = `
     WHEN execution_id = 1 THEN (SELECT ${at('30 * MAX(execution_id) - 30')} || '.000000Z' FROM executions)
     ELSE ${at('30 * execution_id - 32')} || '.000000Z' END;`;
 
-const sample = () => execFileSync(join(process.env.SOURCE, 'examples/record-tilt-series/make-sample-series'));
+export const sample = () => execFileSync(join(process.env.SOURCE, 'examples/record-tilt-series/make-sample-series'));
 
 /** A recording that several tests use. */
 function once(make) {
