@@ -24,7 +24,7 @@ class TestServer {
   }
   int Port() const { return server.Listens().port; }
 
-  static constexpr std::size_t sizeOfLarge = 64 * 1024 * 1024;
+  static constexpr std::size_t sizeOfLarge = 16 * 1024 * 1024;
   std::atomic<int> largeBegun{0}, largeEnded{0};  // of the path /large
   std::atomic<int> liveOnes{0};
 
