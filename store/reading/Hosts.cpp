@@ -12,25 +12,12 @@
 #include "store/values/RecordedText.h"
 
 #include <algorithm>
-#include <functional>
 #include <set>
 #include <utility>
 
 namespace Velora::Store {
 
 namespace {
-
-using Visitor = std::function<void(UnfinishedExecution execution)>;
-
-void ForEachUnfinished(const Reader& store, const Visitor& visit) {
-  Rows rows(store,
-            "SELECT x.execution_id, x.root_id, s.session_id FROM running CROSS JOIN executions x CROSS JOIN statuses s "
-            "WHERE x.execution_id = running.execution_id AND s.status_id = running.status_id AND 4 = (SELECT code FROM "
-            "statuses WHERE execution_id = x.execution_id ORDER BY status_id DESC LIMIT 1) ORDER BY x.execution_id");
-  while (rows.Next()) {
-    visit({rows.Integer(0), rows.Integer(1), rows.Integer(2), {}});
-  }
-}
 
 KnownState NotKnown(std::string why) { return {RunState::NotKnown, std::move(why)}; }
 
@@ -97,6 +84,37 @@ const char* NameOf(RunState state) {
   }
 }
 
+std::vector<UnfinishedExecution> UnfinishedIn(const Reader& store) {
+  std::vector<UnfinishedExecution> unfinished;
+  if (!NotesRunning(store)) {
+    return unfinished;
+  }
+  Rows rows(store,
+            "SELECT x.execution_id, x.root_id, s.session_id FROM running CROSS JOIN executions x CROSS JOIN statuses s "
+            "WHERE x.execution_id = running.execution_id AND s.status_id = running.status_id AND 4 = (SELECT code FROM "
+            "statuses WHERE execution_id = x.execution_id ORDER BY status_id DESC LIMIT 1) ORDER BY x.execution_id");
+  while (rows.Next()) {
+    unfinished.push_back({rows.Integer(0), rows.Integer(1), rows.Integer(2), {}});
+  }
+  return unfinished;
+}
+
+std::map<long long, KnownState> StatesOf(const Reader& store, const std::set<long long>& sessions) {
+  std::map<long long, KnownState> states;
+  if (sessions.empty()) {
+    return states;
+  }
+  const auto locks = AskForLocks(store);
+  Rows places(store, "SELECT place FROM session_locks WHERE session_id = ?1");
+  for (const long long session : sessions) {
+    states[session] = StoreOf(session) != thisStore
+                          ? NotKnown("recorded in " + StoreOfSession(store, session) + "; its host holds no lock here")
+                      : locks->canReadPlaces ? StateOf(session, places.Ask(session), *locks)
+                                             : NotKnown(locks->whyNot);
+  }
+  return states;
+}
+
 Hosts::Hosts(const Reader& store) : store(store) {}
 
 KnownState Hosts::Of(const Execution& execution) {
@@ -147,25 +165,15 @@ void Hosts::Look() {
     return;
   }
   notes = true;
-  std::map<long long, KnownState> sessions;
-  ForEachUnfinished(store, [&](const UnfinishedExecution& one) {
+  std::set<long long> sessions;
+  for (const UnfinishedExecution& one : UnfinishedIn(store)) {
     unfinished[one.key] = one;
     ofRuns[one.root].push_back(one.key);
-    sessions[one.session];
-  });
-  if (sessions.empty()) {
-    return;
+    sessions.insert(one.session);
   }
-  const auto locks = AskForLocks(store);
-  Rows places(store, "SELECT place FROM session_locks WHERE session_id = ?1");
-  for (auto& [session, known] : sessions) {
-    known = StoreOf(session) != thisStore
-                ? NotKnown("recorded in " + StoreOfSession(store, session) + "; its host holds no lock here")
-            : locks->canReadPlaces ? StateOf(session, places.Ask(session), *locks)
-                                   : NotKnown(locks->whyNot);
-  }
+  const std::map<long long, KnownState> states = StatesOf(store, sessions);
   for (auto& [key, one] : unfinished) {
-    one.known = sessions[one.session];
+    one.known = states.at(one.session);
   }
 }
 
@@ -178,7 +186,9 @@ void Hosts::Confirm(const std::vector<long long>& executions) {
   }
   confirmed = true;
   std::set<long long> still;
-  ForEachUnfinished(Reader(store.Where()), [&still](const UnfinishedExecution& one) { still.insert(one.key); });
+  for (const UnfinishedExecution& one : UnfinishedIn(Reader(store.Where()))) {
+    still.insert(one.key);
+  }
   for (auto& [key, one] : unfinished) {
     if (one.known.state == RunState::Stopped && still.count(key) == 0) {
       one.known.state = RunState::Running;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,14 @@ struct UnfinishedExecution {
   long long session = 0;  ///< The session that set its newest status.
   KnownState known;
 };
+
+/// The executions of a store that did not finish, in the order of their keys, without what is known of their hosts. If
+/// the store does not note them, as those of earlier versions of the schema, there are none.
+std::vector<UnfinishedExecution> UnfinishedIn(const Reader& store);
+
+/// Whether the hosts of sessions live, as their locks say at this moment. A host that has ended by now can have
+/// recorded more than the state has that was read before.
+std::map<long long, KnownState> StatesOf(const Reader& store, const std::set<long long>& sessions);
 
 /// Which executions of a store did not finish, and whether their hosts live. The host of a session is the process that
 /// began it; it holds a lock as long as it lives (SessionLocks.h). The locks are asked for at the first question, all

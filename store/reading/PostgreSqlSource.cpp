@@ -7,12 +7,16 @@ namespace Velora::Store {
 PostgreSqlSource::PostgreSqlSource(const std::string& address, const std::string& snapshot)
     : connection(ConnectToServer(address)) {
   connection.RunScript(findStore);
-  connection.RunScript("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
-  connection.RunScript("SET LOCAL cursor_tuple_fraction = 1; SET LOCAL jit = off");  // every result is read completely
-  connection.RunScript("SET LOCAL extra_float_digits = 1");  // numbers come with all their digits
+  Begin();
   if (!snapshot.empty()) {
     connection.RunScript("SET TRANSACTION SNAPSHOT " + connection.Quoted(snapshot));
   }
+}
+
+void PostgreSqlSource::Begin() {
+  connection.RunScript("BEGIN ISOLATION LEVEL REPEATABLE READ READ ONLY");
+  connection.RunScript("SET LOCAL cursor_tuple_fraction = 1; SET LOCAL jit = off");  // every result is read completely
+  connection.RunScript("SET LOCAL extra_float_digits = 1");  // numbers come with all their digits
 }
 
 bool PostgreSqlSource::IsStore() {

@@ -17,8 +17,12 @@ class PostgreSqlSource : public Source {
   Connection& Sql() override { return connection; }
   bool IsStore() override;
   void ExpectUntouched() const override {}
+  void Release() override { connection.RunScript("COMMIT"); }
+  void Renew() override { Begin(); }
 
  private:
+  void Begin();
+
   PostgreSqlConnection connection;
 };
 

@@ -22,6 +22,15 @@ Reader::Reader(const Database& database, const std::string& snapshot)
   if (database.kind == Database::Kind::PostgreSql) {
     this->database.where = static_cast<PostgreSqlConnection&>(Sql()).ServerUri();
   }
+  ExpectStore();
+}
+
+void Reader::Renew() {
+  source->Renew();
+  ExpectStore();
+}
+
+void Reader::ExpectStore() {
   if (!source->IsStore()) {
     throw Error("'" + Name() + "' is not a TS store; expected a database with the tables of a TS store");
   }

@@ -34,7 +34,15 @@ class Reader {
   /// @throws Error when a host began to write meanwhile, so that what was read can be a mixture of two states.
   void ExpectUntouched() const { source->ExpectUntouched(); }
 
+  /// Holds no state any more, so that the store need not keep what changes meanwhile. Nothing can be asked before
+  /// Renew(), and nothing that asks may outlive this.
+  void Release() { source->Release(); }
+  /// Reads the state that the store has now. @throws as the constructor does.
+  void Renew();
+
  private:
+  void ExpectStore();
+
   Database database;
   const std::unique_ptr<Source> source;
   int schemaVersion = 0;

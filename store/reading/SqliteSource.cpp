@@ -45,7 +45,9 @@ std::string UriOf(const std::string& path, const char* how) {
 
 }  // namespace
 
-SqliteSource::SqliteSource(const std::string& path) : path(path) {
+SqliteSource::SqliteSource(const std::string& path) : path(path) { OpenFile(); }
+
+void SqliteSource::OpenFile() {
   std::error_code unknown;
   if (!std::filesystem::exists(System::PathOf(path), unknown)) {
     throw NoStoreYet("there is no TS store '" + path + "'; the first host that records makes it");

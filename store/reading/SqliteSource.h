@@ -18,8 +18,11 @@ class SqliteSource : public Source {
   SqliteConnection& Sql() override { return *connection; }
   bool IsStore() override;
   void ExpectUntouched() const override;
+  void Release() override { connection.reset(); }
+  void Renew() override { OpenFile(); }
 
  private:
+  void OpenFile();
   void Open(const std::string& name, const char* how);
   void ExpectOneName() const;
   void Begin();
