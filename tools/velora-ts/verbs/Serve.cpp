@@ -5,6 +5,7 @@
 #include "serving/http/Server.h"
 #include "store/Error.h"
 #include "verbs/Verb.h"
+#include "watching/Watch.h"
 
 #include <VeloraSystem/EndRequest.h>
 #include <VeloraSystem/Path.h>
@@ -39,6 +40,9 @@ class ServeVerb : public Verb {
                             "A further name under which it is reached, such as that of a proxy before it. Requests for "
                             "other names are refused",
                             "NAME");
+    options.AddRepeatedText("--value", values,
+                            "A parameter whose newest number is shown for each instrument, beside what it does now",
+                            "NAME");
   }
 
   ExitCode Execute() override {
@@ -47,6 +51,8 @@ class ServeVerb : public Verb {
     Trends trends;
     served.trends = &trends;
     const System::EndRequest end;
+    Watch watch(Watched(served), {values});
+    served.watch = &watch;
     Http::Server server(address, names, HandlersOf(served));
     std::future<void> answering = std::async(std::launch::async, [&server] { server.Serve(); });
     Say("serving " + StoresInWords(served) + " at http://" + server.Listens().InWords() + "/");
@@ -54,6 +60,7 @@ class ServeVerb : public Verb {
     Warn(server.Listens(), served);
     while (!end.Await(betweenLooks) && !HasEnded(answering, 0ms)) {
     }
+    watch.End();
     server.End();
     if (!HasEnded(answering, longestEnd)) {
       std::_Exit(Done);  // a long question to a store only reads, and can be cut off
@@ -107,7 +114,15 @@ class ServeVerb : public Verb {
     return words;
   }
 
-  std::vector<std::string> folders, names;
+  static std::vector<WatchedStore> Watched(const Served& served) {
+    std::vector<WatchedStore> watched;
+    for (const ServedStore& store : served.stores) {
+      watched.push_back({store.number, store.folder, store.settings});
+    }
+    return watched;
+  }
+
+  std::vector<std::string> folders, names, values;
   std::string listen = "127.0.0.1:8437";
 };
 

@@ -1,0 +1,79 @@
+#include "watching/Watch.h"
+
+#include "store/Error.h"
+#include "watching/StoreWatch.h"
+
+#include <exception>
+#include <utility>
+
+namespace Velora::Ts {
+
+Watch::Watch(std::vector<WatchedStore> watched, WatchOptions wanted)
+    : stores(std::move(watched)), options(std::move(wanted)) {
+  Now first;
+  for (const WatchedStore& store : stores) {
+    StoreNow unseen;
+    unseen.number = store.number;
+    unseen.name = NameOf(store.settings.database);
+    first.stores.push_back(std::make_shared<const StoreNow>(std::move(unseen)));
+  }
+  newest = std::make_shared<const Now>(std::move(first));
+  for (std::size_t at = 0; at < stores.size(); ++at) {
+    threads.emplace_back([this, at] { Look(at); });
+  }
+}
+
+Watch::~Watch() {
+  End();
+  for (std::thread& thread : threads) {
+    thread.join();
+  }
+}
+
+std::shared_ptr<const Now> Watch::Newest() const {
+  const std::lock_guard lock(mutex);
+  return newest;
+}
+
+std::shared_ptr<const Now> Watch::WaitAfter(long long sequence, std::chrono::milliseconds longest) const {
+  std::unique_lock lock(mutex);
+  changed.wait_for(lock, longest, [&] { return ended || newest->sequence > sequence; });
+  return newest;
+}
+
+void Watch::End() {
+  const std::lock_guard lock(mutex);
+  ended = true;
+  changed.notify_all();
+}
+
+bool Watch::HasEnded() const {
+  const std::lock_guard lock(mutex);
+  return ended;
+}
+
+void Watch::Look(std::size_t at) {
+  StoreWatch store(stores[at], options.values);
+  do {
+    Publish(at, store.Look());
+  } while (Pause());
+}
+
+void Watch::Publish(std::size_t at, StoreNow found) {
+  const std::lock_guard lock(mutex);
+  if (*newest->stores[at] == found) {
+    return;
+  }
+  Now next = *newest;
+  ++next.sequence;
+  next.stores[at] = std::make_shared<const StoreNow>(std::move(found));
+  newest = std::make_shared<const Now>(std::move(next));
+  changed.notify_all();
+}
+
+bool Watch::Pause() const {
+  std::unique_lock lock(mutex);
+  return !changed.wait_for(lock, options.pace, [this] { return ended; });
+}
+
+}  // namespace Velora::Ts
