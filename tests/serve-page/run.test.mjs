@@ -44,7 +44,7 @@ test('what a reader has chosen stays while the run grows', async () => {
   const { server, page } = await recording('grows');
   assert.match(await page.title(), /^running · night\.mdoc · /);
   assert.match(page.url(), /run=[0-9a-f-]{36}$/, 'a link to the last run would lead to another one tomorrow');
-  const before = await rows(page);
+  const few = await rows(page);
   await page.click('#table tbody tr:nth-child(2) .open');
   await afterDrawing(page, () => page.click('#zoom-in'));
   const zoomed = await timeShown(page);
@@ -57,7 +57,7 @@ test('what a reader has chosen stays while the run grows', async () => {
   const row = page.locator('#table tbody tr[data-execution="3"] .open');
   await row.focus();
   const opened = await page.$('.history');
-  await hasRows(page, before + 4);
+  await hasRows(page, few + 4);
   assert.deepEqual(await timeShown(page), zoomed, 'it did not show the end');
   assert.equal(await page.inputValue('#find'), 'ZValue');
   assert.equal(await page.locator('#plot-y option:checked').textContent(), 'Defocus');
