@@ -6,6 +6,7 @@ import { briefText } from '../view/values.js';
 import { keep, keepList, keepText } from './kept.js';
 import { millisecondsOf, moment, spanText } from './moment.js';
 import { lastEvent, linkToRun, name, pathOf, plainName, stateBadge, stateName } from './run-words.js';
+import { storeName } from './store-names.js';
 import { troublesOf } from './troubles.js';
 
 const mostOthers = 3;
@@ -36,8 +37,6 @@ class Now {
 
   draw(state) {
     this.state = state;
-    const several = state.stores.length > 1;
-    this.storeNames = new Map(several ? state.stores.map((one) => [one.store, one.name]) : []);
     keepText(this.brief, briefOf(state));
     const instruments = [...state.instruments].sort(
       (a, b) => plainName(a.name).localeCompare(plainName(b.name), 'en', { numeric: true }) || a.store - b.store,
@@ -55,7 +54,9 @@ class Now {
     const part = (className) => element.querySelector(`.${className}`);
     element.className = `instrument is-${instrument.state}`;
     keep(part('badge'), instrument.state, (place, state) => place.replaceChildren(stateBadge(state)));
-    keep(part('of-store'), this.storeNames.get(instrument.store) ?? '', (place, text) => show(place, text));
+    keep(part('where'), [instrument.store, this.state.stores.map((one) => one.name)], (place) =>
+      place.replaceChildren(...storeName(this.state.stores, instrument.store)),
+    );
     keep(part('what'), [run?.run, run?.path, run?.node], (place) =>
       place.replaceChildren(...(run ? whatRuns(instrument.store, run) : ['no run yet'])),
     );
@@ -110,7 +111,7 @@ function lineOf(instrument) {
     'li',
     'instrument',
     make('span', 'badge'),
-    make('div', 'whose', title, make('span', 'of-store hint')),
+    make('div', 'whose', title, make('span', 'where hint')),
     make(
       'div',
       'doing',

@@ -5,6 +5,7 @@ import { count } from '../view/text.js';
 import { keepText } from './kept.js';
 import { moment } from './moment.js';
 import { linkToRun, name, plainName, stateBadge } from './run-words.js';
+import { storeName } from './store-names.js';
 
 const typing = 200; // milliseconds without a key after which runs are looked for
 const mostFound = 20;
@@ -54,17 +55,9 @@ export class RunChoice {
 
   factsOf(run, isLink) {
     const parts = [name(run.instrument), name(run.activity), moment(run.started_at), run.guid.slice(0, 8)];
-    const store = this.storeName(run.store);
     const node = isLink ? linkToRun(run.store, run.guid, name(run.node)) : make('strong', '', name(run.node));
-    const facts = [...parts, ...(store ? [store] : [])].flatMap((part) => [' · ', part]);
+    const facts = [...parts, ...storeName(this.live.state?.stores ?? [], run.store)].flatMap((part) => [' · ', part]);
     return [node, ' ', stateBadge(run.state), ...facts];
-  }
-
-  /** The name of a store, if there are several. */
-  storeName(number) {
-    const stores = this.live.state?.stores ?? [];
-    const store = stores.length > 1 ? stores.find((one) => one.store === number) : undefined;
-    return store ? plainName(store.name) : '';
   }
 
   hide() {

@@ -2,7 +2,7 @@
 
 import { button, make } from '../view/element.js';
 import { keep } from './kept.js';
-import { plainName } from './run-words.js';
+import { storeOptions } from './store-names.js';
 
 const fields = [
   { name: 'instrument', title: 'Instrument' },
@@ -52,7 +52,7 @@ export class RunFilter {
     this.where = [];
     this.inputs = new Map(fields.map((field) => [field.name, this.inputOf(field)]));
     this.inputs.set('state', this.selectOf('State', states));
-    this.inputs.set('store', this.selectOf('Store', [['', 'all stores']]));
+    this.inputs.set('store', this.selectOf('Store', storeOptions([])));
     this.storeLabel = labelled('Store', this.inputs.get('store'));
     this.storeLabel.hidden = true;
     this.condition = make('input');
@@ -115,10 +115,10 @@ export class RunFilter {
   offer({ stores }) {
     const select = this.inputs.get('store');
     this.storeLabel.hidden = stores.length < 2 && select.value === '';
-    const options = stores.map(({ store, name }) => [String(store), plainName(name)]);
+    const options = storeOptions(stores);
     keep(select, options, () => {
       const { value } = select;
-      select.replaceChildren(...[['', 'all stores'], ...options].map(([one, title]) => new Option(title, one)));
+      select.replaceChildren(...options.map(([one, title]) => new Option(title, one)));
       this.showIn(select, value);
     });
   }

@@ -3,6 +3,7 @@
 import { make } from '../view/element.js';
 import { keep } from './kept.js';
 import { plainName } from './run-words.js';
+import { storeOptions } from './store-names.js';
 import { withOffset } from './run-filter.js';
 
 const spans = [
@@ -34,7 +35,7 @@ export class TrendForm {
     this.inputs.parameter.required = true;
     this.inputs.since.placeholder = '2026-11-24, -90d';
     this.inputs.until.placeholder = '2026-11-24 21:55';
-    this.inputs.store = this.selectOf([['', 'all stores']]);
+    this.inputs.store = this.selectOf(storeOptions([]));
     this.inputs.by = this.selectOf(ways);
     this.span = this.selectOf([...spans, [ownSpan, 'since and until']]);
     this.lists = Object.fromEntries(['parameter', 'instrument'].map((name) => [name, this.listOf(name)]));
@@ -106,10 +107,10 @@ export class TrendForm {
   }
   offerStores(stores) {
     this.store.hidden = stores.length < 2 && this.inputs.store.value === '';
-    const options = stores.map(({ store, name }) => [String(store), plainName(name)]);
+    const options = storeOptions(stores);
     keep(this.inputs.store, options, (select) => {
       const { value } = select;
-      select.replaceChildren(...optionsOf([['', 'all stores'], ...options]));
+      select.replaceChildren(...optionsOf(options));
       select.value = value;
     });
   }
