@@ -18,11 +18,6 @@ async function picture(name, path, height, { width = 1280, colorScheme = 'light'
   const page = await context.newPage();
   await page.goto(address + path);
   await page.waitForTimeout(3000); // drawings grow
-  await page.evaluate(() => {
-    for (const store of document.querySelectorAll('.of-store')) {
-      store.textContent = store.textContent.replace(/^.*\/(?=[^/]+\/ts\.db$)/, '/data/');
-    }
-  });
   await page.screenshot({ path: join(folder, `serve-${name}.png`) });
   await context.close();
 }
