@@ -68,7 +68,7 @@ export default [
   },
   {
     files: ['page/*.js', 'tests/**'],
-    languageOptions: { globals: readonly('Buffer', 'URL', 'console', 'process') },
+    languageOptions: { globals: readonly('Buffer', 'URL', 'URLSearchParams', 'console', 'fetch', 'process') },
     rules: longestFunction(40),
   },
   {

@@ -6,8 +6,8 @@ import { join } from 'node:path';
 import { after, before, test } from 'node:test';
 
 import { afterDrawing, launch } from '../page/browser.mjs';
-import { ask, scratch } from '../page/recordings.mjs';
-import { end, openView, recordSlowly, serve, storeOf } from './served.mjs';
+import { ask, record, sample, scratch } from '../page/recordings.mjs';
+import { end, isPrinted, isTold, openView, recordSlowly, serve, storeOf } from './served.mjs';
 
 let browser;
 const begun = [];
@@ -88,6 +88,14 @@ test('a host that is killed: STOPPED within two seconds', async () => {
   assert.match(await page.title(), /^STOPPED · night\.mdoc · /);
   const told = await page.locator('#run-state').getAttribute('role');
   assert.equal(told, 'alert', 'a screen reader does not interrupt for it');
+  await isTold(page, [
+    ['navigation', /^Views$/],
+    ['link', /^Download this page$/],
+    ['alert', /^STOPPED$|^$/],
+    ['columnheader', /^Started/],
+    ['group', /^Plot/],
+  ]);
+  await isPrinted(page, { shown: ['h1', '#timeline canvas', '#table'], hidden: ['nav', '#to-file', '#connection'] });
   assert.deepEqual(page.complaints, []);
 });
 
@@ -110,4 +118,12 @@ test('a run that ends is done without a reload, and its file is that of the prog
   assert.equal(withoutTime(await download.path()), withoutTime(file));
   assert.ok(!withoutTime(file).includes('to-file"'), 'the file offers to download itself');
   assert.deepEqual(page.complaints, []);
+});
+
+test('a run that is not there', async () => {
+  const server = await serve([record('none', 'sample.mdoc', sample())]);
+  begun.push(server.child);
+  const page = await openView(browser, server, 'run?run=<b>nobody</b>');
+  await page.waitForFunction(() => document.querySelector('#alarm').textContent.includes('<b>nobody</b>'));
+  assert.ok(!(await page.isVisible('main')));
 });

@@ -5,7 +5,7 @@ import { after, before, test } from 'node:test';
 
 import { launch } from '../page/browser.mjs';
 import { ask, record, sample, scratch, write } from '../page/recordings.mjs';
-import { end, openView, recordSlowly, serve } from './served.mjs';
+import { end, isPrinted, isTold, openView, recordSlowly, serve } from './served.mjs';
 
 const count = 5000;
 const begun = [];
@@ -167,4 +167,17 @@ test('a run that begins is listed, and moves nothing that is read', async () => 
   await end(host);
   await page.waitForFunction(() => /STOPPED/.test(document.querySelector('.row[aria-rowindex="2"]').textContent));
   assert.deepEqual(page.complaints, []);
+});
+
+test('what a screen reader is told, and what is on paper', async () => {
+  const page = await opened('runs?text=night');
+  await isTold(page, [
+    ['search', /^Runs shown$/],
+    ['searchbox', /^With an event where$/],
+    ['grid', /^Runs$/],
+    ['columnheader', /^Started$/],
+    ['gridcell', /^finished$|^done$/],
+    ['status', /.*/],
+  ]);
+  await isPrinted(page, { shown: ['h1', '.row[data-key]'], hidden: ['nav', '.filter', '#connection'] });
 });

@@ -1,4 +1,5 @@
 // Stores that velora-ts serves, and hosts that record into them.
+import assert from 'node:assert/strict';
 import { spawn } from 'node:child_process';
 import { once } from 'node:events';
 import { mkdirSync, writeFileSync } from 'node:fs';
@@ -60,4 +61,33 @@ export async function openView(browser, { address }, view = '', { prepare, ...op
   await prepare?.(page);
   await page.goto(address + view);
   return page;
+}
+
+/**
+ * Checks what a screen reader is told.
+ * @param expected [role, pattern of the name] of elements that must be there
+ */
+export async function isTold(page, expected) {
+  const session = await page.context().newCDPSession(page);
+  const { nodes } = await session.send('Accessibility.getFullAXTree');
+  const told = nodes.filter(({ ignored }) => !ignored).map(({ role, name }) => [role.value, name?.value ?? '']);
+  const isThere = ([role, pattern]) => told.some(([its, name]) => its === role && pattern.test(name));
+  assert.deepEqual(
+    expected.filter((one) => !isThere(one)),
+    [],
+  );
+}
+
+/** Checks what is on paper: of selectors, some are and some are not, and nothing is cut at its right edge. */
+export async function isPrinted(page, { shown, hidden }) {
+  await page.emulateMedia({ media: 'print' });
+  const [on, off, overflow] = await page.evaluate(
+    (lists) => [
+      ...lists.map((list) => list.filter((one) => document.querySelector(one)?.checkVisibility())),
+      document.documentElement.scrollWidth - window.innerWidth,
+    ],
+    [shown, hidden],
+  );
+  assert.deepEqual([on, off, overflow <= 0], [shown, [], true], `${overflow}`);
+  await page.emulateMedia({ media: 'screen' });
 }
