@@ -63,7 +63,7 @@ std::vector<std::string> EnvironmentWith(const std::map<std::string, std::string
     }
   }
   for (const auto& [name, value] : variables) {
-    all.push_back(name + '=' + value);
+    all.emplace_back(name).append(1, '=').append(value);
   }
   return all;
 }
@@ -90,6 +90,7 @@ ShellCommand::ShellCommand(const std::string& command, const std::map<std::strin
     : process([&] {
         const std::vector<std::string> texts = EnvironmentWith(variables);
         std::vector<const char*> environment;
+        environment.reserve(texts.size() + 1);
         for (const std::string& text : texts) {
           environment.push_back(text.c_str());
         }

@@ -77,12 +77,13 @@ std::string ConditionOf(const Store::Reader& store, const RunFilter& filter) {
 /// A column: whether a run has a text. It is no condition, so that the time that it takes can be limited.
 std::string HasText(const Store::Reader& store) {
   const std::string text = "LOWER(CAST(?9 AS TEXT))", end = " || '%' ESCAPE '!'";
+  const std::string within = ") LIKE '%' || " + text + end;
   std::string any = "LOWER(e.guid) LIKE " + text + end;
   for (const char* const column : {"e.node", "e.description", "v.name", "a.name"}) {
-    any += " OR LOWER(" + std::string(column) + ") LIKE '%' || " + text + end;
+    any += " OR LOWER(" + std::string(column) + within;
   }
   return "CASE WHEN " + any + " OR EXISTS (SELECT 1 FROM " + NotesIn(store) +
-         " t WHERE t.root_id = e.execution_id AND LOWER(t.text) LIKE '%' || " + text + end + ") THEN 1 ELSE 0 END";
+         " t WHERE t.root_id = e.execution_id AND LOWER(t.text" + within + ") THEN 1 ELSE 0 END";
 }
 
 enum More { Unfinished = executionColumns, SameLetters, TextIsThere };

@@ -12,7 +12,7 @@ namespace Velora::Http {
 
 namespace {
 
-constexpr std::size_t portion = 32 * 1024;  // of an answer that is written in pieces
+constexpr std::size_t portion = std::size_t{32} * 1024;  // of an answer that is written in pieces
 
 // A browser keeps nothing of an answer, shows it nowhere but in a page of this server, and runs nothing in it. An
 // answer can say otherwise.

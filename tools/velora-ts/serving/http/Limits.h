@@ -6,8 +6,8 @@
 namespace Velora::Http {
 
 // The largest request.
-constexpr std::size_t longestHead = 32 * 1024;  // in bytes
-constexpr std::size_t longestTarget = 8 * 1024;
+constexpr std::size_t longestHead = std::size_t{32} * 1024;  // in bytes
+constexpr std::size_t longestTarget = std::size_t{8} * 1024;
 constexpr std::size_t mostHeaders = 100;
 
 /// What clients can take from a server at most, whatever they send.
@@ -23,7 +23,7 @@ struct Limits {
   Time turn = std::chrono::seconds(20);    ///< To wait until a heavy answer has ended.
   Time reader = std::chrono::seconds(10);  ///< For which a client can take nothing of its answer.
   /// The same in all, and a second more for each so many bytes of the answer.
-  std::size_t bytesPerSecond = 16 * 1024;
+  std::size_t bytesPerSecond = std::size_t{16} * 1024;
   Time stalled = std::chrono::seconds(1);   ///< After which a client that takes nothing can lose its place.
   Time farewell = std::chrono::seconds(1);  ///< In which a client can read an answer that ends its connection.
 };

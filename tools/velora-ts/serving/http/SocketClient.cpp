@@ -117,7 +117,7 @@ void SocketClient::Farewell() {
   shutdown(connection.Socket(), SHUT_WR);
 #endif
   const Clock::time_point end = Clock::now() + limits.farewell;
-  std::array<char, 16 * 1024> rest{};
+  std::array<char, std::size_t{16} * 1024> rest{};
   hasBegun = true;
   receivesUntil = end;
   while (Clock::now() < end && Receive(rest.data(), rest.size()) > 0) {
