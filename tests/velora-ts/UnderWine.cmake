@@ -5,7 +5,8 @@ set(native ${PROJECT_SOURCE_DIR}/build/release/bin)
 foreach(test velora-ts-test velora-ts-questions-test velora-ts-diff-test)
   add_executable(${test} IMPORTED)
   set_target_properties(${test} PROPERTIES IMPORTED_LOCATION ${native}/${test} CROSSCOMPILING_EMULATOR "")
-  gtest_discover_tests(${test} DISCOVERY_MODE PRE_TEST TEST_FILTER -LogFileTest.*:Questions.*:Growth.*:TimeArgument.*
+  gtest_discover_tests(${test} DISCOVERY_MODE PRE_TEST
+    TEST_FILTER -LogFileTest.*:Questions.*:Growth.*:TimeArgument.*:TrendsTest.*:TrendSummary.*
     PROPERTIES TIMEOUT 1500 LABELS ${test} ENVIRONMENT "${test_environment}")
 endforeach()
 velora_test_postgresql(velora-ts-diff-test)
