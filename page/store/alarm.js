@@ -6,6 +6,7 @@ import { keepList } from './kept.js';
 import { moment } from './moment.js';
 import { Notifications } from './notify.js';
 import { lastEvent, linkToRun, name, pathOf, plainName, stateBadge } from './run-words.js';
+import { keyOfStop } from './stops.js';
 
 const byId = (id) => document.getElementById(id);
 
@@ -22,7 +23,7 @@ export class Alarm {
   show(unseen) {
     this.unseen = unseen;
     keepList(byId('stops'), unseen, {
-      keyOf: ({ run }) => run.run,
+      keyOf: keyOfStop,
       make: (stop) => this.blockOf(stop),
       update: () => {},
     });
@@ -44,9 +45,10 @@ export class Alarm {
     showIcon(first !== undefined ? 'stopped' : this.lost === null ? 'calm' : 'lost');
   }
 
-  blockOf({ instrument, store, run }) {
+  blockOf(stop) {
+    const { instrument, store, run } = stop;
     const seen = button('', 'Seen', () => {
-      this.stops.acknowledge(run.run);
+      this.stops.acknowledge(stop);
       (byId('stops').querySelector('button') ?? byId('view')).focus();
     });
     const title = make('h2', '', stateBadge('stopped'), ' ', name(instrument));

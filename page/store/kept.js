@@ -27,7 +27,7 @@ export function keepList(parent, items, { keyOf, make, update }) {
   for (const item of items) {
     const key = keyOf(item);
     let element = known.get(key);
-    known.delete(key);
+    known.delete(key); // another item with this key gets an element of its own
     if (!element) {
       element = make(item);
       keys.set(element, key);
@@ -39,5 +39,9 @@ export function keepList(parent, items, { keyOf, make, update }) {
     }
     update(element, item);
   }
-  known.forEach((element) => element.remove());
+  while (next) {
+    const old = next;
+    next = next.nextElementSibling;
+    old.remove();
+  }
 }

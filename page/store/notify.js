@@ -2,12 +2,13 @@
 
 import { KeptText } from './kept-text.js';
 import { plainName } from './run-words.js';
+import { keyOfStop } from './stops.js';
 
 export class Notifications {
   constructor(asked) {
     this.button = asked;
     this.wanted = new KeptText('velora.notify');
-    this.told = null; // runs of which nobody has to be told any more
+    this.told = null; // stops of which nobody has to be told any more
     asked.addEventListener('click', () => this.toggle());
     this.draw();
   }
@@ -43,10 +44,10 @@ export class Notifications {
   tell(unseen) {
     const isFirst = this.told === null;
     this.told = this.told ?? new Set();
-    for (const { instrument, run } of unseen.filter((stop) => !this.told.has(stop.run.run))) {
-      this.told.add(run.run);
+    for (const stop of unseen.filter((one) => !this.told.has(keyOfStop(one)))) {
+      this.told.add(keyOfStop(stop));
       if (!isFirst && this.areOn) {
-        this.notify(`STOPPED: ${plainName(instrument)}`, plainName(run.node), run.run);
+        this.notify(`STOPPED: ${plainName(stop.instrument)}`, plainName(stop.run.node), keyOfStop(stop));
       }
     }
   }

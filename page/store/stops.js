@@ -1,4 +1,4 @@
-// Runs that stopped, until the reader has seen them: kept in the browser, for each run.
+// Runs that stopped, until the reader has seen it: what was seen is kept in the browser.
 
 import { KeptText } from './kept-text.js';
 
@@ -7,14 +7,19 @@ const mostKept = 1000;
 
 /**
  * What stopped on an instrument and where no new run began since.
- * @returns [{instrument, store, run}], of all instruments of a state
+ * @returns [{instrument, store, run}], of all instruments of a state; once for a run that several stores have
  */
-export const stopsOf = (state) =>
-  state.instruments.flatMap(({ store, name, runs, newest }) =>
+export function stopsOf(state) {
+  const stops = state.instruments.flatMap(({ store, name, runs, newest }) =>
     runs
       .filter((run) => run.state === 'stopped' && !(newest && newest.started_at > run.last_recorded_at))
       .map((run) => ({ instrument: name, store, run })),
   );
+  return [...new Map(stops.reverse().map((stop) => [stop.run.run, stop])).values()].reverse();
+}
+
+/** What tells stops apart: a run that goes on can stop again. */
+export const keyOfStop = ({ run }) => `${run.run} ${run.last_recorded_at}`;
 
 export class Stops {
   /** Calls `show` with all stops that nobody has seen, each time they can have changed. */
@@ -30,13 +35,14 @@ export class Stops {
 
   get unseen() {
     const seen = this.seen();
-    return this.all.filter(({ run }) => !seen.includes(run.run));
+    return this.all.filter((stop) => !seen.includes(keyOfStop(stop)));
   }
 
-  /** Remembers that the reader has seen that a run stopped. */
-  acknowledge(guid) {
-    const others = this.seen().filter((one) => one !== guid);
-    this.seenText.set(JSON.stringify([...others, guid].slice(-mostKept)));
+  /** Remembers that the reader has seen a stop. */
+  acknowledge(stop) {
+    const key = keyOfStop(stop);
+    const others = this.seen().filter((one) => one !== key);
+    this.seenText.set(JSON.stringify([...others, key].slice(-mostKept)));
     this.tell();
   }
 

@@ -65,6 +65,29 @@ test('a host that is killed turns to STOPPED within two seconds, and is so until
   await other.getByRole('alert').filter({ hasText: 'STOPPED' }).waitFor(); // another reader has not seen it
 });
 
+test('a run that two stores have stops once, and again when it goes on', async () => {
+  const folder = storeOf('twice', 'Scope 7');
+  const host = recordSlowly(folder);
+  const server = await serve([folder, folder]);
+  begun.push(host, server.child);
+  const page = await openView(browser, server);
+  await isState(page, 'running');
+  await end(host);
+  const stops = page.locator('.stop');
+  const once = () => page.waitForFunction(() => document.querySelectorAll('.stop').length === 1);
+  await isState(page, 'STOPPED');
+  await once();
+  await stops.getByRole('button').press('Enter');
+  await stops.waitFor({ state: 'detached' });
+  write(
+    folder,
+    `INSERT INTO events (session_id, execution_id, name, at)
+    SELECT session_id, execution_id, name, '2099-01-01T00:00:00.000000Z' FROM events ORDER BY event_id DESC LIMIT 1`,
+  );
+  await once();
+  assert.match(await stops.textContent(), /last record (2099-01-01|2098-12-31)/);
+});
+
 test('a run that begins after a stop ends the alarm', async () => {
   const { folder, host, server } = await running('again', 'Scope 7');
   const page = await openView(browser, server);
