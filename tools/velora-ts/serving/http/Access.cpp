@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 namespace Velora::Http {
 
@@ -26,10 +27,18 @@ bool IsNumericAddress(const std::string& name) {
          (name.find(':') != std::string::npos || name.find_first_not_of("0123456789.") == std::string::npos);
 }
 
-std::string WithoutScheme(const std::string& origin) {
-  for (const std::string_view scheme : {"http://", "https://"}) {
+/// The port that a host ends with; empty if there is none.
+std::string PortIn(const std::string& host) {
+  const std::size_t colon = host.rfind(':');
+  return colon == std::string::npos || host.find(']', colon) != std::string::npos ? "" : host.substr(colon + 1);
+}
+
+/// The host of an origin, with its port; empty if it has none.
+std::string HostIn(const std::string& origin) {
+  for (const auto& [scheme, port] : {std::pair("http://", ":80"), std::pair("https://", ":443")}) {
     if (origin.starts_with(scheme)) {
-      return origin.substr(scheme.size());
+      const std::string host = origin.substr(std::string_view(scheme).size());
+      return host + (PortIn(host).empty() ? port : "");
     }
   }
   return "";
@@ -54,7 +63,9 @@ void Access::Check(const Head& head) const {
   if (!IsOurs(head.host)) {
     throw Refusal(421, "the header Host names another host; --host NAME allows the name of a proxy");
   }
-  if (!head.origin.empty() && !IsOurs(WithoutScheme(head.origin))) {
+  const std::string page = HostIn(head.origin);
+  const std::string port = PortIn(head.host);  // which a proxy can leave out
+  if (!head.origin.empty() && (!IsOurs(page) || (!port.empty() && PortIn(page) != port))) {
     throw Refusal(403, "the request comes from a page of another host");
   }
   // A link elsewhere may lead here.
