@@ -59,6 +59,24 @@ TEST_F(ServeTest, EndsWhenItIsAskedToWhateverClientsDo) {
   EXPECT_FALSE(exists(folder / "ts.db")) << "it made a store";
 }
 
+TEST_F(ServeTest, EndsAlthoughAServerDoesNotAnswer) {
+  const int server = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);  // accepts nothing
+  ASSERT_EQ(listen(server, 9), 0);
+  sockaddr_in address{};
+  socklen_t size = sizeof address;
+  getsockname(server, reinterpret_cast<sockaddr*>(&address), &size);
+  folder.Write("TSAL.config", "<TSAL><Database Backend='postgresql' Connection='postgresql://127.0.0.1:" +
+                                  std::to_string(ntohs(address.sin_port)) + "/ts?connect_timeout=600'/></TSAL>");
+  for (const std::string verb : {"serve --listen 127.0.0.1:0", "watch --stopped"}) {
+    program.emplace(VELORA_TS " " + verb + " --config '" + folder.path.string() + "' 2>&1", folder / "line");
+    const int connection = accept(server, nullptr, nullptr);
+    program->Signal(SIGTERM);
+    EXPECT_EQ(program->ExitCode(), 0) << verb;
+    close(connection);
+  }
+  close(server);
+}
+
 TEST_F(ServeTest, AllowsTheNamesThatItIsGiven) {
   const int port = Start("--host store.lab.example --host other.lab.example");
   const auto statusFor = [port](const std::string& host) {

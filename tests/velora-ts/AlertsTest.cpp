@@ -37,14 +37,18 @@ AlertCondition Of(AlertKind kind, Holds holds, bool hasLasted, std::size_t look)
 }
 
 // Looks at each second: '!' it holds, 'L' it holds for long, '.' it does not, 'o' it is not known, ' ' it is left out,
-// 'x' the store cannot be read. What comes of it: 'b' begins, 'e' ends; in capitals for the store.
+// 'x' the store cannot be read, '?' it was not looked at. What comes of it: 'b' begins, 'e' ends; in capitals for the
+// store.
 std::string Told(const std::string& looks, Alerts::AtStart atStart) {
   Alerts alerts(3s, atStart);
   std::string told;
   for (std::size_t look = 0; look < looks.size(); ++look) {
     const char at = looks[look];
-    std::vector<AlertCondition> conditions{Of(AlertKind::Unreadable, at == 'x' ? Holds::Yes : Holds::No, false, look)};
-    if (at != 'x' && at != ' ') {
+    std::vector<AlertCondition> conditions;
+    if (at != '?') {
+      conditions.push_back(Of(AlertKind::Unreadable, at == 'x' ? Holds::Yes : Holds::No, false, look));
+    }
+    if (at != 'x' && at != ' ' && at != '?') {
       const Holds holds = at == '.' ? Holds::No : at == 'o' ? Holds::NotKnown : Holds::Yes;
       conditions.push_back(Of(AlertKind::Stopped, holds, at == 'L', look));
     }
@@ -93,6 +97,7 @@ TEST(Alerts, OfTheStartCanBeLeftOut) {
       {"long before", "LLLL", "----"},
       {"the store could not be read", "xxxxxx!!!!!", "-----------"},
       {"and cannot again", "xx....xxxx", "---------B6"},
+      {"and was looked at late", "??xxxxxx!!!!!", "-------------"},
       {"a flicker of the start", "!!..!!..!!!!!", "-------------"},
   };
   for (const auto& [what, looks, told] : rows) {
@@ -212,6 +217,31 @@ TEST(AlertConditions, AreOfWhatRuns) {
       begins("silent Scope 7", row.silentFor11);
     }
   }
+}
+
+TEST(AlertConditions, AreOfWhatStoppedBesideWhatRuns) {
+  static const struct {
+    const char *what, *newestStarted;
+    char stopped;
+  } rows[] = {{"another host records", "2026-11-26T03:00:00.000000Z", '+'},
+              {"a new run began since", "2026-11-26T03:55:00.000000Z", '-'}};
+  for (const auto& [what, newestStarted, stopped] : rows) {
+    InstrumentNow instrument = Instrument("Scope 7", Store::RunState::Running);
+    RunNow newest = *instrument.newest;
+    newest.startedAt = newestStarted;
+    instrument.newest = std::make_shared<const RunNow>(newest);
+    instrument.runs = {instrument.newest, RunThatIs(Store::RunState::Stopped)};
+    StoreNow store;
+    store.error.clear();
+    store.instruments = {instrument};
+    EXPECT_EQ(Said(store, {true, {}, {}, {}})["stopped Scope 7"][0], stopped) << what;
+  }
+}
+
+TEST(AlertConditions, AreNoneOfAStoreThatWasNotLookedAtYet) {
+  StoreNow store;
+  store.isAwaited = true;
+  EXPECT_EQ(Said(store, {true, 1s, 1s, {}}).size(), 0U);
 }
 
 TEST(AlertConditions, AreOfForwardingAndOfTheStore) {

@@ -19,6 +19,8 @@ using namespace Store;
 
 namespace {
 
+constexpr std::chrono::seconds firstLook{2};  // for which a request waits that comes before it
+
 /// The metrics of what was found last; nothing is asked of a store.
 class Metrics {
  public:
@@ -181,7 +183,7 @@ class Metrics {
 
 Http::Answer Answer(const Served& served, Http::Question& question) {
   question.ExpectNoOthers();
-  return {200, "text/plain; version=0.0.4; charset=utf-8", Metrics(*served.watch->Newest()).Text()};
+  return {200, "text/plain; version=0.0.4; charset=utf-8", Metrics(*served.watch->WaitForAll(firstLook)).Text()};
 }
 
 }  // namespace

@@ -13,7 +13,7 @@ constexpr std::chrono::seconds firstLook{2};  // for which a request waits that 
 Http::Answer WhatIsNow(const Served& served, Http::Question& question) {
   question.ExpectNoOthers();
   Http::Answer answer;
-  answer.body = NowAsJson(*served.watch->WaitAfter(0, firstLook), Store::ToStoredTime(Store::Now()));
+  answer.body = NowAsJson(*served.watch->WaitForAll(firstLook), Store::ToStoredTime(Store::Now()));
   return answer;
 }
 

@@ -51,9 +51,9 @@ class ServeVerb : public Verb {
     Trends trends;
     served.trends = &trends;
     const System::EndRequest end;
+    Http::Server server(address, names, HandlersOf(served));
     Watch watch(Watched(served), {values});
     served.watch = &watch;
-    Http::Server server(address, names, HandlersOf(served));
     std::future<void> answering = std::async(std::launch::async, [&server] { server.Serve(); });
     Say("serving " + StoresInWords(served) + " at http://" + server.Listens().InWords() + "/");
     FlushOut();
@@ -62,7 +62,7 @@ class ServeVerb : public Verb {
     }
     watch.End();
     server.End();
-    if (!HasEnded(answering, longestEnd)) {
+    if (!HasEnded(answering, longestEnd) || !watch.AwaitEnd(longestEnd)) {
       std::_Exit(Done);  // a long question to a store only reads, and can be cut off
     }
     answering.get();

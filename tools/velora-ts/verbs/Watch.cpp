@@ -13,6 +13,7 @@
 #include <VeloraSystem/EndRequest.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <set>
 #include <string>
 #include <vector>
@@ -26,6 +27,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr std::chrono::milliseconds betweenLooks = 100ms;
+constexpr std::chrono::milliseconds longestEnd = 500ms;
 
 class WatchVerb : public Verb {
  public:
@@ -34,7 +36,7 @@ class WatchVerb : public Verb {
                             "Folder with TSAL.config, whose store is watched. Default: the current directory",
                             "FOLDER");
     options.AddFlag("--stopped", wanted.stopped,
-                    "Tell when the newest run of an instrument has stopped: its host has ended without finishing it");
+                    "Tell when a run has stopped, and no new one began since: its host has ended without finishing it");
     options.AddText(
         "--silent", silent,
         "Tell when an instrument whose run is not finished has recorded nothing for this time, " VELORA_DURATION_FORMS,
@@ -61,7 +63,7 @@ class WatchVerb : public Verb {
   ExitCode Execute() override {
     Prepare();
     const System::EndRequest end;
-    const Watch watch(Stores(), {Parameters()});
+    Watch watch(Stores(), {Parameters()});
     Complain("watching; Ctrl-C ends it");
     Alerts alerts(DurationArgument("--grace", grace), onlyNew ? Alerts::AtStart::OnlyNew : Alerts::AtStart::Tell);
     AlertCalls calls(command, DurationArgument("--exec-limit", longest), &Complain);
@@ -75,7 +77,11 @@ class WatchVerb : public Verb {
       }
       calls.Attend(AlertCalls::Clock::now());
     }
+    watch.End();
     calls.End();
+    if (!watch.AwaitEnd(longestEnd)) {
+      std::_Exit(Done);  // a server does not answer; it is only read
+    }
     return Done;
   }
 

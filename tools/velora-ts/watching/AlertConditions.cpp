@@ -119,13 +119,14 @@ class OfStore {
 
   void AddStopped(const InstrumentNow& instrument) {
     AlertCondition& condition = New(AlertKind::Stopped, instrument.name);
+    const RunNow* const stopped = StoppedRun(instrument);
     condition.holds =
-        instrument.state == RunState::NotKnown ? Holds::NotKnown : HoldsIf(instrument.state == RunState::Stopped);
+        stopped == nullptr && instrument.state == RunState::NotKnown ? Holds::NotKnown : HoldsIf(stopped != nullptr);
     condition.words = Shown(instrument.name) + " is no longer stopped";
     if (!instrument.newest) {
       return;
     }
-    const RunNow& run = *instrument.newest;
+    const RunNow& run = stopped != nullptr ? *stopped : *instrument.newest;
     Name(condition, run);
     condition.since = run.lastRecordedAt;
     if (condition.holds == Holds::Yes) {
@@ -134,6 +135,15 @@ class OfStore {
     } else if (run.state == RunState::Running) {
       condition.words += ": " + NameOf(run) + " is running";
     }
+  }
+
+  /// The newest run that stopped and after which no other began; another host can still record.
+  static const RunNow* StoppedRun(const InstrumentNow& instrument) {
+    const auto run = std::find_if(instrument.runs.begin(), instrument.runs.end(), [&](const auto& one) {
+      return one->state == RunState::Stopped &&
+             (!instrument.newest || instrument.newest->startedAt <= one->lastRecordedAt);
+    });
+    return run != instrument.runs.end() ? run->get() : nullptr;
   }
 
   void AddSilent(const InstrumentNow& instrument) {
@@ -201,7 +211,9 @@ class OfStore {
 std::vector<AlertCondition> ConditionsOf(const Now& now, const WantedAlerts& wanted, Store::Time time) {
   std::vector<AlertCondition> conditions;
   for (const auto& store : now.stores) {
-    OfStore(*store, wanted, time, conditions).Add();
+    if (!store->isAwaited) {
+      OfStore(*store, wanted, time, conditions).Add();
+    }
   }
   return conditions;
 }

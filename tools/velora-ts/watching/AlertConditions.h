@@ -14,7 +14,7 @@ struct Now;
 
 /// Of what somebody wants to be told, beside stores that cannot be read.
 struct WantedAlerts {
-  bool stopped = false;                        ///< The newest run of an instrument has stopped.
+  bool stopped = false;                        ///< A run of an instrument has stopped.
   std::optional<std::chrono::seconds> silent;  ///< A run is not finished, and nothing was recorded for that long.
   std::optional<std::chrono::seconds> behind;  ///< A row has waited for forwarding for that long.
   std::vector<ExpectedRange> outside;          ///< The newest number of an unfinished run is not in its range.

@@ -48,11 +48,10 @@ std::vector<Alert> Alerts::Look(const std::vector<AlertCondition>& conditions, C
   }
   std::erase_if(known, [](const auto& one) { return !one.second.begun && !one.second.otherwise; });
   for (const AlertCondition& condition : conditions) {
-    if (condition.subject.kind == AlertKind::Unreadable && condition.holds == Holds::No) {
-      read.insert(condition.subject.store);
+    if (condition.subject.kind == AlertKind::Unreadable) {
+      (condition.holds == Holds::No ? read : lookedAt).insert(condition.subject.store);
     }
   }
-  isFirst = false;
   return alerts;
 }
 
@@ -74,8 +73,8 @@ void Alerts::Take(const AlertCondition& condition, Clock::time_point now, std::v
 }
 
 bool Alerts::IsOfTheStart(const AlertSubject& subject) const {
-  return atStart == AtStart::OnlyNew &&
-         (subject.kind == AlertKind::Unreadable ? isFirst : read.count(subject.store) == 0);
+  return atStart == AtStart::OnlyNew && read.count(subject.store) == 0 &&
+         (subject.kind != AlertKind::Unreadable || lookedAt.count(subject.store) == 0);
 }
 
 void Alerts::Change(Known& one, bool holds, Clock::time_point now, std::vector<Alert>& alerts) {

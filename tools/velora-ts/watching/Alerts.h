@@ -40,8 +40,7 @@ class Alerts {
   const std::chrono::seconds grace;
   const AtStart atStart;
   std::map<AlertSubject, Known> known;
-  std::set<int> read;   // the stores that could be read
-  bool isFirst = true;  // the next look
+  std::set<int> read, lookedAt;  // the stores that could be read, and could not
 };
 
 }  // namespace Velora::Ts

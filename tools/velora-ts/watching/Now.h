@@ -99,6 +99,7 @@ struct StoreNow {
   int number = 1;                                  ///< Of the ServedStore.
   std::string name;                                ///< Of its database, without a password.
   std::string error = "it was not looked at yet";  ///< Why it cannot be read; empty if it can.
+  bool isAwaited = false;                          ///< Whether it was not looked at yet.
   std::optional<ForwardingNow> forwarding;
   std::vector<InstrumentNow> instruments;  ///< By their names.
   long long moreInstruments = 0;

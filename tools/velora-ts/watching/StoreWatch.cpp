@@ -30,6 +30,7 @@ constexpr const char* instrumentOfSession = "SELECT substr(instrument, 1, 405) F
 
 StoreWatch::StoreWatch(const WatchedStore& watched, const std::vector<std::string>& values)
     : watched(watched), values(values) {
+  shown.isAwaited = true;
   shown.number = watched.number;
   shown.name = Shortened(NameOf(watched.settings.database));
 }
@@ -45,10 +46,11 @@ StoreNow StoreWatch::Look() {
     ShowError(error.what());
   } catch (const std::exception& error) {
     Forget();
-    if (++failures >= failuresToSay) {
+    if (++failures >= failuresToSay || shown.isAwaited) {
       ShowError(error.what());
     }
   }
+  shown.isAwaited = false;
   return shown;
 }
 

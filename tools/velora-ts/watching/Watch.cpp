@@ -3,18 +3,19 @@
 #include "store/Error.h"
 #include "watching/StoreWatch.h"
 
-#include <exception>
+#include <algorithm>
 #include <utility>
 
 namespace Velora::Ts {
 
 Watch::Watch(std::vector<WatchedStore> watched, WatchOptions wanted)
-    : stores(std::move(watched)), options(std::move(wanted)) {
+    : stores(std::move(watched)), options(std::move(wanted)), looking(stores.size()) {
   Now first;
   for (const WatchedStore& store : stores) {
     StoreNow unseen;
     unseen.number = store.number;
     unseen.name = NameOf(store.settings.database);
+    unseen.isAwaited = true;
     first.stores.push_back(std::make_shared<const StoreNow>(std::move(unseen)));
   }
   newest = std::make_shared<const Now>(std::move(first));
@@ -41,10 +42,23 @@ std::shared_ptr<const Now> Watch::WaitAfter(long long sequence, std::chrono::mil
   return newest;
 }
 
+std::shared_ptr<const Now> Watch::WaitForAll(std::chrono::milliseconds longest) const {
+  std::unique_lock lock(mutex);
+  const auto isAwaited = [](const auto& store) { return store->isAwaited; };
+  changed.wait_for(lock, longest,
+                   [&] { return ended || std::none_of(newest->stores.begin(), newest->stores.end(), isAwaited); });
+  return newest;
+}
+
 void Watch::End() {
   const std::lock_guard lock(mutex);
   ended = true;
   changed.notify_all();
+}
+
+bool Watch::AwaitEnd(std::chrono::milliseconds longest) const {
+  std::unique_lock lock(mutex);
+  return changed.wait_for(lock, longest, [this] { return looking == 0; });
 }
 
 bool Watch::HasEnded() const {
@@ -57,6 +71,9 @@ void Watch::Look(std::size_t at) {
   do {
     Publish(at, store.Look());
   } while (Pause());
+  const std::lock_guard lock(mutex);
+  --looking;
+  changed.notify_all();
 }
 
 void Watch::Publish(std::size_t at, StoreNow found) {

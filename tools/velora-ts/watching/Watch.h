@@ -5,6 +5,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -42,9 +43,15 @@ class Watch {
   /// Waits until something has changed since a state with this sequence, or the time is over, or the watching ends.
   /// @return what the stores say then.
   std::shared_ptr<const Now> WaitAfter(long long sequence, std::chrono::milliseconds longest) const;
+  /// Waits until every store was looked at once, or the time is over, or the watching ends.
+  /// @return what the stores say then.
+  std::shared_ptr<const Now> WaitForAll(std::chrono::milliseconds longest) const;
 
   /// Wakes all that wait; from now on nobody waits.
   void End();
+  /// Waits until no store is looked at any more, after End(), or the time is over: a server may not answer.
+  /// @return whether none is.
+  bool AwaitEnd(std::chrono::milliseconds longest) const;
   bool HasEnded() const;
 
  private:
@@ -59,6 +66,7 @@ class Watch {
   mutable std::condition_variable changed;
   std::shared_ptr<const Now> newest;
   bool ended = false;
+  std::size_t looking;  // threads that have not ended
   std::vector<std::thread> threads;
 };
 
