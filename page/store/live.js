@@ -3,7 +3,7 @@
 
 import { millisecondsOf } from './moment.js';
 
-const mostSilence = 45000; // milliseconds without a message after which a stream may have died without a sign
+const mostSilence = 15000; // milliseconds after which a stream must have died: the server gives a sign each 5 s
 const mostOpening = 10000;
 const longestPause = 5000;
 const tick = 1000;
@@ -12,7 +12,6 @@ export class Live {
   constructor(path = './api/live') {
     Object.assign(this, { path, listeners: [], state: null, skew: 0, lost: undefined, pause: tick });
     this.reached = Date.now(); // when the server was last known to be there
-    this.ticked = Date.now();
   }
 
   /** Calls a function with the state of now, if it is known, and each time it changes. */
@@ -46,18 +45,22 @@ export class Live {
     this.source = source;
     this.asked = Date.now();
     this.messages = 0;
-    source.addEventListener('now', (event) => this.take(event));
+    source.addEventListener('now', (event) => this.take(JSON.parse(event.data)));
+    source.addEventListener('alive', (event) => this.hear(JSON.parse(event.data)));
     // What a browser does after an error differs: some give up for good. A new stream never does.
     source.addEventListener('error', () => source === this.source && this.fail());
   }
 
-  take(event) {
-    const state = JSON.parse(event.data);
-    this.heard = this.reached = Date.now();
+  hear({ at }) {
+    this.reached = Date.now();
     this.pause = tick;
     this.messages += 1;
-    this.skew = millisecondsOf(state.at) - Date.now();
+    this.skew = millisecondsOf(at) - Date.now();
     this.tell(null);
+  }
+
+  take(state) {
+    this.hear(state);
     this.state = state;
     this.listeners.forEach((listener) => listener(state));
   }
@@ -78,19 +81,15 @@ export class Live {
     }
   }
 
-  /** Looks each second whether the stream still lives; a longer step means that the computer slept. */
+  /** Looks each second whether the stream still lives; the clock can step, and the computer can have slept. */
   look() {
     const now = Date.now();
-    const slept = now - this.ticked > 10 * tick;
-    this.ticked = now;
     if (this.messages === 0) {
-      if (now - this.asked > mostOpening && this.source.readyState !== EventSource.CLOSED) {
+      if (Math.abs(now - this.asked) > mostOpening && this.source.readyState !== EventSource.CLOSED) {
         this.fail();
       }
-    } else if (slept || now - this.heard > mostSilence) {
+    } else if (Math.abs(now - this.reached) > mostSilence) {
       this.open();
-    } else {
-      this.reached = now;
     }
   }
 }

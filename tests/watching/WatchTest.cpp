@@ -209,6 +209,23 @@ class LiveClient {
   std::thread thread;
 };
 
+// Whoever has left is only noticed by sending to him, or by looking after him.
+TEST_F(Watching, GivesSignsOfLifeAndLooksForTheClient) {
+  const auto watch = Begin();
+  Served served;
+  served.watch = watch.get();
+  Velora::Http::Question question({});
+  int looks = 0;
+  const auto send = [&](std::string_view piece) {
+    looks += piece.empty() ? 1 : 0;
+    if (piece.starts_with("event: alive\ndata: {\"at\":\"20")) {
+      throw std::runtime_error("the client has left");
+    }
+  };
+  EXPECT_THROW(routeLive.answer(served, question).write(send), std::runtime_error);
+  EXPECT_GT(looks, 0);
+}
+
 TEST_F(Watching, AsksTheStoreOnceForAllWhoFollow) {
   ScriptedHost recording(host, {Begins("one", "TiltSeries"), Saves("one", "First", "Dose", "1"),
                                 Saves("one", "Second", "Dose", "2"), Saves("one", "Last", "Dose", "3")});

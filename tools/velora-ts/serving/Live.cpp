@@ -10,23 +10,32 @@ namespace Velora::Ts {
 
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr std::chrono::seconds firstLook{2};
-constexpr std::chrono::seconds betweenSigns{15};  // of life
+constexpr std::chrono::seconds betweenLooks{1};  // whether the client is still there
+constexpr std::chrono::seconds betweenSigns{5};  // of life
+
+std::string Time() { return Store::ToStoredTime(Store::Now()); }
 
 // Each event is the whole state, so a client that comes back needs nothing of what it missed, and one that is slow gets
 // the newest state when it has taken the one before.
 void SendStates(const Watch& watch, const Http::Send& send) {
   send("retry: 1000\n\n");
-  watch.WaitAfter(0, firstLook);
-  for (long long sent = -1; !watch.HasEnded();) {
-    const std::shared_ptr<const Now> now = watch.WaitAfter(sent, betweenSigns);
-    if (now->sequence == sent) {
-      send(": nothing has changed\n\n");
+  watch.WaitForAll(firstLook);
+  long long sent = -1;
+  for (Clock::time_point last; !watch.HasEnded();) {
+    const std::shared_ptr<const Now> now = watch.WaitAfter(sent, betweenLooks);
+    if (now->sequence != sent) {
+      sent = now->sequence;
+      send("event: now\nid: " + std::to_string(sent) + "\ndata: " + NowAsJson(*now, Time()) + "\n\n");
+    } else if (Clock::now() - last >= betweenSigns) {
+      send("event: alive\ndata: {\"at\":\"" + Time() + "\"}\n\n");
+    } else {
+      send("");
       continue;
     }
-    sent = now->sequence;
-    send("event: now\nid: " + std::to_string(sent) + "\ndata: " + NowAsJson(*now, Store::ToStoredTime(Store::Now())) +
-         "\n\n");
+    last = Clock::now();
   }
 }
 
