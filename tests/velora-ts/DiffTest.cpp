@@ -291,7 +291,7 @@ TEST_F(Diff, IsToldByTheVerb) {
       {bad + ' ' + bad + " --all", 0, "[^]*E x +same in all 1\n[^]*"},
       {good, 1, "there is no finished run of activity '' on instrument 'Veldmar 3' that started before [^]*"},
       {"nothing", 1, "no run matches 'nothing'[^]*"},
-      {good + " --tolerance x=a", 2, "[^]*--tolerance 'x=a': expected NAME=0.1[^]*"},
+      {good + " --tolerance x=a", 2, "[^]*tolerance 'x=a': expected NAME=0.1[^]*"},
       {good + " --slower 0.5", 2, "[^]*--slower '0.5': expected a number of at least 1[^]*"},
   };
   for (const auto& [arguments, code, shown] : rows) {

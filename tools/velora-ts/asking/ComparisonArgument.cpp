@@ -15,7 +15,7 @@ Tolerance ToleranceOf(const std::string& text, const std::string& argument) {
   const bool isShare = text.ends_with('%');
   const std::optional<double> number = NumberIn(text.substr(0, text.size() - (isShare ? 1 : 0)));
   if (!number || *number < 0) {
-    throw UsageError("--tolerance '" + argument + "': expected NAME=0.1, NAME=1%, 0.1 or 1%");
+    throw UsageError("tolerance '" + argument + "': expected NAME=0.1, NAME=1%, 0.1 or 1%");
   }
   return isShare ? Tolerance{0, *number / 100} : Tolerance{*number, 0};
 }

@@ -49,7 +49,7 @@ class ConditionReader {
  private:
   [[noreturn]] void Fail(const std::string& expected) const {
     const std::string_view before = Trimmed(text.substr(0, at));
-    throw UsageError("--where '" + std::string(text) + "': expected " + expected +
+    throw UsageError("where '" + std::string(text) + "': expected " + expected +
                      (before.empty() ? "" : " after '" + std::string(before) + '\'') +
                      "; a condition is NAME OPERATOR VALUE, such as 'Dose > 40'");
   }
