@@ -50,7 +50,7 @@ class Now {
   }
 
   update(element, instrument) {
-    const run = instrument.runs[0] ?? instrument.newest;
+    const run = mainRunOf(instrument);
     const part = (className) => element.querySelector(`.${className}`);
     element.className = `instrument is-${instrument.state}`;
     keep(part('badge'), instrument.state, (place, state) => place.replaceChildren(stateBadge(state)));
@@ -66,9 +66,8 @@ class Now {
     );
     keep(part('last'), run?.last_event, (place) => place.replaceChildren(...(run ? lastEvent(run) : [])));
     keepText(part('rate'), rateOf(run));
-    keep(part('others'), [instrument.runs.slice(1).map((one) => [one.run, one.state]), instrument.more_runs], (place) =>
-      place.replaceChildren(...othersOf(instrument)),
-    );
+    const others = othersThan(run, instrument).map((one) => [one.run, one.state]);
+    keep(part('others'), [others, instrument.more_runs], (place) => place.replaceChildren(...othersOf(instrument)));
     element.dataset.state = instrument.state;
     element.dataset.last = run?.last_recorded_at ?? instrument.last_recorded_at ?? '';
   }
@@ -153,8 +152,13 @@ function rateOf(run) {
 }
 
 /** What else did not finish there. */
-function othersOf({ store, runs, more_runs: more }) {
-  const others = runs.slice(1);
+/** The run that the state of an instrument is of: of an idle one its newest, whatever did not finish before. */
+const mainRunOf = ({ state, runs, newest }) => runs.find((run) => run.state === state) ?? newest;
+const othersThan = (main, { runs }) => runs.filter(({ run }) => run !== main?.run);
+
+function othersOf(instrument) {
+  const { store, more_runs: more } = instrument;
+  const others = othersThan(mainRunOf(instrument), instrument);
   if (others.length === 0) {
     return [];
   }
