@@ -3,7 +3,7 @@
 import { button, make } from '../view/element.js';
 import { queryOf, addressOf } from './api.js';
 import { BothRuns } from './both-runs.js';
-import { configurationOf, differencesOf } from './differences.js';
+import { configurationOf, differencesOf, mostOfEach } from './differences.js';
 import { keepText } from './kept.js';
 import { RunChoice } from './run-choice.js';
 
@@ -121,7 +121,7 @@ class Compare {
   }
 
   async compare(signal) {
-    const found = await this.ask('api/compare', this.chosen, signal);
+    const found = await this.ask('api/compare', { ...this.chosen, first: mostOfEach }, signal);
     this.found = found;
     this.own.show({ ...found.run, store: found.store });
     this.other.show({ ...found.against, store: found.against_store });

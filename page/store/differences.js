@@ -8,7 +8,7 @@ import { briefText } from '../view/values.js';
 
 const groupsAtOnce = 40;
 const linesAtOnce = 20;
-const mostOfEach = 3; // differences of one kind and name
+export const mostOfEach = 3; // differences of one kind and name
 const mostShown = { characters: 60, lines: 1 };
 
 const text = (stored, without = '–') => show(make('bdi'), firstOf(stored || without, mostShown));
@@ -127,6 +127,9 @@ function rowsOf(group) {
   return rows;
 }
 
+const moreOf = (rest) =>
+  rest > 0 ? [make('p', 'hint', `and ${rest.toLocaleString('en')} more, which velora-ts diff lists`)] : [];
+
 /** The table of what differs. */
 export function differencesOf(found) {
   const groups = groupsOf(found);
@@ -142,15 +145,15 @@ export function differencesOf(found) {
   const body = make('tbody');
   const table = make('table', 'differences', make('thead', '', make('tr', '', ...heads)), body);
   body.append(...groups.slice(0, groupsAtOnce).flatMap(rowsOf));
-  const rest = groups.length - groupsAtOnce;
+  const rest = Math.max(0, groups.length - groupsAtOnce) + found.left_out.summary;
   return [
     make('div', 'scroll', table),
-    ...(rest > 0 ? [make('p', 'hint', `and ${rest.toLocaleString('en')} more, which velora-ts diff lists`)] : []),
+    ...moreOf(rest),
   ];
 }
 
 /** The lines of the configurations of the instrument that differ. */
-export function configurationOf({ configuration: lines }) {
+export function configurationOf({ configuration: lines, left_out: { configuration: rest } }) {
   if (lines.length === 0) {
     return [];
   }
@@ -158,5 +161,5 @@ export function configurationOf({ configuration: lines }) {
   addInSteps(list, lines, linesAtOnce, ({ only_in: side, line, text: words }) =>
     make('li', '', `${sideName(side)}${line > 0 ? `, line ${line}` : ''}: `, text(words)),
   );
-  return [make('h3', '', 'Configuration of the instrument'), list];
+  return [make('h3', '', 'Configuration of the instrument'), list, ...moreOf(rest)];
 }

@@ -45,11 +45,11 @@ Summary::Key Summary::KeyOf(const Compared& compared) {
   return key;
 }
 
-void Summary::Add(const Compared& compared) {
+const Summary::Group& Summary::Add(const Compared& compared) {
   Group& group = groups[KeyOf(compared)];
   ++group.compared;
   if (!compared.differs) {
-    return;
+    return group;
   }
   ++group.differ;
   if (group.differ == 1) {
@@ -67,6 +67,7 @@ void Summary::Add(const Compared& compared) {
   if (TimeOf(compared) < TimeOf(*group.earliest)) {
     group.earliest = compared;
   }
+  return group;
 }
 
 bool Summary::IsEmpty(bool durationsCount) const {

@@ -37,7 +37,8 @@ class Summary {
   };
   static constexpr std::size_t mostShown = 5;
 
-  void Add(const Compared& compared);
+  /// @return the group to which it belongs, which stays where it is.
+  const Group& Add(const Compared& compared);
 
   const std::map<Key, Group>& Groups() const { return groups; }
   /// Whether nothing differs. Durations do not count.

@@ -105,6 +105,25 @@ class Api : public testing::Test {
     const auto next = All(json, "\n\"next\":\"?([^\",]*)");
     return next.empty() ? json : next.front();
   }
+  /// The runs of the first store, page after page: a search can end before the limit, at a time.
+  std::vector<std::string> GuidsOfAllPages(Parameters asked) const {
+    asked.emplace("store", "1");
+    std::vector<std::string> found;
+    for (std::string after; after != "null";) {
+      asked.erase("after");
+      asked.emplace("after", after);
+      const std::string page = Ask("/api/runs", asked);
+      const std::vector<std::string> guids = Guids(page);
+      found.insert(found.end(), guids.begin(), guids.end());
+      const std::string next = Next(page);
+      if (next == page || next == after) {
+        ADD_FAILURE() << page;
+        return found;
+      }
+      after = next;
+    }
+    return found;
+  }
   std::string Plan(const std::string& question) const {
     if (!TestStore::OnServer()) {
       return Query(folder / "a/ts.db", "EXPLAIN QUERY PLAN " + question);
@@ -149,17 +168,15 @@ TEST_F(Api, ListsTheRunsThatTheVerbLists) {
       {{{"text", "ee0"}}, {"--text", "ee0"}, ""},
   };
   for (const auto& row : rows) {
-    Parameters asked = row.asked;
-    asked.emplace("store", "1");
-    const std::string answer = Ask("/api/runs", asked);
+    const std::vector<std::string> found = GuidsOfAllPages(row.asked);
     std::vector<std::string> command{"runs", "--json", "--config", At("a")};
     command.insert(command.end(), row.options.begin(), row.options.end());
     std::string runs;
-    for (const std::string& guid : Guids(answer)) {
+    for (const std::string& guid : found) {
       runs += guid[1];
     }
-    EXPECT_EQ(runs, row.runs) << testing::PrintToString(row.options) << answer;
-    EXPECT_EQ(Guids(answer), Guids(Said(command).second)) << testing::PrintToString(row.options);
+    EXPECT_EQ(runs, row.runs) << testing::PrintToString(row.options);
+    EXPECT_EQ(found, Guids(Said(command).second)) << testing::PrintToString(row.options);
   }
 }
 
@@ -231,6 +248,54 @@ TEST_F(Api, CutsWhatIsLong) {
   EXPECT_EQ(All(Ask("/api/runs", {{"store", "2"}}), "\"cut\":(true)").size(), 0U);
 }
 
+// 15 did not finish, nor did what is below it.
+TEST_F(Api, CutsWhatIsLongWhereARunStopped) {
+  const std::string text(3'000'000, 'x');
+  const SqlConnection sql = Sql("a");
+  sql->RunScript("INSERT INTO executions VALUES (17, 'a17', 15, 15, 12, 12, '" + text + "', '', 0, '2026-10-04T22')");
+  sql->RunScript("INSERT INTO statuses VALUES (21, 17, 12, 4, '2026-10-04T22')");
+  sql->RunScript("INSERT INTO events VALUES (21, 12, 17, NULL, 'Image', '2026-10-04T22:10:00.000000Z')");
+  sql->RunScript("INSERT INTO parameters VALUES (21, 1, 'File', 'text', '" + text + "', NULL)");
+  std::string more;
+  for (int position = 2; position < 300; ++position) {
+    more += (more.empty() ? "(21, " : ", (21, ") + std::to_string(position) + ", 'Dose', 'double', NULL, 2)";
+  }
+  sql->RunScript("INSERT INTO parameters VALUES " + more);
+  const std::string run = Ask("/api/run", {{"run", "aee"}});
+  const std::string cut = '"' + text.substr(0, 500) + '"';
+  EXPECT_NE(run.find("{\"name\":\"File\",\"kind\":\"text\",\"value\":" + cut + "}"), std::string::npos);
+  EXPECT_NE(run.find("\"node\":" + cut + ",\"activity\":\"Holes\",\"version\":\"2.1\"}]"), std::string::npos);
+  EXPECT_EQ(All(run, "\"value\":(2)").size(), 99U);
+  EXPECT_EQ(All(run, "\"cut\":(\\w+)"), std::vector<std::string>{"true"});
+  EXPECT_LT(run.size(), 20'000U);
+  EXPECT_EQ(All(Ask("/api/run", {{"run", "acc"}}), "\"cut\":(\\w+)"), std::vector<std::string>{"false"});
+}
+
+TEST_F(Api, SaysWhereARunStoppedAsTheVerbDoes) {
+  Sql("a")->RunScript(
+      "INSERT INTO events VALUES (21, 12, 16, NULL, 'Image', '2026-10-04T22:10:00.000000Z'), "
+      "(22, 12, 15, NULL, 'Done', '2026-10-04T22:20:00.000000Z');"
+      "INSERT INTO parameters VALUES (21, 1, 'File', 'text', 'a.mrc', NULL), (21, 2, 'Good', 'bool', "
+      "NULL, 1), (21, 3, 'Tilt', 'double', 'NaN:1', NULL), (21, 4, 'Dose', 'double', NULL, 2.5)");
+  const auto stops = [](const std::string& json) { return All(json, "(\\{\"in\":[^]*)\"log\":null"); };
+  const std::vector<std::string> said = stops(Said({"show", "aee", "--json", "--config", At("a")}).second);
+  ASSERT_EQ(said.size(), 1U);
+  EXPECT_NE(said.front().find("2.5"), std::string::npos) << said.front();
+  EXPECT_EQ(stops(Ask("/api/run", {{"run", "aee"}})), said);
+}
+
+// As answers have them.
+TEST_F(Api, TakesNamesInTheirStoredForm) {
+  Sql("a")->RunScript(
+      "INSERT INTO sessions VALUES (21, 's21', '\\x53ff', 'pc', '2026-10', '', '', '');"
+      "INSERT INTO activity_versions VALUES (21, 'v21', 11, '\\x41ff', '1', '');"
+      "INSERT INTO executions VALUES (21, 'odd', NULL, 21, 21, 21, '\\x4eff', '', 5, '2026-10-06T22:00:00.000000Z')");
+  for (const auto& [name, value] :
+       Parameters{{"instrument", "\\x53ff"}, {"activity", "\\x41ff"}, {"node", "\\x4eff"}}) {
+    EXPECT_EQ(Guids(Ask("/api/runs", {{"store", "1"}, {name, value}})), std::vector<std::string>{"odd"}) << name;
+  }
+}
+
 TEST_F(Api, FindsTheRunThatIsNamed) {
   const struct {
     Parameters asked;
@@ -267,6 +332,38 @@ TEST_F(Api, ComparesAsTheVerbDoes) {
   EXPECT_EQ(Guids(ReplaceMatches(Ask("/api/compare", {{"run", "later"}}), "\"against\":", "")).back(), "abb00000-2");
   EXPECT_TRUE(HasMatch(Ask("/api/compare", {{"run", "aaa"}}), "^404: there is no finished run of activity 'Grids'"));
   EXPECT_TRUE(HasMatch(Ask("/api/compare", {{"run", "aaa"}, {"tolerance", "x"}}), "^400: "));
+}
+
+// Each of 150 holes has its own parameter, and one that they share.
+TEST_F(Api, CountsWhatAShortComparisonLeavesOut) {
+  const std::string text(10'000, 'x');
+  for (const char* const name : {"a", "b"}) {
+    std::string events, parameters;
+    for (int event = 31; event < 181; ++event) {
+      const std::string number = std::to_string(event), separator = events.empty() ? "(" : ", (";
+      events += separator + number + ", 12, 14, NULL, 'Hole', '2026-10-03T22:20')";
+      parameters += separator + number + ", 1, 'File', 'text', '" + name + number + text + "', NULL), (" + number +
+                    ", 2, 'own " + number + "', 'text', '" + name + "', NULL)";
+    }
+    const SqlConnection sql = Sql(name);
+    sql->RunScript("INSERT INTO events VALUES " + events);
+    sql->RunScript("INSERT INTO parameters VALUES " + parameters);
+  }
+  const Parameters asked{{"run", "add"}, {"with", "bdd"}, {"with_store", "2"}};
+  Parameters shortly = asked;
+  shortly.emplace("first", "2");
+  const std::string all = Ask("/api/compare", asked), few = Ask("/api/compare", shortly);
+  EXPECT_EQ(All(all, "(\"parameter\":\"File\")").size(), 151U);  // in `summary` too
+  EXPECT_EQ(all.find("left_out"), std::string::npos);
+  EXPECT_EQ(All(few, "(\"parameter\":\"File\")").size(), 3U);
+  EXPECT_EQ(All(few, "(\"parameter\":\"own )").size(), 2 * 99U + 1);  // and in `parting`
+  EXPECT_NE(few.find("\"compared\":150,\"differ\":150,"), std::string::npos);
+  EXPECT_TRUE(HasMatch(few,
+                       "\"same\":false,\"left_out\":\\{\"differences\":199,\"configuration\":0,\"summary\":51,"
+                       "\"steps\":0,\"texts\":[1-9]"))
+      << few.substr(few.size() - 200);
+  EXPECT_LT(few.size(), 60'000U);
+  EXPECT_EQ(few.substr(0, few.find("\"differences\":")), all.substr(0, all.find("\"differences\":")));
 }
 
 TEST_F(Api, NamesParametersWithTheirUnits) {

@@ -2,7 +2,9 @@
 #include "serving/NamedRun.h"
 #include "serving/Route.h"
 
-#include <utility>
+#include <cstddef>
+#include <memory>
+#include <string>
 
 namespace Velora::Ts {
 
@@ -10,23 +12,35 @@ using namespace Store;
 
 namespace {
 
-struct ComparedPair {
-  explicit ComparedPair(NamedPair named)
-      : pair(std::move(named)), runs(pair.first.Side(), pair.second->Side(), pair.rules, false) {}
+constexpr long long highestFirst = 100;
 
+/// With `first`, an answer is short whatever was recorded.
+DifferencesLimit LimitIn(Http::Question& question) {
+  const auto first = static_cast<std::size_t>(question.Whole("first", 1, highestFirst).value_or(0));
+  return {.first = first, .groups = 100, .lines = 200, .longest = 500, .deepest = 20};
+}
+
+struct ComparedPair {
+  ComparedPair(const Served& served, Http::Question& question)
+      : limit(LimitIn(question)),
+        pair(PairNamed(served, question, true)),
+        runs(pair.first.Side(), pair.second->Side(), pair.rules, false) {}
+
+  const DifferencesLimit limit;
   const NamedPair pair;
   const ComparedRuns runs;
 };
 
 Http::Answer AnswerCompare(const Served& served, Http::Question& question) {
-  const auto compared = std::make_shared<const ComparedPair>(PairNamed(served, question, true));
+  const auto compared = std::make_shared<const ComparedPair>(served, question);
   Http::Answer answer;
   answer.write = [compared](const Http::Send& send) {
     const NamedRun &first = compared->pair.first, &second = *compared->pair.second;
     Summary summary;
     WriteDifferencesAsJson(compared->runs.Found(), summary, false, send,
                            "\"store\":" + std::to_string(first.place->number) +
-                               ",\"against_store\":" + std::to_string(second.place->number) + ',');
+                               ",\"against_store\":" + std::to_string(second.place->number) + ',',
+                           compared->limit);
     first.store->ExpectUntouched();
     second.store->ExpectUntouched();
   };

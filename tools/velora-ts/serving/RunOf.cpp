@@ -1,8 +1,8 @@
-#include "output/StopWords.h"
 #include "output/Words.h"
 #include "serving/NamedRun.h"
 #include "serving/Route.h"
 #include "serving/ShortenedRuns.h"
+#include "serving/ShortenedStops.h"
 #include "store/reading/Rows.h"
 
 namespace Velora::Ts {
@@ -26,10 +26,13 @@ ListedRun Described(const Reader& store, const Run& run) {
 Http::Answer AnswerRun(const Served& served, Http::Question& question) {
   const NamedRun named = RunNamed(served, question);
   const Reader& store = *named.store;
+  ShortenedStops shortened(store);
+  const std::string stops = shortened.AsJson(named.run);
   Http::Answer answer;
   answer.body = '{' +
-                ShortenedRuns(store, named.place->number, longest, mostNotes).Members(Described(store, named.run)) +
-                ",\"stops\":" + StopWords(store, named.run, nullptr, usualDigits).AsJson() + "}\n";
+                ShortenedRuns(store, named.place->number, longest, mostNotes)
+                    .Members(Described(store, named.run), shortened.IsCut()) +
+                ",\"stops\":" + stops + "}\n";
   store.ExpectUntouched();
   return answer;
 }

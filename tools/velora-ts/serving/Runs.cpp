@@ -4,6 +4,7 @@
 #include "serving/EachStore.h"
 #include "serving/Route.h"
 #include "serving/ShortenedRuns.h"
+#include "store/values/StoredText.h"
 
 #include <charconv>
 #include <limits>
@@ -140,9 +141,9 @@ Http::Answer AnswerRuns(const Served& served, Http::Question& question) {
   const std::optional<long long> number = StoreNumber(served, question);
   RunFilter filter{.since = Time(question.Text("since")),
                    .until = Time(question.Text("until")),
-                   .instrument = question.Text("instrument"),
-                   .activity = question.Text("activity"),
-                   .node = question.Text("node"),
+                   .instrument = FromStoredText(question.Text("instrument")),
+                   .activity = FromStoredText(question.Text("activity")),
+                   .node = FromStoredText(question.Text("node")),
                    .text = question.Text("text"),
                    .state = question.OneOf("state", RunFilter::states),
                    .after = {},

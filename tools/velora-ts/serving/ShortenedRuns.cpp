@@ -1,10 +1,8 @@
 #include "serving/ShortenedRuns.h"
 
 #include "output/NoteWords.h"
+#include "output/Shorten.h"
 
-#include <VeloraText/Character.h>
-
-#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,29 +10,14 @@ namespace Velora::Ts {
 
 using namespace Store;
 
-namespace {
-
-/// Cuts a text behind so many characters. @return whether it was longer.
-bool Shorten(std::string& text, std::size_t longest) {
-  std::size_t end = 0;
-  for (std::size_t count = 0; count < longest && end < text.size(); ++count) {
-    end += Text::Character(std::string_view(text).substr(end)).length;
-  }
-  const bool cut = end < text.size();
-  text.resize(end);
-  return cut;
-}
-
-}  // namespace
-
 ShortenedRuns::ShortenedRuns(const Reader& store, int storeNumber, std::size_t longest, long long mostNotes)
     : storeNumber(storeNumber),
       longest(longest),
       mostNotes(mostNotes),
       notes(QueryNewestNotes(store, mostNotes + 1, longest + 1)) {}
 
-std::string ShortenedRuns::Members(ListedRun run) {
-  bool cut = false;
+std::string ShortenedRuns::Members(ListedRun run, bool moreIsCut) {
+  bool cut = moreIsCut;
   Execution& root = run.root;
   for (std::string* const text : {&root.guid, &root.node, &root.description, &root.startedAt, &root.instrument,
                                   &root.host, &root.activity, &root.version, &root.statusAt, &run.lastRecorded}) {

@@ -20,7 +20,8 @@ class ShortenedRuns {
 
   /// The members of the object, without braces: those of `runs --json`, then `store`, and `cut`, which says whether
   /// anything was left out.
-  std::string Members(ListedRun run);
+  /// @param moreIsCut whether something was left out of what else is said of the run.
+  std::string Members(ListedRun run, bool moreIsCut = false);
 
  private:
   const int storeNumber;
