@@ -1,15 +1,37 @@
 #pragma once
 
+#ifdef _WIN32
+#include <winsock2.h>
+#else
 #include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#endif
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
+
+#ifdef _WIN32
+using Socket = SOCKET;
+using Size = int;
+constexpr int ofBytes = SOCK_STREAM;
+constexpr int withoutSignal = 0;
+inline int Poll(pollfd* asked, int milliseconds) { return WSAPoll(asked, 1, milliseconds); }
+inline void Close(Socket socket) { closesocket(socket); }
+#else
+using Socket = int;
+using Size = std::size_t;
+constexpr int ofBytes = SOCK_STREAM | SOCK_CLOEXEC;
+constexpr int withoutSignal = MSG_NOSIGNAL;
+inline int Poll(pollfd* asked, int milliseconds) { return poll(asked, 1, milliseconds); }
+inline void Close(Socket socket) { close(socket); }
+#endif
 
 /// A connection to a server on this computer, over which a test sends and receives bytes.
 class Caller {
@@ -17,19 +39,19 @@ class Caller {
   explicit Caller(int port) {
     sockaddr_in address{};
     address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<in_port_t>(port));
+    address.sin_port = htons(static_cast<std::uint16_t>(port));
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
     isConnected = connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
   }
   Caller(const Caller&) = delete;
   Caller& operator=(const Caller&) = delete;
-  ~Caller() { close(socket); }
+  ~Caller() { Close(socket); }
 
   bool IsConnected() const { return isConnected; }
   /// @return false when the server has closed the connection.
   bool Send(std::string_view bytes) const {
     while (!bytes.empty()) {
-      const ssize_t count = send(socket, bytes.data(), bytes.size(), MSG_NOSIGNAL);
+      const auto count = send(socket, bytes.data(), static_cast<Size>(bytes.size()), withoutSignal);
       if (count <= 0) {
         return false;
       }
@@ -60,12 +82,12 @@ class Caller {
   /// Whether there is something to receive.
   bool HasAnswer() const {
     pollfd asked{socket, POLLIN, 0};
-    return poll(&asked, 1, 0) > 0;
+    return Poll(&asked, 0) > 0;
   }
   /// Whether the server closes the connection, in a time in which a test would rather fail.
   bool IsClosed() const {
     pollfd asked{socket, POLLIN, 0};
-    while (poll(&asked, 1, 30'000) > 0) {
+    while (Poll(&asked, 30'000) > 0) {
       if (ReceiveSome().empty()) {
         return true;
       }
@@ -76,11 +98,11 @@ class Caller {
  private:
   std::string ReceiveSome() const {
     std::array<char, 65536> buffer{};
-    const ssize_t count = recv(socket, buffer.data(), buffer.size(), 0);
+    const auto count = recv(socket, buffer.data(), static_cast<Size>(buffer.size()), 0);
     return count > 0 ? std::string(buffer.data(), static_cast<std::size_t>(count)) : "";
   }
 
-  const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+  const Socket socket = ::socket(AF_INET, ofBytes, 0);
   bool isConnected = false;
 };
 
