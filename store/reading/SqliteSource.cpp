@@ -4,6 +4,7 @@
 #include <VeloraSystem/RegularFile.h>
 #include <VeloraSystem/Share.h>
 #include "store/Error.h"
+#include "store/reading/WrittenMeanwhile.h"
 
 #include <array>
 #include <cctype>
@@ -121,8 +122,9 @@ bool SqliteSource::IsStore() {
 
 void SqliteSource::ExpectUntouched() const {
   if (closed && WrittenAt(file) != written) {
-    throw Error("TS database '" + path +
-                "' was not in use, and a host began to write to it while it was read; run the command again");
+    throw WrittenMeanwhile(
+        "TS database '" + path +
+        "' was not in use, and a host began to write to it while it was read; run the command again");
   }
 }
 

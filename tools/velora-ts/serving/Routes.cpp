@@ -4,14 +4,24 @@
 #include "asking/UsageError.h"
 #include "serving/Served.h"
 #include "store/database/DatabaseError.h"
+#include "store/reading/WrittenMeanwhile.h"
 
 namespace Velora::Ts {
 
 namespace {
 
-Http::Answer AnswerOf(const Route& route, const Served& served, Http::Question& question) {
+/// Asks once more where the first answer can be of two states: then the file is in use, and has one.
+Http::Answer AnswerOfOneState(const Route& route, const Served& served, Http::Question& question) {
   try {
     return route.answer(served, question);
+  } catch (const Store::WrittenMeanwhile&) {
+    return route.answer(served, question);
+  }
+}
+
+Http::Answer AnswerOf(const Route& route, const Served& served, Http::Question& question) {
+  try {
+    return AnswerOfOneState(route, served, question);
   } catch (const UsageError& error) {
     throw Http::Refusal(400, error.what());
   } catch (const Http::Refusal&) {
