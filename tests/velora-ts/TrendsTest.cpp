@@ -219,7 +219,7 @@ TEST_F(TrendsTest, LeadToTheRunsOfTheExtremes) {
 // More events than are read one by one, so they are summarised, and the summary is kept.
 TEST_F(TrendsTest, OfManyEventsAreKeptAndStayTrue) {
   if (TestStore::OnServer()) {
-    GTEST_SKIP() << "only what is read of a file is kept";
+    GTEST_SKIP() << "what follows adds to the file";
   }
   constexpr int many = 130000;
   Fill("one", 1, many, "2017-01-01");

@@ -99,8 +99,32 @@ TrendSummary ReadWindow(const Reader& store, const EventWindow& window, const st
   return summary;
 }
 
+namespace {
+
+void ReadKeysOfServer(const Reader& store, const KeyRange& keys, const std::string& parameter, TrendSummary& summary) {
+  enum Column { Event = 5, At, Session, Execution };
+  TimeReader times;
+  InstrumentFinder instruments(store);
+  VersionFinder versions(store);
+  const std::string between = " BETWEEN " + std::to_string(keys.after + 1) + " AND " + std::to_string(keys.upTo);
+  Rows rows(store,
+            "SELECT p.position, '', p.kind, p.value_text, p.value_number, v.event_id, v.at, v.session_id, "
+            "v.execution_id FROM events v CROSS JOIN parameters p WHERE v.event_id" +
+                between + " AND p.event_id" + between + " AND p.event_id = v.event_id AND p.name = ?1");
+  for (rows.Ask(parameter); rows.Next();) {
+    const int source =
+        summary.NumberOf({instruments.Of(rows.Integer(Session)), versions.Of(IntegerOr0(rows, Execution))});
+    AddValue(summary, times.Of(rows.Text(At)), source, rows, rows.Integer(Event));
+  }
+}
+
+}  // namespace
+
 void ReadKeys(const Reader& store, const KeyRange& keys, const std::string& parameter, TrendSummary& summary) {
   enum Column { Event = 5 };
+  if (store.Where().kind == Database::Kind::PostgreSql) {
+    return ReadKeysOfServer(store, keys, parameter, summary);
+  }
   EventWalk events(store, summary);
   Rows rows(store,
             "SELECT position, '', kind, value_text, value_number, event_id FROM parameters WHERE event_id > ?1 AND "

@@ -16,7 +16,7 @@ TrendSummary SummaryFor(const Store::Reader& store, const Store::EventWindow& wi
 /// @param parameter its name, as stored.
 TrendSummary ReadWindow(const Store::Reader& store, const Store::EventWindow& window, const std::string& parameter);
 
-/// Reads the numbers of a parameter in the events of some keys of a store in a file, in the order of the keys.
+/// Reads the numbers of a parameter in the events of some keys.
 void ReadKeys(const Store::Reader& store, const Store::KeyRange& keys, const std::string& parameter,
               TrendSummary& summary);
 

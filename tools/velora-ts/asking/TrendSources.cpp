@@ -48,8 +48,10 @@ long long InstrumentFinder::Of(long long session) {
   return place->second;
 }
 
+// A question to a server takes a round trip, so it is for many executions.
 VersionFinder::VersionFinder(const Reader& store)
-    : one(store, "SELECT parent_id, version_id FROM executions WHERE execution_id = ?1") {}
+    : atOnce(store.Where().kind == Database::Kind::PostgreSql ? 1000 : 1),
+      rows(store, "SELECT execution_id, parent_id, version_id FROM executions WHERE execution_id BETWEEN ?1 AND ?2") {}
 
 const std::vector<long long>& VersionFinder::Of(long long execution) {
   Execution& place = PlaceOf(execution);
@@ -57,6 +59,23 @@ const std::vector<long long>& VersionFinder::Of(long long execution) {
     place = {execution, Ask(execution)};
   }
   return place.versions;
+}
+
+std::optional<VersionFinder::Row> VersionFinder::RowOf(long long execution) {
+  static constexpr std::size_t mostPortions = 30;
+  const long long first = execution - execution % atOnce;
+  if (!read.contains(first)) {
+    if (read.size() == mostPortions) {
+      read.clear();
+    }
+    std::map<long long, Row>& portion = read[first];
+    for (rows.Ask(first, first + atOnce - 1); rows.Next();) {
+      portion[rows.Integer(0)] = {rows.IsNull(1) ? 0 : rows.Integer(1), rows.IsNull(2) ? 0 : rows.Integer(2)};
+    }
+  }
+  const std::map<long long, Row>& portion = read[first];
+  const auto row = portion.find(execution);
+  return row == portion.end() ? std::nullopt : std::optional(row->second);
 }
 
 // A parent has a lower key. What says otherwise is not followed, as in Store::WindowQuestion.
@@ -72,12 +91,12 @@ std::vector<long long> VersionFinder::Ask(long long execution) {
       std::for_each(above.versions.begin(), above.versions.end(), add);
       break;
     }
-    if (!one.Ask(key).Next()) {
+    const std::optional<Row> row = RowOf(key);
+    if (!row) {
       break;
     }
-    const long long parent = one.IsNull(0) ? 0 : one.Integer(0);
-    add(one.IsNull(1) ? 0 : one.Integer(1));
-    key = parent < key ? parent : 0;
+    add(row->version);
+    key = row->parent < key ? row->parent : 0;
   }
   versions.resize(std::max(versions.size(), std::size_t{1}));
   std::sort(versions.begin() + 1, versions.end());

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -34,7 +35,7 @@ class InstrumentFinder {
   std::map<long long, long long> known;
 };
 
-/// Finds the activity versions of executions in a file. It remembers a limited number of them.
+/// Finds the activity versions of executions. It remembers a limited number of them.
 class VersionFinder {
  public:
   explicit VersionFinder(const Store::Reader& store);
@@ -51,8 +52,16 @@ class VersionFinder {
 
   std::vector<long long> Ask(long long execution);
 
-  Store::Rows one;
-  std::array<Execution, 1024> known;  // by the last digits of their keys
+  /// What the row of an execution says, or 0 for what is missing.
+  struct Row {
+    long long parent = 0, version = 0;
+  };
+  std::optional<Row> RowOf(long long execution);
+
+  const long long atOnce;  // executions, one behind the other, that are read with one question
+  Store::Rows rows;
+  std::map<long long, std::map<long long, Row>> read;  // by key, in portions
+  std::array<Execution, 1024> known;                   // by the last digits of their keys
 };
 
 }  // namespace Velora::Ts

@@ -100,7 +100,7 @@ void Open(const std::vector<TrendStore>& asked, std::list<OpenStore>& stores, Le
 }  // namespace
 
 bool Trends::ReadKept(OpenStore& store, const TrendQuestion& question, std::vector<TrendPart>& parts) {
-  if (store.reader->Where().kind != Database::Kind::Sqlite || !IsLarge(*store.reader, question.window)) {
+  if (!IsLarge(*store.reader, question.window)) {
     return false;
   }
   const std::lock_guard lock(mutex);
