@@ -88,7 +88,7 @@ test('what a screen reader is told, and what is on paper', async () => {
     ['group', /^Both in one plot$/],
   ]);
   await isPrinted(page, {
-    shown: ['.run-choice .facts', '.differences', '#plot canvas'],
-    hidden: ['nav', '.run-choice button', '.rules', '#connection'],
+    shown: ['.run-choice .facts', '.rules', '.differences', '#plot canvas'],
+    hidden: ['nav', '.run-choice button', '#connection'],
   });
 });
