@@ -146,10 +146,7 @@ export function differencesOf(found) {
   const table = make('table', 'differences', make('thead', '', make('tr', '', ...heads)), body);
   body.append(...groups.slice(0, groupsAtOnce).flatMap(rowsOf));
   const rest = Math.max(0, groups.length - groupsAtOnce) + found.left_out.summary;
-  return [
-    make('div', 'scroll', table),
-    ...moreOf(rest),
-  ];
+  return [make('div', 'scroll', table), ...moreOf(rest)];
 }
 
 /** The lines of the configurations of the instrument that differ. */
