@@ -25,7 +25,7 @@ bool WouldBlock() { return WSAGetLastError() == WSAEWOULDBLOCK; }
 
 void LetNothingBlock(socket_t socket) {
   u_long yes = 1;
-  ioctlsocket(socket, FIONBIO, &yes);
+  ioctlsocket(socket, static_cast<long>(FIONBIO), &yes);
 }
 #else
 using Size = std::size_t;
