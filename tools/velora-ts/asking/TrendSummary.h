@@ -2,8 +2,8 @@
 
 #include "asking/TrendCell.h"
 
-#include <compare>
 #include <map>
+#include <tuple>
 #include <vector>
 
 namespace Velora::Ts {
@@ -13,7 +13,9 @@ struct TrendSource {
   long long instrument = 0;         ///< The first session of the instrument.
   std::vector<long long> versions;  ///< The activity version of the execution, or 0; behind it those above, each once.
 
-  auto operator<=>(const TrendSource&) const = default;
+  bool operator<(const TrendSource& other) const {
+    return std::tie(instrument, versions) < std::tie(other.instrument, other.versions);
+  }
 };
 
 /// The numbers of a parameter in cells, each of one source and some of the time. It has bounded memory: when there are

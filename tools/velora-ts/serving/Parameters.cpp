@@ -23,7 +23,7 @@ std::string ListOf(const std::set<std::string>& texts) {
 /// The unit that the settings of one of the stores state, or that the name has; empty if none is known.
 std::string UnitOf(const Served& served, std::optional<long long> number, const std::string& name) {
   for (const ServedStore& place : served.stores) {
-    const std::string unit = !number || *number == place.number ? Units(place.settings.units).Of(Readable(name)) : "";
+    std::string unit = !number || *number == place.number ? Units(place.settings.units).Of(Readable(name)) : "";
     if (!unit.empty()) {
       return unit;
     }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <string>
 #include <tuple>
 
@@ -19,7 +18,9 @@ struct AlertSubject {
   std::string instrument;  ///< Empty for a condition of the whole store.
   std::string range;       ///< NAME=LOWEST..HIGHEST, for one kind.
 
-  auto operator<=>(const AlertSubject&) const = default;
+  bool operator<(const AlertSubject& other) const {
+    return std::tie(kind, store, instrument, range) < std::tie(other.kind, other.store, other.instrument, other.range);
+  }
 };
 
 /// A condition at a look at the store.

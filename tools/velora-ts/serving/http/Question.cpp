@@ -74,7 +74,7 @@ std::optional<long long> Question::Whole(const std::string& name, long long lowe
 }
 
 std::string Question::OneOf(const std::string& name, const std::vector<std::string>& words) {
-  const std::string text = Text(name);
+  std::string text = Text(name);
   if (!text.empty() && std::find(words.begin(), words.end(), text) == words.end()) {
     Refuse(name, "is " + InQuotes(text) + "; expected " + Joined(words));
   }
