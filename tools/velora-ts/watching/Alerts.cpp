@@ -1,7 +1,5 @@
 #include "watching/Alerts.h"
 
-#include <utility>
-
 namespace Velora::Ts {
 
 using Holds = AlertCondition::Holds;
@@ -63,7 +61,7 @@ void Alerts::Take(const AlertCondition& condition, Clock::time_point now, std::v
   }
   Known& one = found != known.end() ? found->second : known[condition.subject];
   const bool isBeginning = holds && !one.begun && !one.otherwise;
-  const std::string since = isBeginning ? condition.since : std::move(one.last.since);
+  const std::string since = isBeginning ? condition.since : one.last.since;
   one.last = condition;
   one.last.since = since;
   if (isBeginning && IsOfTheStart(condition.subject)) {
