@@ -1,5 +1,7 @@
 #include "watching/Alerts.h"
 
+#include <utility>
+
 namespace Velora::Ts {
 
 using Holds = AlertCondition::Holds;
