@@ -12,11 +12,14 @@ const mostKept = 1000;
 export function stopsOf(state) {
   const stops = state.instruments.flatMap(({ store, name, runs, newest }) =>
     runs
-      .filter((run) => run.state === 'stopped' && !(newest && newest.started_at > run.last_recorded_at))
+      .filter((run) => run.state === 'stopped' && isNew(run, newest))
       .map((run) => ({ instrument: name, store, run })),
   );
   return [...new Map(stops.reverse().map((stop) => [stop.run.run, stop])).values()].reverse();
 }
+
+// The clock of its host can be ahead, so a run is not compared with itself.
+const isNew = (run, newest) => !newest || newest.run === run.run || newest.started_at <= run.last_recorded_at;
 
 /** What tells stops apart: a run that goes on can stop again. */
 export const keyOfStop = ({ run }) => `${run.run} ${run.last_recorded_at}`;

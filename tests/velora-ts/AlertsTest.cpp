@@ -228,6 +228,7 @@ TEST(AlertConditions, AreOfWhatStoppedBesideWhatRuns) {
   for (const auto& [what, newestStarted, stopped] : rows) {
     InstrumentNow instrument = Instrument("Scope 7", Store::RunState::Running);
     RunNow newest = *instrument.newest;
+    newest.root = 2;
     newest.startedAt = newestStarted;
     instrument.newest = std::make_shared<const RunNow>(newest);
     instrument.runs = {instrument.newest, RunThatIs(Store::RunState::Stopped)};

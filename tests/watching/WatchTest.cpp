@@ -4,6 +4,7 @@
 #include "serving/Route.h"
 #include "serving/Served.h"
 #include "store/reading/Listener.h"
+#include "store/values/StoredTime.h"
 #include "support/HostileRun.h"
 #include "support/Query.h"
 #include "watching/NowAsJson.h"
@@ -143,6 +144,38 @@ TEST_F(Watching, TellsTheTruthAgainAfterTheStoreWasReplaced) {
   second.Next();
   const char* const other = "Scope 7 running, 1 alive | other running in other, 0 events | newest other";
   EXPECT_EQ(SaidOnce(*watch, other), other);
+}
+
+// Silence counts from when it was seen, also after the store could not be read, and from what is recorded after it.
+TEST_F(Watching, TakesATimeAheadForWhenItWasSeen) {
+  ScriptedHost recording(host, {Begins("one", "TiltSeries"), Saves("one", "Exposed", "Dose", "1"), Ends("one")});
+  recording.Next();
+  const auto watch = Begin();
+  const std::string running = "Scope 7 running, 1 alive | one running in one, ";
+  EXPECT_EQ(SaidOnce(*watch, running + "0 events | newest one"), running + "0 events | newest one");
+  const auto recordedAt = [&] {
+    const InstrumentNow& instrument = watch->Newest()->stores.front()->instruments.front();
+    return instrument.lastRecordedAt + ' ' + instrument.newest->lastRecordedAt;
+  };
+  const std::string before = recordedAt();
+  store.Open()->RunScript(
+      "INSERT INTO events (session_id, execution_id, name, at) SELECT session_id, execution_id, 'Ahead', "
+      "'2099-01-01T00:00:00.000000Z' FROM executions");
+  const std::string ahead = running + "1 events, Ahead | newest one";
+  EXPECT_EQ(SaidOnce(*watch, ahead), ahead);
+  const std::string seen = recordedAt();
+  EXPECT_LT(before, seen);
+  EXPECT_LE(seen, Velora::Store::ToStoredTime(Velora::Store::Now()));
+  const auto isError = [](const std::string& said) { return said.starts_with("error"); };
+  store.Open()->RunScript("ALTER TABLE ts_schema RENAME TO away");
+  EXPECT_TRUE(isError(SaidOnce(*watch, isError)));
+  store.Open()->RunScript("ALTER TABLE away RENAME TO ts_schema");
+  EXPECT_EQ(SaidOnce(*watch, ahead), ahead);
+  EXPECT_EQ(recordedAt(), seen);
+  recording.Next();
+  const std::string later = running + "2 events, Exposed Dose=\"1\" | newest one";
+  EXPECT_EQ(SaidOnce(*watch, later), later);
+  EXPECT_LT(seen, recordedAt());
 }
 
 TEST_F(Watching, GivesLittleOfWhatIsHostileOrMuch) {

@@ -119,7 +119,7 @@ class OfStore {
 
   void AddStopped(const InstrumentNow& instrument) {
     AlertCondition& condition = New(AlertKind::Stopped, instrument.name);
-    const RunNow* const stopped = StoppedRun(instrument);
+    const RunNow* const stopped = NewStopOf(instrument);
     condition.holds =
         stopped == nullptr && instrument.state == RunState::NotKnown ? Holds::NotKnown : HoldsIf(stopped != nullptr);
     condition.words = Shown(instrument.name) + " is no longer stopped";
@@ -135,15 +135,6 @@ class OfStore {
     } else if (run.state == RunState::Running) {
       condition.words += ": " + NameOf(run) + " is running";
     }
-  }
-
-  /// The newest run that stopped and after which no other began; another host can still record.
-  static const RunNow* StoppedRun(const InstrumentNow& instrument) {
-    const auto run = std::find_if(instrument.runs.begin(), instrument.runs.end(), [&](const auto& one) {
-      return one->state == RunState::Stopped &&
-             (!instrument.newest || instrument.newest->startedAt <= one->lastRecordedAt);
-    });
-    return run != instrument.runs.end() ? run->get() : nullptr;
   }
 
   void AddSilent(const InstrumentNow& instrument) {

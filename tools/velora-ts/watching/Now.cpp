@@ -31,4 +31,13 @@ bool operator==(const ValueNow& one, const ValueNow& other) {
          std::bit_cast<std::uint64_t>(one.value) == std::bit_cast<std::uint64_t>(other.value);
 }
 
+const RunNow* NewStopOf(const InstrumentNow& instrument) {
+  const auto isNew = [&newest = instrument.newest](const RunNow& run) {
+    return !newest || newest->root == run.root || newest->startedAt <= run.lastRecordedAt;
+  };
+  const auto run = std::find_if(instrument.runs.begin(), instrument.runs.end(),
+                                [&](const auto& one) { return one->state == Store::RunState::Stopped && isNew(*one); });
+  return run != instrument.runs.end() ? run->get() : nullptr;
+}
+
 }  // namespace Velora::Ts

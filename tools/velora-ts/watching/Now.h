@@ -43,10 +43,10 @@ struct RunNow {
   long long root = 0;  ///< The key of its topmost execution.
   std::string guid, node, activity, version, startedAt;
   Store::RunState state = Store::RunState::Finished;
-  std::string why;  ///< Why it is not known; empty otherwise.
-  std::string lastRecordedAt;
-  long long mark = 0;         ///< Grows when something of the run was recorded.
-  std::vector<StepNow> path;  ///< From the run to what is running, or was when it stopped; empty if it is finished.
+  std::string why;             ///< Why it is not known; empty otherwise.
+  std::string lastRecordedAt;  ///< Not later than that was seen: the clock of a host can be ahead.
+  long long mark = 0;          ///< Grows when something of the run was recorded.
+  std::vector<StepNow> path;   ///< From the run to what is running, or was when it stopped; empty if it is finished.
   std::optional<EventNow> lastEvent;
   long long events = 0;
   std::optional<double> eventsPerMinute;  ///< Over the last minute; nothing if it was not watched for long enough.
@@ -69,7 +69,7 @@ struct InstrumentNow {
   /// stopped before the newest run is history.
   Store::RunState state = Store::RunState::Finished;
   int hostsAlive = 0;                               ///< The sessions whose hosts live, as far as that can be seen here.
-  std::string lastRecordedAt;                       ///< Empty if nothing was recorded.
+  std::string lastRecordedAt;                       ///< As that of a run; empty if nothing was recorded.
   std::vector<std::shared_ptr<const RunNow>> runs;  ///< Those that did not finish, the newest first.
   long long moreRuns = 0;                           ///< How many more did not finish.
   std::shared_ptr<const RunNow> newest;             ///< Whatever its state; null if there is none.
@@ -107,6 +107,10 @@ struct StoreNow {
   std::vector<ValueNow> values;
   bool operator==(const StoreNow&) const = default;
 };
+
+/// The newest run of an instrument that has stopped and after which no other began; null if there is none. Another host
+/// of the instrument can still record.
+const RunNow* NewStopOf(const InstrumentNow& instrument);
 
 /// What all watched stores say.
 struct Now {

@@ -91,7 +91,6 @@ void StoreWatch::Begin(const Heads& now) {
   recorded.Begin(*reader, now);
   values.Begin(*reader, now);
   ReadInstruments(now);
-  ReadLastRecorded(now);
   facility = watched.settings.database.kind == Database::Kind::Sqlite ? ReadFacility(watched.folder) : std::nullopt;
   askedForwarding = {};
 }
@@ -112,33 +111,35 @@ void StoreWatch::ReadInstruments(const Heads& now) {
   }
   shown.moreInstruments = static_cast<long long>(names.size() - std::min(names.size(), mostInstrumentsNow));
   names.resize(std::min(names.size(), mostInstrumentsNow));
+  std::map<std::string, std::string> recordedAt = NewestEvents(now);
   for (const std::string& name : names) {
     const auto [instrument, isNew] = instruments.try_emplace(Shortened(name));
     if (!isNew) {
       continue;
     }
+    std::string& at = recordedAt[instrument->first];
     RunFilter filter;
     filter.instrument = FromStoredText(name);
     filter.limit = 1;
     if (ListedRuns runs(*reader, filter, {}); runs.Next()) {
       instrument->second.newest = runs.Place().key;
-      instrument->second.lastRecordedAt = Shortened(LastRecorded(*reader, RunOf(*reader, *instrument->second.newest)));
+      at = std::max(at, Shortened(LastRecorded(*reader, RunOf(*reader, *instrument->second.newest))));
     }
+    instrument->second.lastRecordedAt = lastSeen[instrument->first].Of(at);
   }
 }
 
-/// The newest event of each store can be outside every run.
-void StoreWatch::ReadLastRecorded(const Heads& now) {
+/// When the newest event of each store was recorded, which can be outside every run: by instrument.
+std::map<std::string, std::string> StoreWatch::NewestEvents(const Heads& now) {
+  std::map<std::string, std::string> newest;
   Rows event(*reader, "SELECT session_id, substr(at, 1, 40) FROM events WHERE event_id = ?1");
   for (const Head& head : now.stores) {
     if (event.Ask(head.events).Next()) {
-      const std::string at(event.Text(1));
-      const auto instrument = instruments.find(InstrumentOf(event.Integer(0)));
-      if (instrument != instruments.end()) {
-        instrument->second.lastRecordedAt = std::max(instrument->second.lastRecordedAt, at);
-      }
+      std::string& at = newest[InstrumentOf(event.Integer(0))];
+      at = std::max(at, std::string(event.Text(1)));
     }
   }
+  return newest;
 }
 
 void StoreWatch::TakeNew(const NewRows& rows) {
@@ -148,7 +149,8 @@ void StoreWatch::TakeNew(const NewRows& rows) {
   for (const auto& [session, at] : rows.sessions) {
     const auto instrument = instruments.find(InstrumentOf(session));
     if (instrument != instruments.end()) {
-      instrument->second.lastRecordedAt = std::max(instrument->second.lastRecordedAt, at);
+      std::string& lastRecordedAt = instrument->second.lastRecordedAt;
+      lastRecordedAt = std::max(lastRecordedAt, lastSeen[instrument->first].Of(at));
     }
   }
   for (const auto& [root, found] : rows.runs) {
@@ -172,6 +174,9 @@ void StoreWatch::ReadForwarding() {
   }
   askedForwarding = Clock::now();
   shown.forwarding = facility ? ForwardingOf(*reader, *facility) : std::nullopt;
+  if (shown.forwarding) {
+    shown.forwarding->since = waitingSeen.Of(shown.forwarding->since);
+  }
   forwarders = ForwardersOf(*reader);
 }
 
@@ -263,14 +268,17 @@ void StoreWatch::ShowRuns(const std::map<long long, KnownState>& states) {
     }
     shown.instruments.push_back(std::move(now));
   }
-  std::erase_if(tracked, [&kept](const auto& run) { return kept.count(run.first) == 0; });
+  const auto isGone = [&kept](const auto& run) { return kept.count(run.first) == 0; };
+  std::erase_if(tracked, isGone);
+  std::erase_if(lastSeenOf, isGone);
+  std::erase_if(lastSeen, [this](const auto& one) { return instruments.count(one.first) == 0; });
   std::erase_if(places, [&](const auto& place) { return kept.count(place.first) + states.count(place.first) == 0; });
 }
 
 std::shared_ptr<const RunNow> StoreWatch::Track(long long root, const KnownState& state) {
   auto run = tracked.find(root);
   if (run == tracked.end()) {
-    run = tracked.try_emplace(root, *reader, root, state).first;
+    run = tracked.try_emplace(root, *reader, root, state, lastSeenOf[root]).first;
   }
   run->second.Take(*reader, state);
   return run->second.Shown();

@@ -6,6 +6,7 @@
 #include "watching/NewRows.h"
 #include "watching/NewestValues.h"
 #include "watching/Now.h"
+#include "watching/SeenTime.h"
 #include "watching/TrackedRun.h"
 #include "watching/Watch.h"
 
@@ -40,7 +41,7 @@ class StoreWatch {
   void Begin(const Heads& heads);
   void TakeNew(const NewRows& rows);
   void ReadInstruments(const Heads& now);
-  void ReadLastRecorded(const Heads& heads);
+  std::map<std::string, std::string> NewestEvents(const Heads& now);
   void ReadForwarding();
   const std::string& InstrumentOf(long long session);
   const Place& PlaceOf(long long root);
@@ -60,6 +61,9 @@ class StoreWatch {
   std::map<long long, std::string> instrumentOf;  // of sessions
   std::map<long long, Place> places;              // of the roots of runs that did not finish, and of the newest
   std::map<long long, TrackedRun> tracked;        // the runs that are shown, by their roots
+  std::map<std::string, SeenTime> lastSeen;       // of the records of instruments; also of a state that is begun anew
+  std::map<long long, SeenTime> lastSeenOf;       // of runs, by their roots
+  SeenTime waitingSeen;
   std::optional<Store::Database> facility;
   Clock::time_point askedForwarding{};
   std::map<std::string, ForwarderNow> forwarders;

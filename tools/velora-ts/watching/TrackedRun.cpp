@@ -42,7 +42,8 @@ long long MicrosecondsNow() { return Store::Now().time_since_epoch().count(); }
 
 }  // namespace
 
-TrackedRun::TrackedRun(const Store::Reader& store, long long root, const KnownState& state) : run(RunOf(store, root)) {
+TrackedRun::TrackedRun(const Store::Reader& store, long long root, const KnownState& state, SeenTime& lastSeen)
+    : run(RunOf(store, root)), lastSeen(lastSeen) {
   Rows rows(store, "SELECT " + Start("COALESCE(v.name, '')") + ", " + Start("COALESCE(v.version, '')") +
                        " FROM executions e LEFT JOIN activity_versions v ON v.version_id = e.version_id "
                        "WHERE e.execution_id = ?1");
@@ -60,7 +61,7 @@ TrackedRun::TrackedRun(const Store::Reader& store, long long root, const KnownSt
 
 void TrackedRun::Take(const Store::Reader& store, const NewOfRun& rows) {
   now.events += rows.events;
-  now.lastRecordedAt = std::max(now.lastRecordedAt, rows.lastAt);
+  now.lastRecordedAt = std::max(now.lastRecordedAt, lastSeen.Of(rows.lastAt));
   if (rows.events > 0) {
     lately.emplace_back(Clock::now(), rows.events);
   }
@@ -103,7 +104,7 @@ void TrackedRun::Count(const Store::Reader& store) {
   rows.Ask(run.root, after, upTo).Next();
   now.events = rows.Integer(0);
   lastEvent = rows.IsNull(1) ? 0 : rows.Integer(1);
-  now.lastRecordedAt = Shortened(LastRecorded(store, run));
+  now.lastRecordedAt = lastSeen.Of(Shortened(LastRecorded(store, run)));
   ReadLastEvent(store);
   ReadPath(store);
   Mark();

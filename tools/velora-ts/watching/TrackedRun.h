@@ -4,6 +4,7 @@
 #include "store/reading/Runs.h"
 #include "watching/NewRows.h"
 #include "watching/Now.h"
+#include "watching/SeenTime.h"
 
 #include <chrono>
 #include <deque>
@@ -18,7 +19,8 @@ using Clock = std::chrono::steady_clock;
 class TrackedRun {
  public:
   /// Reads it. The time that this takes grows with the run.
-  TrackedRun(const Store::Reader& store, long long root, const Store::KnownState& state);
+  /// @param lastSeen of the times of its records; it outlives this.
+  TrackedRun(const Store::Reader& store, long long root, const Store::KnownState& state, SeenTime& lastSeen);
 
   /// Takes what was recorded of it since.
   void Take(const Store::Reader& store, const NewOfRun& rows);
@@ -37,6 +39,7 @@ class TrackedRun {
   void Rate();
 
   const Store::Run run;
+  SeenTime& lastSeen;
   RunNow now;
   long long lastEvent = 0;  // its key; 0 for none
   const Clock::time_point since = Clock::now();
