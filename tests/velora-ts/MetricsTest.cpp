@@ -85,8 +85,8 @@ class Metrics : public WithTool<InFolder> {
 
 TEST_F(Metrics, AreWhatPrometheusTakesWhateverTheNames) {
   ObedientHost(folder.path, "finished").Finish();
-  ObedientHost stopped(folder.path, "stops");
   ObedientHost running(folder.path, "goes on");
+  ObedientHost stopped(folder.path, "stops");
   stopped.Kill();
   running.Record(-4.25);
   running.Record(std::numeric_limits<double>::quiet_NaN());
@@ -124,6 +124,7 @@ TEST_F(Metrics, AreWhatPrometheusTakesWhateverTheNames) {
            R"(\nvelora_hosts_alive\{store="[^"]*",instrument="Scope 7"\} 1\n)",
            R"(\nvelora_instrument_state\{store="[^"]*",instrument="Scope 7",state="running"\} 1\n)",
            R"(\nvelora_instrument_state\{store="[^"]*",instrument="Scope 7",state="idle"\} 0\n)",
+           R"(\nvelora_instrument_stopped\{store="[^"]*",instrument="Scope 7"\} 1\n)",
            R"(\nvelora_last_record_timestamp_seconds\{store="[^"]*",instrument="Scope 7"\} 1[0-9.]{9,}\n)",
            R"(\nvelora_last_record_age_seconds\{store="[^"]*",instrument="Scope 7"\} [0-9.e-]+\n)",
            R"(\nvelora_parameter\{store="[^"]*",instrument="Scope 7",parameter="Defocus"\} NaN\n)",

@@ -126,6 +126,10 @@ class Metrics {
         out.Add(labels, one.state == state ? 1 : 0);
       }
     });
+    out.Begin("velora_instrument_stopped",
+              "Whether a run of the instrument has stopped and no other began since, also while another host records.");
+    ForInstruments(
+        [&](const InstrumentNow& one, const Labels& labels) { out.Add(labels, NewStopOf(one) != nullptr ? 1 : 0); });
     out.Begin("velora_last_record_timestamp_seconds", "When something of the instrument was last recorded.");
     ForInstruments([&](const InstrumentNow& one, const Labels& labels) { AddTime(labels, one.lastRecordedAt); });
     out.Begin("velora_last_record_age_seconds", "How long ago that is, by the clock of this computer.");
