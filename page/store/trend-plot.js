@@ -1,5 +1,5 @@
 // The plot of a trend: each group has a band from its minimum to its maximum, a darker one with half of its numbers,
-// and a line for the median.
+// and a line for the median, on which groups that share a colour with an earlier one have a mark.
 
 import { init } from '../view/echarts.js';
 import { make } from '../view/element.js';
@@ -10,13 +10,25 @@ import { plainName } from './run-words.js';
 const height = 420;
 const settled = 500; // milliseconds after which the reader has found what to look at
 const colours = ['done', 'running', 'other-0', 'other-1', 'other-2', 'event', 'against', 'warning'];
+const markSize = 5; // pixels
 const values = ['min', 'q05', 'q25', 'median', 'q75', 'q95', 'max'];
 
+/** Whether a group has the colour of an earlier one, so that a mark tells them apart. */
+const sharesColour = (at) => at >= colours.length;
 const sixDigits = (number) => String(Number(number.toPrecision(6)));
 const millisecondsOf = (stored) => Date.parse(`${stored.slice(0, 23)}Z`);
 const rowOf = (bin) => [millisecondsOf(bin.from), millisecondsOf(bin.to), ...values.map((name) => bin[name])];
 
-function drawBin(fill) {
+function drawBin(fill, isMarked) {
+  const mark = (x, y) => {
+    const points = [
+      [x - markSize, y],
+      [x, y - markSize],
+      [x + markSize, y],
+      [x, y + markSize],
+    ];
+    return { type: 'polygon', shape: { points }, style: { fill } };
+  };
   return (params, api) => {
     const rectangle = (low, high, opacity) => {
       const [left, bottom] = api.coord([api.value(0), api.value(low)]);
@@ -24,7 +36,12 @@ function drawBin(fill) {
       const shape = { x: left, y: top, width: Math.max(right - left, 1), height: Math.max(bottom - top, 1.5) };
       return { type: 'rect', shape, style: { fill, opacity } };
     };
-    return { type: 'group', children: [rectangle(2, 8, 0.15), rectangle(4, 6, 0.35), rectangle(5, 5, 1)] };
+    const children = [rectangle(2, 8, 0.15), rectangle(4, 6, 0.35), rectangle(5, 5, 1)];
+    if (isMarked) {
+      const { x, y, width } = children[2].shape;
+      children.push(mark(x + width / 2, y));
+    }
+    return { type: 'group', children };
   };
 }
 
@@ -95,7 +112,13 @@ export class TrendPlot {
       animation: false,
       backgroundColor: 'transparent',
       textStyle: { fontFamily: 'system-ui, sans-serif', color: colour('text') },
-      legend: { show: this.groups.length > 1, type: 'scroll', top: 0, textStyle: { color: colour('text') } },
+      legend: {
+        show: this.groups.length > 1,
+        type: 'scroll',
+        top: 0,
+        textStyle: { color: colour('text') },
+        data: this.groups.map(({ title }, at) => ({ name: title, icon: sharesColour(at) ? 'diamond' : 'roundRect' })),
+      },
       grid: { left: 70, right: 30, top: 40, bottom: 70 },
       xAxis: { type: 'time', ...axis() },
       yAxis: { type: 'value', scale: true, name: plainName(this.trend.unit), ...axis() },
@@ -110,14 +133,16 @@ export class TrendPlot {
         transitionDuration: 0,
         formatter: ({ seriesIndex, dataIndex }) => this.describe(this.groups[seriesIndex], dataIndex),
       },
-      series: this.groups.map((group, at) => this.seriesOf(group, colour(colours[at % colours.length]))),
+      series: this.groups.map((group, at) => this.seriesOf(group, at)),
     };
   }
 
-  seriesOf({ title, bins }, fill) {
+  seriesOf({ title, bins }, at) {
+    const fill = colour(colours[at % colours.length]);
     const encode = { x: [0, 1], y: [2, 8] };
     const data = bins.map(rowOf);
-    return { type: 'custom', name: title, color: fill, encode, data, clip: true, renderItem: drawBin(fill) };
+    const renderItem = drawBin(fill, sharesColour(at));
+    return { type: 'custom', name: title, color: fill, encode, data, clip: true, renderItem };
   }
 
   describe({ title, bins }, at) {

@@ -26,7 +26,12 @@ function filled() {
       FROM generate_series(1, 3000);
     INSERT INTO parameters SELECT value, 1, 'Dose', 'double', NULL, value * 7919 % 1009 / 8.0 + value / 20.0
       FROM generate_series(1, 3000);
-    INSERT INTO parameters SELECT value, 2, ${quoted(hostile)}, 'int', NULL, value FROM generate_series(1, 3000);`,
+    INSERT INTO parameters SELECT value, 2, ${quoted(hostile)}, 'int', NULL, value FROM generate_series(1, 3000);
+    INSERT INTO sessions SELECT value, 'm' || value, 'Veldmar ' || value, '', '2026', '', '', ''
+      FROM generate_series(11, 22);
+    INSERT INTO events SELECT value, value % 12 + 11, NULL, NULL, 'Image', '2026-03-01T00:00:00.000000Z'
+      FROM generate_series(3001, 3024);
+    INSERT INTO parameters SELECT value, 1, 'Current', 'int', NULL, value FROM generate_series(3001, 3024);`,
   );
   return folder;
 }
@@ -122,6 +127,21 @@ for (const [what, extreme, row] of [
     await page.context().close();
   });
 }
+
+test('no two groups look the same', async () => {
+  const page = await openTrend({ parameter: 'Current', by: 'instrument' });
+  const looks = await page.evaluate(() => {
+    const chart = echarts.getInstanceByDom(document.querySelector('.canvas'));
+    const shapes = chart.getZr().storage.getDisplayList();
+    const marked = new Set(shapes.filter(({ type }) => type === 'polygon').map(({ parent }) => parent));
+    const bands = shapes.filter(({ type, style }) => type === 'rect' && style.opacity === 0.15);
+    return bands.map(({ parent, style }) => `${style.fill} ${marked.has(parent)}`);
+  });
+  assert.equal(looks.length, 11);
+  assert.equal(new Set(looks).size, 11, looks.join());
+  assert.deepEqual(page.complaints, []);
+  await page.context().close();
+});
 
 test('the address holds what is chosen, and a closer look asks again', async () => {
   const page = await openView(browser, server, 'trends');
