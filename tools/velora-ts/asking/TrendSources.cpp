@@ -4,35 +4,48 @@
 #include "store/values/StoredTime.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace Velora::Ts {
 
 using namespace Store;
 
+namespace {
+
+/// The number of some digits; a high one if there are others.
+long long NumberAt(std::string_view text, std::size_t from, std::size_t count) {
+  static constexpr long long none = 1000000000;
+  long long number = 0;
+  for (const char character : text.substr(from, count)) {
+    number = character >= '0' && character <= '9' ? number * 10 + (character - '0') : none;
+  }
+  return number;
+}
+
+}  // namespace
+
 long long TimeReader::Of(std::string_view stored) {
-  static constexpr std::string_view form = "2026-11-24T21:55:00.000000Z";
-  static constexpr std::size_t seconds = 17;
-  static constexpr std::array<long long, 9> units{10000000, 1000000, 0, 100000, 10000, 1000, 100, 10, 1};
-  if (stored.size() != form.size() || !stored.ends_with('Z')) {
+  static constexpr std::string_view form = "2026-11-24T21:55:03.123456Z";
+  static constexpr std::size_t clock = form.find('T') + 1;
+  static constexpr long long second = 1000000, minute = 60 * second, hour = 60 * minute;
+  if (stored.size() != form.size() || stored[13] != ':' || stored[16] != ':' || stored[19] != '.' ||
+      stored.back() != 'Z') {
     return Microseconds(stored).value_or(0);
   }
-  if (stored.substr(0, seconds) != minute) {
-    const auto time = Microseconds(std::string(stored.substr(0, seconds)) + std::string(form.substr(seconds)));
+  if (stored.substr(0, clock) != day) {
+    const auto time = Microseconds(std::string(stored.substr(0, clock)) + "00:00:00.000000Z");
     if (!time) {
       return 0;
     }
-    minute = stored.substr(0, seconds);
+    day = stored.substr(0, clock);
     begin = *time;
   }
-  long long at = begin;
-  for (std::size_t place = 0; place < units.size(); ++place) {
-    const int digit = stored[seconds + place] - (units[place] == 0 ? '.' : '0');
-    if (digit < 0 || digit > (units[place] == 0 ? 0 : 9)) {
-      return 0;
-    }
-    at += digit * units[place];
+  const long long hours = NumberAt(stored, clock, 2), minutes = NumberAt(stored, 14, 2),
+                  seconds = NumberAt(stored, 17, 2), rest = NumberAt(stored, 20, 6);
+  if (hours > 23 || minutes > 59 || seconds > 59 || rest >= second) {
+    return Microseconds(stored).value_or(0);
   }
-  return at;
+  return begin + hours * hour + minutes * minute + seconds * second + rest;
 }
 
 InstrumentFinder::InstrumentFinder(const Reader& store)
@@ -48,59 +61,95 @@ long long InstrumentFinder::Of(long long session) {
   return place->second;
 }
 
-// A question to a server takes a round trip, so it is for many executions.
-VersionFinder::VersionFinder(const Reader& store)
-    : atOnce(store.Where().kind == Database::Kind::PostgreSql ? 1000 : 1),
+namespace {
+
+// Executions are read in portions, because neighbours mostly are needed soon after each other.
+constexpr long long atOnce = 1000;
+
+}  // namespace
+
+SourceFinder::SourceFinder(const Reader& store, TrendSummary& summary)
+    : summary(summary),
+      instruments(store),
       rows(store, "SELECT execution_id, parent_id, version_id FROM executions WHERE execution_id BETWEEN ?1 AND ?2") {}
 
-const std::vector<long long>& VersionFinder::Of(long long execution) {
-  Execution& place = PlaceOf(execution);
-  if (place.key != execution) {
-    place = {execution, Ask(execution)};
+int SourceFinder::Of(long long session, long long execution) {
+  if (session == lastSession && execution == lastExecution) {
+    return last;
   }
-  return place.versions;
+  if (lists.size() > TrendSummary::mostSources) {
+    numbers.clear();
+    known.fill({});
+    lists.clear();
+  }
+  const long long instrument = instruments.Of(session);
+  const Versions& versions = VersionsOf(execution);
+  const auto [number, isNew] = numbers.try_emplace({instrument, &versions});
+  if (isNew) {
+    number->second = summary.NumberOf({instrument, versions});
+  }
+  lastSession = session;
+  lastExecution = execution;
+  return last = number->second;
 }
 
-std::optional<VersionFinder::Row> VersionFinder::RowOf(long long execution) {
+const SourceFinder::Row& SourceFinder::RowOf(long long execution) {
   static constexpr std::size_t mostPortions = 30;
+  static constexpr Row none;
   const long long first = execution - execution % atOnce;
-  if (!read.contains(first)) {
+  auto portion = read.find(first);
+  if (portion == read.end()) {
     if (read.size() == mostPortions) {
       read.clear();
     }
-    std::map<long long, Row>& portion = read[first];
+    portion = read.emplace(first, atOnce).first;
     for (rows.Ask(first, first + atOnce - 1); rows.Next();) {
-      portion[rows.Integer(0)] = {rows.IsNull(1) ? 0 : rows.Integer(1), rows.IsNull(2) ? 0 : rows.Integer(2)};
+      const long long key = rows.Integer(0);
+      portion->second[static_cast<std::size_t>(key - first)] = {key, rows.IsNull(1) ? 0 : rows.Integer(1),
+                                                                rows.IsNull(2) ? 0 : rows.Integer(2)};
     }
   }
-  const std::map<long long, Row>& portion = read[first];
-  const auto row = portion.find(execution);
-  return row == portion.end() ? std::nullopt : std::optional(row->second);
+  const Row& row = portion->second[static_cast<std::size_t>(execution - first)];
+  return row.key == execution ? row : none;
+}
+
+const SourceFinder::Versions& SourceFinder::Below(const Versions& above, long long version) {
+  Versions versions{version};
+  std::remove_copy(above.begin(), above.end(), std::back_inserter(versions), version);
+  std::sort(versions.begin() + 1, versions.end());
+  versions.resize(std::min(versions.size(), TrendSource::mostVersions + 1));
+  return *lists.insert(std::move(versions)).first;
 }
 
 // A parent has a lower key. What says otherwise is not followed, as in Store::WindowQuestion.
-std::vector<long long> VersionFinder::Ask(long long execution) {
-  std::vector<long long> versions;
-  const auto add = [&versions](long long version) {
-    if (versions.empty() || std::find(versions.begin(), versions.end(), version) == versions.end()) {
-      versions.push_back(version);
-    }
-  };
+const SourceFinder::Versions& SourceFinder::VersionsOf(long long execution) {
+  static constexpr std::size_t deepest = 1000;
+  static const Versions none;
+  const Versions* versions = &none;
+  std::vector<Row> path;
   for (long long key = execution; key > 0;) {
     if (const Execution& above = PlaceOf(key); above.key == key) {
-      std::for_each(above.versions.begin(), above.versions.end(), add);
+      versions = above.versions;
       break;
     }
-    const std::optional<Row> row = RowOf(key);
-    if (!row) {
+    const Row& row = RowOf(key);
+    if (row.key == 0) {
       break;
     }
-    add(row->version);
-    key = row->parent < key ? row->parent : 0;
+    if (path.size() == deepest) {
+      return *lists.emplace(TrendSource::mostVersions + 1).first;
+    }
+    path.push_back(row);
+    key = row.parent < key ? row.parent : 0;
   }
-  versions.resize(std::max(versions.size(), std::size_t{1}));
-  std::sort(versions.begin() + 1, versions.end());
-  return versions;
+  if (path.empty() && versions == &none) {
+    return Below(none, 0);
+  }
+  for (; !path.empty(); path.pop_back()) {
+    versions = &Below(*versions, path.back().version);
+    PlaceOf(path.back().key) = {path.back().key, versions};
+  }
+  return *versions;
 }
 
 }  // namespace Velora::Ts

@@ -5,21 +5,23 @@
 
 #include <array>
 #include <map>
-#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace Velora::Ts {
 
-/// Reads stored times, of which neighbours mostly are of the same minute.
+/// Reads stored times, of which neighbours mostly are of the same day.
 class TimeReader {
  public:
   /// The microseconds since 1970; 0 for a text that is no time, which only another program can have stored.
   long long Of(std::string_view stored);
 
  private:
-  std::string minute;
-  long long begin = 0;  // of the minute
+  std::string day;
+  long long begin = 0;  // of the day
 };
 
 /// Finds the instruments of sessions.
@@ -35,33 +37,41 @@ class InstrumentFinder {
   std::map<long long, long long> known;
 };
 
-/// Finds the activity versions of executions. It remembers a limited number of them.
-class VersionFinder {
+/// Finds the sources of events: their instruments, and the activity versions of their executions. It remembers a
+/// limited number of executions.
+class SourceFinder {
  public:
-  explicit VersionFinder(const Store::Reader& store);
+  /// @param summary gets the sources. It must stay.
+  SourceFinder(const Store::Reader& store, TrendSummary& summary);
 
-  /// The versions of a TrendSource. @param execution 0 for none.
-  const std::vector<long long>& Of(long long execution);
+  /// The number of a source in the summary. @param execution 0 for none.
+  int Of(long long session, long long execution);
 
  private:
+  using Versions = std::vector<long long>;  // as in TrendSource
+  /// What the row of an execution says, or 0 for what is missing.
+  struct Row {
+    long long key = 0, parent = 0, version = 0;
+  };
   struct Execution {
-    long long key = -1;
-    std::vector<long long> versions;
+    long long key = 0;
+    const Versions* versions = nullptr;
   };
   Execution& PlaceOf(long long key) { return known[static_cast<std::size_t>(key) % known.size()]; }
 
-  std::vector<long long> Ask(long long execution);
+  const Versions& VersionsOf(long long execution);
+  const Versions& Below(const Versions& above, long long version);
+  const Row& RowOf(long long execution);
 
-  /// What the row of an execution says, or 0 for what is missing.
-  struct Row {
-    long long parent = 0, version = 0;
-  };
-  std::optional<Row> RowOf(long long execution);
-
-  const long long atOnce;  // executions, one behind the other, that are read with one question
+  TrendSummary& summary;
+  InstrumentFinder instruments;
   Store::Rows rows;
-  std::map<long long, std::map<long long, Row>> read;  // by key, in portions
-  std::array<Execution, 1024> known;                   // by the last digits of their keys
+  std::map<long long, std::vector<Row>> read;  // executions, one behind the other, by the first key
+  std::set<Versions> lists;
+  std::array<Execution, 1024> known;  // by the last digits of their keys
+  std::map<std::pair<long long, const Versions*>, int> numbers;
+  long long lastSession = -1, lastExecution = -1;
+  int last = 0;
 };
 
 }  // namespace Velora::Ts

@@ -26,7 +26,7 @@ int TrendSummary::NumberOf(const TrendSource& source) {
   if (const auto known = numbers.find(source); known != numbers.end()) {
     return known->second;
   }
-  if (sources.size() > mostSources) {
+  if (sources.size() > mostSources || source.versions.size() > TrendSource::mostVersions) {
     isWhole = false;
     return 0;
   }

@@ -10,6 +10,8 @@ namespace Velora::Ts {
 
 /// From where numbers come, by keys of the store.
 struct TrendSource {
+  static constexpr std::size_t mostVersions = 100;
+
   long long instrument = 0;         ///< The first session of the instrument.
   std::vector<long long> versions;  ///< The activity version of the execution, or 0; behind it those above, each once.
 
@@ -30,7 +32,8 @@ class TrendSummary {
   TrendSummary(TrendSummary&&) = default;
   TrendSummary& operator=(TrendSummary&&) = default;
 
-  /// The number of a source. Those behind `mostSources` share the first number, and then IsWhole() is false.
+  /// The number of a source. Those behind `mostSources`, and those with more than `mostVersions`, share the first
+  /// number, and then IsWhole() is false.
   int NumberOf(const TrendSource& source);
   /// @param at microseconds since 1970.
   /// @param source as NumberOf() said.
