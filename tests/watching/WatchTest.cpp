@@ -10,6 +10,7 @@
 #include "watching/NowAsJson.h"
 
 #include <algorithm>
+#include <atomic>
 #include <mutex>
 #include <set>
 #include <thread>
@@ -100,6 +101,38 @@ TEST_F(Watching, FollowsWhatHostsRecordUntilTheyAreKilled) {
   const std::string over = "Scope 7 idle, 1 alive" + two + " | newest three finished, 0 events" + dose;
   EXPECT_EQ(SaidOnce(*watch, over), over);
   EXPECT_EQ(watch->Newest()->stores.front()->stopped, 1);
+}
+
+class WatchingFile : public Watching {};
+
+// A log that was left would be read again at each opening.
+TEST_F(WatchingFile, DoesNotOpenWhatNobodyWrites) {
+  ScriptedHost first(host, {Begins("one", "TiltSeries")});
+  ScriptedHost second(host, {Begins("two", "TiltSeries")});
+  first.Next();
+  std::atomic<int> questions = 0;
+  Velora::Store::questionListener = [&](const std::string& /*question*/) { ++questions; };
+  auto watch = Begin();
+  const auto askedAfterAWhile = [&] {
+    const int before = questions;
+    std::this_thread::sleep_for(std::chrono::milliseconds(300));
+    return questions - before;
+  };
+  const std::string one = "one stopped in one, 0 events";
+  EXPECT_NE(SaidOnce(*watch, "Scope 7 running, 1 alive | one running in one, 0 events | newest one"), "");
+  EXPECT_GT(askedAfterAWhile(), 0) << "a host lives";
+  first.Kill();
+  EXPECT_EQ(SaidOnce(*watch, "Scope 7 stopped, 0 alive | " + one + " | newest one"),
+            "Scope 7 stopped, 0 alive | " + one + " | newest one");
+  const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+  while (askedAfterAWhile() > 0 && std::chrono::steady_clock::now() < end) {
+  }
+  EXPECT_LT(std::chrono::steady_clock::now(), end);
+  second.Next();
+  const std::string two = "Scope 7 running, 1 alive | two running in two, 0 events | " + one + " | newest two";
+  EXPECT_EQ(SaidOnce(*watch, two), two);
+  watch = nullptr;
+  Velora::Store::questionListener = nullptr;
 }
 
 // A run of several hosts is running as long as one of them lives that has something to finish in it.

@@ -29,14 +29,18 @@ constexpr const char* instrumentOfSession = "SELECT substr(instrument, 1, 405) F
 }  // namespace
 
 StoreWatch::StoreWatch(const WatchedStore& watched, const std::vector<std::string>& values)
-    : watched(watched), values(values) {
+    : watched(watched), files(watched.settings.database), values(values) {
   shown.isAwaited = true;
   shown.number = watched.number;
   shown.name = Shortened(NameOf(watched.settings.database));
 }
 
 StoreNow StoreWatch::Look() {
+  if (!CanHaveChanged()) {
+    return shown;
+  }
   try {
+    files.Look();
     Read();
     failures = 0;
   } catch (const NoStoreYet& error) {
@@ -52,6 +56,14 @@ StoreNow StoreWatch::Look() {
   }
   shown.isAwaited = false;
   return shown;
+}
+
+// A log that a host left is read from its beginning each time, so a store that nobody writes is not opened. A host that
+// ends writes nothing, so as long as one can live, its lock is asked for.
+bool StoreWatch::CanHaveChanged() const {
+  const bool canLive = shown.running + shown.notKnown > 0 || !hosts.Sessions().empty();
+  const bool isForwardingDue = (facility || !forwarders.empty()) && Clock::now() - askedForwarding >= betweenForwarding;
+  return !heads || canLive || isForwardingDue || !files.AreUntouched();
 }
 
 // A host that has ended can have recorded something after the state that is read. So that is read again, once.

@@ -7,6 +7,7 @@
 #include "watching/NewestValues.h"
 #include "watching/Now.h"
 #include "watching/SeenTime.h"
+#include "watching/StoreFiles.h"
 #include "watching/TrackedRun.h"
 #include "watching/Watch.h"
 
@@ -37,6 +38,7 @@ class StoreWatch {
     std::optional<long long> newest;  ///< The root of its newest run.
   };
 
+  bool CanHaveChanged() const;
   void Read();
   void Begin(const Heads& heads);
   void TakeNew(const NewRows& rows);
@@ -52,6 +54,7 @@ class StoreWatch {
   void ShowError(const std::string& error);
 
   const WatchedStore& watched;
+  StoreFiles files;
   std::unique_ptr<Store::Reader> reader;
   std::optional<Heads> heads;  // of the last look; nothing before the first, and after an error
   LivingHosts hosts;

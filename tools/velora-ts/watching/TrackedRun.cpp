@@ -165,6 +165,11 @@ StepNow TrackedRun::Step(const Store::Reader& store, const PathStep& step, std::
 void TrackedRun::Mark() { now.mark = std::max(now.mark + 1, MicrosecondsNow()); }
 
 void TrackedRun::Rate() {
+  const bool canRecord = now.state == RunState::Running || now.state == RunState::NotKnown;
+  if (!canRecord) {
+    now.eventsPerMinute.reset();
+    return;
+  }
   const Clock::time_point present = Clock::now();
   if (present - rated < betweenRates || present - since < leastForRate) {
     return;
@@ -176,8 +181,7 @@ void TrackedRun::Rate() {
   const auto add = [](long long sum, const auto& found) { return sum + found.second; };
   const double events = static_cast<double>(std::accumulate(lately.begin(), lately.end(), 0LL, add));
   const double minutes = std::chrono::duration<double>(std::min<Clock::duration>(present - since, rateOver)) / rateOver;
-  const bool canRecord = now.state == RunState::Running || now.state == RunState::NotKnown;
-  now.eventsPerMinute = canRecord ? std::optional(std::round(events / minutes)) : std::nullopt;
+  now.eventsPerMinute = std::round(events / minutes);
 }
 
 }  // namespace Velora::Ts
