@@ -105,6 +105,15 @@ TEST_F(ServeTest, SaysWhyItCannotBegin) {
   }
 }
 
+TEST_F(ServeTest, AloneNeedsTheLibraryOfTheServer) {
+  ASSERT_EQ(Shell("LD_TRACE_LOADED_OBJECTS=1 " VELORA_TS), 0);
+  EXPECT_FALSE(Says("httplib")) << said;
+  copy(VELORA_TS, folder / "velora-ts");
+  const std::string alone = "'" + (folder / "velora-ts").string() + "'";
+  EXPECT_EQ(Shell(alone + " serve --config '" + folder.path.string() + "'"), 3);
+  EXPECT_TRUE(Says("velora-ts-server.so")) << said;
+}
+
 TEST_F(ServeTest, SaysWhatItMeansThatOtherComputersReachIt) {
   for (const char* address : {"0.0.0.0", "127.0.0.1"}) {
     std::filesystem::remove(folder / "line");

@@ -4,6 +4,7 @@
 #include "store/Error.h"
 
 #include <atomic>
+#include <memory>
 #include <string>
 #include <thread>
 
@@ -11,18 +12,18 @@
 class TestServer {
  public:
   explicit TestServer(const Velora::Http::Limits& limits = {})
-      : server({"127.0.0.1", 0}, {}, Handlers(), limits), thread([this] { server.Serve(); }) {}
+      : server(Velora::Http::Listen({"127.0.0.1", 0}, {}, Handlers(), limits)), thread([this] { server->Serve(); }) {}
   TestServer(const TestServer&) = delete;
   TestServer& operator=(const TestServer&) = delete;
   ~TestServer() { End(); }
 
   void End() {
     if (thread.joinable()) {
-      server.End();
+      server->End();
       thread.join();
     }
   }
-  int Port() const { return server.Listens().port; }
+  int Port() const { return server->Listens().port; }
 
   static constexpr std::size_t sizeOfLarge = 16 * 1024 * 1024;
   std::atomic<int> largeBegun{0}, largeEnded{0};  // of the path /large
@@ -107,6 +108,6 @@ class TestServer {
     return answer;
   }
 
-  Velora::Http::Server server;
+  const std::unique_ptr<Velora::Http::Server> server;
   std::thread thread;
 };

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <future>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -51,17 +52,17 @@ class ServeVerb : public Verb {
     Trends trends;
     served.trends = &trends;
     const System::EndRequest end;
-    Http::Server server(address, names, HandlersOf(served));
+    const std::unique_ptr<Http::Server> server = Http::Listen(address, names, HandlersOf(served));
     Watch watch(Watched(served), {values});
     served.watch = &watch;
-    std::future<void> answering = std::async(std::launch::async, [&server] { server.Serve(); });
-    Say("serving " + StoresInWords(served) + " at http://" + server.Listens().InWords() + "/");
+    std::future<void> answering = std::async(std::launch::async, [&server] { server->Serve(); });
+    Say("serving " + StoresInWords(served) + " at http://" + server->Listens().InWords() + "/");
     FlushOut();
-    Warn(server.Listens(), served);
+    Warn(server->Listens(), served);
     while (!end.Await(betweenLooks) && !HasEnded(answering, 0ms)) {
     }
     watch.End();
-    server.End();
+    server->End();
     if (!HasEnded(answering, longestEnd) || !watch.AwaitEnd(longestEnd)) {
       std::_Exit(Done);  // a long question to a store only reads, and can be cut off
     }

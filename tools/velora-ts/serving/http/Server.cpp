@@ -38,9 +38,7 @@ void Close(socket_t socket) {
 #endif
 }
 
-}  // namespace
-
-class Server::Listener : public Responder {
+class Listener : public Http::Server, private Responder {
  public:
   Listener(const Address& wanted, const std::vector<std::string>& names, Http::Handlers handlers, const Limits& limits)
       : Responder(Access(wanted, names), std::move(handlers), limits),
@@ -55,9 +53,9 @@ class Server::Listener : public Responder {
 
   ~Listener() override { StopListening(); }
 
-  const Address& Listens() const { return address; }
+  const Address& Listens() const override { return address; }
 
-  void Serve() {
+  void Serve() override {
     while (!ended) {
       static_cast<void>(listen_after_bind());
       if (!ended) {  // the library gives up when the system fails to hand over one connection
@@ -66,7 +64,7 @@ class Server::Listener : public Responder {
     }
   }
 
-  void End() {
+  void End() override {
     ended = true;
     EndWaiting();
   }
@@ -131,13 +129,11 @@ class Server::Listener : public Responder {
   std::atomic<bool> ended = false;
 };
 
-Server::Server(const Address& address, const std::vector<std::string>& names, Handlers handlers, const Limits& limits)
-    : listener(std::make_unique<Listener>(address, names, std::move(handlers), limits)) {}
+}  // namespace
 
-Server::~Server() = default;
-
-const Address& Server::Listens() const { return listener->Listens(); }
-void Server::Serve() { listener->Serve(); }
-void Server::End() { listener->End(); }
+std::unique_ptr<Server> Listen(const Address& address, const std::vector<std::string>& names, Handlers handlers,
+                               const Limits& limits) {
+  return std::make_unique<Listener>(address, names, std::move(handlers), limits);
+}
 
 }  // namespace Velora::Http

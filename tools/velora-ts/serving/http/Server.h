@@ -13,25 +13,24 @@ namespace Velora::Http {
 /// A server of answers to GET and HEAD requests. Each connection has a thread.
 class Server {
  public:
-  /// Begins to listen.
-  /// @param names further names under which it is reached, such as that of a proxy. A request for any other is refused.
-  /// @throws Error when that is not possible.
-  Server(const Address& address, const std::vector<std::string>& names, Handlers handlers, const Limits& limits = {});
+  Server() = default;
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
-  ~Server();
+  virtual ~Server() = default;
 
   /// Where it listens, with the port that it found.
-  const Address& Listens() const;
+  virtual const Address& Listens() const = 0;
   /// Answers requests until End() is called, and every answer has ended. To be called once.
   /// @throws Error when it cannot listen any longer.
-  void Serve();
+  virtual void Serve() = 0;
   /// Closes all connections, so that Serve() ends. Any thread may call it, also before Serve().
-  void End();
-
- private:
-  class Listener;
-  const std::unique_ptr<Listener> listener;
+  virtual void End() = 0;
 };
+
+/// Begins to listen.
+/// @param names further names under which it is reached, such as that of a proxy. A request for any other is refused.
+/// @throws Error when that is not possible.
+std::unique_ptr<Server> Listen(const Address& address, const std::vector<std::string>& names, Handlers handlers,
+                               const Limits& limits = {});
 
 }  // namespace Velora::Http
