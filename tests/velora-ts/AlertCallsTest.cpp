@@ -22,11 +22,13 @@ using Clock = AlertCalls::Clock;
 #ifdef _WIN32
 const std::string slowly = "echo %VELORA_EVENT% %VELORA_TEXT% >>said& ping -n 2 127.0.0.1 >NUL& echo over >>said";
 const std::string atSecond = "if exist once (echo again >>said) else (echo >once& exit 3)";
+const std::string recorded = "echo %VELORA_EVENT% >>said";
 const std::string endless = "ping -n 600 127.0.0.1 >NUL& echo over >>said";
 const std::string harmless = "a _ echo b; $_c_";
 #else
 const std::string slowly = "echo \"$VELORA_EVENT $VELORA_TEXT\" >>said; sleep 0.3; echo over >>said";
 const std::string atSecond = "[ -e once ] && echo again >>said || { touch once; exit 3; }";
+const std::string recorded = "echo $VELORA_EVENT >>said";
 const std::string endless = "sleep 600; echo over >>said";
 const std::string harmless = "a & echo b; $(c)";
 #endif
@@ -70,6 +72,21 @@ TEST_F(Calls, OfOneSubjectComeOneAfterAnother) {
   Attend(calls, [&] { return Said() == "begins" + one + "ends" + one; });
   EXPECT_EQ(complaints, "");
   EXPECT_FALSE(exists(folder / "b")) << "a fact was run as a command";
+}
+
+TEST_F(Calls, OfOneSubjectAreBounded) {
+  AlertCalls calls = Of(recorded, 1min);
+  calls.Add(AlertThat(true));
+  calls.Attend(Clock::now());
+  for (int more = 0; more < 1001; ++more) {
+    calls.Add(AlertThat(more % 2 == 1));
+  }
+  std::string said;
+  for (int pair = 0; pair < 4; ++pair) {
+    said += "begins\nends\n";
+  }
+  Attend(calls, [&] { return Said() == said; });
+  EXPECT_EQ(MatchesIn(complaints, "the calls take too long").size(), 497U);
 }
 
 TEST_F(Calls, AreTriedAgain) {

@@ -15,6 +15,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr int mostAtOnce = 8;
+constexpr std::size_t mostOfSubject = 8;
 constexpr std::array<std::chrono::seconds, 3> pauses{1s, 10s, 60s};  // before a call is tried again
 constexpr std::size_t longestValue = 200, longestWords = 500;        // columns
 
@@ -38,22 +39,30 @@ std::map<std::string, std::string> VariablesOf(const Alert& alert) {
 }
 
 void AlertCalls::Add(const Alert& alert) {
-  queues[alert.condition.subject].push_back({VariablesOf(alert), InWords(alert)});
+  Call call{VariablesOf(alert), InWords(alert)};
+  Queue& queue = queues[alert.condition.subject];
+  queue.push_back(std::move(call));
+  if (queue.size() > mostOfSubject) {
+    complain("the command for '" + queue[1].words + "' and the end of that is not called: the calls take too long");
+    queue.erase(queue.begin() + 1, queue.begin() + 3);
+  }
 }
 
 bool AlertCalls::IsDue(const Call& call, Clock::time_point now) const {
-  const auto isRunning = [](const auto& one) { return one.second.front().running != nullptr; };
+  const auto isRunning = [](const auto& one) { return !one.second.empty() && one.second.front().running != nullptr; };
   return call.due <= now && std::count_if(queues.begin(), queues.end(), isRunning) < mostAtOnce;
 }
 
 void AlertCalls::Attend(Clock::time_point now) {
+  const auto isEmpty = [](const auto& one) { return one.second.empty(); };
+  std::erase_if(queues, isEmpty);  // for which there was no memory
   for (auto& [subject, queue] : queues) {
     Call& call = queue.front();
     if (call.running != nullptr ? See(call, now) : IsDue(call, now) && Begin(call, now)) {
       queue.pop_front();
     }
   }
-  std::erase_if(queues, [](const auto& one) { return one.second.empty(); });
+  std::erase_if(queues, isEmpty);
 }
 
 bool AlertCalls::Begin(Call& call, Clock::time_point now) {

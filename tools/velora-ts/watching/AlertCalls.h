@@ -33,6 +33,8 @@ class AlertCalls {
   AlertCalls(std::string command, std::chrono::seconds longest, Complaint complain)
       : command(std::move(command)), longest(longest), complain(std::move(complain)) {}
 
+  /// Adds a call. If too many of its subject wait, the oldest two that did not begin are left out: a beginning and an
+  /// end. So they still alternate, and the newest is always told.
   void Add(const Alert& alert);
   /// Begins what is due, and sees what has ended. It does not wait. To be called several times a second.
   void Attend(Clock::time_point now);
