@@ -1,10 +1,14 @@
 #include "serving/Caller.h"
 #include "serving/TestServer.h"
 #include "support/Patterns.h"
+#include "support/ScarceMemory.h"
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <string>
+#include <string_view>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -155,6 +159,31 @@ TEST(Answers, AreCompressedForWhoAsksForIt) {
     EXPECT_EQ(Has(BodyOf(answer), "\x1f\x8b"), isCompressed) << encodings;
     EXPECT_TRUE(Has(answer, "\r\nVary: Accept-Encoding\r\n"));
   }
+}
+
+TEST(Answers, ForWhichMemoryLacksEndTheirConnectionAlone) {
+  std::atomic<int> complaints = 0;
+  Velora::Http::Handlers handlers;
+  handlers["/scarce"] = {Velora::Http::Weight::Light, [](Velora::Http::Question& question) {
+                           const int some = std::stoi(question.RequiredText("some"));
+                           Velora::Http::Answer answer;
+                           answer.body = std::string(100, 'x');
+                           ScarceMemory::RefuseAfter(some, 2);
+                           return answer;
+                         }};
+  const auto server = Velora::Http::Listen({"127.0.0.1", 0}, {}, handlers, {}, [&](std::string_view line) {
+    EXPECT_TRUE(line.starts_with("a connection was ended: "));
+    ++complaints;
+  });
+  std::thread thread([&] { server->Serve(); });
+  for (int some = 0; some < 80; ++some) {
+    const std::string answer = AnswerToGet(server->Listens().port, "/scarce?some=" + std::to_string(some));
+    EXPECT_TRUE(answer.empty() || StatusOf(answer) != 0) << answer;
+  }
+  EXPECT_EQ(StatusOf(AnswerToGet(server->Listens().port, "/scarce?some=1000000")), 200);
+  server->End();
+  thread.join();
+  EXPECT_GT(complaints, 0);
 }
 
 TEST(Answers, ThatFailHalfwayDoNotLookWhole) {

@@ -7,6 +7,7 @@
 #include "store/values/StoredTime.h"
 #include "support/HostileRun.h"
 #include "support/Query.h"
+#include "support/ScarceMemory.h"
 #include "watching/NowAsJson.h"
 
 #include <algorithm>
@@ -209,6 +210,26 @@ TEST_F(Watching, TakesATimeAheadForWhenItWasSeen) {
   const std::string later = running + "2 events, Exposed Dose=\"1\" | newest one";
   EXPECT_EQ(SaidOnce(*watch, later), later);
   EXPECT_LT(seen, recordedAt());
+}
+
+TEST_F(WatchingFile, GoesOnWhenMemoryLacks) {
+  ScriptedHost recording(host, {Begins("one", "TiltSeries"), Ends("one")});
+  recording.Next();
+  std::atomic<int> some = 0;  // it fails at another place each time
+  Velora::Store::questionListener = [&some](const std::string& question) {
+    if (some < 600 && question.find("sqlite_master") != std::string::npos) {
+      ScarceMemory::RefuseAfter(some += 25, 30);
+    }
+  };
+  auto watch = Begin();
+  while (some < 600) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  recording.Next();
+  const std::string over = "Scope 7 idle, 1 alive | newest one finished, 0 events";
+  EXPECT_EQ(SaidOnce(*watch, over), over);
+  watch = nullptr;
+  Velora::Store::questionListener = nullptr;
 }
 
 TEST_F(Watching, GivesLittleOfWhatIsHostileOrMuch) {

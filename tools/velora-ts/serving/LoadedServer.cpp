@@ -24,8 +24,8 @@ ListenInLibrary* LoadListen() {
 }  // namespace
 
 std::unique_ptr<Server> Listen(const Address& address, const std::vector<std::string>& names, Handlers handlers,
-                               const Limits& limits) {
-  return std::unique_ptr<Server>(LoadListen()(address, names, std::move(handlers), limits));
+                               const Limits& limits, Complaint complain) {
+  return std::unique_ptr<Server>(LoadListen()(address, names, std::move(handlers), limits, std::move(complain)));
 }
 
 }  // namespace Velora::Http

@@ -52,7 +52,7 @@ class ServeVerb : public Verb {
     Trends trends;
     served.trends = &trends;
     const System::EndRequest end;
-    const std::unique_ptr<Http::Server> server = Http::Listen(address, names, HandlersOf(served));
+    const std::unique_ptr<Http::Server> server = Http::Listen(address, names, HandlersOf(served), {}, &Complain);
     Watch watch(Watched(served), {values});
     served.watch = &watch;
     std::future<void> answering = std::async(std::launch::async, [&server] { server->Serve(); });

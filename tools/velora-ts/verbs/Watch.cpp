@@ -14,6 +14,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <new>
 #include <set>
 #include <string>
 #include <vector>
@@ -68,14 +69,11 @@ class WatchVerb : public Verb {
     Alerts alerts(DurationArgument("--grace", grace), onlyNew ? Alerts::AtStart::OnlyNew : Alerts::AtStart::Tell);
     AlertCalls calls(command, DurationArgument("--exec-limit", longest), &Complain);
     while (!end.Await(betweenLooks)) {
-      for (const Alert& alert :
-           alerts.Look(ConditionsOf(*watch.Newest(), wanted, Store::Now()), Alerts::Clock::now())) {
-        Tell(alert);
-        if (!command.empty()) {
-          calls.Add(alert);
-        }
+      try {
+        Look(watch, alerts, calls);
+      } catch (const std::bad_alloc&) {
+        Complain("there was not enough memory to tell what is so now");
       }
-      calls.Attend(AlertCalls::Clock::now());
     }
     watch.End();
     calls.End();
@@ -100,6 +98,15 @@ class WatchVerb : public Verb {
     if (!wanted.stopped && !wanted.silent && !wanted.behind && wanted.outside.empty()) {
       throw UsageError("nothing to watch for; expected --stopped, --silent, --outside or --behind");
     }
+  }
+  void Look(const Watch& watch, Alerts& alerts, AlertCalls& calls) const {
+    for (const Alert& alert : alerts.Look(ConditionsOf(*watch.Newest(), wanted, Store::Now()), Alerts::Clock::now())) {
+      Tell(alert);
+      if (!command.empty()) {
+        calls.Add(alert);
+      }
+    }
+    calls.Attend(AlertCalls::Clock::now());
   }
   std::vector<std::string> Parameters() const {
     std::set<std::string> names;

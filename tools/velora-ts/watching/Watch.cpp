@@ -1,9 +1,13 @@
 #include "watching/Watch.h"
 
+#include "output/Output.h"
 #include "store/Error.h"
 #include "watching/StoreWatch.h"
 
 #include <algorithm>
+#include <exception>
+#include <optional>
+#include <string>
 #include <utility>
 
 namespace Velora::Ts {
@@ -67,13 +71,32 @@ bool Watch::HasEnded() const {
 }
 
 void Watch::Look(std::size_t at) {
-  StoreWatch store(stores[at], options.values);
+  std::optional<StoreWatch> store;
   do {
-    Publish(at, store.Look());
+    try {
+      if (!store) {
+        store.emplace(stores[at], options.values);
+      }
+      Publish(at, store->Look());
+    } catch (const std::exception& reason) {  // such as lack of memory
+      store.reset();
+      Tell(at, reason.what());
+    }
   } while (Pause());
   const std::lock_guard lock(mutex);
   --looking;
   changed.notify_all();
+}
+
+void Watch::Tell(std::size_t at, const char* reason) {
+  try {
+    StoreNow failed = *Newest()->stores[at];
+    failed.isAwaited = false;
+    failed.error = std::string("a look at it failed: ") + reason;
+    Complain("store '" + failed.name + "': " + failed.error);
+    Publish(at, std::move(failed));
+  } catch (const std::exception&) {  // there is no memory for it either
+  }
 }
 
 void Watch::Publish(std::size_t at, StoreNow found) {

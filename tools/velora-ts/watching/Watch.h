@@ -57,6 +57,8 @@ class Watch {
  private:
   void Look(std::size_t at);
   void Publish(std::size_t at, StoreNow found);
+  /// Says why a look failed. It throws nothing.
+  void Tell(std::size_t at, const char* reason);
   /// Waits until the next look. @return whether there is one.
   bool Pause() const;
 

@@ -1,8 +1,7 @@
 #include "serving/http/ConnectionThreads.h"
 
 #include <chrono>
-#include <system_error>
-#include <utility>
+#include <exception>
 
 namespace Velora::Http {
 
@@ -24,7 +23,7 @@ void ConnectionThreads::enqueue(std::function<void()> answer) {
 
 void ConnectionThreads::shutdown() {
   std::unique_lock lock(mutex);
-  while (!threads.empty()) {
+  while (!threads.empty() || !ended.empty()) {
     connections.EndAll();  // again, because a thread may just have begun
     oneEnded.wait_for(lock, betweenTries, [this] { return !ended.empty(); });
     JoinEnded(lock);
@@ -33,9 +32,7 @@ void ConnectionThreads::shutdown() {
 
 void ConnectionThreads::JoinEnded(std::unique_lock<std::mutex>& lock) {
   Threads joined;
-  for (const Threads::iterator thread : std::exchange(ended, {})) {
-    joined.splice(joined.end(), threads, thread);
-  }
+  joined.swap(ended);
   lock.unlock();
   for (std::thread& thread : joined) {
     thread.join();
@@ -43,19 +40,20 @@ void ConnectionThreads::JoinEnded(std::unique_lock<std::mutex>& lock) {
   lock.lock();
 }
 
-// @return false when the system gives no further thread.
+// @return false when the system gives no further thread, or no memory for it.
 bool ConnectionThreads::Start(const std::function<void()>& answer) {
-  const Threads::iterator place = threads.emplace(threads.end());
   try {
+    Threads one(1);
+    const Threads::iterator place = one.begin();
     *place = std::thread([this, answer, place] {
       answer();
       const std::lock_guard lock(mutex);
-      ended.push_back(place);
+      ended.splice(ended.end(), threads, place);
       oneEnded.notify_one();
     });
+    threads.splice(threads.end(), one);
     return true;
-  } catch (const std::system_error&) {
-    threads.erase(place);
+  } catch (const std::exception&) {
     return false;
   }
 }

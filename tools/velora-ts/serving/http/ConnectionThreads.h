@@ -7,7 +7,6 @@
 #include <list>
 #include <mutex>
 #include <thread>
-#include <vector>
 
 namespace Velora::Http {
 
@@ -29,7 +28,7 @@ class ConnectionThreads : public httplib::TaskQueue {
   std::mutex mutex;
   std::condition_variable oneEnded;
   Threads threads;
-  std::vector<Threads::iterator> ended;
+  Threads ended;  // which are to be joined
 };
 
 }  // namespace Velora::Http

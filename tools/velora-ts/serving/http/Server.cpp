@@ -8,7 +8,9 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <exception>
 #include <functional>
+#include <string>
 #include <system_error>
 #include <utility>
 
@@ -40,9 +42,11 @@ void Close(socket_t socket) {
 
 class Listener : public Http::Server, private Responder {
  public:
-  Listener(const Address& wanted, const std::vector<std::string>& names, Http::Handlers handlers, const Limits& limits)
+  Listener(const Address& wanted, const std::vector<std::string>& names, Http::Handlers handlers, const Limits& limits,
+           Complaint complain)
       : Responder(Access(wanted, names), std::move(handlers), limits),
         limits(limits),
+        complain(std::move(complain)),
         address(wanted),
         connections(limits.stalled) {
     new_task_queue = [this] { return new Threads(*this); };
@@ -111,19 +115,33 @@ class Listener : public Http::Server, private Responder {
   }
 
   bool process_and_close_socket(socket_t socket) override {
-    {
-      Connections::Connection connection(connections, socket);
-      SocketClient client(connection, limits);
-      HeadReader heads(client);
-      while (!ended && AnswerNext(heads, client)) {
-      }
-      client.Farewell();
+    try {
+      Converse(socket);
+    } catch (const std::exception& reason) {
+      Tell(reason);
     }
     Close(socket);
     return true;
   }
 
+  void Converse(socket_t socket) {
+    Connections::Connection connection(connections, socket);
+    SocketClient client(connection, limits);
+    HeadReader heads(client);
+    while (!ended && AnswerNext(heads, client)) {
+    }
+    client.Farewell();
+  }
+
+  void Tell(const std::exception& reason) const {
+    try {
+      complain(std::string("a connection was ended: ") + reason.what());
+    } catch (const std::exception&) {  // there is no memory for it either
+    }
+  }
+
   const Limits limits;
+  const Complaint complain;
   Address address;
   Connections connections;
   std::atomic<bool> ended = false;
@@ -132,8 +150,8 @@ class Listener : public Http::Server, private Responder {
 }  // namespace
 
 std::unique_ptr<Server> Listen(const Address& address, const std::vector<std::string>& names, Handlers handlers,
-                               const Limits& limits) {
-  return std::make_unique<Listener>(address, names, std::move(handlers), limits);
+                               const Limits& limits, Complaint complain) {
+  return std::make_unique<Listener>(address, names, std::move(handlers), limits, std::move(complain));
 }
 
 }  // namespace Velora::Http

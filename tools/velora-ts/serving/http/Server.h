@@ -4,11 +4,16 @@
 #include "serving/http/Handler.h"
 #include "serving/http/Limits.h"
 
+#include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Velora::Http {
+
+/// Takes a line for the person who runs the server.
+using Complaint = std::function<void(std::string_view line)>;
 
 /// A server of answers to GET and HEAD requests. Each connection has a thread.
 class Server {
@@ -29,8 +34,10 @@ class Server {
 
 /// Begins to listen.
 /// @param names further names under which it is reached, such as that of a proxy. A request for any other is refused.
+/// @param complain is told why a connection was ended, such as for lack of memory. Several threads call it.
 /// @throws Error when that is not possible.
-std::unique_ptr<Server> Listen(const Address& address, const std::vector<std::string>& names, Handlers handlers,
-                               const Limits& limits = {});
+std::unique_ptr<Server> Listen(
+    const Address& address, const std::vector<std::string>& names, Handlers handlers, const Limits& limits = {},
+    Complaint complain = [](std::string_view) {});
 
 }  // namespace Velora::Http
