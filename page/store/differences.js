@@ -1,10 +1,11 @@
 // What differs between two runs, as api/compare tells it, in words.
 
-import { lengthOf } from '../view/clock.js';
+import { Clock, lengthOf } from '../view/clock.js';
 import { addInSteps, make, show } from '../view/element.js';
 import { statusName } from '../view/statuses.js';
 import { firstOf } from '../view/text.js';
 import { briefText } from '../view/values.js';
+import { momentText } from './moment.js';
 
 const groupsAtOnce = 40;
 const linesAtOnce = 20;
@@ -93,7 +94,7 @@ const sideName = (side) => (side === 'run' ? 'this run' : 'the other');
 const hasSides = ({ kind }) => !['execution', 'event', 'order', 'event order'].includes(kind);
 
 /** Whether nearly all differ, by other values each time, as times and names of files do: the first stands for all. */
-const isAlwaysDifferent = ({ kind, compared, differ, constant }) =>
+export const isAlwaysDifferent = ({ kind, compared, differ, constant }) =>
   kind === 'parameter' && compared >= 3 && differ >= 0.9 * compared && !constant;
 
 const countOf = ({ differ, compared }) =>
@@ -129,6 +130,39 @@ function rowsOf(group) {
 
 const moreOf = (rest) =>
   rest > 0 ? [make('p', 'hint', `and ${rest.toLocaleString('en')} more, which velora-ts diff lists`)] : [];
+
+/** What is different where two runs part. */
+function partingWords(parting) {
+  const { kind, only_in: side, parameter, parameter_n: n, value, against } = parting;
+  if (side) {
+    return [`only in ${sideName(side)}`];
+  }
+  if (!hasSides(parting)) {
+    return ['in another order'];
+  }
+  const name = kind === 'parameter' ? numbered(parameter, n) : what[kind](parting);
+  return [...name, ' ', valueOf(parting, value), make('span', 'difference', ' ≠ ', valueOf(parting, against))];
+}
+
+/**
+ * Where two runs first part.
+ * @param address of the page of both, which shows a step
+ */
+export function partingOf({ parting, run }, address) {
+  if (!parting) {
+    return [];
+  }
+  const { at, execution } = parting;
+  const after = at ? lengthOf(new Clock(run.started_at).read(at)) : '';
+  const when = at ? ` at ${momentText(at)}, ${after} after the start` : '';
+  const place = make(execution === undefined ? 'span' : 'a', '', ...placeOf(parting));
+  if (execution !== undefined) {
+    place.href = `${address}#execution-${execution}`;
+  }
+  return [
+    make('p', 'parting', make('strong', '', 'They first part'), `${when}: `, place, ': ', ...partingWords(parting)),
+  ];
+}
 
 /** The table of what differs. */
 export function differencesOf(found) {

@@ -20,6 +20,8 @@ const states = [
   ['finished', 'finished'],
   ['unknown', 'not known'],
 ];
+const offered = { instrument: 'instruments', activity: 'activities' }; // names of fields and of lists of api/stores
+const mostOffered = 2000;
 const names = ['store', 'state', ...fields.map(({ name }) => name)];
 
 /** What an address asks of runs, as parameters of api/runs. */
@@ -50,6 +52,8 @@ export class RunFilter {
   constructor(ask) {
     this.ask = ask;
     this.where = [];
+    this.knownNames = new Map(Object.keys(offered).map((name) => [name, make('datalist')]));
+    this.knownNames.forEach((list, name) => (list.id = `known-${name}`));
     this.inputs = new Map(fields.map((field) => [field.name, this.inputOf(field)]));
     this.inputs.set('state', this.selectOf('State', states));
     this.inputs.set('store', this.selectOf('Store', storeOptions([])));
@@ -77,15 +81,15 @@ export class RunFilter {
       event.preventDefault();
       this.take();
     });
-    this.form.append(make('button', 'unseen', 'Show')); // so that Enter counts in every field
+    this.form.append(make('button', 'unseen', 'Show'), ...this.knownNames.values()); // Enter counts in every field
   }
 
   inputOf({ name, hint }) {
     const input = make('input');
     Object.assign(input, { type: 'search', name, placeholder: hint ?? '', maxLength: 1000 });
     input.addEventListener('change', () => this.take());
-    if (name === 'instrument' || name === 'activity') {
-      input.setAttribute('list', `known-${name}`);
+    if (this.knownNames.has(name)) {
+      input.setAttribute('list', this.knownNames.get(name).id);
     }
     return input;
   }
@@ -120,6 +124,16 @@ export class RunFilter {
       const { value } = select;
       select.replaceChildren(...options.map(([one, title]) => new Option(title, one)));
       this.showIn(select, value);
+    });
+  }
+
+  /** Offers the names that stores have, as api/stores answers them, while the reader types. */
+  offerNames(stores) {
+    this.knownNames.forEach((list, name) => {
+      const known = [...new Set(stores.flatMap((store) => store[offered[name]]))].filter((one) => one !== '');
+      keep(list, known.sort().slice(0, mostOffered), (place, some) =>
+        place.replaceChildren(...some.map((one) => new Option('', one))),
+      );
     });
   }
 

@@ -4,11 +4,12 @@ import { make } from '../view/element.js';
 import { keep } from './kept.js';
 
 const spare = 12; // rows above and below those that are seen
+const mostPrinted = 1000;
 
 export class RunGrid {
   /**
    * @param columns [{title, className, shown(run), cell(run)}]: what a cell shows, and its children
-   * @param actions {open(run), choose(run), isChosen(run), keyOf(run), nearEnd(), end(), scrolled()}
+   * @param actions {open(run), choose(run), isChosen(run), keyOf(run), nearEnd(), end(), scrolled(), printed(rows)}
    */
   constructor(columns, actions) {
     Object.assign(this, { columns, actions, runs: [], active: null, rowHeight: 28, total: -1 });
@@ -37,6 +38,8 @@ export class RunGrid {
     this.body.addEventListener('click', (event) => this.click(event));
     this.rows = new Map(); // by key
     window.addEventListener('resize', () => this.draw());
+    window.addEventListener('beforeprint', () => this.print(true));
+    window.addEventListener('afterprint', () => this.print(false));
   }
 
   /**
@@ -74,11 +77,27 @@ export class RunGrid {
     return this.places?.get(key) ?? -1;
   }
 
+  /** Has all rows for paper, as far as that makes sense. */
+  print(isPrinting) {
+    this.isPrinting = isPrinting;
+    this.draw();
+    this.actions.printed(Math.min(this.runs.length, mostPrinted));
+  }
+
+  /** From which run to which one there are rows. */
+  get shown() {
+    const { element, runs, rowHeight } = this;
+    if (this.isPrinting) {
+      return [0, Math.min(runs.length, mostPrinted)];
+    }
+    const seen = [element.scrollTop, element.scrollTop + element.clientHeight].map((at) => at / rowHeight);
+    return [Math.max(0, Math.floor(seen[0]) - spare), Math.min(runs.length, Math.ceil(seen[1]) + spare)];
+  }
+
   draw() {
     const { element, runs, rowHeight } = this;
     const { keyOf } = this.actions;
-    const from = Math.max(0, Math.floor(element.scrollTop / rowHeight) - spare);
-    const to = Math.min(runs.length, Math.ceil((element.scrollTop + element.clientHeight) / rowHeight) + spare);
+    const [from, to] = this.shown;
     this.body.style.height = `${runs.length * rowHeight}px`;
     element.setAttribute('aria-rowcount', this.total < 0 ? -1 : this.total + 1);
     const wanted = new Set(runs.slice(from, to).map(keyOf));
@@ -97,7 +116,7 @@ export class RunGrid {
       previous = row;
     }
     this.mark();
-    if (to > runs.length - 2 * spare) {
+    if (to > runs.length - 2 * spare && !this.isPrinting) {
       this.actions.nearEnd();
     }
   }

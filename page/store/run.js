@@ -9,6 +9,7 @@ import { keepText } from './kept.js';
 import { Live } from './live.js';
 import { momentText } from './moment.js';
 import { stateName } from './run-words.js';
+import { signOf, toldOf } from './told.js';
 import { Updates } from './updates.js';
 
 const patience = 500; // milliseconds after which the run is asked for, whether the state of the store is known or not
@@ -48,20 +49,15 @@ class LiveRun {
 
   /** What the store says of the runs that the page shows, of each store that has them. */
   toldOf(state, guids) {
-    const { store } = this.chosen.parameters;
-    return (state?.instruments ?? [])
-      .filter((one) => store === '' || String(one.store) === store || guids.length > 1)
-      .flatMap(({ runs, newest }) => [...runs, newest].filter((run) => guids.includes(run?.run)));
+    const { store: chosen } = this.chosen.parameters;
+    const isAsked = (store) => chosen === '' || String(store) === chosen || guids.length > 1;
+    return toldOf(state, (store, guid) => isAsked(store) && guids.includes(guid));
   }
 
-  /** What changes when there is more to ask for. A run that is not finished and not told of can change each time. */
   signOf(state) {
     const { raw } = this;
     const told = this.toldOf(state, raw ? [raw.run, raw.against?.run] : []);
-    const isOver = raw?.hosts.state === 'finished';
-    return JSON.stringify(
-      told.length > 0 || isOver ? told.map(({ mark, state: itself }) => [mark, itself]) : state?.sequence,
-    );
+    return signOf(state, told, raw?.hosts.state === 'finished');
   }
 
   take(state) {

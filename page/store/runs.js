@@ -22,7 +22,7 @@ export const runs = {
 
 class Runs {
   constructor(section, { address, ask, live }) {
-    Object.assign(this, { address, live, chosen: [], isShown: false, above: 0 });
+    Object.assign(this, { address, live, askServer: ask, chosen: [], isShown: false, above: 0 });
     this.filter = new RunFilter((filter) => this.choose(filter));
     this.list = new RunList(ask, () => this.draw());
     this.grid = new RunGrid(columns, {
@@ -33,6 +33,7 @@ class Runs {
       nearEnd: () => this.list.more(),
       end: () => this.loadAll(),
       scrolled: () => this.drawNewer(),
+      printed: (rows) => keepText(this.paper, this.wordsOnPaper(rows)),
     });
     this.said = make('p', 'hint');
     this.said.setAttribute('role', 'status');
@@ -43,8 +44,10 @@ class Runs {
     this.newer.hidden = true;
     this.bar = make('div', 'bar compare');
     this.keys = make('p', 'hint', 'Arrows go from run to run, Enter opens one, Space chooses it to compare.');
+    this.paper = make('p', 'hint on-paper');
     const counts = make('div', 'bar counts', this.said, this.newer, this.bar);
-    section.append(make('h1', '', 'Runs'), this.filter.form, this.filter.error, counts, this.grid.element, this.keys);
+    section.append(make('h1', '', 'Runs'), this.filter.form, this.filter.error, counts, this.paper);
+    section.append(this.grid.element, this.keys);
     live.onState((state) => this.take(state));
   }
 
@@ -53,6 +56,12 @@ class Runs {
     const filter = filterOf(chosen);
     this.filter.show(filter);
     this.ask(filter);
+    this.offerNames();
+  }
+
+  async offerNames() {
+    const { stores } = await this.askServer('api/stores').catch(() => ({ stores: [] }));
+    this.filter.offerNames(stores);
   }
 
   hide() {
@@ -108,6 +117,14 @@ class Runs {
     const words =
       found.length === 0 ? 'No run is like that' : `${count(found.length, 'run')}${isWhole ? '' : ' so far'}`;
     keepText(this.said, error ? '' : words);
+  }
+
+  /** What is left out where so many rows are on paper. */
+  wordsOnPaper(rows) {
+    const { runs: found, isWhole } = this.list;
+    const left = found.length - rows;
+    const parts = [...(left > 0 ? [`${left.toLocaleString('en')} more are left out`] : [])];
+    return [`${count(rows, 'run')} on paper`, ...parts, ...(isWhole ? [] : ['older ones were not loaded'])].join('; ');
   }
 
   /** Says how many runs came above what is being read. */

@@ -79,5 +79,5 @@ test('a comparison with the last good run', async () => {
   await firefox.open(`${server.address}compare?store=1&run=last&ignore=DateTime`);
   await firefox.until(() => document.querySelector('#plot[data-drawn]') !== null);
   assert.match(await text('.differences'), /Image Dose/);
-  assert.match(await text('#plot-note'), /of the other run/);
+  assert.match(await text('#plot-note'), /numbers of the other/);
 });

@@ -116,6 +116,16 @@ test('what is asked is in the address, and an address asks the same', async () =
   assert.deepEqual([...page.complaints, ...other.complaints], []);
 });
 
+test('names of instruments and activities are offered', async () => {
+  const page = await opened();
+  const offered = (name) => page.$$eval(`#known-${name} option`, (list) => list.map((one) => one.value));
+  await page.waitForFunction(() => document.querySelector('#known-activity option'));
+  const expected = (question) => ask(folder, `SELECT DISTINCT ${question} AS name ORDER BY 1`).map(({ name }) => name);
+  assert.deepEqual(await offered('instrument'), expected('instrument FROM sessions'.replace(' FROM', ' AS name FROM')));
+  assert.ok((await offered('activity')).includes('TiltSeries'));
+  assert.equal(await page.getByLabel('Activity').getAttribute('list'), 'known-activity');
+});
+
 test('the words of the server stand beside what it does not understand', async () => {
   const page = await opened();
   const earlier = await nodesOf(page);
@@ -179,5 +189,15 @@ test('what a screen reader is told, and what is on paper', async () => {
     ['gridcell', /^finished$|^done$/],
     ['status', /.*/],
   ]);
-  await isPrinted(page, { shown: ['h1', '.row[data-key]'], hidden: ['nav', '.filter', '#connection'] });
+  const isCut = (element) => element.getBoundingClientRect().top < element.parentElement.getBoundingClientRect().top;
+  assert.equal(await page.$eval('.cell > .state', isCut), false, 'the state is cut at its top');
+  await page.locator('.grid').press('End');
+  await page.waitForFunction(() => /\d runs$/.test(document.querySelector('.counts .hint').textContent));
+  await page.evaluate(() => window.dispatchEvent(new window.Event('beforeprint')));
+  await isPrinted(page, { shown: ['h1', '.row[data-key]', '.on-paper'], hidden: ['nav', '.filter', '#connection'] });
+  assert.equal((await page.$$('.row[data-key]')).length, 1000);
+  const left = (nodesIn(`node LIKE '%night%'`).length - 1000).toLocaleString('en');
+  assert.equal(await page.textContent('.on-paper'), `1,000 runs on paper; ${left} more are left out`);
+  await page.evaluate(() => window.dispatchEvent(new window.Event('afterprint')));
+  assert.ok((await page.$$('.row[data-key]')).length < 100);
 });

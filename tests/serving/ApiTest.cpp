@@ -373,11 +373,62 @@ TEST_F(Api, NamesParametersWithTheirUnits) {
       << Ask("/api/parameters", {});
 }
 
+// Grids 2 and 3 of 3,000 numbers, one each second; what grid 1 has is no part of the run.
+TEST_F(Api, GivesTheNumbersOfARun) {
+  const std::string at = TestStore::OnServer()
+                             ? "to_char(TIMESTAMP '2026-10-03 22:00' + i * INTERVAL '1 second', "
+                               "'YYYY-MM-DD\"T\"HH24:MI:SS') || '.000000Z'"
+                             : "strftime('%Y-%m-%dT%H:%M:%S', '2026-10-03 22:00', i || ' seconds') || '.000000Z'";
+  const std::string numbers = "WITH RECURSIVE n(i) AS (SELECT 1000 UNION ALL SELECT i + 1 FROM n WHERE i < 3999) ";
+  const SqlConnection sql = Sql("a");
+  sql->RunScript(numbers + "INSERT INTO events SELECT i, 12, 14, NULL, 'Tilt', " + at + " FROM n");
+  sql->RunScript(numbers + "INSERT INTO parameters SELECT i, 1, 'Angle', 'double', NULL, i FROM n");
+  sql->RunScript(numbers +
+                 "INSERT INTO parameters SELECT i, 2, 'Angle', 'text', '-' || i || '.50', NULL FROM n "
+                 "WHERE i < 1003");
+  sql->RunScript(
+      "INSERT INTO parameters VALUES (1003, 2, 'Angle', 'text', 'flat', NULL), (1004, 2, 'Angle', "
+      "'double', 'NaN:1', NULL), (1005, 2, 'Angle', 'double', NULL, 9e999), (1006, 2, 'Angle', 'bool', "
+      "NULL, 1)");
+  const auto ask = [&](Parameters more) {
+    more.insert({{"run", "add"}, {"store", "1"}});
+    return Ask("/api/run/numbers", more);
+  };
+  EXPECT_EQ(ask({{"event", "Image"}, {"parameter", "Dose"}}),
+            "{\"store\":1,\"run\":\"add00000-4\",\"started_at\":\"2026-10-03T22:00:00.000000Z\",\"unit\":\"e/A2\","
+            "\"numbers\":1,\"others\":0,\"points\":[[600000000,20,14]]}\n");
+  EXPECT_NE(ask({{"event", "Tilt"}, {"parameter", "Angle"}, {"parameter_n", "2"}})
+                .find("\"numbers\":4,\"others\":3,\"points\":[[1000000000,-1000.5,14],[1001000000,-1001.5,14],"
+                      "[1002000000,-1002.5,14],[1006000000,1,14]]"),
+            std::string::npos);
+  EXPECT_NE(ask({{"parameter", "Angle"}}).find("\"numbers\":0,\"others\":0,\"points\":[]"), std::string::npos);
+  const std::string many = ask({{"event", "Tilt"}, {"parameter", "Angle"}});
+  EXPECT_NE(many.find("\"numbers\":3000,"), std::string::npos);
+  const auto points = All(many, "\\[(\\d+),\\d+,14\\]");
+  EXPECT_GT(points.size(), 1000U);
+  EXPECT_LE(points.size(), 2000U);
+  EXPECT_EQ(points.front(), "1000000000");  // the lowest
+  EXPECT_EQ(points.back(), "3999000000");   // the highest
+}
+
+TEST_F(Api, NamesTheParametersOfARun) {
+  Sql("a")->RunScript(
+      "INSERT INTO events VALUES (21, 12, 16, NULL, 'Hole', '2026-10-04T22:10:00.000000Z');"
+      "INSERT INTO parameters VALUES (21, 1, 'Thickness', 'double', NULL, 40)");
+  const auto names = [&](const char* run) {
+    return All(Ask("/api/parameters", {{"store", "1"}, {"run", run}}), "\"name\":\"(\\w+)");
+  };
+  EXPECT_EQ(names("aee"), std::vector<std::string>{"Thickness"});  // of a step
+  EXPECT_EQ(names("add"), std::vector<std::string>{"Dose"});
+  EXPECT_EQ(names("abb"), std::vector<std::string>{});
+}
+
 TEST_F(Api, SaysWhichStoresCannotBeRead) {
   served.stores.push_back({3, "", {}});
   served.stores.back().settings.database.where = (folder / "none.db").string();
   EXPECT_TRUE(
-      HasMatch(Ask("/api/stores", {}), "\"store\":3,.*\"schema\":null,\"instruments\":\\[\\],\"error\":\"there "));
+      HasMatch(Ask("/api/stores", {}),
+               "\"store\":3,.*\"schema\":null,\"instruments\":\\[\\],\"activities\":\\[\\],\"error\":\"there "));
   for (const char* const path : {"/api/runs", "/api/parameters"}) {
     EXPECT_TRUE(HasMatch(Ask(path, {}), "\"errors\":\\[\\{\"store\":3,\"error\":\"there is no TS store")) << path;
     EXPECT_TRUE(HasMatch(Ask(path, {{"store", "3"}}), "^503: there is no TS store")) << path;
@@ -413,6 +464,8 @@ TEST_F(Api, AsksQuestionsThatIndexesAnswer) {
       {"/api/run/data", {{"run", "acc"}, {"with", "aaa"}}},
       {"/api/compare", {{"run", "aee"}}},
       {"/api/parameters", {}},
+      {"/api/parameters", {{"run", "aee"}}},
+      {"/api/run/numbers", {{"run", "aee"}, {"event", "Image"}, {"parameter", "Dose"}}},
   };
   std::set<std::string> questions;
   Store::questionListener = [&](const std::string& question) { questions.insert(question); };
@@ -425,10 +478,11 @@ TEST_F(Api, AsksQuestionsThatIndexesAnswer) {
   bool paged = false;
   for (const std::string& question : questions) {
     const std::string plan = Plan(question);
-    EXPECT_FALSE(
-        HasMatch(plan,
-                 "SCAN (?!CONSTANT|first|running|seals|stores|ts_schema|sqlite_|newest|(sessions|events) USING "
-                 "COVERING|v\\b|up\\b)|Seq Scan on (?!running|seals|sessions|ts_schema|stores)"))
+    EXPECT_FALSE(HasMatch(
+        plan,
+        "SCAN (?!CONSTANT|first|running|activity_versions|seals|stores|ts_schema|sqlite_|newest|(sessions|events) "
+        "USING "
+        "COVERING|v\\b|up\\b)|Seq Scan on (?!activity_versions|running|seals|sessions|ts_schema|stores)"))
         << question << '\n'
         << plan;
     if (question.find("WHERE e.parent_id IS NULL AND e.started_at >= ?1") != std::string::npos) {

@@ -20,14 +20,27 @@ constexpr long long newestEvents = 500;
 constexpr long long moments = 100, eventsOfMoment = 5;
 constexpr long long mostParameters = 20000;  // of these events
 
-/// A query for the parameters of a few events, from a time on.
-std::string ParametersOf(const char* order, long long events) {
+/// A query for the parameters of a few events.
+/// @param events a query for their keys, names and times.
+std::string ParametersOf(const std::string& events) {
   enum { LongestKind = 10 };
   return "SELECT " + Beginning("p.name", NewestNames::longest + 1) + ", " + Beginning("p.kind", LongestKind) + ", " +
-         Beginning("v.name", NewestNames::longest + 1) +
-         ", v.at FROM (SELECT event_id, name, at FROM events WHERE at >= ?1 ORDER BY at " + order + " LIMIT " +
-         std::to_string(events) + ") v CROSS JOIN parameters p WHERE p.event_id = v.event_id LIMIT " +
-         std::to_string(mostParameters);
+         Beginning("v.name", NewestNames::longest + 1) + ", v.at FROM (" + events +
+         ") v CROSS JOIN parameters p WHERE p.event_id = v.event_id LIMIT " + std::to_string(mostParameters);
+}
+
+/// A query for a few events, from a time on.
+std::string EventsFrom(const char* order, long long most) {
+  return std::string("SELECT event_id, name, at FROM events WHERE at >= ?1 ORDER BY at ") + order + " LIMIT " +
+         std::to_string(most);
+}
+
+/// A query for a few events of a run.
+std::string EventsOfRun(const char* order) {
+  return std::string(
+             "SELECT v.event_id, v.name, v.at FROM executions x JOIN events v ON v.execution_id = x.execution_id "
+             "WHERE x.root_id = ?1 ORDER BY x.execution_id ") +
+         order + ", v.event_id " + order + " LIMIT " + std::to_string(newestEvents);
 }
 
 /// The time of the first event, or of the last one.
@@ -47,16 +60,23 @@ std::size_t Characters(std::string_view text) {
 }  // namespace
 
 void NewestNames::Add(const Reader& store) {
-  Rows newest(store, ParametersOf("DESC", newestEvents));
+  Rows newest(store, ParametersOf(EventsFrom("DESC", newestEvents)));
   Take(newest.Ask(std::string()));
   const std::optional<long long> first = TimeOfEvent(store, "ASC"), last = TimeOfEvent(store, "DESC");
   if (!first || !last) {
     return;
   }
-  Rows since(store, ParametersOf("ASC", eventsOfMoment));
+  Rows since(store, ParametersOf(EventsFrom("ASC", eventsOfMoment)));
   for (long long moment = 0; moment < moments; ++moment) {
     const std::chrono::microseconds at(*first + (*last - *first) / moments * moment);
     Take(since.Ask(ToStoredTime(Time(at))));
+  }
+}
+
+void NewestNames::Add(const Reader& store, const Run& run) {
+  for (const char* const order : {"ASC", "DESC"}) {
+    Rows rows(store, ParametersOf(EventsOfRun(order)));
+    Take(rows.Ask(run.root));
   }
 }
 

@@ -2,6 +2,7 @@
 
 #include "store/reading/Reader.h"
 #include "store/reading/Rows.h"
+#include "store/reading/Runs.h"
 
 #include <cstddef>
 #include <map>
@@ -26,6 +27,8 @@ class NewestNames {
 
   /// Adds the names in a store.
   void Add(const Store::Reader& store);
+  /// Adds those of a run: of its first and its last events.
+  void Add(const Store::Reader& store, const Store::Run& run);
 
   const std::map<std::string, NamedParameter>& Parameters() const { return parameters; }
   /// Whether there were more names than are kept.

@@ -117,10 +117,12 @@ std::string AsJson(const Comparison& comparison, const Compared& compared, Cutte
     object.Text("only_in", isFirst ? "run" : "against");
   }
   if (isFirst) {
-    object.Raw("path", PathAsJson(comparison.First(), compared.first, cutter));
+    object.Raw("path", PathAsJson(comparison.First(), compared.first, cutter))
+        .Raw("execution", std::to_string(comparison.First().At(compared.first).key));
   }
   if (isSecond) {
-    object.Raw("against_path", PathAsJson(comparison.Second(), compared.second, cutter));
+    object.Raw("against_path", PathAsJson(comparison.Second(), compared.second, cutter))
+        .Raw("against_execution", std::to_string(comparison.Second().At(compared.second).key));
   }
   if (compared.kind == Kind::Execution) {
     object.Count("below", isFirst ? comparison.First().CountBelow(compared.first)

@@ -1,6 +1,7 @@
 #include "asking/NewestNames.h"
 #include "output/Units.h"
 #include "serving/EachStore.h"
+#include "serving/NamedRun.h"
 #include "serving/Route.h"
 #include "store/values/Json.h"
 #include "store/values/RecordedText.h"
@@ -31,14 +32,27 @@ std::string UnitOf(const Served& served, std::optional<long long> number, const 
   return "";
 }
 
-Http::Answer AnswerParameters(const Served& served, Http::Question& question) {
-  const std::optional<long long> number = StoreNumber(served, question);
-  question.ExpectNoOthers();
-  NewestNames names;
-  const std::string errors = EachStore(served, number, [&](const ServedStore& /*place*/, const auto& store) {
+/// Adds the names in the stores that are asked for. @return which of them cannot be read.
+std::string AddNames(const Served& served, std::optional<long long> number, NewestNames& names) {
+  return EachStore(served, number, [&](const ServedStore& /*place*/, const auto& store) {
     names.Add(*store);
     store->ExpectUntouched();
   });
+}
+
+Http::Answer AnswerParameters(const Served& served, Http::Question& question) {
+  std::optional<long long> number = StoreNumber(served, question);
+  NewestNames names;
+  std::string errors = "[]";
+  if (question.Text("run").empty()) {
+    question.ExpectNoOthers();
+    errors = AddNames(served, number, names);
+  } else {
+    const NamedRun named = RunNamed(served, question);
+    number = named.place->number;
+    names.Add(*named.store, named.run);
+    named.store->ExpectUntouched();
+  }
   Http::Answer answer;
   answer.body = "{\"parameters\":";
   const char* separator = "[\n";

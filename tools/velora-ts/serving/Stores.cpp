@@ -10,18 +10,26 @@ using namespace Store;
 
 namespace {
 
-constexpr long long mostInstruments = 1000;
+constexpr long long mostNames = 1000;
 constexpr std::size_t longest = 200;  // characters of a name
 
-std::string Instruments(const Reader& store) {
-  Rows names(store, "SELECT DISTINCT " + Beginning("instrument", longest) +
-                        " AS name FROM sessions ORDER BY name LIMIT " + std::to_string(mostInstruments));
+/// @param table in which a column has the names.
+std::string NamesIn(const Reader& store, const std::string& column, const std::string& table) {
+  Rows names(store, "SELECT DISTINCT " + Beginning(column, longest) + " AS name FROM " + table +
+                        " ORDER BY name LIMIT " + std::to_string(mostNames));
   std::string json = "[";
   while (names.Next()) {
     json += json.size() > 1 ? "," : "";
     AppendText(json, names.Text(0));
   }
   return json + ']';
+}
+
+std::string Instruments(const Reader& store) { return NamesIn(store, "instrument", "sessions"); }
+
+/// Those of the newest versions: with each version of a host come further ones.
+std::string Activities(const Reader& store) {
+  return NamesIn(store, "v.name", "(SELECT name FROM activity_versions ORDER BY version_id DESC LIMIT 10000) v");
 }
 
 void AppendStore(std::string& json, const ServedStore& place) {
@@ -31,12 +39,12 @@ void AppendStore(std::string& json, const ServedStore& place) {
   json += std::string(",\"kind\":\"") + (database.kind == Database::Kind::Sqlite ? "file" : "server") + "\",";
   try {
     const Reader store(database);
-    const std::string instruments = Instruments(store);
+    const std::string instruments = Instruments(store), activities = Activities(store);
     store.ExpectUntouched();
     json += "\"schema\":" + std::to_string(store.SchemaVersion()) + ",\"instruments\":" + instruments;
-    json += ",\"error\":null}";
+    json += ",\"activities\":" + activities + ",\"error\":null}";
   } catch (const Error& error) {
-    json += "\"schema\":null,\"instruments\":[],\"error\":";
+    json += "\"schema\":null,\"instruments\":[],\"activities\":[],\"error\":";
     AppendText(json, error.what());
     json += '}';
   }
