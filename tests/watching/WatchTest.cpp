@@ -136,6 +136,29 @@ TEST_F(WatchingFile, DoesNotOpenWhatNobodyWrites) {
   Velora::Store::questionListener = nullptr;
 }
 
+// There can be many thousands that nobody finishes.
+TEST_F(Watching, ReadsOnceWhatDidNotFinish) {
+  ScriptedHost recording(host, {Begins("one", "TiltSeries"), Begins("a", "Expose", "one"), Ends("a"), Ends("one")});
+  recording.Next();
+  std::atomic<int> read = 0;
+  Velora::Store::questionListener = [&](const std::string& question) {
+    read += question.find("s.session_id FROM running") != std::string::npos ? 1 : 0;
+  };
+  auto watch = Begin();
+  for (const char* const said :
+       {"one running in one, 0 events | newest one", "one running in one > a #1, 0 events | newest one",
+        "one running in one, 0 events | newest one", "newest one finished, 0 events"}) {
+    const std::string whole = std::string("Scope 7 ") + (*said == 'n' ? "idle" : "running") + ", 1 alive | " + said;
+    EXPECT_EQ(SaidOnce(*watch, whole), whole);
+    if (*said != 'n') {
+      recording.Next();
+    }
+  }
+  watch = nullptr;
+  Velora::Store::questionListener = nullptr;
+  EXPECT_EQ(read, 1);
+}
+
 // A run of several hosts is running as long as one of them lives that has something to finish in it.
 TEST_F(Watching, TellsHostsOfOneRunApart) {
   ScriptedHost first(host, {Begins("one", "TiltSeries")});

@@ -5,6 +5,7 @@
 
 #include <map>
 #include <set>
+#include <utility>
 #include <vector>
 
 namespace Velora::Ts {
@@ -19,21 +20,34 @@ class LivingHosts {
   /// must be looked at again.
   bool Look(const Store::Reader& store, const Heads& heads, bool again);
 
-  /// The states of the runs that did not finish, by the keys of their roots.
-  std::map<long long, Store::KnownState> Runs() const;
+  /// The roots of the runs whose states can have changed since the last call of this.
+  std::set<long long> TakeChanged() { return std::exchange(changed, {}); }
+  /// Takes the state of each run that did not finish for a changed one.
+  void ChangeAll();
+  /// The state of a run.
+  Store::KnownState Of(long long root) const;
   /// The sessions whose hosts live.
   std::vector<long long> Sessions() const;
 
  private:
-  void Read(const Store::Reader& store);
+  using Executions = std::map<long long, long long>;  // the session that set its newest status, by the key of each
+
+  void ReadAll(const Store::Reader& store, const Heads& heads);
+  void ReadNew(const Store::Reader& store, const Heads& heads, bool again);
+  void Take(long long root, long long execution, long long session, bool isRunning);
   void WatchSessions(const Store::Reader& store, const Heads& heads);
   bool AskForLocks(const Store::Reader& store);
-  Store::KnownState Of(long long session) const;
+  bool Is(long long session, const Store::KnownState& state) const;
+  void ChangeRunsOf(const std::set<long long>& sessions);
+  Store::KnownState OfSession(long long session) const;
 
   Heads seen;
-  std::vector<Store::UnfinishedExecution> unfinished;
+  long long older = 0, old = 0;                   // statuses: on a server, one can become visible after later ones
+  bool notes = false;                             // whether the store notes what did not finish
+  std::map<long long, Executions> unfinished;     // by the roots of their runs
+  std::set<long long> changed;                    // roots
   std::set<long long> watched;                    // sessions whose hosts can live
-  std::set<long long> ended;                      // those of `unfinished` whose hosts have ended
+  std::set<long long> ended;                      // sessions that were watched and whose hosts have ended
   std::map<long long, Store::KnownState> states;  // at the last look, without these
 };
 

@@ -100,6 +100,8 @@ void StoreWatch::Begin(const Heads& now) {
   instrumentOf.clear();
   places.clear();
   tracked.clear();
+  ForgetStates();
+  hosts.ChangeAll();
   recorded.Begin(*reader, now);
   values.Begin(*reader, now);
   ReadInstruments(now);
@@ -217,17 +219,8 @@ const StoreWatch::Place& StoreWatch::PlaceOf(long long root) {
 
 void StoreWatch::Show() {
   shown.error.clear();
-  std::map<long long, KnownState> states = hosts.Runs();
-  if (!NotesRunning(*reader)) {  // of each instrument, only the newest run is asked
-    Hosts known(*reader);
-    for (const auto& [name, instrument] : instruments) {
-      const KnownState state = instrument.newest ? known.Of(RunOf(*reader, *instrument.newest)) : KnownState();
-      if (state.state != RunState::Finished) {
-        states[*instrument.newest] = state;
-      }
-    }
-  }
-  ShowRuns(states);
+  TakeStates();
+  ShowRuns();
   for (const long long session : hosts.Sessions()) {
     const std::string& name = InstrumentOf(session);
     for (InstrumentNow& instrument : shown.instruments) {
@@ -237,44 +230,74 @@ void StoreWatch::Show() {
   shown.values = values.Shown();
 }
 
-void StoreWatch::ShowRuns(const std::map<long long, KnownState>& states) {
-  const auto count = [&states](RunState state) {
-    return std::count_if(states.begin(), states.end(), [&](const auto& run) { return run.second.state == state; });
-  };
-  shown.running = count(RunState::Running);
-  shown.stopped = count(RunState::Stopped);
-  shown.notKnown = count(RunState::NotKnown);
-  std::map<std::string, std::vector<long long>> unfinished;
-  for (const auto& [root, state] : states) {
-    unfinished[PlaceOf(root).instrument].push_back(root);
+void StoreWatch::TakeStates() {
+  const std::set<long long> changed = hosts.TakeChanged();
+  if (NotesRunning(*reader)) {
+    for (const long long root : changed) {
+      TakeState(root, hosts.Of(root));
+    }
+    return;
   }
+  ForgetStates();
+  Hosts known(*reader);
+  for (const auto& [name, instrument] : instruments) {  // of each, only the newest run is asked
+    if (instrument.newest) {
+      TakeState(*instrument.newest, known.Of(RunOf(*reader, *instrument.newest)));
+    }
+  }
+}
+
+void StoreWatch::TakeState(long long root, const KnownState& state) {
+  const Place place = PlaceOf(root);
+  Unfinished& ofInstrument = unfinished[place.instrument];
+  if (const auto before = states.find(root); before != states.end()) {
+    --*CountOf(before->second.state);
+    ofInstrument.running -= before->second.state == RunState::Running ? 1 : 0;
+    ofInstrument.runs.erase({place.startedAt, root});
+    states.erase(before);
+  }
+  if (state.state == RunState::Finished) {
+    places.erase(root);
+    return;
+  }
+  states[root] = state;
+  ++*CountOf(state.state);
+  ofInstrument.running += state.state == RunState::Running ? 1 : 0;
+  ofInstrument.runs.insert({place.startedAt, root});
+}
+
+long long* StoreWatch::CountOf(RunState state) {
+  return state == RunState::Running ? &counts.running : state == RunState::Stopped ? &counts.stopped : &counts.notKnown;
+}
+
+void StoreWatch::ForgetStates() {
+  states.clear();
+  unfinished.clear();
+  counts = {};
+}
+
+void StoreWatch::ShowRuns() {
+  shown.running = counts.running;
+  shown.stopped = counts.stopped;
+  shown.notKnown = counts.notKnown;
   shown.instruments.clear();
   std::set<long long> kept;
   for (const auto& [name, instrument] : instruments) {
     InstrumentNow now;
     now.name = name;
     now.lastRecordedAt = instrument.lastRecordedAt;
-    const auto stateOf = [&states](long long root) {
-      const auto state = states.find(root);
-      return state == states.end() ? KnownState() : state->second;
-    };
-    std::vector<long long>& roots = unfinished[name];
-    std::sort(roots.begin(), roots.end(), [this](long long one, long long other) {
-      return std::make_pair(PlaceOf(one).startedAt, one) > std::make_pair(PlaceOf(other).startedAt, other);
-    });
-    now.moreRuns = static_cast<long long>(roots.size() - std::min(roots.size(), mostRunsNow));
-    const bool runs = std::any_of(roots.begin(), roots.end(),
-                                  [&](long long root) { return stateOf(root).state == RunState::Running; });
-    roots.resize(std::min(roots.size(), mostRunsNow));
-    for (const long long root : roots) {
-      now.runs.push_back(Track(root, stateOf(root)));
-      kept.insert(root);
+    const Unfinished& ofInstrument = unfinished[name];
+    for (auto run = ofInstrument.runs.rbegin(); run != ofInstrument.runs.rend() && now.runs.size() < mostRunsNow;
+         ++run) {
+      now.runs.push_back(Track(run->second));
+      kept.insert(run->second);
     }
+    now.moreRuns = static_cast<long long>(ofInstrument.runs.size() - now.runs.size());
     if (instrument.newest) {
-      now.newest = Track(*instrument.newest, stateOf(*instrument.newest));
+      now.newest = Track(*instrument.newest);
       kept.insert(*instrument.newest);
     }
-    now.state = runs ? RunState::Running : now.newest ? now.newest->state : RunState::Finished;
+    now.state = ofInstrument.running > 0 ? RunState::Running : now.newest ? now.newest->state : RunState::Finished;
     if (const auto forwarder = forwarders.find(name); forwarder != forwarders.end()) {
       now.forwarder = forwarder->second;
     }
@@ -284,10 +307,14 @@ void StoreWatch::ShowRuns(const std::map<long long, KnownState>& states) {
   std::erase_if(tracked, isGone);
   std::erase_if(lastSeenOf, isGone);
   std::erase_if(lastSeen, [this](const auto& one) { return instruments.count(one.first) == 0; });
-  std::erase_if(places, [&](const auto& place) { return kept.count(place.first) + states.count(place.first) == 0; });
+  if (places.size() > states.size() + kept.size()) {
+    std::erase_if(places, [&](const auto& place) { return kept.count(place.first) + states.count(place.first) == 0; });
+  }
 }
 
-std::shared_ptr<const RunNow> StoreWatch::Track(long long root, const KnownState& state) {
+std::shared_ptr<const RunNow> StoreWatch::Track(long long root) {
+  const auto known = states.find(root);
+  const KnownState state = known == states.end() ? KnownState() : known->second;
   auto run = tracked.find(root);
   if (run == tracked.end()) {
     run = tracked.try_emplace(root, *reader, root, state, lastSeenOf[root]).first;

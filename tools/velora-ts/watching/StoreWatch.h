@@ -16,6 +16,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Velora::Ts {
@@ -37,6 +38,11 @@ class StoreWatch {
     std::string lastRecordedAt;
     std::optional<long long> newest;  ///< The root of its newest run.
   };
+  /// The runs of an instrument that did not finish.
+  struct Unfinished {
+    std::set<std::pair<std::string, long long>> runs;  ///< When each was started, and its root.
+    long long running = 0;                             ///< How many of them are running.
+  };
 
   bool CanHaveChanged() const;
   void Read();
@@ -48,8 +54,12 @@ class StoreWatch {
   const std::string& InstrumentOf(long long session);
   const Place& PlaceOf(long long root);
   void Show();
-  void ShowRuns(const std::map<long long, Store::KnownState>& states);
-  std::shared_ptr<const RunNow> Track(long long root, const Store::KnownState& state);
+  void TakeState(long long root, const Store::KnownState& state);
+  void TakeStates();
+  void ForgetStates();
+  long long* CountOf(Store::RunState state);
+  void ShowRuns();
+  std::shared_ptr<const RunNow> Track(long long root);
   void Forget();
   void ShowError(const std::string& error);
 
@@ -63,9 +73,14 @@ class StoreWatch {
   std::map<std::string, Instrument> instruments;
   std::map<long long, std::string> instrumentOf;  // of sessions
   std::map<long long, Place> places;              // of the roots of runs that did not finish, and of the newest
-  std::map<long long, TrackedRun> tracked;        // the runs that are shown, by their roots
-  std::map<std::string, SeenTime> lastSeen;       // of the records of instruments; also of a state that is begun anew
-  std::map<long long, SeenTime> lastSeenOf;       // of runs, by their roots
+  std::map<long long, Store::KnownState> states;  // of the runs that did not finish, by their roots
+  std::map<std::string, Unfinished> unfinished;   // by instrument
+  struct {
+    long long running = 0, stopped = 0, notKnown = 0;
+  } counts;                                  // of the states
+  std::map<long long, TrackedRun> tracked;   // the runs that are shown, by their roots
+  std::map<std::string, SeenTime> lastSeen;  // of the records of instruments; also of a state that is begun anew
+  std::map<long long, SeenTime> lastSeenOf;  // of runs, by their roots
   SeenTime waitingSeen;
   std::optional<Store::Database> facility;
   Clock::time_point askedForwarding{};
