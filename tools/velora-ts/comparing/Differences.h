@@ -52,17 +52,17 @@ void WriteDifferencesInWords(const Differences& found, const Store::Summary& sum
 
 /// How much of the differences is written. What is left out is counted.
 struct DifferencesLimit {
-  std::size_t first = 0;    ///< So many of each kind and name; 0 for all, also of what is below.
+  std::size_t first = 0;    ///< So many of each kind and name; 0 for all, also of groups, lines and steps.
   std::size_t groups = 0;   ///< So many kinds and names.
   std::size_t lines = 0;    ///< So many lines of configurations.
-  std::size_t longest = 0;  ///< So many characters of each text.
+  std::size_t longest = 0;  ///< So many characters of each text; 0 for whole texts.
   std::size_t deepest = 0;  ///< So many steps of each path: the innermost.
 };
 
 /// Writes them as a JSON object and summarises them meanwhile.
 /// @param all also what is equal.
 /// @param more further members for the begin of the object, each with a comma behind it.
-/// @param limit with one, a member `left_out` says what is not written.
+/// @param limit a member `cut` says whether texts are cut, if they can be, and `left_out` what else is not written.
 void WriteDifferencesAsJson(const Differences& found, Store::Summary& summary, bool all, const Sink& write,
                             const std::string& more = "", const DifferencesLimit& limit = {});
 

@@ -30,7 +30,7 @@ const char* NameOf(Kind kind) {
 struct Cutter {
   /// @return whether the text was longer.
   bool Cut(std::string& text) {
-    const bool isCut = limit.first > 0 && Shorten(text, limit.longest);
+    const bool isCut = limit.longest > 0 && Shorten(text, limit.longest);
     texts += isCut ? 1 : 0;
     return isCut;
   }
@@ -220,6 +220,9 @@ class DifferencesWriter {
     const Compared* const parting = summary.Parting();
     write(",\"parting\":" + (parting != nullptr ? AsJson(found.comparison, *parting, cutter) : "null") +
           ",\"same\":" + (found.AreNone(summary) ? "true" : "false"));
+    if (limit.longest > 0) {
+      write(std::string(",\"cut\":") + (cutter.texts > 0 ? "true" : "false"));
+    }
     if (limit.first > 0) {
       write(",\"left_out\":" + Object(cutter)
                                    .Count("differences", differences)

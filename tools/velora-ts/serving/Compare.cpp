@@ -13,11 +13,12 @@ using namespace Store;
 namespace {
 
 constexpr long long highestFirst = 100;
+constexpr std::size_t longestText = 100'000;  // characters, of a whole comparison
 
-/// With `first`, an answer is short whatever was recorded.
+/// With `first`, an answer is short whatever was recorded. No text is long in any.
 DifferencesLimit LimitIn(Http::Question& question) {
   const auto first = static_cast<std::size_t>(question.Whole("first", 1, highestFirst).value_or(0));
-  return {.first = first, .groups = 100, .lines = 200, .longest = 500, .deepest = 20};
+  return {.first = first, .groups = 100, .lines = 200, .longest = first > 0 ? 500 : longestText, .deepest = 20};
 }
 
 struct ComparedPair {
