@@ -2,6 +2,7 @@
 
 #include "ToolTest.h"
 #include "support/ObedientHost.h"
+#include "support/Program.h"
 
 #include <chrono>
 #include <optional>
@@ -88,6 +89,17 @@ TEST_F(Watching, TellsOfSilenceWhileARunGoesOn) {
     return Called() != "begins silent: Scope 7, night 1,  \n";
   }));
   EXPECT_EQ(Called(), "begins silent: Scope 7, night 1,  \nends silent: Scope 7, night 1,  \n") << All();
+}
+
+TEST_F(Watching, TellsOfForwardingThatIsBehind) {
+  folder.Write("seven/TSAL.config",
+               "<TSAL Instrument='Scope 7'><Database Backend='sqlite3' Connection='ts.db'/>"
+               "<Forward Connection='host=127.0.0.1 port=1 dbname=facility'/></TSAL>");  // where no server is
+  ObedientHost(Seven(), "night 1").Finish();
+  const Program forwarder("'" TOOLS "/velora-ts' forward --follow --config '" + Seven() + "'", folder / "forwarder");
+  Watch("--behind 1s --grace 0s");
+  EXPECT_TRUE(Calls("begins behind: , ,  ")) << All();
+  EXPECT_TRUE(Tells(" rows wait, the oldest of ") && Tells("cannot be reached")) << All();
 }
 
 TEST_F(Watching, TellsOfAStoreThatCannotBeRead) {
