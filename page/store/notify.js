@@ -1,5 +1,6 @@
 // Notifications of stops, if the reader asks for them.
 
+import { addressOf } from './api.js';
 import { KeptText } from './kept-text.js';
 import { plainName } from './run-words.js';
 import { keyOfStop } from './stops.js';
@@ -47,17 +48,20 @@ export class Notifications {
     for (const stop of unseen.filter((one) => !this.told.has(keyOfStop(one)))) {
       this.told.add(keyOfStop(stop));
       if (!isFirst && this.areOn) {
-        this.notify(`STOPPED: ${plainName(stop.instrument)}`, plainName(stop.run.node), keyOfStop(stop));
+        this.notify(stop);
       }
     }
   }
 
-  notify(title, body, tag) {
+  notify(stop) {
+    const { instrument, store, run } = stop;
+    const about = { body: plainName(run.node), tag: keyOfStop(stop), requireInteraction: true };
     try {
-      const notification = new Notification(title, { body, tag, requireInteraction: true });
+      const notification = new Notification(`STOPPED: ${plainName(instrument)}`, about);
       notification.addEventListener('click', () => {
         window.focus();
         notification.close();
+        window.location.assign(addressOf('run', { store, run: run.run }));
       });
     } catch {
       // some browsers of telephones only let other scripts notify

@@ -145,7 +145,10 @@ test('a notification of a stop, for a reader who asked for it', async () => {
       constructor(...what) {
         window.told.push(what);
       }
-      addEventListener() {}
+      addEventListener(type, work) {
+        window.told.click = work;
+      }
+      close() {}
     };
   });
   await isState(page, 'running');
@@ -155,6 +158,8 @@ test('a notification of a stop, for a reader who asked for it', async () => {
   await isState(page, 'STOPPED');
   const [[title, { body }], ...others] = await page.evaluate(() => window.told);
   assert.deepEqual([title, body, others], ['STOPPED: Scope 7', 'night.mdoc', []]);
+  await page.evaluate(() => window.told.click());
+  await page.waitForURL(/\/run\?store=1&run=[0-9a-f-]{36}$/);
 });
 
 const hostile = `<img src=x onerror="window.bad=1">\u202egnp.${'\u05d0'.repeat(30)}${'W'.repeat(3000)}`;
