@@ -146,7 +146,7 @@ TEST_F(Questions, AreAnsweredByIndexes) {
   std::set<std::string> questions;
   Velora::Store::questionListener = [&](const std::string& question) { questions.insert(question); };
   {
-    const Velora::Store::Reader store(Velora::Store::ReadSettings(asked).database);
+    Velora::Store::Reader store(Velora::Store::ReadSettings(asked).database);
     EventsOfRunSince(store, 0, {});  // tail's, once it has looked
     ReferenceOf(store, {}, store);   // diff's, without a second run
     Trends().Answer({{1, store.Where()}}, {"TiltAngle", {.from = "2025-01-01", .activity = "TiltSeries"}, "activity"});

@@ -122,10 +122,9 @@ void ExpectAsStats(Trends& trends, const Velora::Store::Database& database) {
 
 /// A finite number and its time, in the order of both.
 using Number = std::pair<std::string, double>;
-std::vector<Number> NumbersOf(const std::filesystem::path& file) {
+std::vector<Number> NumbersOf(const SqlConnection& sql) {
   std::vector<Number> numbers;
-  const SqlConnection sql = OpenFile(file);
-  const auto rows = sql->Prepare(
+  const auto rows = sql->PrepareShort(
       "SELECT at, COALESCE(value_number, 3.1) FROM events JOIN parameters p USING (event_id) WHERE p.name = 'Dose' AND "
       "p.kind <> "
       "\'bool\' AND COALESCE(value_text, '') NOT LIKE 'NaN%' ORDER BY 1, 2");
@@ -177,7 +176,7 @@ TEST_F(TrendsTest, AreAsStatsSaysAndAsAllNumbersSorted) {
   const Velora::Store::Database database = StoreOf("one");
   Trends trends;
   ExpectAsStats(trends, database);
-  ExpectAsSorted(trends.Answer({{1, database}}, {"Dose", {}, ""}) + '}', NumbersOf(folder / "one" / "ts.db"));
+  ExpectAsSorted(trends.Answer({{1, database}}, {"Dose", {}, ""}) + '}', NumbersOf(OpenFile(folder / "one" / "ts.db")));
 }
 
 TEST_F(TrendsTest, LeadToTheRunsOfTheExtremes) {
@@ -216,20 +215,21 @@ TEST_F(TrendsTest, LeadToTheRunsOfTheExtremes) {
   EXPECT_GT(bins, 20);
 }
 
-// More events than are read one by one, so they are summarised, and the summary is kept.
+constexpr int many = 130000;  // more than are read one by one, so they are summarised, and the summary is kept
+
 TEST_F(TrendsTest, OfManyEventsAreKeptAndStayTrue) {
   if (TestStore::OnServer()) {
-    GTEST_SKIP() << "what follows adds to the file";
+    GTEST_SKIP() << "what follows adds to the file; OfManyEventsStayTrueAfterLateRows adds to a server";
   }
-  constexpr int many = 130000;
   Fill("one", 1, many, "2017-01-01");
   const Velora::Store::Database database = StoreOf("one");
   const std::filesystem::path file = folder / "one" / "ts.db";
   Trends trends;
+  EXPECT_TRUE(trends.ReadAhead({1, database}, "Dose"));  // a portion, behind which the first answer reads on
   const auto expectTrue = [&](const char* when) {
     SCOPED_TRACE(when);
     ExpectAsStats(trends, database);
-    ExpectAsSorted(trends.Answer({{1, database}}, {"Dose", {}, ""}) + '}', NumbersOf(file));
+    ExpectAsSorted(trends.Answer({{1, database}}, {"Dose", {}, ""}) + '}', NumbersOf(OpenFile(file)));
   };
   expectTrue("first");
   Fill("one", many + 1, many + 500, "2017-01-01");
@@ -239,6 +239,44 @@ TEST_F(TrendsTest, OfManyEventsAreKeptAndStayTrue) {
   remove_all(folder / "one");
   Fill("one", 1, many + 901, "2016-12-01");
   expectTrue("another store in its place");
+  EXPECT_FALSE(trends.ReadAhead({1, database}, "Dose"));
+}
+
+// On a server, rows become visible when their transaction ends, also behind rows with higher keys.
+TEST_F(TrendsTest, OfManyEventsStayTrueAfterLateRows) {
+  if (!TestStore::OnServer()) {
+    GTEST_SKIP() << "one transaction at a time writes to a file";
+  }
+  Fill("one", 1, many, "2017-01-01");
+  const Velora::Store::Database database = StoreOf("one");
+  const TestStore store(folder / "one" / "ts.db");
+  const SqlConnection late = store.Open(), other = store.Open();
+  const long long session = *other->Find<long long>(
+      "INSERT INTO sessions (guid, instrument, host, began_at, text1, text2, text3) VALUES ('own', 'Scope 7', '', "
+      "'2026', '', '', '') RETURNING session_id");
+  const auto add = [session](const SqlConnection& sql, int events) {
+    sql->RunScript("WITH e AS (INSERT INTO events (session_id, name, at) SELECT " + std::to_string(session) +
+                   ", 'Image', '2026-03-01T00:00:00.000000Z' FROM generate_series(1, " + std::to_string(events) +
+                   ") RETURNING event_id) INSERT INTO parameters SELECT event_id, 1, 'Dose', 'double', NULL, event_id "
+                   "% 1009 FROM e");
+  };
+  Trends trends;
+  const auto expectTrue = [&](const char* when) {
+    SCOPED_TRACE(when);
+    ExpectAsSorted(trends.Answer({{1, database}}, {"Dose", {}, ""}) + '}', NumbersOf(other));
+  };
+  expectTrue("first");
+  late->RunScript("BEGIN");
+  add(late, 7);
+  add(other, 3000);
+  expectTrue("while the transaction runs");
+  add(other, 3000);
+  expectTrue("while it still runs");
+  late->RunScript("COMMIT");
+  expectTrue("late rows");
+  add(other, 3000);
+  expectTrue("when they are old");
+  ExpectAsStats(trends, database);
 }
 
 TEST_F(TrendsTest, CountRecordsOfTwoStoresOnce) {

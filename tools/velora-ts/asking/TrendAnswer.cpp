@@ -14,7 +14,7 @@ using namespace Store;
 
 namespace {
 
-constexpr std::size_t eventsAtOnce = 500;
+constexpr std::size_t eventsAtOnce = 50;  // neighbours, so that a server looks into few months
 constexpr std::size_t longestName = 200;  // bytes
 
 /// Finds the runs of events, with few questions.
@@ -27,11 +27,13 @@ void FindRuns(OpenStore& store, const std::set<long long>& events) {
       continue;
     }
     for (Rows rows(*store.reader,
-                   "SELECT v.event_id, r.guid FROM events v CROSS JOIN executions x CROSS JOIN executions r WHERE "
-                   "v.event_id IN (" +
-                       some + ") AND x.execution_id = v.execution_id AND r.execution_id = x.root_id");
+                   "SELECT v.event_id, (SELECT r.guid FROM executions x CROSS JOIN executions r WHERE x.execution_id = "
+                   "v.execution_id AND r.execution_id = x.root_id) FROM events v WHERE v.event_id IN (" +
+                       some + ')');
          rows.Next();) {
-      store.runs.emplace(rows.Integer(0), rows.Whole(1));
+      if (!rows.IsNull(1)) {
+        store.runs.emplace(rows.Integer(0), rows.Whole(1));
+      }
     }
     some.clear();
   }

@@ -15,7 +15,7 @@ struct OpenStore {
       : number(number), reader(std::make_unique<Store::Reader>(database)) {}
 
   int number;
-  std::unique_ptr<const Store::Reader> reader;
+  std::unique_ptr<Store::Reader> reader;
   std::unordered_map<long long, std::string> runs = {};  ///< The guids of the runs of events.
 };
 

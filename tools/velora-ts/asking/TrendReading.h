@@ -1,10 +1,12 @@
 #pragma once
 
+#include "asking/TrendSources.h"
 #include "asking/TrendSummary.h"
 #include "store/asking/EventWindow.h"
 #include "store/reading/KnownStores.h"
 
 #include <string>
+#include <utility>
 
 namespace Velora::Ts {
 
@@ -16,8 +18,25 @@ TrendSummary SummaryFor(const Store::Reader& store, const Store::EventWindow& wi
 /// @param parameter its name, as stored.
 TrendSummary ReadWindow(const Store::Reader& store, const Store::EventWindow& window, const std::string& parameter);
 
-/// Reads the numbers of a parameter in the events of some keys.
-void ReadKeys(const Store::Reader& store, const Store::KeyRange& keys, const std::string& parameter,
-              TrendSummary& summary);
+/// Reads the numbers of a parameter in the events of keys.
+class KeysReader {
+ public:
+  /// @param store and @param summary, which gets the numbers, must stay.
+  KeysReader(const Store::Reader& store, std::string parameter, TrendSummary& summary)
+      : store(store), parameter(std::move(parameter)), summary(summary), sources(store, summary) {}
+
+  void Read(const Store::KeyRange& keys);
+
+ private:
+  void ReadFile(const Store::KeyRange& keys);
+  void ReadServer(const Store::KeyRange& keys);
+  void ReadGroups(Store::Rows& groups, long long first);
+
+  const Store::Reader& store;
+  const std::string parameter;
+  TrendSummary& summary;
+  SourceFinder sources;
+  TimeReader times;
+};
 
 }  // namespace Velora::Ts

@@ -66,31 +66,53 @@ namespace {
 // Executions are read in portions, because neighbours mostly are needed soon after each other.
 constexpr long long atOnce = 1000;
 
+const std::vector<long long> noVersions;
+
 }  // namespace
 
 SourceFinder::SourceFinder(const Reader& store, TrendSummary& summary)
-    : summary(summary),
+    : store(store),
+      summary(summary),
       instruments(store),
-      rows(store, "SELECT execution_id, parent_id, version_id FROM executions WHERE execution_id BETWEEN ?1 AND ?2") {}
+      rows(store, "SELECT execution_id, parent_id, version_id FROM executions WHERE execution_id BETWEEN ?1 AND ?2"),
+      tooMany(*lists.emplace(TrendSource::mostVersions + 1).first) {}
 
-int SourceFinder::Of(long long session, long long execution) {
-  if (session == lastSession && execution == lastExecution) {
-    return last;
-  }
-  if (lists.size() > TrendSummary::mostSources) {
-    numbers.clear();
-    known.fill({});
-    lists.clear();
-  }
+int SourceFinder::NumberOf(long long session, const Versions& versions) {
   const long long instrument = instruments.Of(session);
-  const Versions& versions = VersionsOf(execution);
   const auto [number, isNew] = numbers.try_emplace({instrument, &versions});
   if (isNew) {
     number->second = summary.NumberOf({instrument, versions});
   }
-  lastSession = session;
-  lastExecution = execution;
-  return last = number->second;
+  return number->second;
+}
+
+int SourceFinder::Of(long long session, long long execution) {
+  if (session != lastSession || execution != lastExecution) {
+    last = NumberOf(session, VersionsOf(execution));
+    lastSession = session;
+    lastExecution = execution;
+  }
+  return last;
+}
+
+void SourceFinder::ReadAbove(long long first, long long last) {
+  above.clear();
+  Rows found(store,
+             "WITH RECURSIVE above(execution_id) AS (SELECT DISTINCT parent_id FROM executions WHERE execution_id "
+             "BETWEEN ?1 AND ?2 UNION SELECT (SELECT x.parent_id FROM executions x WHERE x.execution_id = "
+             "above.execution_id AND x.parent_id < x.execution_id) FROM above WHERE above.execution_id IS NOT NULL) "
+             "SELECT x.execution_id, x.parent_id, x.version_id FROM executions x WHERE x.execution_id = "
+             "ANY (ARRAY(SELECT execution_id FROM above)) ORDER BY x.execution_id");
+  for (found.Ask(first, last); found.Next();) {
+    const auto parent = found.IsNull(1) ? above.end() : above.find(found.Integer(1));
+    above[found.Integer(0)] =
+        &Joined(parent == above.end() ? noVersions : *parent->second, found.IsNull(2) ? 0 : found.Integer(2));
+  }
+}
+
+int SourceFinder::Below(long long session, long long parent, long long version) {
+  const auto place = above.find(parent);
+  return NumberOf(session, Joined(place == above.end() ? noVersions : *place->second, version));
 }
 
 const SourceFinder::Row& SourceFinder::RowOf(long long execution) {
@@ -113,19 +135,21 @@ const SourceFinder::Row& SourceFinder::RowOf(long long execution) {
   return row.key == execution ? row : none;
 }
 
-const SourceFinder::Versions& SourceFinder::Below(const Versions& above, long long version) {
+const SourceFinder::Versions& SourceFinder::Joined(const Versions& above, long long version) {
+  static constexpr std::size_t mostLists = 10 * TrendSummary::mostSources;
+  if (lists.size() > mostLists || above.size() > TrendSource::mostVersions) {
+    return tooMany;
+  }
   Versions versions{version};
   std::remove_copy(above.begin(), above.end(), std::back_inserter(versions), version);
   std::sort(versions.begin() + 1, versions.end());
-  versions.resize(std::min(versions.size(), TrendSource::mostVersions + 1));
   return *lists.insert(std::move(versions)).first;
 }
 
 // A parent has a lower key. What says otherwise is not followed, as in Store::WindowQuestion.
 const SourceFinder::Versions& SourceFinder::VersionsOf(long long execution) {
   static constexpr std::size_t deepest = 1000;
-  static const Versions none;
-  const Versions* versions = &none;
+  const Versions* versions = &noVersions;
   std::vector<Row> path;
   for (long long key = execution; key > 0;) {
     if (const Execution& above = PlaceOf(key); above.key == key) {
@@ -137,16 +161,16 @@ const SourceFinder::Versions& SourceFinder::VersionsOf(long long execution) {
       break;
     }
     if (path.size() == deepest) {
-      return *lists.emplace(TrendSource::mostVersions + 1).first;
+      return tooMany;
     }
     path.push_back(row);
     key = row.parent < key ? row.parent : 0;
   }
-  if (path.empty() && versions == &none) {
-    return Below(none, 0);
+  if (path.empty() && versions == &noVersions) {
+    return Joined(noVersions, 0);
   }
   for (; !path.empty(); path.pop_back()) {
-    versions = &Below(*versions, path.back().version);
+    versions = &Joined(*versions, path.back().version);
     PlaceOf(path.back().key) = {path.back().key, versions};
   }
   return *versions;

@@ -41,11 +41,17 @@ class InstrumentFinder {
 /// limited number of executions.
 class SourceFinder {
  public:
-  /// @param summary gets the sources. It must stay.
+  /// @param store and @param summary, which gets the sources, must stay.
   SourceFinder(const Store::Reader& store, TrendSummary& summary);
 
   /// The number of a source in the summary. @param execution 0 for none.
   int Of(long long session, long long execution);
+
+  /// Reads what is above the executions between two keys of a server, with one question, instead of what it read so.
+  void ReadAbove(long long first, long long last);
+  /// The number of the source of executions of which the parent was read so. @param parent and @param version 0 for
+  /// none.
+  int Below(long long session, long long parent, long long version);
 
  private:
   using Versions = std::vector<long long>;  // as in TrendSource
@@ -59,15 +65,19 @@ class SourceFinder {
   };
   Execution& PlaceOf(long long key) { return known[static_cast<std::size_t>(key) % known.size()]; }
 
+  int NumberOf(long long session, const Versions& versions);
   const Versions& VersionsOf(long long execution);
-  const Versions& Below(const Versions& above, long long version);
+  const Versions& Joined(const Versions& above, long long version);
   const Row& RowOf(long long execution);
 
+  const Store::Reader& store;
   TrendSummary& summary;
   InstrumentFinder instruments;
   Store::Rows rows;
+  std::map<long long, const Versions*> above;  // as ReadAbove() found them
   std::map<long long, std::vector<Row>> read;  // executions, one behind the other, by the first key
   std::set<Versions> lists;
+  const Versions& tooMany;            // that is in no source of a whole summary
   std::array<Execution, 1024> known;  // by the last digits of their keys
   std::map<std::pair<long long, const Versions*>, int> numbers;
   long long lastSession = -1, lastExecution = -1;

@@ -104,12 +104,20 @@ bool Trends::ReadKept(OpenStore& store, const TrendQuestion& question, std::vect
     return false;
   }
   const std::lock_guard lock(mutex);
-  store.reader = std::make_unique<Reader>(store.reader->Where());  // not older than what is kept
   const TrendSummary& summary = kept.Of(store.number, *store.reader, question.parameter);
   if (summary.IsWhole()) {
     TakeCells(store, summary, question, parts);
   }
   return summary.IsWhole();
+}
+
+bool Trends::ReadAhead(const TrendStore& store, const std::string& parameter) {
+  Reader reader(store.database);
+  if (!IsLarge(reader, {})) {
+    return false;
+  }
+  const std::lock_guard lock(mutex);
+  return kept.ReadSome(store.number, reader, parameter);
 }
 
 std::string Trends::Answer(const std::vector<TrendStore>& asked, const TrendQuestion& question) {

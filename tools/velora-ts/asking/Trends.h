@@ -36,6 +36,11 @@ class Trends {
   /// @throws Store::Error when no store can be read.
   std::string Answer(const std::vector<TrendStore>& stores, const TrendQuestion& question);
 
+  /// Reads some of the numbers of a parameter, so that the first answer need not; those of a store with few events are
+  /// not read. Can be called by several threads. @return whether there was something to read.
+  /// @throws Store::Error when the store cannot be read.
+  bool ReadAhead(const TrendStore& store, const std::string& parameter);
+
  private:
   bool ReadKept(OpenStore& store, const TrendQuestion& question, std::vector<TrendPart>& parts);
 
