@@ -1,19 +1,23 @@
 #include "asking/Trends.h"
+#include "asking/TrendsAhead.h"
 #include "output/Output.h"
 #include "serving/Routes.h"
 #include "serving/Served.h"
 #include "serving/http/Server.h"
 #include "store/Error.h"
+#include "store/values/StoredText.h"
 #include "verbs/Verb.h"
 #include "watching/Watch.h"
 
 #include <VeloraSystem/EndRequest.h>
 #include <VeloraSystem/Path.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <future>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <system_error>
@@ -59,11 +63,13 @@ class ServeVerb : public Verb {
     Say("serving " + StoresInWords(served) + " at http://" + server->Listens().InWords() + "/");
     FlushOut();
     Warn(server->Listens(), served);
+    TrendsAhead ahead(trends, TrendStores(served), StoredValues());
     while (!end.Await(betweenLooks) && !HasEnded(answering, 0ms)) {
     }
+    ahead.End();
     watch.End();
     server->End();
-    if (!HasEnded(answering, longestEnd) || !watch.AwaitEnd(longestEnd)) {
+    if (!HasEnded(answering, longestEnd) || !watch.AwaitEnd(longestEnd) || !ahead.AwaitEnd(longestEnd)) {
       std::_Exit(Done);  // a long question to a store only reads, and can be cut off
     }
     answering.get();
@@ -121,6 +127,20 @@ class ServeVerb : public Verb {
       watched.push_back({store.number, store.folder, store.settings});
     }
     return watched;
+  }
+
+  static std::vector<TrendStore> TrendStores(const Served& served) {
+    std::vector<TrendStore> stores;
+    for (const ServedStore& store : served.stores) {
+      stores.push_back({store.number, store.settings.database});
+    }
+    return stores;
+  }
+
+  std::vector<std::string> StoredValues() const {
+    std::vector<std::string> stored;
+    std::transform(values.begin(), values.end(), std::back_inserter(stored), &ToStoredText);
+    return stored;
   }
 
   std::vector<std::string> folders, names, values;
