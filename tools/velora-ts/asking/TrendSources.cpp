@@ -88,15 +88,15 @@ int SourceFinder::NumberOf(long long session, const Versions& versions) {
 
 int SourceFinder::Of(long long session, long long execution) {
   if (session != lastSession || execution != lastExecution) {
-    last = NumberOf(session, VersionsOf(execution));
+    lastNumber = NumberOf(session, VersionsOf(execution));
     lastSession = session;
     lastExecution = execution;
   }
-  return last;
+  return lastNumber;
 }
 
 void SourceFinder::ReadAbove(long long first, long long last) {
-  above.clear();
+  readAbove.clear();
   Rows found(store,
              "WITH RECURSIVE above(execution_id) AS (SELECT DISTINCT parent_id FROM executions WHERE execution_id "
              "BETWEEN ?1 AND ?2 UNION SELECT (SELECT x.parent_id FROM executions x WHERE x.execution_id = "
@@ -104,15 +104,15 @@ void SourceFinder::ReadAbove(long long first, long long last) {
              "SELECT x.execution_id, x.parent_id, x.version_id FROM executions x WHERE x.execution_id = "
              "ANY (ARRAY(SELECT execution_id FROM above)) ORDER BY x.execution_id");
   for (found.Ask(first, last); found.Next();) {
-    const auto parent = found.IsNull(1) ? above.end() : above.find(found.Integer(1));
-    above[found.Integer(0)] =
-        &Joined(parent == above.end() ? noVersions : *parent->second, found.IsNull(2) ? 0 : found.Integer(2));
+    const auto parent = found.IsNull(1) ? readAbove.end() : readAbove.find(found.Integer(1));
+    readAbove[found.Integer(0)] =
+        &Joined(parent == readAbove.end() ? noVersions : *parent->second, found.IsNull(2) ? 0 : found.Integer(2));
   }
 }
 
 int SourceFinder::Below(long long session, long long parent, long long version) {
-  const auto place = above.find(parent);
-  return NumberOf(session, Joined(place == above.end() ? noVersions : *place->second, version));
+  const auto place = readAbove.find(parent);
+  return NumberOf(session, Joined(place == readAbove.end() ? noVersions : *place->second, version));
 }
 
 const SourceFinder::Row& SourceFinder::RowOf(long long execution) {

@@ -74,14 +74,14 @@ class SourceFinder {
   TrendSummary& summary;
   InstrumentFinder instruments;
   Store::Rows rows;
-  std::map<long long, const Versions*> above;  // as ReadAbove() found them
-  std::map<long long, std::vector<Row>> read;  // executions, one behind the other, by the first key
+  std::map<long long, const Versions*> readAbove;  // as ReadAbove() found them
+  std::map<long long, std::vector<Row>> read;      // executions, one behind the other, by the first key
   std::set<Versions> lists;
   const Versions& tooMany;            // that is in no source of a whole summary
   std::array<Execution, 1024> known;  // by the last digits of their keys
   std::map<std::pair<long long, const Versions*>, int> numbers;
   long long lastSession = -1, lastExecution = -1;
-  int last = 0;
+  int lastNumber = 0;
 };
 
 }  // namespace Velora::Ts
