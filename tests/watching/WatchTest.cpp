@@ -235,6 +235,32 @@ TEST_F(Watching, TakesATimeAheadForWhenItWasSeen) {
   EXPECT_LT(seen, recordedAt());
 }
 
+TEST_F(WatchingFile, TellsTheTruthAgainAfterAnOlderCopyWasRestored) {
+  ScriptedHost first(host, {Begins("one", "TiltSeries")});
+  ScriptedHost second(host, {Begins("two", "TiltSeries")});
+  first.Next();
+  first.Kill();
+  const auto copy = [&](const std::filesystem::path& from, const std::filesystem::path& to) {
+    for (const char* const name : {"ts.db", "ts.db-wal", "ts.db-hosts"}) {
+      copy_file(from / name, to / name, std::filesystem::copy_options::overwrite_existing);
+    }
+  };
+  create_directory(folder / "away");
+  copy(host, folder / "away");
+  const auto watch = Begin();
+  const std::string one = "one stopped in one, 0 events";
+  EXPECT_EQ(SaidOnce(*watch, "Scope 7 stopped, 0 alive | " + one + " | newest one"),
+            "Scope 7 stopped, 0 alive | " + one + " | newest one");
+  second.Next();
+  second.Kill();
+  const std::string both = "Scope 7 stopped, 0 alive | two stopped in two, 0 events | " + one + " | newest two";
+  EXPECT_EQ(SaidOnce(*watch, both), both);
+  std::filesystem::remove(host / "ts.db-shm");
+  copy(folder / "away", host);
+  const auto isOlder = [](const std::string& said) { return said.ends_with(" in one, 0 events | newest one"); };
+  EXPECT_TRUE(isOlder(SaidOnce(*watch, isOlder))) << "its locks can be elsewhere, so its state is not compared";
+}
+
 TEST_F(WatchingFile, GoesOnWhenMemoryLacks) {
   ScriptedHost recording(host, {Begins("one", "TiltSeries"), Ends("one")});
   recording.Next();
