@@ -126,7 +126,7 @@ class Writer {
     AppendText(json, rows.Text(1));
     json += ",\"hash\":";
     AppendText(json, rows.Text(2));
-    const Numbers upTo = FromText(rows.Text(3)).value_or(none);
+    const PerKind upTo = FromText(rows.Text(3)).value_or(none);
     json += UnsealedRecords(store, origin).IsIn(run.root, upTo) ? ",\"complete\":false}" : ",\"complete\":true}";
   }
 

@@ -133,7 +133,7 @@ const Table& TableOf(Kind kind) {
   throw std::logic_error(std::string("no table has the records '") + kindNames[kind] + "'");
 }
 
-Numbers HighestNumbers(const Reader& store, long long origin) {
+PerKind HighestNumbers(const Reader& store, long long origin) {
   std::vector<std::string> highest;
   for (const Kind kind : kinds) {
     std::vector<std::string> found = {"0"};
@@ -144,14 +144,14 @@ Numbers HighestNumbers(const Reader& store, long long origin) {
   }
   Rows rows(store, "SELECT " + Listed(highest));
   rows.Next();
-  Numbers numbers{};
+  PerKind numbers{};
   for (const Kind kind : kinds) {
     numbers[kind] = std::max(rows.Integer(kind) - ShiftOf(origin), 0LL);
   }
   return numbers;
 }
 
-Records::Records(const Reader& store, long long origin, const Numbers& upTo, Sink sink)
+Records::Records(const Reader& store, long long origin, const PerKind& upTo, Sink sink)
     : store(store),
       origin(origin),
       upTo(upTo),
@@ -163,7 +163,7 @@ Records::Records(const Reader& store, long long origin, const Numbers& upTo, Sin
       notes(Question(store, Notes, "root_id = ?1 AND note_id > ?2 AND note_id <= ?3 ORDER BY note_id")),
       events(EventsOfExecution(store)) {}
 
-void Records::WriteRun(long long root, const Numbers& since) {
+void Records::WriteRun(long long root, const PerKind& since) {
   Rows guid(store, "SELECT guid FROM executions WHERE execution_id = ?1");
   guid.Ask(root).Next();
   if (StoreOf(root) == origin) {
@@ -177,7 +177,7 @@ void Records::WriteRun(long long root, const Numbers& since) {
   WriteAll(Notes, notes.Ask(root, KeyAfter(Notes, since), KeyUpTo(Notes)));
 }
 
-void Records::WriteExecutions(long long root, const Numbers& since) {
+void Records::WriteExecutions(long long root, const PerKind& since) {
   const long long after = KeyAfter(Executions, since);
   const long long afterStatus = KeyAfter(Statuses, since), upToStatus = KeyUpTo(Statuses);
   const auto [afterEvent, upToEvent] = EventKeys(root, since);
@@ -191,7 +191,7 @@ void Records::WriteExecutions(long long root, const Numbers& since) {
   }
 }
 
-void Records::WriteRest(const Numbers& since) {
+void Records::WriteRest(const PerKind& since) {
   const auto writeAll = [&](Kind kind) {
     Rows rows = Question(store, kind, Between(TableOf(kind).Key()));
     for (const auto& [after, last] : KeysOf(origin, since[kind], upTo[kind])) {
@@ -211,13 +211,13 @@ void Records::WriteRest(const Numbers& since) {
 
 void Records::BeginEventsOfNoRun() { BeginPart(Header("rest") + '}', true); }
 
-KeyRange Records::EventKeys(long long root, const Numbers& since) const {
+KeyRange Records::EventKeys(long long root, const PerKind& since) const {
   return EventKeysOf(store, root, {KeyAfter(Events, since), KeyUpTo(Events)});
 }
 
 // The keys of an execution and of what belongs to it are of the same store, so that no key between two of one store is
 // that of a row of another.
-long long Records::KeyAfter(Kind kind, const Numbers& since) const {
+long long Records::KeyAfter(Kind kind, const PerKind& since) const {
   return origin == thisStore ? since[kind] : KeysOf(origin, since[kind]).front().after;
 }
 

@@ -54,17 +54,17 @@ inline constexpr std::array<Kind, kindCount> kinds = [] {
 const Table& TableOf(Kind kind);
 
 /// A number for each kind: a count, or the highest number of a row.
-using Numbers = std::array<long long, kindCount>;
+using PerKind = std::array<long long, kindCount>;
 
-/// Numbers below all rows: nothing is covered yet.
-inline constexpr Numbers none = [] {
-  Numbers numbers{};
+/// Below all rows: nothing is covered yet.
+inline constexpr PerKind none = [] {
+  PerKind numbers{};
   numbers.fill(std::numeric_limits<long long>::min());
   return numbers;
 }();
 
 /// The highest number of each kind in the rows of one store; 0 if it has none. Parameters have no numbers of their own.
-Numbers HighestNumbers(const Reader& store, long long origin = thisStore);
+PerKind HighestNumbers(const Reader& store, long long origin = thisStore);
 
 /// Writes the records of one store, each on a line, as that store itself writes them. What a record refers to is
 /// written before it, once in each part.
@@ -74,25 +74,25 @@ class Records {
 
   /// @param origin the number of the store whose rows to write.
   /// @param upTo the highest numbers to write.
-  Records(const Reader& store, long long origin, const Numbers& upTo, Sink sink);
+  Records(const Reader& store, long long origin, const PerKind& upTo, Sink sink);
 
   /// Sets the highest numbers to write from now on.
-  void Limit(const Numbers& highest) { upTo = highest; }
+  void Limit(const PerKind& highest) { upTo = highest; }
 
   /// Writes a part with a run. Of the run of another store, it has what the store added: its notes.
   /// @param root the key of the root of the run.
   /// @param since writes only records with higher numbers.
-  void WriteRun(long long root, const Numbers& since = none);
+  void WriteRun(long long root, const PerKind& since = none);
   /// Writes a part with the records that belong to no run.
   /// @param since writes only records with higher numbers.
-  void WriteRest(const Numbers& since = none);
+  void WriteRest(const PerKind& since = none);
   /// Begins a part with events that belong to no run, and with what they refer to.
   void BeginEventsOfNoRun();
   /// Writes the current one of the events that QueryEventsOfNoRun() finds.
   void WriteEvent(EventRows& rows);
 
   /// The number of records of each kind in the current part.
-  const Numbers& Counts() const { return counts; }
+  const PerKind& Counts() const { return counts; }
 
  private:
   void BeginPart(const std::string& header, bool withReferences);
@@ -107,19 +107,19 @@ class Records {
   void EndLine();
   void AppendParameter(const Rows& parameters);
 
-  void WriteExecutions(long long root, const Numbers& since);
+  void WriteExecutions(long long root, const PerKind& since);
   /// The keys of the events of a run: more of a range than the numbers say, so that a server looks into few months.
-  KeyRange EventKeys(long long root, const Numbers& since) const;
+  KeyRange EventKeys(long long root, const PerKind& since) const;
   long long KeyUpTo(Kind kind) const;
-  long long KeyAfter(Kind kind, const Numbers& since) const;
+  long long KeyAfter(Kind kind, const PerKind& since) const;
 
   const Reader& store;
   const long long origin;
-  Numbers upTo;
+  PerKind upTo;
   const Sink sink;
   std::string line;
   bool withReferences = true;
-  Numbers counts{};
+  PerKind counts{};
   std::array<std::set<long long>, kindCount> written;
 
   std::map<Kind, Rows> byKey;  // of kinds that others refer to

@@ -40,7 +40,7 @@ void AppendField(std::string& line, std::string_view name) {
 
 }  // namespace
 
-std::string ToText(const Numbers& numbers) {
+std::string ToText(const PerKind& numbers) {
   std::string text;
   for (const Kind kind : kinds) {
     if (!IsLeftOutAsZero(kind) || numbers[kind] != 0) {
@@ -50,8 +50,8 @@ std::string ToText(const Numbers& numbers) {
   return text + '}';
 }
 
-std::optional<Numbers> FromText(std::string_view text) {
-  Numbers numbers{};
+std::optional<PerKind> FromText(std::string_view text) {
+  PerKind numbers{};
   const auto take = [&text](std::string_view expected) {
     const bool found = text.starts_with(expected);
     text.remove_prefix(found ? expected.size() : 0);
@@ -116,7 +116,7 @@ bool SealRows::Next() {
 std::vector<std::string> Chain::Add(const Seal& seal) {
   std::vector<std::string> findings;
   const std::string name = "seal " + std::to_string(seal.number);
-  const std::optional<Numbers> covered = FromText(seal.upTo), counted = FromText(seal.counts);
+  const std::optional<PerKind> covered = FromText(seal.upTo), counted = FromText(seal.counts);
   if (seal.number != number + 1) {
     findings.push_back("seal " + std::to_string(number + 1) + " is missing: " + name + " follows the one before it");
   }
@@ -132,7 +132,7 @@ std::vector<std::string> Chain::Add(const Seal& seal) {
     restUpTo = upTo;
   }
   for (std::size_t kind = 0; kind < counts.size(); ++kind) {
-    counts[kind] += counted.value_or(Numbers{})[kind];
+    counts[kind] += counted.value_or(PerKind{})[kind];
   }
   ++seals;
   return findings;

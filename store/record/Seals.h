@@ -32,9 +32,9 @@ struct Seal {
 inline const std::string noHash(64, '0');
 
 /// The form of numbers in a seal. It has notes and stores only if there are any, because old seals know none.
-std::string ToText(const Numbers& numbers);
+std::string ToText(const PerKind& numbers);
 /// The numbers of that form; nothing for another text.
-std::optional<Numbers> FromText(std::string_view text);
+std::optional<PerKind> FromText(std::string_view text);
 
 /// Reads the seals of one store one by one, in the order of their numbers. A store of the first version has none.
 class SealRows {
@@ -66,9 +66,9 @@ class Chain {
   long long origin = thisStore;  ///< The number of the store whose chain it is.
   long long number = 0;          ///< The number of the last seal.
   std::string hash = noHash;     ///< The hash of the last seal.
-  Numbers upTo = none;           ///< How far the last seal covers the store.
-  Numbers restUpTo = none;       ///< How far the records of no run are sealed.
-  Numbers counts{};              ///< How many records all seals cover.
+  PerKind upTo = none;           ///< How far the last seal covers the store.
+  PerKind restUpTo = none;       ///< How far the records of no run are sealed.
+  PerKind counts{};              ///< How many records all seals cover.
   long long seals = 0;           ///< How many seals there are.
 };
 

@@ -93,7 +93,7 @@ bool Has(const Reader& store, long long origin, Kind kind, long long count, long
 RunStates::RunStates(const Reader& store, long long origin)
     : origin(origin), rows(store, Question(store, origin, All(store, origin))) {}
 
-RunStates::RunStates(const Reader& store, long long origin, const Numbers& since)
+RunStates::RunStates(const Reader& store, long long origin, const PerKind& since)
     : origin(origin), rows(store, Question(store, origin, Since(store, origin))) {
   std::vector<KeyRange> events = KeysOf(origin, since[Events]);
   events.resize(2, noKeys);
@@ -131,7 +131,7 @@ UnsealedRecords::UnsealedRecords(const Reader& store, long long origin)
       ofNoRun(store,
               "SELECT EXISTS (SELECT 1 FROM events WHERE execution_id IS NULL AND event_id > ?1 AND event_id <= ?2)") {}
 
-bool UnsealedRecords::IsIn(long long root, const Numbers& since) {
+bool UnsealedRecords::IsIn(long long root, const PerKind& since) {
   if (StoreOf(root) == origin) {
     const auto behind = [&](Kind kind) { return KeysOf(origin, since[kind]).front().after; };
     ofRun.Ask(root, behind(Executions), behind(Statuses), behind(Events)).Next();
@@ -144,8 +144,8 @@ bool UnsealedRecords::IsIn(long long root, const Numbers& since) {
   return notes.Integer(0) != 0;
 }
 
-bool UnsealedRecords::IsInNoRun(const Numbers& since) {
-  const Numbers highest = HighestNumbers(store, origin);
+bool UnsealedRecords::IsInNoRun(const PerKind& since) {
+  const PerKind highest = HighestNumbers(store, origin);
   for (const Kind kind : {Schema, Sessions, Registrations, Activities, Versions, Configurations, Stores}) {
     if (highest[kind] > since[kind]) {
       return true;
@@ -162,8 +162,8 @@ bool UnsealedRecords::IsInNoRun(const Numbers& since) {
 
 bool OnlyLaterRunsHaveMore(const Reader& store, const Chain& chain) {
   const long long origin = chain.origin;
-  const Numbers& upTo = chain.upTo;
-  Numbers known = chain.counts;
+  const PerKind& upTo = chain.upTo;
+  PerKind known = chain.counts;
   Rows between(
       store,
       "SELECT (SELECT COUNT(*) FROM executions WHERE root_id = ?1 AND execution_id > ?2 AND execution_id <= ?3), "
@@ -173,7 +173,7 @@ bool OnlyLaterRunsHaveMore(const Reader& store, const Chain& chain) {
       "WHERE x.root_id = ?1 AND e.event_id > ?6 AND e.event_id <= ?7), "
       "(SELECT COUNT(*) FROM notes WHERE root_id = ?1 AND note_id > ?8 AND note_id <= ?9)");
   for (RunStates runs(store, origin, upTo); runs.Next();) {
-    const Numbers& since = runs.SealedUpTo();
+    const PerKind& since = runs.SealedUpTo();
     const bool own = StoreOf(runs.Current().root) == origin;
     const auto keys = [&](Kind kind) {
       std::vector<KeyRange> ranges = KeysOf(origin, since[kind], upTo[kind]);

@@ -21,13 +21,13 @@ class RunStates {
   /// @param origin the number of the store that seals.
   explicit RunStates(const Reader& store, long long origin = thisStore);
   /// Reads the runs that have records behind these numbers, and those that are not finished.
-  RunStates(const Reader& store, long long origin, const Numbers& since);
+  RunStates(const Reader& store, long long origin, const PerKind& since);
 
   /// Goes to the next run. @return whether there is one.
   bool Next();
   const Run& Current() const { return run; }
   /// How far the run is sealed.
-  const Numbers& SealedUpTo() const { return sealedUpTo; }
+  const PerKind& SealedUpTo() const { return sealedUpTo; }
   bool HasSeal() const { return sealed; }
   /// Whether the run is not finished. What was added to a run of another store does not wait for its end.
   bool IsUnfinished() const { return unfinished; }
@@ -36,7 +36,7 @@ class RunStates {
   const long long origin;
   Rows rows;
   Run run;
-  Numbers sealedUpTo = none;
+  PerKind sealedUpTo = none;
   bool sealed = false;
   bool unfinished = false;
 };
@@ -47,9 +47,9 @@ class UnsealedRecords {
   explicit UnsealedRecords(const Reader& store, long long origin = thisStore);
 
   /// Whether a run has records behind these numbers.
-  bool IsIn(long long root, const Numbers& since);
+  bool IsIn(long long root, const PerKind& since);
   /// Whether there are records of no run behind these numbers.
-  bool IsInNoRun(const Numbers& since);
+  bool IsInNoRun(const PerKind& since);
 
  private:
   const Reader& store;

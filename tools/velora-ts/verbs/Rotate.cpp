@@ -143,7 +143,7 @@ class Rotation {
 
   const Database database;
   const std::string aside;
-  Numbers upTo = none;
+  PerKind upTo = none;
   Continued end;
 };
 

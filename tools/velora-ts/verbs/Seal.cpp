@@ -114,7 +114,7 @@ class Sealer {
   const Store::Reader& store;
   const Chain& chain;
   Anchor end;
-  const Numbers upTo;
+  const PerKind upTo;
   Sha256 sha;
   Progress progress;
   Records records;

@@ -101,7 +101,7 @@ class Verifier {
     Rows before(
         store,
         "SELECT up_to FROM seals WHERE run = ?1 AND seal_id > ?2 AND seal_id < ?3 ORDER BY seal_id DESC LIMIT 1");
-    Numbers ofNoRun = none;
+    PerKind ofNoRun = none;
     for (SealRows seals(store, origin); seals.Next();) {
       const Seal& seal = seals.Current();
       records.Limit(FromText(seal.upTo).value_or(none));
@@ -148,7 +148,7 @@ class Verifier {
                       (origin == thisStore ? "" : "; it is sealed in that store, where it was recorded"));
   }
 
-  void CompareRun(const Seal& seal, const Numbers& since) {
+  void CompareRun(const Seal& seal, const PerKind& since) {
     const std::vector<Run> runs = RunsNamed(store, seal.run);
     const auto run = std::find_if(runs.begin(), runs.end(), [&](const Run& found) { return found.guid == seal.run; });
     if (run == runs.end()) {
@@ -165,8 +165,8 @@ class Verifier {
     }
   }
 
-  static std::string Difference(const Seal& seal, const Numbers& counts) {
-    const Numbers covered = FromText(seal.counts).value_or(counts);
+  static std::string Difference(const Seal& seal, const PerKind& counts) {
+    const PerKind covered = FromText(seal.counts).value_or(counts);
     for (std::size_t kind = 0; kind < counts.size(); ++kind) {
       if (counts[kind] != covered[kind]) {
         return " covers " + std::to_string(covered[kind]) + " records '" + kindNames[kind] + "', " +
