@@ -42,6 +42,25 @@ function(velora_precompile target)
     $<$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>:-Wno-array-bounds;-Wno-stringop-overflow;-Wno-stringop-overread>)
 endfunction()
 
+# velora_together(TARGET [ALONE SOURCES...]): with VELORA_TOGETHER, the sources of a folder are compiled as one, which
+# reads the headers that they include once. What is ALONE has names of its own that others of its folder have too, such
+# as the columns of its question. Every file includes what it needs all the same: "release" and "debug" do without this.
+option(VELORA_TOGETHER "Compile the sources of a folder together" OFF)
+function(velora_together target)
+  if(NOT VELORA_TOGETHER)
+    return()
+  endif()
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "ALONE")
+  get_target_property(sources ${target} SOURCES)
+  list(REMOVE_ITEM sources ${arg_ALONE})
+  foreach(source IN LISTS sources)
+    cmake_path(GET source PARENT_PATH folder)
+    string(MAKE_C_IDENTIFIER "in_${folder}" group)
+    set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${group})
+  endforeach()
+  set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+endfunction()
+
 # velora_exports(TARGET LIST): exports only what the version script LIST for the linker names, without instantiations of
 # templates of the standard library.
 function(velora_exports target list)
