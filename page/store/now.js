@@ -151,9 +151,9 @@ function rateOf(run) {
   return `${count(run.events, 'event')}${words}`;
 }
 
-/** What else did not finish there. */
 /** The run that the state of an instrument is of: of an idle one its newest, whatever did not finish before. */
 const mainRunOf = ({ state, runs, newest }) => runs.find((run) => run.state === state) ?? newest;
+/** What else did not finish there. */
 const othersThan = (main, { runs }) => runs.filter(({ run }) => run !== main?.run);
 
 function othersOf(instrument) {

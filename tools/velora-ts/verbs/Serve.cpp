@@ -46,7 +46,8 @@ class ServeVerb : public Verb {
                             "other names are refused",
                             "NAME");
     options.AddRepeatedText("--value", values,
-                            "A parameter whose newest number is shown for each instrument, beside what it does now",
+                            "A parameter whose newest number is shown for each instrument, beside what it does now. "
+                            "The trends of the first three are read before somebody asks",
                             "NAME");
   }
 
