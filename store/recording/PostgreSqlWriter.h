@@ -10,7 +10,7 @@
 namespace Velora::Store {
 
 /// A store on a PostgreSQL server of version 14 or later, opened for recording.
-class PostgreSqlWriter : public Writer {
+class PostgreSqlWriter final : public Writer {
  public:
   /// @param address an address for PostgreSQL's client library.
   PostgreSqlWriter(const std::string& address, Opening opening);

@@ -85,7 +85,7 @@ test('a run that two stores have stops once, and again when it goes on', async (
     SELECT session_id, execution_id, name, '2099-01-01T00:00:00.000000Z' FROM events ORDER BY event_id DESC LIMIT 1`,
   );
   await once();
-  assert.match(await stops.textContent(), /last record (2099-01-01|2098-12-31)/);
+  assert.match(await stops.textContent(), /The last event: ZValue (2099-01-01|2098-12-31)/);
 });
 
 test('a run that begins after a stop ends the alarm', async () => {
