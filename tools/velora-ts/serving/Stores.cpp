@@ -29,7 +29,7 @@ std::string Instruments(const Reader& store) { return NamesIn(store, "instrument
 
 /// Those of the newest versions: with each version of a host come further ones.
 std::string Activities(const Reader& store) {
-  return NamesIn(store, "v.name", "(SELECT name FROM activity_versions ORDER BY version_id DESC LIMIT 10000) v");
+  return NamesIn(store, "v.name", "(SELECT name FROM activity_versions newest ORDER BY version_id DESC LIMIT 10000) v");
 }
 
 void AppendStore(std::string& json, const ServedStore& place) {
