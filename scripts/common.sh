@@ -27,6 +27,18 @@ build() {
   quietly "Building $preset" "build/$preset-build.log" cmake --build --preset "$preset" ${1:+--target "$@"}
 }
 
+# in_memory: gives tests a folder in memory for what they write, if there is room for it: they make thousands of stores,
+# and would wait for the disk most of the time. It is removed when the script ends.
+in_memory() {
+  local room
+  room=$(df --output=avail --block-size=1G /dev/shm 2>/dev/null | tail -1) || return 0
+  [[ -w /dev/shm && $room -ge 4 ]] || return 0
+  TMPDIR=$(mktemp --directory -p /dev/shm)
+  chmod 1777 "$TMPDIR"  # servers run as a user of their own
+  export TMPDIR
+  trap 'rm -rf "$TMPDIR"' EXIT
+}
+
 # without_page PRESET: says why the preset was configured without the page of a run; nothing, if it has it.
 without_page() { sed -n 's/^-- page: no, because //p' "build/$1-configure.log"; }
 
