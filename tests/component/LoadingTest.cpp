@@ -84,7 +84,9 @@ TEST_F(Loading, UnloadReleasesFactoryLoggingAndGatewayInThisOrderAThousandTimes)
   }
   // MinGW's thread library keeps 24 bytes for each of the two mutexes of every library that was loaded.
   const std::size_t kept = System::pathsAreBytes ? 0 : 2 * 24 * 1000;
-  EXPECT_LE(System::MemoryInUse(), inUse + 1024 + kept);
+  // The smallest allocation takes 32 bytes, so one for each time exceeds this; what malloc caches varies by less.
+  const std::size_t varies = 8 * 1000;
+  EXPECT_LE(System::MemoryInUse(), inUse + varies + kept);
 }
 
 TEST_F(Loading, ObjectsThatAHostHoldsAtItsEndDoNoHarm) {
