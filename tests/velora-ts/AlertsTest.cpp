@@ -205,7 +205,7 @@ TEST(AlertConditions, AreOfWhatRuns) {
       WantedAlerts wanted{true, 10min, 1h, {RangeArgument("", "Defocus=-6..-3"), RangeArgument("", "Dose=..40")}};
       auto said = Said(store, wanted);
       EXPECT_EQ(said.size(), 4U);
-      const auto begins = [&](const char* name, const std::string& expected) {
+      const auto begins = [&, value = value](const char* name, const std::string& expected) {
         EXPECT_EQ(said[name].substr(0, expected.size()), expected) << static_cast<int>(row.state) << ' ' << value;
       };
       begins("stopped Scope 7", row.stopped);
