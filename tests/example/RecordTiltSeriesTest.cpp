@@ -209,7 +209,7 @@ TEST_F(RecordTiltSeries, OnATerminalABarShowsBytesRead) {
 }
 
 TEST_F(RecordTiltSeries, AFileTenTimesAsLargeTakesNoMoreMemory) {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef WITH_SANITIZERS
   GTEST_SKIP() << "a sanitizer takes memory of its own";
 #endif
   folder.Write("section", "[ZValue = 0]\nKey = " + std::string(40'000, 'x') + "\n");

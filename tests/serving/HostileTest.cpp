@@ -119,7 +119,7 @@ TEST(Hostile, LiveAnswersAreCounted) {
 }
 
 // What sanitizers keep for themselves is not counted.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#ifdef WITH_SANITIZERS
 constexpr long mostKilobytes = 4'000'000;
 #else
 constexpr long mostKilobytes = 48'000;

@@ -318,7 +318,7 @@ TEST_F(Look, WhatIsTooLongOrTooWideIsRefusedWithItsLimit) {
   expectTooLong("show --events --json");
   expectTooLong("export --format csv");
   EXPECT_EQ(Tool("export ffffffff > long && grep -c x.*x long"), 0) << said;
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // which take memory of their own
+#ifndef WITH_SANITIZERS  // which take memory of their own
   if (!underWine) {
     EXPECT_EQ(Shell("ulimit -v 200000; velora-ts export ffffffff > long"), 3);
     EXPECT_TRUE(Says("event_id 9 has 67108865 bytes, for which there is not enough memory")) << said;
