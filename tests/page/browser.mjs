@@ -4,9 +4,12 @@ import { pathToFileURL } from 'node:url';
 
 const { chromium } = createRequire(`${process.env.NODE_MODULES}/`)('playwright-core');
 
-export const launch = () =>
+/** The whole browser. It shows notifications, and takes twice the time of the one that is made for tests. */
+export const wholeBrowser = '/usr/bin/chromium';
+
+export const launch = (executablePath = process.env.CHROMIUM ?? '/usr/bin/chromium-headless-shell') =>
   chromium.launch({
-    executablePath: process.env.CHROMIUM ?? '/usr/bin/chromium',
+    executablePath,
     args: [
       '--no-sandbox',
       '--disable-gpu',

@@ -3,14 +3,14 @@ import assert from 'node:assert/strict';
 import { rmSync } from 'node:fs';
 import { after, before, test } from 'node:test';
 
-import { launch } from '../page/browser.mjs';
+import { launch, wholeBrowser } from '../page/browser.mjs';
 import { scratch, write } from '../page/recordings.mjs';
 import { end, isTold, openView, recordSlowly, serve, storeOf } from './served.mjs';
 
 let browser;
 const begun = [];
 before(async () => {
-  browser = await launch();
+  browser = await launch(wholeBrowser);
 });
 after(async () => {
   await Promise.all(begun.map((child) => end(child)));
