@@ -19,7 +19,8 @@
 /// A recording-host in a process of its own, and what it tells through a pipe.
 class Host {
  public:
-  /// @param mode "on" for one that goes on after errors, "calm" for one that pauses too; null for one that ends.
+  /// @param mode "on" for one that goes on after errors, "calm" for one that pauses too, "ready" for one that waits for
+  /// Begin(); null for one that ends.
   Host(const std::filesystem::path& folder, const std::string& name, int seconds, const char* mode = nullptr) {
     std::array<int, 2> ends{};
     if (pipe2(ends.data(), O_CLOEXEC) != 0 || (process = fork()) < 0) {
@@ -55,6 +56,13 @@ class Host {
   }
   /// Waits for its end. @return whether it came without an error.
   bool Finish() { return End() == 0; }
+
+  /// Waits until a "ready" one waits.
+  void AwaitReady() const {
+    int status = 0;
+    waitpid(process, &status, WUNTRACED);
+  }
+  void Begin() const { Signal(SIGCONT); }
 
   void Signal(int signal) const { kill(process, signal); }
 

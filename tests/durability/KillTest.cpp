@@ -105,7 +105,13 @@ Together RecordTogether(int count, int seconds) {
   Store store;
   std::deque<Host> hosts;
   for (int number = 0; number < count; ++number) {
-    hosts.emplace_back(store.folder.path, "host" + std::to_string(number), seconds);
+    hosts.emplace_back(store.folder.path, "host" + std::to_string(number), seconds, "ready");
+  }
+  for (const Host& host : hosts) {
+    host.AwaitReady();
+  }
+  for (const Host& host : hosts) {
+    host.Begin();  // so that none records alone before the others are there
   }
   Together result;
   for (Host& host : hosts) {

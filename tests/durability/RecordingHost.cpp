@@ -1,9 +1,9 @@
-// recording-host FOLDER NAME SECONDS [on|calm]: records at full speed for that long, and writes to standard output a
-// line "?RECORD" before each record that it saves, a line "!" once that is acknowledged, and at the end a line
+// recording-host FOLDER NAME SECONDS [on|calm|ready]: records at full speed for that long, and writes to standard
+// output a line "?RECORD" before each record that it saves, a line "!" once that is acknowledged, and at the end a line
 // "=LONGEST USED": the seconds that its longest call took, and those of processor time that all took after the first
 // record, which prepares what the others use. With "on" it goes on after an error, for which it writes "-ERROR": with
 // the same record, or if the store lacks what was recorded before it, with another session. With "calm" it also pauses
-// after each record.
+// after each record. With "ready" it stops itself before it begins, until it is continued.
 
 #include "Recording.h"
 
@@ -12,11 +12,13 @@
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <exception>
 #include <iostream>
 #include <optional>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -44,11 +46,16 @@ Recording Begin(const char* folder, const std::string& name) {
 
 int main(int count, char** arguments) {
   using Clock = std::chrono::steady_clock;
+  const std::string_view mode = count > 4 ? arguments[4] : "";
+  if (mode == "ready") {
+    std::raise(SIGSTOP);
+  }
   const Clock::time_point end = Clock::now() + std::chrono::seconds(std::atoi(arguments[3]));
   try {
     std::optional<Recording> recording(Begin(arguments[1], arguments[2]));
     int sessions = 1;
-    const bool isCalm = count == 5 && std::string_view(arguments[4]) == "calm";
+    const bool isCalm = mode == "calm";
+    const bool goesOn = isCalm || mode == "on";
     Clock::duration longest{};
     std::optional<std::clock_t> used;
     for (Clock::time_point start = Clock::now(); start < end;) {
@@ -58,7 +65,7 @@ int main(int count, char** arguments) {
           used = std::clock();
         }
       } catch (const Quor::TolvaServices::TsError& error) {
-        if (count < 5) {
+        if (!goesOn) {
           throw;
         }
         Tell("-" + std::string(error.what()) + "\n");
