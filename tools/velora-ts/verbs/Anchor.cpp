@@ -1,6 +1,6 @@
 #include "verbs/Anchor.h"
 
-#include "output/FreshFile.h"
+#include "output/OutputFile.h"
 #include "store/rotating/Continuation.h"
 #include "store/schema/BringUp.h"
 #include "store/settings/WholeFile.h"
@@ -17,6 +17,7 @@ using namespace Store;
 namespace {
 
 constexpr std::uintmax_t largestFile = 1024;
+constexpr std::string_view start = "seal ";
 
 bool Consists(std::string_view text, std::string_view characters) {
   return text.find_first_not_of(characters) == std::string_view::npos;
@@ -24,7 +25,6 @@ bool Consists(std::string_view text, std::string_view characters) {
 
 // "seal 12 8f3a...", with the end of the line.
 std::optional<Anchor> AnchorIn(std::string_view line) {
-  static constexpr std::string_view start = "seal ";
   const std::size_t gap = line.find(' ', start.size());
   if (!line.starts_with(start) || !line.ends_with('\n') || gap == std::string_view::npos) {
     return std::nullopt;
@@ -54,9 +54,9 @@ Anchor ReadAnchor(const std::string& file) {
 }
 
 void WriteAnchor(const std::string& file, const Anchor& anchor) {
-  FreshFile fresh("file '" + file + "'", file, 0666U);
-  fresh.Write("seal " + std::to_string(anchor.number) + ' ' + anchor.hash + '\n');
-  fresh.TakeName(FreshFile::Existing::Replace);
+  OutputFile output("file", file, std::string(start));
+  output.Write(std::string(start) + std::to_string(anchor.number) + ' ' + anchor.hash + '\n');
+  output.Finish();
 }
 
 std::string AnchorFinding(const Anchor& anchor, const Store::Reader& store, long long origin) {

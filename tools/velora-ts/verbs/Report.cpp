@@ -1,5 +1,5 @@
 #include "output/Output.h"
-#include "output/PageFile.h"
+#include "output/OutputFile.h"
 #include "output/Progress.h"
 #include "output/Words.h"
 #include "page/writer/ComparedPage.h"
@@ -62,7 +62,7 @@ class ReportVerb : public StoreVerb {
         other ? std::optional(Comparison::Side{second.StoreOf(store), *other}) : std::nullopt;
     const Page::ComparedPage compared({store, *run}, side, rules.Rules(), settings.units, log ? &*log : nullptr);
     const Page::RunPage& page = compared.Page();
-    PageFile target(path);
+    OutputFile target("page", path, beginningOfPages);
     {
       Progress progress("Writing events", page.Events());
       page.Write(

@@ -1,7 +1,7 @@
 #include "asking/Statistics.h"
 #include "asking/TimeArgument.h"
 #include "output/Output.h"
-#include "output/PageFile.h"
+#include "output/OutputFile.h"
 #include "output/TextTable.h"
 #include "output/Times.h"
 #include "output/Units.h"
@@ -155,7 +155,7 @@ class StatsVerb : public StoreVerb {
                  const Settings& settings) const {
     std::string data = AsJson(statistics, name, by) + ",\n\"unit\":";
     AppendText(data, Units(settings.units).Of(name));
-    PageFile page(plot);
+    OutputFile page("page", plot, beginningOfPages);
     Page::WriteFramed(
         frame, [&page](std::string_view text) { page.Write(text); },
         [&data](const Page::Write& write) { write(data + '}'); });

@@ -1,4 +1,4 @@
-#include "output/PageFile.h"
+#include "output/OutputFile.h"
 
 #include "store/Error.h"
 
@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <fstream>
 #include <system_error>
 
 namespace Velora::Ts {
@@ -24,18 +25,37 @@ bool IsDevice(const std::filesystem::path& path) {
   return std::filesystem::exists(path, unknown) && !std::filesystem::is_regular_file(path, unknown);
 }
 
+/// Expects that a file is not there, or empty, or begins as it will. What cannot be read can be anything.
+void ExpectReplaceable(const std::string& path, const std::string& beginning) {
+  std::error_code unknown;
+  if (!std::filesystem::exists(System::PathOf(path), unknown)) {
+    return;
+  }
+  std::string start(beginning.size(), '\0');
+  std::ifstream file(System::PathOf(path), std::ios::binary);
+  file.read(start.data(), static_cast<std::streamsize>(start.size()));
+  start.resize(static_cast<std::size_t>(file.gcount()));
+  if (!file.is_open() || (!start.empty() && start != beginning)) {
+    throw Store::Error("file '" + path +
+                       "' is not replaced, because no such command wrote it; expected the name of a new file, or of "
+                       "one that such a command wrote");
+  }
+}
+
 }  // namespace
 
-PageFile::PageFile(const std::string& path) : words("page '" + path + "'") {
+OutputFile::OutputFile(const std::string& kind, const std::string& path, const std::string& beginning)
+    : words(kind + " '" + path + "'") {
   if (IsDevice(System::PathOf(path))) {
     device.reset(std::fopen(path.c_str(), "w"));
     Expect(device != nullptr);
   } else {
+    ExpectReplaceable(path, beginning);
     file.emplace(words, TargetOf(path), 0666U);
   }
 }
 
-void PageFile::Write(std::string_view text) {
+void OutputFile::Write(std::string_view text) {
   if (file) {
     file->Write(text);
   } else {
@@ -44,7 +64,7 @@ void PageFile::Write(std::string_view text) {
   bytes += text.size();
 }
 
-void PageFile::Finish() {
+void OutputFile::Finish() {
   if (file) {
     file->TakeName(FreshFile::Existing::Replace);
   } else {
@@ -52,7 +72,7 @@ void PageFile::Finish() {
   }
 }
 
-void PageFile::Expect(bool good) const {
+void OutputFile::Expect(bool good) const {
   if (!good) {
     throw Store::Error(words + " cannot be written: " + std::generic_category().message(errno));
   }
