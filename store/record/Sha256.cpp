@@ -4,8 +4,6 @@
 
 #include "store/Error.h"
 
-#include <array>
-
 namespace Velora::Store {
 
 namespace {
@@ -23,18 +21,27 @@ Sha256::Sha256() { Expect(EVP_DigestInit_ex(context.get(), EVP_sha256(), nullptr
 void Sha256::Add(std::string_view piece) { Expect(EVP_DigestUpdate(context.get(), piece.data(), piece.size())); }
 
 std::string Sha256::Finish() {
-  std::array<unsigned char, EVP_MAX_MD_SIZE> digest{};
-  unsigned length = 0;
-  Expect(EVP_DigestFinal_ex(context.get(), digest.data(), &length));
-  Begin();
   std::string digits;
-  for (unsigned at = 0; at < length; ++at) {
-    AppendHex(digits, static_cast<char>(digest[at]));
+  for (const char byte : FinishBytes()) {
+    AppendHex(digits, byte);
   }
   return digits;
 }
 
+std::string Sha256::FinishBytes() {
+  std::string digest(32, '\0');
+  Expect(EVP_DigestFinal_ex(context.get(), reinterpret_cast<unsigned char*>(digest.data()), nullptr));
+  Begin();
+  return digest;
+}
+
 // Without the name of the algorithm, which takes long to find.
 void Sha256::Begin() { Expect(EVP_DigestInit_ex(context.get(), nullptr, nullptr)); }
+
+std::string Sha256Of(std::string_view bytes) {
+  Sha256 sha;
+  sha.Add(bytes);
+  return sha.FinishBytes();
+}
 
 }  // namespace Velora::Store

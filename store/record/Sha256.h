@@ -16,11 +16,16 @@ class Sha256 {
   void Add(std::string_view piece);
   /// The hash in 64 hexadecimal digits. Afterwards, the object is as new.
   std::string Finish();
+  /// The hash as 32 bytes. Afterwards, the object is as new.
+  std::string FinishBytes();
 
  private:
   void Begin();
 
   std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)> context{EVP_MD_CTX_new(), &EVP_MD_CTX_free};
 };
+
+/// The hash of bytes, as 32 bytes.
+std::string Sha256Of(std::string_view bytes);
 
 }  // namespace Velora::Store
