@@ -10,7 +10,7 @@ namespace {
 // The tables that runs or the first seals need, and those whose rows wait until all others have come.
 constexpr const char* beforeRuns[] = {"stores",        "ts_schema",     "sessions", "activities", "activity_versions",
                                       "registrations", "configurations"};
-constexpr const char* afterRuns[] = {"notes", "seals"};
+constexpr const char* afterRuns[] = {"notes", "seals", "tree_leaves", "tree_parts", "signatures", "timestamps"};
 
 constexpr long long statusesOfAnExecution = 10;  // more than usual
 

@@ -206,7 +206,9 @@ void Records::WriteRest(const PerKind& since) {
   for (const auto& [after, last] : KeysOf(origin, since[Events], upTo[Events])) {
     WriteEvents(ofNoRun.Ask(after, last));
   }
-  writeAll(Stores);
+  for (const Kind kind : {Stores, Signatures, TimeStamps}) {
+    writeAll(kind);
+  }
 }
 
 void Records::BeginEventsOfNoRun() { BeginPart(Header("rest") + '}', true); }
@@ -327,6 +329,8 @@ void Records::AppendParameter(const Rows& parameters) {
 EventRows QueryEventsOfNoRun(const Reader& store) {
   return EventsWhere(store, "+v.execution_id IS NULL AND v.at >= ?1 AND v.at < ?2");
 }
+
+EventRows QueryEvent(const Reader& store) { return EventsWhere(store, "v.event_id = ?1"); }
 
 std::vector<long long> StoresThatAddedTo(const Reader& store, long long root) {
   std::set<long long> stores;

@@ -34,13 +34,15 @@ enum Kind {
   Parameters,
   Notes,
   Stores,
+  Signatures,
+  TimeStamps,
   kindCount
 };
 
 /// The names of the kinds in records and seals.
-inline constexpr std::array<const char*, kindCount> kindNames = {"schema",  "session",       "registration", "activity",
-                                                                 "version", "configuration", "execution",    "status",
-                                                                 "event",   "parameter",     "note",         "store"};
+inline constexpr std::array<const char*, kindCount> kindNames = {
+    "schema", "session", "registration", "activity", "version", "configuration", "execution",
+    "status", "event",   "parameter",    "note",     "store",   "signature",     "timestamp"};
 
 inline constexpr std::array<Kind, kindCount> kinds = [] {
   std::array<Kind, kindCount> all{};
@@ -130,6 +132,9 @@ class Records {
 /// A query for the events of all stores that belong to no run, at or after one time, ?1, and before another, ?2. Those
 /// of one store follow one another.
 EventRows QueryEventsOfNoRun(const Reader& store);
+
+/// A query for the event with the key ?1.
+EventRows QueryEvent(const Reader& store);
 
 /// The numbers of the stores other than its own that have something about a run, in their order.
 std::vector<long long> StoresThatAddedTo(const Reader& store, long long root);

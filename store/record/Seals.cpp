@@ -101,6 +101,9 @@ bool SealRows::Next() {
         *text = rows->Text(column);
       }
     }
+    if (name == "schema_version") {
+      seal.schema = rows->Integer(column);
+    }
     if (name != ownHash) {
       AppendField(line, name);
       column == 0 ? AppendInteger(line, rows->Integer(0) - shift) : rows->AppendValue(line, column);

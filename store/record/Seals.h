@@ -25,7 +25,8 @@ struct Seal {
   std::string contentHash;
   std::string previousHash;
   std::string hash;
-  std::string ownHash;  ///< The hash computed from the row, which must be equal to `hash`.
+  long long schema = 0;  ///< The version of the schema with which it was made.
+  std::string ownHash;   ///< The hash computed from the row, which must be equal to `hash`.
 };
 
 /// The previous hash of the first seal.
@@ -48,6 +49,8 @@ class SealRows {
   /// Goes to the next seal. @return whether there is one.
   bool Next();
   const Seal& Current() const { return seal; }
+  /// The line of JSON from which the hash of the seal is computed.
+  const std::string& Line() const { return line; }
 
  private:
   std::optional<Rows> rows;

@@ -260,7 +260,8 @@ const char* const rights = R"(
                      FROM pg_class, aclexplode(relacl)
                      WHERE oid = CAST('executions' AS regclass) AND grantee <> relowner
                        AND privilege_type IN ('SELECT', 'INSERT') LOOP
-        EXECUTE 'GRANT ' || allowed.privilege || ' ON notes, stores, session_locks TO ' || allowed.role;
+        EXECUTE 'GRANT ' || allowed.privilege || ' ON notes, tree_leaves, tree_parts, signatures, timestamps, '
+          || 'stores, session_locks TO ' || allowed.role;
         IF allowed.privilege = 'SELECT' THEN
           EXECUTE 'GRANT SELECT ON running, arrivals TO ' || allowed.role;
         ELSE

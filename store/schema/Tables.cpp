@@ -14,7 +14,7 @@ constexpr const char* knownOfTheInstrument = "what was known about the instrumen
 constexpr const char* reserved = "reserved for TS; empty";
 constexpr const char* textOfTheHost = "texts of the host for the session; mostly empty";
 
-Column Key(const char* name) { return {name, Type::Key, "key"}; }
+Column Key(const char* name, const char* meaning = "key") { return {name, Type::Key, meaning}; }
 Column Guid(const char* meaning = "identity") { return {.name = "guid", .meaning = meaning, .isUnique = true}; }
 Column Text(const char* name, const char* meaning) { return {name, Type::Text, meaning}; }
 Column Integer(const char* name, const char* meaning) { return {name, Type::Integer, meaning}; }
@@ -138,6 +138,31 @@ std::vector<Table> Describe() {
        .indexes = {{"seals_by_run", {"run", "seal_id"}}},
        .hostsAdd = false,
        .since = 2},
+      {.name = "tree_leaves",
+       .record = "leaves",
+       .columns = {Key("leaf_id", "the number of the last of these leaves of the tree, from 1"),
+                   Integer("seal", "the number of the seal that they belong to"),
+                   Text("hashes", "the hashes of at most 256 leaves that follow one another, joined, in Base64")},
+       .hostsAdd = false,
+       .since = 3},
+      {.name = "tree_parts",
+       .record = "part",
+       .columns = {Key("part_id", "the number of the part of the tree, from 1"),
+                   Text("hash", "the root of its 256 leaves, in Base64")},
+       .hostsAdd = false,
+       .since = 3},
+      {.name = "signatures",
+       .record = "signature",
+       .columns = {Key("signature_id"), Integer("seal", "the number of the seal that is signed, with all before it"),
+                   Text("kind", "`note` or `ssh`"), Text("text", "the signature, as `docs/integrity.md` describes it")},
+       .hostsAdd = false,
+       .since = 3},
+      {.name = "timestamps",
+       .record = "timestamp",
+       .columns = {Key("timestamp_id"), Integer("seal", "the number of the seal that existed then, with all before it"),
+                   Text("token", "what a time-stamping authority signed (RFC 3161), in Base64")},
+       .hostsAdd = false,
+       .since = 3},
       {.name = "stores",
        .record = "store",
        .columns = {Key("store_id"), Guid("the identity of a store: its own, or of one whose records it has"),

@@ -48,10 +48,10 @@ void Third(Dialect& to) {
   to.OnServer(Server::Version3::keys);
   to.OnServer(Server::Version3::partitions);
   to.OnServer(Server::Version3::withEvents);
-  to.Make(TableNamed("notes"));
-  to.KeepRows(TableNamed("notes"));
-  to.Make(TableNamed("stores"));
-  to.KeepRows(TableNamed("stores"));
+  for (const char* const table : {"notes", "tree_leaves", "tree_parts", "signatures", "timestamps", "stores"}) {
+    to.Make(TableNamed(table));
+    to.KeepRows(TableNamed(table));
+  }
   for (const Table& table : TablesOf(3)) {
     to.NumberRows(table);
     if (table.since == 3) {

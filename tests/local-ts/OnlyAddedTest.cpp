@@ -72,6 +72,8 @@ TEST_F(OnlyAdded, NoStatementChangesDeletesOrReplacesARow) {
   Begin();
   Run("INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 2, '', '')");
   Run("INSERT INTO notes VALUES (1, 1, '', '', '', '')");
+  Run("INSERT INTO tree_leaves VALUES (1, 1, ''); INSERT INTO tree_parts VALUES (1, '')");
+  Run("INSERT INTO signatures VALUES (1, 1, 'note', ''); INSERT INTO timestamps VALUES (1, 1, '')");
   const std::string before = Content();
   for (const Table& table : Velora::Store::Tables()) {
     const std::string set = "SET " + table.Number() + " = " + table.Number();
@@ -96,6 +98,8 @@ TEST_F(OnlyAdded, NoStatementNumbersARowOutsideWhatSealsCover) {
   Begin();
   Run("INSERT INTO seals VALUES (NULL, NULL, '', '', '', '', '', 2, '', '')");
   Run("INSERT INTO notes VALUES (1, 1, '', '', '', '')");
+  Run("INSERT INTO tree_leaves VALUES (1, 1, ''); INSERT INTO tree_parts VALUES (1, '')");
+  Run("INSERT INTO signatures VALUES (1, 1, 'note', ''); INSERT INTO timestamps VALUES (1, 1, '')");
   for (const Table& table : Velora::Store::Tables()) {
     for (const char* number : {"-9223372036854775808", "-1", "0", "10000000000", "9223372036854775807", "1.5"}) {
       const bool isTyped = table.primaryKey.empty() && number == "1.5"s;

@@ -111,6 +111,8 @@ TEST_F(Facility, AHostsRoleRecordsAndCanDoNothingElse) {
   Sql("SELECT make_partitions()", "dbname=postgres user=host");
   EXPECT_EQ(Sql("SELECT COUNT(*) FROM pg_inherits WHERE inhrelid = CAST('parameters_" + next + "' AS regclass)"), "1");
   Sql("INSERT INTO seals VALUES (1, NULL, '', '', '', '', '', 2, '', '')");
+  Sql("INSERT INTO tree_leaves VALUES (1, 1, ''); INSERT INTO tree_parts VALUES (1, '')");
+  Sql("INSERT INTO signatures VALUES (1, 1, 'note', ''); INSERT INTO timestamps VALUES (1, 1, '')");
   Sql("INSERT INTO notes (root_id, author, kind, text, at) VALUES (1, '', '', '', '')", "dbname=postgres user=host");
   for (const auto& description : Velora::Store::Tables()) {
     const std::string& table = description.name;

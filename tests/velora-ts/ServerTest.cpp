@@ -233,6 +233,21 @@ TEST_F(OnServer, WhatIsAlteredThereIsFound) {
   }
 }
 
+TEST_F(OnServer, SignaturesAndProofsAreAsInAFile) {
+  Begin("server");
+  RecordHostileRun("one");
+  EXPECT_EQ(Shell("openssl genpkey -algorithm ed25519 -out ines.pem; velora-ts seal --config server --key ines.pem "
+                  "--signer ines | sed -n 's/.* by //p' >signers"),
+            0)
+      << said;
+  EXPECT_EQ(Tool("verify --config server --signers signers"), 0) << said;
+  EXPECT_TRUE(Says("and all before it: signed by ines")) << said;
+  const std::string event = Sql("SELECT event_id FROM events WHERE execution_id IS NOT NULL ORDER BY event_id LIMIT 1");
+  EXPECT_EQ(Tool("prove last " + event.substr(0, event.find('\n')) + " --config server -o server.proof"), 0) << said;
+  EXPECT_EQ(Tool("prove --check server.proof --signers signers"), 0) << said;
+  EXPECT_TRUE(Says("2 proofs checked: 0 findings, 0 not signed")) << said;
+}
+
 // All in one database, since each is told by its name.
 TEST_F(OnServer, ASchemaThatIsNotWhatItWasMadeIsFoundWhateverWasDoneToIt) {
   PrepareSealed();

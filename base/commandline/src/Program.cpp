@@ -42,6 +42,10 @@ void Options::AddRequiredText(const std::string& name, std::string& value, const
   line.add_option(name, value, help)->required()->check(NotEmpty())->type_name(FormOf(name, form));
 }
 
+void Options::AddTexts(const std::string& name, std::vector<std::string>& values, const std::string& help) {
+  line.add_option(name, values, help)->check(NotEmpty())->type_name(FormOf(name, ""));
+}
+
 void Options::AddRequiredTexts(const std::string& name, std::vector<std::string>& values, const std::string& help) {
   line.add_option(name, values, help)->required()->check(NotEmpty())->type_name(FormOf(name, ""));
 }

@@ -25,6 +25,12 @@ namespace {
 
 void Say(std::string_view line) { WriteOut(Printable(line) + '\n'); }
 
+void SayEach(const std::string& beginning, const std::vector<std::string>& words) {
+  for (const std::string& end : words) {
+    Say(std::string(beginning).append(end));
+  }
+}
+
 void Complain(std::string_view line) { Velora::Text::WriteLine(std::cerr, line); }
 
 void WriteOut(std::string_view text) {

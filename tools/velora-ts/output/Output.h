@@ -1,7 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace Velora::Ts {
 
@@ -14,6 +16,8 @@ using Sink = std::function<void(std::string_view piece)>;
 /// can steer a terminal.
 /// @throws Error when standard output cannot be written.
 void Say(std::string_view line);
+/// Says a line for each of some words, all with the same beginning.
+void SayEach(const std::string& beginning, const std::vector<std::string>& words);
 /// Writes a line to standard error for a person, with control characters made visible.
 void Complain(std::string_view line);
 

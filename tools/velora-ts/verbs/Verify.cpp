@@ -1,20 +1,24 @@
 #include "output/Output.h"
 #include "output/Progress.h"
 #include "output/Words.h"
+#include "proving/EvidenceRows.h"
 #include "store/reading/KnownStores.h"
 #include "store/reading/Reader.h"
-#include "store/reading/Rows.h"
 #include "store/reading/Runs.h"
+#include "store/record/SealedContents.h"
 #include "store/record/Seals.h"
 #include "store/record/Sha256.h"
+#include "store/record/StoredTree.h"
 #include "store/record/Unsealed.h"
 #include "store/rotating/Continuation.h"
+#include "store/schema/Tables.h"
 #include "store/soundness/Origins.h"
 #include "store/soundness/Soundness.h"
 #include "verbs/Anchor.h"
 #include "verbs/StoreVerb.h"
 
 #include <algorithm>
+#include <map>
 #include <numeric>
 #include <optional>
 #include <utility>
@@ -41,6 +45,12 @@ class Outcome {
     ++notSealed;
   }
 
+  /// @param how "signed" or "dated".
+  void NotAttested(const char* how, const std::string& what) {
+    Say(std::string("not ").append(how).append(" by who is believed: ").append(what));
+    allAttested = false;
+  }
+
   /// An attacker can have prevented the comparison, so the result must not be "all sealed".
   void NoteWhatIsNotCompared(const std::string& what) {
     if (!what.empty()) {
@@ -52,7 +62,7 @@ class Outcome {
   ExitCode Finish() const {
     Say(std::to_string(seals) + " seals verified: " + std::to_string(findings) + " findings, " +
         std::to_string(notSealed) + " not sealed");
-    return findings > 0 ? Found : notSealed > 0 || !allCompared ? Unsealed : Done;
+    return findings > 0 ? Found : notSealed > 0 || !allCompared || !allAttested ? Unsealed : Done;
   }
 
   long long seals = 0;
@@ -61,6 +71,13 @@ class Outcome {
   int findings = 0;
   int notSealed = 0;
   bool allCompared = true;
+  bool allAttested = true;
+};
+
+/// Whom somebody believes. Each is nothing if nobody is named.
+struct Believed {
+  std::optional<Signers> signers;
+  std::optional<Authorities> authorities;
 };
 
 /// Names a chain of several in findings.
@@ -71,15 +88,14 @@ std::string PlaceOf(const Store::Reader& store, const KnownStore& origin) {
 /// Verifies what one store sealed and recorded.
 class Verifier {
  public:
-  Verifier(const Store::Reader& store, const KnownStore& origin, Outcome& outcome)
+  Verifier(const Store::Reader& store, const KnownStore& origin, const Believed& believed, Outcome& outcome)
       : store(store),
         origin(origin.number),
+        believed(believed),
+        evidence(store, origin),
         where(origin.number == thisStore ? "" : PlaceOf(store, origin)),
         outcome(outcome),
-        records(store, origin.number, none, [this](std::string_view line) {
-          sha.Add(line);
-          progress->Add(1);
-        }) {
+        stored(store, origin.number) {
     chain.origin = origin.number;
   }
 
@@ -97,23 +113,52 @@ class Verifier {
       return;
     }
     progress.emplace("Hashing records", std::accumulate(chain.counts.begin(), chain.counts.begin() + Parameters, 0LL));
-    const KeyRange ofOrigin = KeysOf(origin).front();
-    Rows before(
-        store,
-        "SELECT up_to FROM seals WHERE run = ?1 AND seal_id > ?2 AND seal_id < ?3 ORDER BY seal_id DESC LIMIT 1");
-    PerKind ofNoRun = none;
-    for (SealRows seals(store, origin); seals.Next();) {
-      const Seal& seal = seals.Current();
-      records.Limit(FromText(seal.upTo).value_or(none));
-      if (seal.run.empty()) {
-        records.WriteRest(std::exchange(ofNoRun, FromText(seal.upTo).value_or(none)));
-        Compare(seal, "what belongs to no run");
-        continue;
+    const long long inTheTree = stored.NewestSeal();
+    long long awaited = 0;  // the first seal of another store whose hashes have not arrived yet
+    SealedContents contents(store, origin, 0, [this](std::string_view line) {
+      sha.Add(line);
+      leaves += hasher.OfLeaf(line);
+      progress->Add(1);
+    });
+    while (contents.Next()) {
+      const Seal& seal = contents.Current();
+      const bool untouched = Compare(contents);
+      leaves += hasher.OfLeaf(contents.Line());
+      const bool mustHave = seal.number <= inTheTree || seal.schema >= TableNamed("tree_leaves").since;
+      const bool isAwaited = mustHave && origin != thisStore && seal.number > inTheTree;
+      awaited = isAwaited && awaited == 0 ? seal.number : awaited;
+      CompareHashes(seal, untouched, mustHave && !isAwaited);
+      if (evidence.IsOf(seal.number)) {
+        JudgeEvidence(seal.number);
       }
-      const bool again = before.Ask(seal.run, ofOrigin.after, seal.number + ShiftOf(origin)).Next();
-      CompareRun(seal, again ? FromText(before.Text(0)).value_or(none) : none);
     }
     progress.reset();
+    if (awaited > 0) {
+      outcome.NoteWhatIsNotCompared(where + "the hashes of seal " + std::to_string(awaited) +
+                                    " and behind it in tree_leaves, which have not arrived");
+    }
+  }
+
+  /// Says who signed, and what is of seals that are not there.
+  void SayWhatIsSigned() {
+    for (const long long seal : evidence.OfNoSeal(chain.number)) {
+      Report({"there is a signature or time stamp of seal " + std::to_string(seal) + ", which is missing"});
+    }
+    if (const long long rows = stored.RowsBehind(tree.Size()); rows > 0) {
+      Report({std::to_string(rows) + " rows of tree_leaves and tree_parts are behind those of all seals"});
+    }
+    for (const auto& [signer, seal] : newestBy) {
+      Say(where + "seal " + std::to_string(seal) + " and all before it: signed by " + signer);
+    }
+    SayWhatIsLeft(signaturesLeft, " signatures are not compared: --signers names nobody");
+    SayWhatIsLeft(stampsLeft, " time stamps are not compared: --tsa names no authority");
+    if (believed.signers && newestSigned < chain.number) {
+      outcome.NotAttested(
+          "signed", where + (newestSigned == 0 ? "no seal" : "no seal behind seal " + std::to_string(newestSigned)));
+    }
+    if (believed.authorities && !isDated && chain.seals > 0) {
+      outcome.NotAttested("dated", where + "no seal");
+    }
   }
 
   void FindWhatIsNotSealed() {
@@ -131,6 +176,30 @@ class Verifier {
   }
 
  private:
+  void JudgeEvidence(long long seal) {
+    const Judgement judgement =
+        Judge(evidence.Of(seal, tree.Size(), tree.Root()), believed.signers ? &*believed.signers : nullptr,
+              believed.authorities ? &*believed.authorities : nullptr);
+    const std::string ofSeal = where + "seal " + std::to_string(seal);
+    for (const std::string& signer : judgement.signers) {
+      newestBy[signer] = newestSigned = seal;
+    }
+    SayEach(ofSeal + " and all before it: ", judgement.times);
+    isDated = isDated || !judgement.times.empty();
+    SayEach(ofSeal + ": ", judgement.unknown);
+    for (const std::string& finding : judgement.findings) {
+      Report({finding + ": seal " + std::to_string(seal)});
+    }
+    signaturesLeft += judgement.signaturesLeft;
+    stampsLeft += judgement.stampsLeft;
+  }
+
+  void SayWhatIsLeft(int count, const std::string& words) {
+    if (count > 0) {
+      Say(where + std::to_string(count) + words);
+    }
+  }
+
   void CheckLink(const Link& link) {
     if (!link.finding.empty()) {
       Report({link.finding});
@@ -148,20 +217,32 @@ class Verifier {
                       (origin == thisStore ? "" : "; it is sealed in that store, where it was recorded"));
   }
 
-  void CompareRun(const Seal& seal, const PerKind& since) {
-    const std::vector<Run> runs = RunsNamed(store, seal.run);
-    const auto run = std::find_if(runs.begin(), runs.end(), [&](const Run& found) { return found.guid == seal.run; });
-    if (run == runs.end()) {
+  /// @return whether what a seal covers is what it was.
+  bool Compare(const SealedContents& contents) {
+    const Seal& seal = contents.Current();
+    const bool untouched = sha.Finish() == seal.contentHash;
+    if (!seal.run.empty() && !contents.OfRun()) {
       Report({"run " + seal.run + " is missing"});
-      return;
+    } else if (!untouched) {
+      Report({(seal.run.empty() ? "what belongs to no run" : InWords(*contents.OfRun())) + " was altered: seal " +
+              std::to_string(seal.number) + Difference(seal, contents.Counts())});
     }
-    records.WriteRun(run->root, since);
-    Compare(seal, InWords(*run));
+    return untouched;
   }
 
-  void Compare(const Seal& seal, const std::string& words) {
-    if (sha.Finish() != seal.contentHash) {
-      Report({words + " was altered: seal " + std::to_string(seal.number) + Difference(seal, records.Counts())});
+  /// @param untouched whether what the seal covers is what it was. If not, the tree goes on with the leaves that are
+  /// kept, so that nothing else is reported of the seals behind it.
+  /// @param expected whether the tree must have the leaves of the seal: seals of earlier versions came without.
+  void CompareHashes(const Seal& seal, bool untouched, bool expected) {
+    std::string hashes = std::exchange(leaves, "");
+    if (!untouched) {
+      hashes = stored.LeavesOf(seal.number).value_or(SealLeaves{0, hashes}).hashes;
+    }
+    const long long from = tree.Size();
+    const TreeRows computed = AddLeaves(tree, seal.number, hashes), kept = stored.RowsBetween(from, tree.Size());
+    if (kept != computed && (expected || kept != TreeRows())) {
+      Report({"the hashes of seal " + std::to_string(seal.number) + " in tree_leaves and tree_parts " +
+              (kept.leaves.empty() ? "are missing" : "are not those of what it covers")});
     }
   }
 
@@ -178,12 +259,21 @@ class Verifier {
 
   const Store::Reader& store;
   const long long origin;
-  const std::string where;  // the beginning of what is said of another store
+  const Believed& believed;
+  const EvidenceRows evidence;
+  std::map<std::string, long long> newestBy;  // by those who are believed
+  long long newestSigned = 0;
+  bool isDated = false;
+  int signaturesLeft = 0, stampsLeft = 0;  // which were not judged
+  const std::string where;                 // the beginning of what is said of another store
   Outcome& outcome;
   Chain chain;
+  StoredTree stored;
   Sha256 sha;
+  TreeHasher hasher;
+  GrowingTree tree;
+  std::string leaves;  // of the seal that is compared
   std::optional<Progress> progress;
-  Records records;
 };
 
 /// How the chains of all stores contradict an anchor: one of them must contain it. Empty if one does.
@@ -210,9 +300,21 @@ class VerifyVerb : public StoreVerb {
                             "Compare the seals with this file, which seal --anchor wrote; in a store that has the "
                             "records of others, with those of the store that wrote it",
                             "FILE");
+    options.AddText("--signers", signersFile,
+                    "Name who signed, by the keys in this file: what seal --key said, or allowed signers of OpenSSH, "
+                    "one a line",
+                    "FILE");
+    options.AddText("--tsa", authoritiesFile, "Check time stamps by these certificates of authorities, in PEM", "FILE");
   }
 
   ExitCode Execute() override {
+    Believed believed;
+    if (!signersFile.empty()) {
+      believed.signers.emplace(signersFile);
+    }
+    if (!authoritiesFile.empty()) {
+      believed.authorities.emplace(authoritiesFile);
+    }
     const Reader store(Database());
     Outcome outcome;
     const Findings ofSchema = SchemaFindings(store);
@@ -228,9 +330,10 @@ class VerifyVerb : public StoreVerb {
       }
     }
     for (const KnownStore& origin : origins) {
-      Verifier verifier(store, origin, outcome);
+      Verifier verifier(store, origin, believed, outcome);
       verifier.CheckChain();
       verifier.CompareContents();
+      verifier.SayWhatIsSigned();
       verifier.FindWhatIsNotSealed();
     }
     store.ExpectUntouched();
@@ -239,6 +342,7 @@ class VerifyVerb : public StoreVerb {
 
  private:
   std::vector<std::string> anchorFiles;
+  std::string signersFile, authoritiesFile;
 };
 
 }  // namespace

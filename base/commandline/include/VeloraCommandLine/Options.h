@@ -25,6 +25,8 @@ class Options {
   /// A text that must be given.
   void AddRequiredText(const std::string& name, std::string& value, const std::string& help,
                        const std::string& form = "");
+  /// Texts.
+  void AddTexts(const std::string& name, std::vector<std::string>& values, const std::string& help);
   /// Texts of which at least one must be given.
   void AddRequiredTexts(const std::string& name, std::vector<std::string>& values, const std::string& help);
   /// A text that can be given several times.
