@@ -105,8 +105,7 @@ std::string AsDer(std::string_view signature) {
   static_cast<void>(s.release());
   unsigned char* der = nullptr;
   const int length = i2d_ECDSA_SIG(both.get(), &der);
-  const std::unique_ptr<unsigned char, Freed<[](unsigned char* bytes) { OPENSSL_free(bytes); }>> freed(der);
-  return length > 0 ? std::string(reinterpret_cast<char*>(der), static_cast<std::size_t>(length)) : "";
+  return TakeBytes(der, length);
 }
 
 /// The hash that an algorithm signs: nothing for one that is not known, a null pointer for one that hashes by itself.

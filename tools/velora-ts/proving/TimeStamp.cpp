@@ -35,8 +35,7 @@ using Certificates = std::unique_ptr<X509_STORE, Freed<&X509_STORE_free>>;
 std::string DerOf(PKCS7* token) {
   unsigned char* der = nullptr;
   const int length = i2d_PKCS7(token, &der);
-  const std::unique_ptr<unsigned char, Freed<[](unsigned char* bytes) { OPENSSL_free(bytes); }>> freed(der);
-  return length > 0 ? std::string(reinterpret_cast<char*>(der), static_cast<std::size_t>(length)) : "";
+  return TakeBytes(der, length);
 }
 
 bool HasNoParameters(const X509_ALGOR* algorithm) {
@@ -221,11 +220,11 @@ std::string TimeStampQuery(std::string_view text) {
       TS_REQ_set_cert_req(query.get(), 1) == 1) {
     length = i2d_TS_REQ(query.get(), &der);
   }
-  const std::unique_ptr<unsigned char, Freed<[](unsigned char* bytes) { OPENSSL_free(bytes); }>> freed(der);
-  if (length <= 0) {
+  std::string bytes = TakeBytes(der, length);
+  if (bytes.empty()) {
     throw Error("OpenSSL cannot make a time stamp query");
   }
-  return {reinterpret_cast<char*>(der), static_cast<std::size_t>(length)};
+  return bytes;
 }
 
 std::string TokenIn(std::string_view bytes) {
